@@ -239,6 +239,15 @@ std::int64_t fileClockNow() {
   return nanoseconds(now);
 }
 
+// An embedded zero would silently cut the name on its way to the system and so name another file.
+std::filesystem::path pathFromUtf8(std::string_view name) {
+  return name.find('\0') == std::string_view::npos ? std::filesystem::path(name) : std::filesystem::path();
+}
+
+std::filesystem::path pathFromUtf16(std::u16string_view name) {
+  return pathFromUtf8(utf16ToUtf8(name));
+}
+
 std::string pathToAnsi(const std::filesystem::path& path) {
   return utf8ToAnsi(path.native());
 }

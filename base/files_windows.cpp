@@ -222,8 +222,21 @@ std::int64_t fileClockNow() {
   return nanoseconds(now);
 }
 
+// An embedded zero would silently cut the name on its way to the system and so name another file.
+std::filesystem::path pathFromUtf16(std::u16string_view name) {
+  if (name.find(u'\0') != std::u16string_view::npos) {
+    return {};
+  }
+  return std::wstring(name.begin(), name.end());
+}
+
+std::filesystem::path pathFromUtf8(std::string_view name) {
+  return pathFromUtf16(utf8ToUtf16(name));
+}
+
 std::string pathToAnsi(const std::filesystem::path& path) {
-  return utf16ToAnsi(path.u16string());
+  const std::wstring& name = path.native();
+  return utf16ToAnsi({reinterpret_cast<const char16_t*>(name.data()), name.size()});
 }
 
 }  // namespace veltrano

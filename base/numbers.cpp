@@ -310,7 +310,7 @@ std::optional<double> parseNumber(std::string_view text) {
     return std::nullopt;
   }
   text = text.substr(first, text.find_last_not_of(blanks) - first + 1);
-  if (text.front() == '+') {
+  if (text.front() == '+' && text.size() > 1 && text[1] != '-') {
     text.remove_prefix(1);
   }
   // "inf" and "nan" are words to a host, not numbers; a second sign is no number either.
