@@ -6,14 +6,11 @@ namespace veltrano {
 
 bool Recordset::find(std::string_view field, const TextMatcher& matcher) {
   std::string text;
-  while (!atEnd().value_or(true)) {
+  do {
     if (readText(field, text) && matcher.matchesUtf8(text)) {
       return true;
     }
-    if (!moveNext()) {
-      return false;
-    }
-  }
+  } while (moveNext() && !atEnd().value_or(true));
   return false;
 }
 

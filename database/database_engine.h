@@ -80,9 +80,10 @@ class Recordset : public ErrorReason {
   /// not convert, does not fit or is not allowed fails and leaves the field, and the edit, as they were.
   virtual bool write(std::string_view field, const Value& value) = 0;
 
-  /// Goes from the current record on, itself included, to the first one whose field is equal to the matcher's
-  /// text, and answers true; false and end of file if there is none. A null equals nothing. The default reads
-  /// every record as text; an engine that can look at the stored form of just that field overrides it.
+  /// Not at end of file: goes from the current record on, itself included, to the first one whose field is
+  /// equal to the matcher's text, and answers true; false and end of file if there is none. A null equals
+  /// nothing. The default reads every record as text; an engine that can look at the stored form of just that
+  /// field overrides it.
   virtual bool find(std::string_view field, const TextMatcher& matcher);
 
   virtual bool close() = 0;
