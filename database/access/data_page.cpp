@@ -34,6 +34,14 @@ DataPage::DataPage(Bytes page, Version version)
 
 bool DataPage::valid() const { return page_[0] == page_kind::data && page_[1] == 1; }
 
+bool DataPage::empty() const {
+  std::uint32_t i = 0;
+  while (i < slots_ && isDeleted(i)) {
+    ++i;
+  }
+  return i == slots_;
+}
+
 std::optional<Bytes> DataPage::row(std::uint32_t index) const {
   if (index >= slots_) {
     return std::nullopt;

@@ -37,6 +37,10 @@ class DataPage {
   /// The slot's word with its flags.
   [[nodiscard]] std::uint16_t slot(std::uint32_t index) const { return load16(page_.data() + slotsAt_ + 2 * index); }
   [[nodiscard]] bool isHidden(std::uint32_t index) const { return (slot(index) & slot_flag::hidden) != 0; }
+  /// True for a row that is gone; the target of a pointer is only hidden.
+  [[nodiscard]] bool isDeleted(std::uint32_t index) const { return isHidden(index) && isPointer(index); }
+  /// True when all rows are gone.
+  [[nodiscard]] bool empty() const;
   [[nodiscard]] bool isPointer(std::uint32_t index) const { return (slot(index) & slot_flag::pointer) != 0; }
   /// The row's bytes, whatever its flags are. Nothing when there is no such slot or it is damaged.
   [[nodiscard]] std::optional<Bytes> row(std::uint32_t index) const;

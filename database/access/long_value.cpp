@@ -102,15 +102,6 @@ std::optional<RowPointer> storePiece(Pager& pager, const Column& column, Bytes r
   return slot ? std::optional(RowPointer{*number, *slot}) : std::nullopt;
 }
 
-bool pageIsEmpty(const DataPage& page) {
-  for (std::uint32_t i = 0; i < page.slotCount(); ++i) {
-    if (!page.isHidden(i)) {
-      return false;
-    }
-  }
-  return true;
-}
-
 // Deletes one piece; a page left empty goes back to the file if the column's map proves that it is its own.
 bool releasePiece(Pager& pager, const Column& column, RowPointer place) {
   const MutableBytes bytes = pager.edit(place.page);
@@ -126,7 +117,7 @@ bool releasePiece(Pager& pager, const Column& column, RowPointer place) {
   if (!owned.contains(place.page)) {
     return true;
   }
-  if (pageIsEmpty(DataPage(bytes, pager.version()))) {
+  if (DataPage(bytes, pager.version()).empty()) {
     return owned.remove(place.page) && free.remove(place.page) && freePage(pager, place.page);
   }
   return free.add(place.page);
@@ -215,7 +206,7 @@ bool releaseLongValue(Pager& pager, const Column& column, Bytes cell) {
     }
     const DataPage page(piece->page.bytes(), pager.version());
     const std::size_t head = single ? 0 : chainHead;
-    if (!page.sound() || page.isHidden(place.row) || piece->bytes.size() < head) {
+    if (!page.sound() || page.isDeleted(place.row) || piece->bytes.size() < head) {
       return true;
     }
     const RowPointer next = single ? RowPointer{} : RowPointer::fromDisk(load32(piece->bytes.data()));
