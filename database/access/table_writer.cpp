@@ -276,21 +276,23 @@ bool TableWriter::countRows(int change) {
 
 // --- The three changes
 
+std::optional<RowPointer> TableWriter::insertInTransaction(std::vector<Draft>& drafts) {
+  cells_.assign(drafts.size(), Cell());
+  if (!assignAutoNumber(drafts) || !checkRequired(drafts, true) || !makeRow(drafts) || !makeKeysOf(row_, after_)) {
+    return std::nullopt;
+  }
+  const auto place = placeNewRow(row_, 0);
+  return place && indexes_.change(*table_, nullptr, &after_, *place, reason_) && countRows(1) ? place : std::nullopt;
+}
+
 std::optional<RowPointer> TableWriter::insert(std::vector<Draft>& drafts) {
   Transaction transaction(pager());
   if (!transaction) {
     failFromPager();
     return std::nullopt;
   }
-  cells_.assign(drafts.size(), Cell());
-  if (!assignAutoNumber(drafts) || !checkRequired(drafts, true) || !makeRow(drafts) || !makeKeysOf(row_, after_)) {
-    return std::nullopt;
-  }
-  const auto place = placeNewRow(row_, 0);
-  if (!place || !indexes_.change(*table_, nullptr, &after_, *place, reason_) || !countRows(1)) {
-    return std::nullopt;
-  }
-  if (!transaction.commit()) {
+  const auto place = insertInTransaction(drafts);
+  if (place && !transaction.commit()) {
     failFromPager();
     return std::nullopt;
   }

@@ -21,6 +21,8 @@ struct Draft {
 
 class TableWriter {
  public:
+  /// For a table that is known to be writable, with its indexes. `table` must outlive the writer.
+  TableWriter(const Table& table, TableIndexes indexes) : table_(&table), indexes_(std::move(indexes)) {}
   /// Nothing when the table may only be read: `reason` then says why. `table` must outlive the writer.
   static std::optional<TableWriter> create(const Table& table, std::string& reason);
 
@@ -30,6 +32,8 @@ class TableWriter {
   /// `drafts` are in the order of the definition's columns. Where the row went to; its autonumber is put into its draft
   /// if the one there has been taken meanwhile.
   std::optional<RowPointer> insert(std::vector<Draft>& drafts);
+  /// The same within a transaction of the caller, who rolls it back if this fails.
+  std::optional<RowPointer> insertInTransaction(std::vector<Draft>& drafts);
   /// Changes the assigned fields of a row, and leaves its others as they are now.
   bool update(RowPointer row, const std::vector<Draft>& drafts);
   bool remove(RowPointer row);
@@ -37,7 +41,6 @@ class TableWriter {
   [[nodiscard]] const std::string& lastError() const { return reason_; }
 
  private:
-  TableWriter(const Table& table, TableIndexes indexes) : table_(&table), indexes_(std::move(indexes)) {}
   bool fail(const char* reason);
   bool failFromPager();
 
