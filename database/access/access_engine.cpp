@@ -72,6 +72,8 @@ class AccessEngine final : public DatabaseEngine {
 
 }  // namespace
 
-std::unique_ptr<DatabaseEngine> makeAccessEngine() { return std::make_unique<AccessEngine>(); }
+std::unique_ptr<DatabaseEngine> makeAccessEngine() {
+  return std::make_unique<AccessEngine>();
+}
 
 }  // namespace veltrano

@@ -24,7 +24,9 @@ AccessRecordset::AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition
   moveFirst();
 }
 
-AccessRecordset::~AccessRecordset() { AccessRecordset::close(); }
+AccessRecordset::~AccessRecordset() {
+  AccessRecordset::close();
+}
 
 bool AccessRecordset::close() {
   if (state_ == State::closed) {
@@ -306,7 +308,9 @@ bool AccessRecordset::update() {
     }
     const Index* key = cursor_ ? table_.definition().primaryKey() : nullptr;
     for (std::size_t i = 0; key != nullptr && i < drafts_.size(); ++i) {
-      const auto isColumn = [&](const IndexColumn& part) { return part.column == table_.definition().columns[i].number; };
+      const auto isColumn = [&](const IndexColumn& part) {
+        return part.column == table_.definition().columns[i].number;
+      };
       if (drafts_[i].assigned && std::any_of(key->columns.begin(), key->columns.end(), isColumn)) {
         alreadyMet_.insert(place_);
       }

@@ -1,7 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_ACCESS_RECORDSET_H
 #define VELTRANO_DATABASE_ACCESS_ACCESS_RECORDSET_H
 
-// The records of one table of an open file, in the order of its primary key, or as they are stored if it has none.
+// The records of one table of an open file, in the order of its primary key, or as they are stored if it has
+// none.
 //
 //  state       current record   readText   write, update   moveNext
 //  on a record  yes              the record  after edit       to the next one or the end
@@ -9,11 +10,11 @@
 //  at the end   none             fails       after addNew     fails
 //  closed       none             fails       fails            fails
 //
-// An edit lies over these: edit (from "on a record" only) and addNew begin one, which readText and write then work on;
-// update stores it and ends it, unless it fails; every move, remove and close drops it.
+// An edit lies over these: edit (from "on a record" only) and addNew begin one, which readText and write then
+// work on; update stores it and ends it, unless it fails; every move, remove and close drops it.
 //
-// The order is walked as it is at that moment: a record added meanwhile is met if it comes after the current one. A
-// record whose key was changed after it had been met is not met again.
+// The order is walked as it is at that moment: a record added meanwhile is met if it comes after the current
+// one. A record whose key was changed after it had been met is not met again.
 
 #include <memory>
 #include <optional>
@@ -74,15 +75,15 @@ class AccessRecordset final : public Recordset {
   Table table_;
   std::optional<TableWriter> writer_;
   std::string readOnlyReason_;
-  std::optional<IndexTree> order_;      // of the primary key
+  std::optional<IndexTree> order_;  // of the primary key
   std::optional<IndexCursor> cursor_;
 
   State state_ = State::atEnd;
-  RowPointer place_;                    // of the current record, or the deleted one
-  std::optional<Row> row_;              // its bytes, as of changes_
+  RowPointer place_;        // of the current record, or the deleted one
+  std::optional<Row> row_;  // its bytes, as of changes_
   RowView view_;
   std::uint64_t changes_ = 0;
-  std::set<RowPointer> alreadyMet_;     // records with a key changed since the last moveFirst or moveLast
+  std::set<RowPointer> alreadyMet_;  // records with a key changed since the last moveFirst or moveLast
 
   Edit edit_ = Edit::none;
   std::vector<Draft> drafts_;

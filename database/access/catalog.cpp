@@ -36,7 +36,8 @@ std::optional<Catalog> openCatalog(Pager& pager) {
   catalog.type = columnOf("Type", ColumnType::integer);
   catalog.flags = columnOf("Flags", ColumnType::longInteger);
   catalog.properties = columnOf("LvProp", ColumnType::ole);
-  if (catalog.id == nullptr || catalog.name == nullptr || catalog.type == nullptr || catalog.flags == nullptr) {
+  if (catalog.id == nullptr || catalog.name == nullptr || catalog.type == nullptr ||
+      catalog.flags == nullptr) {
     return std::nullopt;
   }
   return catalog;

@@ -36,8 +36,8 @@ struct CatalogEntry {
 /// All objects, in the catalog's own order. Nothing when the catalog is damaged.
 std::optional<std::vector<CatalogEntry>> readCatalog(Pager& pager);
 
-/// The definition of the table of that name (in any case), with the properties that the catalog has of its columns.
-/// Nothing, with a reason, when there is none, or it is a query or lies in another file.
+/// The definition of the table of that name (in any case), with the properties that the catalog has of its
+/// columns. Nothing, with a reason, when there is none, or it is a query or lies in another file.
 std::optional<TableDefinition> findTable(Pager& pager, std::string_view name, std::string& reason);
 
 }  // namespace veltrano::access

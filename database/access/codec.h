@@ -1,7 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_CODEC_H
 #define VELTRANO_DATABASE_ACCESS_CODEC_H
 
-// The masks that lie over the bytes of a file: that of the header page, and the page encoding of Jet 3 and Jet 4.
+// The masks that lie over the bytes of a file: that of the header page, and the page encoding of Jet 3 and
+// Jet 4.
 
 #include <cstdint>
 

@@ -18,8 +18,8 @@
 
 namespace veltrano::access {
 
-// A new file has two pages: the header (header.cpp shows its bytes) and page 1 with the map of free pages. All else goes
-// through the pager.
+// A new file has two pages: the header (header.cpp shows its bytes) and page 1 with the map of free pages.
+// All else goes through the pager.
 
 namespace {
 
@@ -87,7 +87,8 @@ bool writeFirstPages(const std::filesystem::path& file, const NewDatabase& optio
   return out && out->resize(0) && out->writeAt(0, pages);
 }
 
-bool fillDatabase(const std::filesystem::path& file, const NewDatabase& options, double created, std::string& reason) {
+bool fillDatabase(const std::filesystem::path& file, const NewDatabase& options, double created,
+                  std::string& reason) {
   Pager::Options opening;
   opening.password = options.password;
   const auto pager = Pager::open(file, opening, reason);
@@ -111,7 +112,8 @@ bool createDatabase(const std::filesystem::path& file, const NewDatabase& option
   std::filesystem::path unfinished = file;
   unfinished += ".new";
   reason = "the file cannot be written";
-  const bool made = writeFirstPages(unfinished, options, created) && fillDatabase(unfinished, options, created, reason);
+  const bool made =
+      writeFirstPages(unfinished, options, created) && fillDatabase(unfinished, options, created, reason);
   if (made) {
     std::filesystem::rename(unfinished, file, error);
     if (!error) {

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_CREATE_DATABASE_H
 #define VELTRANO_DATABASE_ACCESS_CREATE_DATABASE_H
 
-// Makes Access 2000 databases (.mdb) and tables in them, from nothing and without any other program. Not part of the
-// automation interface: for C++ callers, tests and samples.
+// Makes Access 2000 databases (.mdb) and tables in them, from nothing and without any other program. Not part
+// of the automation interface: for C++ callers, tests and samples.
 //
 //   using namespace veltrano::access;
 //   std::string reason;
@@ -24,7 +24,7 @@
 namespace veltrano::access {
 
 struct NewDatabase {
-  std::string password = {};       ///< UTF-8, up to 20 characters; empty for none
+  std::string password = {};  ///< UTF-8, up to 20 characters; empty for none
   std::uint32_t pageKey = 0;  ///< other than 0: the pages are encoded under this key
   double created = 0;         ///< automation date of the creation; 0 for now
 };
@@ -35,11 +35,11 @@ struct NewColumn {
   std::uint16_t size = 255;  ///< text: characters (up to 255); binary: bytes (up to 510)
   std::uint8_t precision = 18;
   std::uint8_t scale = 0;
-  bool autoNumber = false;       ///< a long integer that counts, or a GUID drawn at random
-  bool compressed = true;        ///< text that allows it is stored one byte a character
+  bool autoNumber = false;  ///< a long integer that counts, or a GUID drawn at random
+  bool compressed = true;   ///< text that allows it is stored one byte a character
   bool required = false;
   bool allowZeroLength = true;
-  std::string defaultValue = {};      ///< "0", "\"none\"", "True", "Now()", "Date()"
+  std::string defaultValue = {};  ///< "0", "\"none\"", "True", "Now()", "Date()"
 };
 
 struct NewIndexColumn {
@@ -62,11 +62,12 @@ struct NewTable {
   std::vector<NewIndex> indexes = {};
 };
 
-/// Makes an empty database. False, with a reason, when the file exists (it is left alone) or cannot be written.
+/// Makes an empty database. False, with a reason, when the file exists (it is left alone) or cannot be
+/// written.
 bool createDatabase(const std::filesystem::path& file, const NewDatabase& options, std::string& reason);
 
-/// Adds a table to a database file. False, with a reason, when its description is not valid or the file not writable;
-/// nothing has happened then.
+/// Adds a table to a database file. False, with a reason, when its description is not valid or the file not
+/// writable; nothing has happened then.
 bool createTable(const std::filesystem::path& file, const NewTable& table, std::string& reason,
                  const std::string& password = {});
 /// The same in a database that is open.

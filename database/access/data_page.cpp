@@ -14,8 +14,8 @@ namespace veltrano::access {
 //   8     12     2   number of slots, deleted ones included
 //  10     14    2*n  slots: start of the row, with flags
 //
-// Rows fill the page from its end: row 0 ends at the page end, row i where row i-1 starts. A deleted row is slid shut:
-// its slot has both flags, and the start of the row before it.
+// Rows fill the page from its end: row 0 ends at the page end, row i where row i-1 starts. A deleted row is
+// slid shut: its slot has both flags, and the start of the row before it.
 
 namespace {
 
@@ -32,7 +32,9 @@ DataPage::DataPage(Bytes page, Version version)
       slots_(std::min<std::uint32_t>(load16(page.data() + slotsAt_ - 2),
                                      static_cast<std::uint32_t>((page.size() - slotsAt_) / 2))) {}
 
-bool DataPage::valid() const { return page_[0] == page_kind::data && page_[1] == 1; }
+bool DataPage::valid() const {
+  return page_[0] == page_kind::data && page_[1] == 1;
+}
 
 bool DataPage::empty() const {
   std::uint32_t i = 0;
@@ -103,8 +105,8 @@ std::optional<std::uint8_t> DataPageEditor::insert(Bytes row, std::uint16_t flag
   return static_cast<std::uint8_t>(index);
 }
 
-// Slides the rows after this one so that it has `length` bytes; those it keeps are its last ones. What is laid bare is
-// zeroed, since deleted data should not stay readable in the file.
+// Slides the rows after this one so that it has `length` bytes; those it keeps are its last ones. What is
+// laid bare is zeroed, since deleted data should not stay readable in the file.
 void DataPageEditor::resizeRow(std::uint32_t index, std::size_t length) {
   const DataPage page = view();
   const std::size_t last = page.start(page.slotCount() - 1);
@@ -118,7 +120,8 @@ void DataPageEditor::resizeRow(std::uint32_t index, std::size_t length) {
   }
   for (std::uint32_t i = index; i < page.slotCount(); ++i) {
     const std::uint16_t word = page.slot(i);
-    const auto moved = static_cast<std::size_t>(static_cast<std::ptrdiff_t>(word & slot_flag::offset) + shift);
+    const auto moved =
+        static_cast<std::size_t>(static_cast<std::ptrdiff_t>(word & slot_flag::offset) + shift);
     setSlot(i, moved, word & (slot_flag::pointer | slot_flag::hidden));
   }
 }

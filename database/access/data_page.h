@@ -1,8 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_DATA_PAGE_H
 #define VELTRANO_DATABASE_ACCESS_DATA_PAGE_H
 
-// The rows of one data page. data_page.cpp shows the bytes. Bytes from a file are never trusted: a slot that points
-// outside the page, or overlaps the slots, has no row.
+// The rows of one data page. data_page.cpp shows the bytes. Bytes from a file are never trusted: a slot that
+// points outside the page, or overlaps the slots, has no row.
 
 #include <cstdint>
 #include <optional>
@@ -21,7 +21,9 @@ inline constexpr std::uint16_t hidden = 0x8000;   ///< deleted, or the row that 
 inline constexpr std::size_t mostSlots = 255;
 
 /// The longest row: 2012 bytes in Jet 3, 4060 later.
-inline constexpr std::size_t maximumRowSize(Version version) { return isJet3(version) ? 2012 : 4060; }
+inline constexpr std::size_t maximumRowSize(Version version) {
+  return isJet3(version) ? 2012 : 4060;
+}
 
 /// A data page for reading; does not own the bytes.
 class DataPage {
@@ -35,7 +37,9 @@ class DataPage {
   /// Never more than fit in the page.
   [[nodiscard]] std::uint32_t slotCount() const { return slots_; }
   /// The slot's word with its flags.
-  [[nodiscard]] std::uint16_t slot(std::uint32_t index) const { return load16(page_.data() + slotsAt_ + 2 * index); }
+  [[nodiscard]] std::uint16_t slot(std::uint32_t index) const {
+    return load16(page_.data() + slotsAt_ + 2 * index);
+  }
   [[nodiscard]] bool isHidden(std::uint32_t index) const { return (slot(index) & slot_flag::hidden) != 0; }
   /// True for a row that is gone; the target of a pointer is only hidden.
   [[nodiscard]] bool isDeleted(std::uint32_t index) const { return isHidden(index) && isPointer(index); }
@@ -52,7 +56,9 @@ class DataPage {
  private:
   friend class DataPageEditor;
   [[nodiscard]] std::size_t start(std::uint32_t index) const { return slot(index) & slot_flag::offset; }
-  [[nodiscard]] std::size_t end(std::uint32_t index) const { return index == 0 ? page_.size() : start(index - 1); }
+  [[nodiscard]] std::size_t end(std::uint32_t index) const {
+    return index == 0 ? page_.size() : start(index - 1);
+  }
 
   Bytes page_;
   std::size_t slotsAt_;

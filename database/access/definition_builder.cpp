@@ -20,8 +20,12 @@ constexpr std::uint32_t textOrder = 1033;
 constexpr std::uint16_t noColumn = 0xFFFF;
 constexpr std::size_t mostIndexColumns = 10;
 
-bool isLongValue(ColumnType type) { return type == ColumnType::memo || type == ColumnType::ole; }
-bool isTextual(ColumnType type) { return type == ColumnType::text || type == ColumnType::memo; }
+bool isLongValue(ColumnType type) {
+  return type == ColumnType::memo || type == ColumnType::ole;
+}
+bool isTextual(ColumnType type) {
+  return type == ColumnType::text || type == ColumnType::memo;
+}
 
 // Bytes in the row, as the definition states them.
 std::uint16_t lengthOf(const NewColumn& column) {
@@ -51,7 +55,9 @@ std::uint16_t lengthOf(const NewColumn& column) {
   }
 }
 
-bool isFixed(ColumnType type) { return !isTextual(type) && type != ColumnType::binary && type != ColumnType::ole; }
+bool isFixed(ColumnType type) {
+  return !isTextual(type) && type != ColumnType::binary && type != ColumnType::ole;
+}
 
 bool isCreatable(ColumnType type) {
   return (type >= ColumnType::boolean && type <= ColumnType::memo) || type == ColumnType::guid ||
@@ -61,7 +67,8 @@ bool isCreatable(ColumnType type) {
 bool validName(const std::string& name) {
   constexpr std::size_t mostCharacters = 64;
   const auto forbidden = [](char c) {
-    return static_cast<unsigned char>(c) < 0x20 || std::string_view(".!`[]").find(c) != std::string_view::npos;
+    return static_cast<unsigned char>(c) < 0x20 ||
+           std::string_view(".!`[]").find(c) != std::string_view::npos;
   };
   return !name.empty() && name[0] != ' ' && utf16Length(name) <= mostCharacters &&
          std::none_of(name.begin(), name.end(), forbidden);
@@ -141,7 +148,8 @@ struct Parts {
   std::vector<LongValuePart> longValues;
 };
 
-std::optional<Parts> allocateParts(Pager& pager, PageNumber definition, const NewTable& table, MapAllocator& maps) {
+std::optional<Parts> allocateParts(Pager& pager, PageNumber definition, const NewTable& table,
+                                   MapAllocator& maps) {
   Parts parts;
   bool complete = true;
   const auto map = [&] {
@@ -171,8 +179,8 @@ std::optional<Parts> allocateParts(Pager& pager, PageNumber definition, const Ne
   return complete ? std::optional(std::move(parts)) : std::nullopt;
 }
 
-// The index of each variable column among them. Long values come last in user tables; in the system's tables the order
-// is that of the columns.
+// The index of each variable column among them. Long values come last in user tables; in the system's tables
+// the order is that of the columns.
 std::vector<std::uint16_t> variableIndexes(const NewTable& table, TableKind kind) {
   std::vector<std::uint16_t> indexes(table.columns.size(), 0);
   std::uint16_t next = 0;
@@ -270,8 +278,9 @@ void putIndexes(ByteWriter& out, const NewTable& table, const Parts& parts) {
 std::vector<std::uint8_t> definitionBytes(const NewTable& table, TableKind kind, const Parts& parts) {
   const auto columns = static_cast<std::uint32_t>(table.columns.size());
   const auto indexes = static_cast<std::uint32_t>(table.indexes.size());
-  const auto variable = static_cast<std::uint32_t>(std::count_if(
-      table.columns.begin(), table.columns.end(), [](const NewColumn& column) { return !isFixed(column.type); }));
+  const auto variable = static_cast<std::uint32_t>(
+      std::count_if(table.columns.begin(), table.columns.end(),
+                    [](const NewColumn& column) { return !isFixed(column.type); }));
   ByteWriter out;
   out.zeros(12);
   out.put32(definitionMark);
@@ -354,7 +363,8 @@ bool checkNewTable(const NewTable& table, std::string& reason) {
   return primary <= 1 || refuse("more than one primary key");
 }
 
-bool writeDefinition(Pager& pager, PageNumber first, const NewTable& table, TableKind kind, MapAllocator& maps) {
+bool writeDefinition(Pager& pager, PageNumber first, const NewTable& table, TableKind kind,
+                     MapAllocator& maps) {
   constexpr std::size_t pageHead = 8;
   const auto parts = allocateParts(pager, first, table, maps);
   if (!parts) {
@@ -375,7 +385,8 @@ bool writeDefinition(Pager& pager, PageNumber first, const NewTable& table, Tabl
     page[0] = page_kind::definition;
     page[1] = 1;
     const std::size_t used = from + size;
-    store16(page.data() + 2, static_cast<std::uint32_t>(std::max(page.size(), used + pageHead) - used - pageHead));
+    store16(page.data() + 2,
+            static_cast<std::uint32_t>(std::max(page.size(), used + pageHead) - used - pageHead));
     const auto next = done < bytes.size() ? allocatePage(pager) : std::optional<PageNumber>(0);
     if (!next) {
       return false;

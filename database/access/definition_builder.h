@@ -29,7 +29,8 @@ class MapAllocator {
 bool checkNewTable(const NewTable& table, std::string& reason);
 
 /// Writes the definition to `page`, which is new; in a transaction.
-bool writeDefinition(Pager& pager, PageNumber page, const NewTable& table, TableKind kind, MapAllocator& maps);
+bool writeDefinition(Pager& pager, PageNumber page, const NewTable& table, TableKind kind,
+                     MapAllocator& maps);
 
 }  // namespace veltrano::access
 

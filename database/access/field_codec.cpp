@@ -178,8 +178,9 @@ std::optional<StoredValue> cellToStored(Pager& pager, const Column& column, std:
     return StoredValue{};
   }
   if (!column.isText()) {
-    return cell->size() < column.length && column.type != ColumnType::binary ? std::nullopt
-                                                                             : std::optional(StoredValue{false, *cell});
+    return cell->size() < column.length && column.type != ColumnType::binary
+               ? std::nullopt
+               : std::optional(StoredValue{false, *cell});
   }
   if (column.type == ColumnType::text) {
     return StoredValue{false, isJet3(pager.version()) ? *cell : expandStoredText(*cell, buffer)};

@@ -1,8 +1,9 @@
 #ifndef VELTRANO_DATABASE_ACCESS_FILE_H
 #define VELTRANO_DATABASE_ACCESS_FILE_H
 
-// The engine's door to the operating system: files read and written at positions, with the locks that keep two users
-// from each other. Tests put another implementation in its place that fails or dies when they want it.
+// The engine's door to the operating system: files read and written at positions, with the locks that keep
+// two users from each other. Tests put another implementation in its place that fails or dies when they want
+// it.
 
 #include <cstdint>
 #include <filesystem>
@@ -28,7 +29,8 @@ class RandomAccessFile {
   /// Closes, which gives back the lock.
   virtual ~RandomAccessFile() = default;
 
-  /// Reads up to `target.size()` bytes; how many there were, less only at the file's end. Nothing on an error.
+  /// Reads up to `target.size()` bytes; how many there were, less only at the file's end. Nothing on an
+  /// error.
   virtual std::optional<std::size_t> readAt(std::uint64_t offset, MutableBytes target) = 0;
   /// All or false; part of it may be written then.
   virtual bool writeAt(std::uint64_t offset, Bytes bytes) = 0;
@@ -52,8 +54,8 @@ class FileSystem {
   virtual std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
                                                  OpenFailure& failure) = 0;
   virtual bool remove(const std::filesystem::path& file) = 0;
-  /// True when the lock file of another program (one entry of 64 bytes for each user) exists and is not known to be
-  /// left over.
+  /// True when the lock file of another program (one entry of 64 bytes for each user) exists and is not known
+  /// to be left over.
   virtual bool lockFileInUse(const std::filesystem::path& lockFile) = 0;
 };
 

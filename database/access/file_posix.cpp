@@ -112,8 +112,8 @@ class PosixFiles final : public FileSystem {
 
   bool remove(const std::filesystem::path& file) override { return ::unlink(file.c_str()) == 0; }
 
-  // Whether an entry is left over cannot be told: the locks of the program's machine do not reach every network
-  // file system.
+  // Whether an entry is left over cannot be told: the locks of the program's machine do not reach every
+  // network file system.
   bool lockFileInUse(const std::filesystem::path& lockFile) override {
     struct stat status = {};
     return ::stat(lockFile.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0;

@@ -71,9 +71,7 @@ class WindowsFile final : public RandomAccessFile {
     place.OffsetHigh = static_cast<DWORD>(offset >> 32);
     return place;
   }
-  static DWORD piece(std::size_t size) {
-    return static_cast<DWORD>(std::min<std::size_t>(size, 1U << 30));
-  }
+  static DWORD piece(std::size_t size) { return static_cast<DWORD>(std::min<std::size_t>(size, 1U << 30)); }
 
   HANDLE handle_;
 };
@@ -99,11 +97,12 @@ class WindowsFiles final : public FileSystem {
  public:
   std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
                                          OpenFailure& failure) override {
-    // Sharing reads only: a writer keeps everybody else from opening, except for those whose reading allows writers.
+    // Sharing reads only: a writer keeps everybody else from opening, except for those whose reading allows
+    // writers.
     const DWORD access = mode == OpenMode::read ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
-    const HANDLE handle =
-        ::CreateFileW(file.c_str(), access, FILE_SHARE_READ, nullptr,
-                      mode == OpenMode::create ? OPEN_ALWAYS : OPEN_EXISTING, FILE_FLAG_RANDOM_ACCESS, nullptr);
+    const HANDLE handle = ::CreateFileW(file.c_str(), access, FILE_SHARE_READ, nullptr,
+                                        mode == OpenMode::create ? OPEN_ALWAYS : OPEN_EXISTING,
+                                        FILE_FLAG_RANDOM_ACCESS, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
       failure = failureOf(::GetLastError());
       return nullptr;
@@ -120,8 +119,8 @@ class WindowsFiles final : public FileSystem {
 
   // The other program keeps its lock file open; one that opens for us alone is left over.
   bool lockFileInUse(const std::filesystem::path& lockFile) override {
-    const HANDLE handle =
-        ::CreateFileW(lockFile.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE handle = ::CreateFileW(lockFile.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
       const DWORD error = ::GetLastError();
       return error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND;

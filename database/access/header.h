@@ -16,15 +16,15 @@ namespace veltrano::access {
 struct Header {
   Version version = Version::jet4;
   std::uint16_t codePage = 1252;
-  std::uint32_t pageKey = 0;     ///< of the page encoding, 0 for none
-  std::uint32_t textOrder = 0;   ///< low word: language; high byte: version
+  std::uint32_t pageKey = 0;    ///< of the page encoding, 0 for none
+  std::uint32_t textOrder = 0;  ///< low word: language; high byte: version
 };
 
 /// The most bytes of the file that readHeader wants.
 inline constexpr std::size_t headerSize = 4096;
 
-/// Reads the first bytes of a file and checks the password (UTF-8, empty for none). Nothing, with a reason, when this
-/// is no file that the engine can read, or the password is wrong.
+/// Reads the first bytes of a file and checks the password (UTF-8, empty for none). Nothing, with a reason,
+/// when this is no file that the engine can read, or the password is wrong.
 std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::string& reason);
 
 }  // namespace veltrano::access

@@ -25,8 +25,9 @@ namespace veltrano::access {
 //  12     n  the old bytes
 //  12+n   n  the new bytes
 //
-// The new bytes prove that the record is about this file: each byte of a range must be found as the old or the new
-// one, since the writing may have stopped anywhere. When they are not, somebody has put another file there.
+// The new bytes prove that the record is about this file: each byte of a range must be found as the old or
+// the new one, since the writing may have stopped anywhere. When they are not, somebody has put another file
+// there.
 
 namespace {
 
@@ -194,9 +195,13 @@ bool Journal::voidRecord() {
   return file_ && file_->writeAt(0, zeros);
 }
 
-bool Journal::undo(RandomAccessFile& database) { return putBack(record_, database) && voidRecord(); }
+bool Journal::undo(RandomAccessFile& database) {
+  return putBack(record_, database) && voidRecord();
+}
 
-bool Journal::sync() { return !file_ || file_->sync(); }
+bool Journal::sync() {
+  return !file_ || file_->sync();
+}
 
 void Journal::remove() {
   if (file_) {
@@ -205,6 +210,8 @@ void Journal::remove() {
   }
 }
 
-void Journal::keep() { file_.reset(); }
+void Journal::keep() {
+  file_.reset();
+}
 
 }  // namespace veltrano::access

@@ -12,8 +12,8 @@ namespace veltrano::access {
 //   4   4  row pointer to the (first) row
 //   8   4  0
 //  12      the value, when it follows
-// The rows lie in data pages whose owner is LVAL. A row of a chain begins with the row pointer of the next one, 0 in
-// the last.
+// The rows lie in data pages whose owner is LVAL. A row of a chain begins with the row pointer of the next
+// one, 0 in the last.
 
 namespace {
 
@@ -59,7 +59,8 @@ bool enterInMap(Pager& pager, RowPointer map, PageNumber page) {
   return map.page == 0 || UsageMap(pager, map).add(page);
 }
 
-// A page of the column with room for a row of that size; a new one if the first few with room have not enough.
+// A page of the column with room for a row of that size; a new one if the first few with room have not
+// enough.
 std::optional<PageNumber> pageWithRoom(Pager& pager, const Column& column, std::size_t size) {
   constexpr int mostTries = 4;
   constexpr std::size_t fullBelow = 256;

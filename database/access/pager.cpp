@@ -22,7 +22,8 @@ struct Frame {
   bool changed = false;  ///< by the current transaction
   std::uint32_t size = 0;
   std::unique_ptr<std::uint8_t[]> bytes;
-  std::unique_ptr<std::uint8_t[]> before;  ///< of a changed page that was in the file when the transaction began
+  std::unique_ptr<std::uint8_t[]>
+      before;  ///< of a changed page that was in the file when the transaction began
 
   [[nodiscard]] MutableBytes all() const { return {bytes.get(), size}; }
   [[nodiscard]] Bytes old() const { return {before.get(), size}; }
@@ -123,8 +124,8 @@ Frame* Pager::State::find(PageNumber page) {
   return slot;
 }
 
-// A frame that holds no page: a new one while the cache may grow, else the one longest unused. When all are pinned or
-// changed the cache grows beyond its bound (P5).
+// A frame that holds no page: a new one while the cache may grow, else the one longest unused. When all are
+// pinned or changed the cache grows beyond its bound (P5).
 Frame* Pager::State::freeFrame() {
   if (frames.size() >= cachePages) {
     for (std::size_t tries = 2 * frames.size(); tries > 0; --tries) {
@@ -218,7 +219,8 @@ void Pager::State::journalRanges() {
 
 bool Pager::State::writeNewPages() {
   for (const Frame* frame : changed) {
-    if (!frame->before && !file->writeAt(offsetOf(frame->number), coded(frame->number, frame->all(), codedAfter))) {
+    if (!frame->before &&
+        !file->writeAt(offsetOf(frame->number), coded(frame->number, frame->all(), codedAfter))) {
       return false;
     }
   }
@@ -237,8 +239,9 @@ bool Pager::State::writeChangedRanges() {
       first = std::min(first, begin);
       last = end;
     });
-    if (first < last && !file->writeAt(offsetOf(frame->number) + first,
-                                       coded(frame->number, frame->all(), codedAfter).subspan(first, last - first))) {
+    if (first < last &&
+        !file->writeAt(offsetOf(frame->number) + first,
+                       coded(frame->number, frame->all(), codedAfter).subspan(first, last - first))) {
       return false;
     }
   }
@@ -247,7 +250,8 @@ bool Pager::State::writeChangedRanges() {
 
 bool Pager::State::writeChanges() {
   // New pages first: a full disk then shows before an old page has changed.
-  std::sort(changed.begin(), changed.end(), [](const Frame* a, const Frame* b) { return a->number < b->number; });
+  std::sort(changed.begin(), changed.end(),
+            [](const Frame* a, const Frame* b) { return a->number < b->number; });
   journalRanges();
   if (!journal->writeRecord()) {
     return fail("the journal cannot be written");
@@ -301,8 +305,12 @@ PageView::~PageView() {
     --frame_->pins;
   }
 }
-Bytes PageView::bytes() const { return frame_->all(); }
-PageNumber PageView::number() const { return frame_->number; }
+Bytes PageView::bytes() const {
+  return frame_->all();
+}
+PageNumber PageView::number() const {
+  return frame_->number;
+}
 
 namespace {
 
@@ -329,7 +337,8 @@ const char* reasonOf(OpenFailure failure) {
 
 }  // namespace
 
-std::unique_ptr<Pager> Pager::open(const std::filesystem::path& given, const Options& options, std::string& reason) {
+std::unique_ptr<Pager> Pager::open(const std::filesystem::path& given, const Options& options,
+                                   std::string& reason) {
   auto state = std::make_unique<State>();
   state->files = options.files != nullptr ? options.files : &systemFiles();
   // The journal lies beside the file itself, whatever link leads there.
@@ -395,14 +404,30 @@ Pager::~Pager() {
   }
 }
 
-Version Pager::version() const { return state_->header.version; }
-std::uint32_t Pager::pageSize() const { return state_->pageSize; }
-PageNumber Pager::pageCount() const { return state_->pages; }
-bool Pager::readOnly() const { return state_->readOnly; }
-std::uint16_t Pager::codePage() const { return state_->header.codePage; }
-std::uint32_t Pager::defaultTextOrder() const { return state_->header.textOrder; }
-bool Pager::inTransaction() const { return state_->transaction; }
-std::string_view Pager::lastError() const { return state_->error; }
+Version Pager::version() const {
+  return state_->header.version;
+}
+std::uint32_t Pager::pageSize() const {
+  return state_->pageSize;
+}
+PageNumber Pager::pageCount() const {
+  return state_->pages;
+}
+bool Pager::readOnly() const {
+  return state_->readOnly;
+}
+std::uint16_t Pager::codePage() const {
+  return state_->header.codePage;
+}
+std::uint32_t Pager::defaultTextOrder() const {
+  return state_->header.textOrder;
+}
+bool Pager::inTransaction() const {
+  return state_->transaction;
+}
+std::string_view Pager::lastError() const {
+  return state_->error;
+}
 
 PageView Pager::read(PageNumber page) {
   Frame* frame = state_->load(page);
@@ -486,8 +511,8 @@ bool Pager::sync() {
   if (!state_->unsynced) {
     return true;
   }
-  // The journal after the database: should its record come back to life, it only undoes a transaction that was not
-  // yet promised.
+  // The journal after the database: should its record come back to life, it only undoes a transaction that
+  // was not yet promised.
   if (!state_->file->sync() || !state_->journal->sync()) {
     return state_->fail("the disk does not confirm the writing");
   }

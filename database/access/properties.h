@@ -1,8 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_PROPERTIES_H
 #define VELTRANO_DATABASE_ACCESS_PROPERTIES_H
 
-// The properties of a table's columns that its definition does not have: whether a value is required, whether a text
-// may be empty, the default. The catalog keeps them in one long value.
+// The properties of a table's columns that its definition does not have: whether a value is required, whether
+// a text may be empty, the default. The catalog keeps them in one long value.
 
 #include "database/access/bytes.h"
 #include "database/access/table_definition.h"

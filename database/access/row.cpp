@@ -6,17 +6,17 @@
 namespace veltrano::access {
 
 // Jet 4:
-//   u16 column count | fixed columns | variable columns | u16 end of them | u16 offsets, the last column's first |
-//   u16 number of variable columns | null mask
+//   u16 column count | fixed columns | variable columns | u16 end of them | u16 offsets, the last column's
+//   first | u16 number of variable columns | null mask
 // Without variable columns in the table's definition the mask follows the fixed columns.
 //
 // Jet 3:
-//   u8 column count | fixed columns | variable columns | u8 end of them | u8 offsets, the last column's first |
-//   u8 jump table, backwards | u8 number of variable columns | null mask
+//   u8 column count | fixed columns | variable columns | u8 end of them | u8 offsets, the last column's first
+//   | u8 jump table, backwards | u8 number of variable columns | null mask
 // An offset is its byte plus 256 times the number of jump entries that are <= its index.
 //
-// Offsets count from the row's start. The mask has bit c for column number c, 1 for "not null". So all is found from
-// the row's end. A column with a number behind the row's count was added later and is null.
+// Offsets count from the row's start. The mask has bit c for column number c, 1 for "not null". So all is
+// found from the row's end. A column with a number behind the row's count was added later and is null.
 
 namespace {
 
@@ -60,7 +60,9 @@ RowView::RowView(Bytes row, Version version, bool variableColumns) : row_(row), 
   }
 }
 
-bool RowView::bit(std::uint16_t number) const { return (row_[mask_ + number / 8U] >> (number % 8U) & 1U) != 0; }
+bool RowView::bit(std::uint16_t number) const {
+  return (row_[mask_ + number / 8U] >> (number % 8U) & 1U) != 0;
+}
 
 std::size_t RowView::variableOffset(std::size_t index) const {
   if (!jet3_) {

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_ROW_H
 #define VELTRANO_DATABASE_ACCESS_ROW_H
 
-// The bytes of one row: where each column's value lies in it, and how a row is made. row.cpp shows the bytes. A value
-// here is its raw bytes as the row holds them ("cell"); field_codec.h knows what they mean.
+// The bytes of one row: where each column's value lies in it, and how a row is made. row.cpp shows the bytes.
+// A value here is its raw bytes as the row holds them ("cell"); field_codec.h knows what they mean.
 
 #include <cstdint>
 #include <optional>
@@ -32,11 +32,11 @@ class RowView {
   Bytes row_;
   bool jet3_ = false;
   bool valid_ = false;
-  std::uint16_t count_ = 0;            // columns
-  std::uint16_t variable_ = 0;         // variable columns in this row
-  std::size_t mask_ = 0;               // offset of the null mask
-  std::size_t offsets_ = 0;            // offset of variable offset 0; the others lie before it
-  std::size_t jumps_ = 0;              // Jet 3: entries of the jump table, which lies behind the offsets
+  std::uint16_t count_ = 0;     // columns
+  std::uint16_t variable_ = 0;  // variable columns in this row
+  std::size_t mask_ = 0;        // offset of the null mask
+  std::size_t offsets_ = 0;     // offset of variable offset 0; the others lie before it
+  std::size_t jumps_ = 0;       // Jet 3: entries of the jump table, which lies behind the offsets
 };
 
 /// A value on its way into a row.
@@ -47,8 +47,8 @@ struct Cell {
   [[nodiscard]] Bytes view() const { return bytes; }
 };
 
-/// Builds the bytes of a row (Jet 4 and later). `cells` are in the order of the definition's columns. The result may be
-/// longer than the format allows (maximumRowSize).
+/// Builds the bytes of a row (Jet 4 and later). `cells` are in the order of the definition's columns. The
+/// result may be longer than the format allows (maximumRowSize).
 void buildRow(const TableDefinition& table, const std::vector<Cell>& cells, std::vector<std::uint8_t>& row);
 
 }  // namespace veltrano::access

@@ -24,38 +24,51 @@ constexpr std::uint32_t fullAccess = 0x000FFFFF;
 // The owner of everything, as the engine that the format comes from knows it.
 const Value::Bytes owner = {0xA6, 0x33};
 
-NewColumn number(const char* name, ColumnType type = ColumnType::longInteger) { return {.name = name, .type = type}; }
-NewColumn text(const char* name) { return {.name = name, .type = ColumnType::text, .compressed = false}; }
-NewColumn binary(const char* name) { return {.name = name, .type = ColumnType::binary, .size = 510}; }
-NewColumn memo(const char* name) { return {.name = name, .type = ColumnType::memo, .compressed = false}; }
-NewColumn ole(const char* name) { return {.name = name, .type = ColumnType::ole}; }
+NewColumn number(const char* name, ColumnType type = ColumnType::longInteger) {
+  return {.name = name, .type = type};
+}
+NewColumn text(const char* name) {
+  return {.name = name, .type = ColumnType::text, .compressed = false};
+}
+NewColumn binary(const char* name) {
+  return {.name = name, .type = ColumnType::binary, .size = 510};
+}
+NewColumn memo(const char* name) {
+  return {.name = name, .type = ColumnType::memo, .compressed = false};
+}
+NewColumn ole(const char* name) {
+  return {.name = name, .type = ColumnType::ole};
+}
 
 std::array<NewTable, 4> systemTables() {
   return {
       NewTable{.name = "MSysObjects",
-               .columns = {number("Id"), number("ParentId"), text("Name"), number("Type", ColumnType::integer),
-                           number("DateCreate", ColumnType::dateTime), number("DateUpdate", ColumnType::dateTime),
-                           binary("Owner"), number("Flags"), memo("Database"), memo("Connect"), text("ForeignName"),
-                           binary("RmtInfoShort"), ole("RmtInfoLong"), ole("Lv"), ole("LvProp"), ole("LvModule"),
-                           ole("LvExtra")},
+               .columns = {number("Id"), number("ParentId"), text("Name"),
+                           number("Type", ColumnType::integer), number("DateCreate", ColumnType::dateTime),
+                           number("DateUpdate", ColumnType::dateTime), binary("Owner"), number("Flags"),
+                           memo("Database"), memo("Connect"), text("ForeignName"), binary("RmtInfoShort"),
+                           ole("RmtInfoLong"), ole("Lv"), ole("LvProp"), ole("LvModule"), ole("LvExtra")},
                .indexes = {{.name = "Id", .columns = {{"Id"}}, .primary = true},
                            {.name = "ParentIdName", .columns = {{"ParentId"}, {"Name"}}, .unique = true}}},
       NewTable{.name = "MSysACEs",
                .columns = {number("ObjectId"), binary("SID"), number("ACM"),
                            number("FInheritable", ColumnType::boolean)},
                .indexes = {{.name = "ObjectId", .columns = {{"ObjectId"}}, .required = true}}},
-      NewTable{.name = "MSysQueries",
-               .columns = {number("ObjectId"), number("Attribute", ColumnType::byte), binary("Order"), text("Name1"),
-                           text("Name2"), memo("Expression"), number("Flag", ColumnType::integer)},
-               .indexes = {{.name = "ObjectIdAttribute",
-                            .columns = {{"ObjectId"}, {"Attribute"}, {"Order"}},
-                            .primary = true}}},
+      NewTable{
+          .name = "MSysQueries",
+          .columns = {number("ObjectId"), number("Attribute", ColumnType::byte), binary("Order"),
+                      text("Name1"), text("Name2"), memo("Expression"), number("Flag", ColumnType::integer)},
+          .indexes = {{.name = "ObjectIdAttribute",
+                       .columns = {{"ObjectId"}, {"Attribute"}, {"Order"}},
+                       .primary = true}}},
       NewTable{.name = "MSysRelationships",
                .columns = {text("szRelationship"), number("grbit"), number("ccolumn"), number("icolumn"),
                            text("szObject"), text("szColumn"), text("szReferencedObject"),
                            text("szReferencedColumn")},
                .indexes = {{.name = "szObject", .columns = {{"szObject"}}, .ignoreNulls = true},
-                           {.name = "szReferencedObject", .columns = {{"szReferencedObject"}}, .ignoreNulls = true},
+                           {.name = "szReferencedObject",
+                            .columns = {{"szReferencedObject"}},
+                            .ignoreNulls = true},
                            {.name = "szRelationship", .columns = {{"szRelationship"}}, .ignoreNulls = true}}},
   };
 }
@@ -106,7 +119,9 @@ std::optional<SystemTable> openSystemTable(Pager& pager, PageNumber page, std::s
   return indexes ? std::optional(SystemTable{std::move(table), std::move(*indexes)}) : std::nullopt;
 }
 
-std::int64_t asLong(std::uint32_t bits) { return static_cast<std::int32_t>(bits); }
+std::int64_t asLong(std::uint32_t bits) {
+  return static_cast<std::int32_t>(bits);
+}
 
 struct Object {
   std::uint32_t id;
@@ -116,8 +131,8 @@ struct Object {
   std::uint32_t flags;
 };
 
-bool addObject(const SystemTable& objects, const Object& object, double created, const Value::Bytes& properties,
-               std::string& reason) {
+bool addObject(const SystemTable& objects, const Object& object, double created,
+               const Value::Bytes& properties, std::string& reason) {
   std::vector<FieldValue> fields = {{"Id", asLong(object.id)},
                                     {"ParentId", asLong(object.parent)},
                                     {"Name", object.name},
@@ -133,10 +148,12 @@ bool addObject(const SystemTable& objects, const Object& object, double created,
 }
 
 bool addRights(const SystemTable& rights, std::uint32_t object, bool inheritable, std::string& reason) {
-  return addRow(
-      rights.table, rights.indexes,
-      {{"ObjectId", asLong(object)}, {"SID", owner}, {"ACM", asLong(fullAccess)}, {"FInheritable", inheritable}},
-      reason);
+  return addRow(rights.table, rights.indexes,
+                {{"ObjectId", asLong(object)},
+                 {"SID", owner},
+                 {"ACM", asLong(fullAccess)},
+                 {"FInheritable", inheritable}},
+                reason);
 }
 
 // --- Properties; properties.cpp shows the bytes
@@ -166,7 +183,8 @@ class PropertyWriter {
   void addText(const char* name, const std::string& value) {
     const std::size_t before = chunk_.size();
     putText(value);
-    const std::vector<std::uint8_t> bytes(chunk_.begin() + static_cast<std::ptrdiff_t>(before) + 2, chunk_.end());
+    const std::vector<std::uint8_t> bytes(chunk_.begin() + static_cast<std::ptrdiff_t>(before) + 2,
+                                          chunk_.end());
     chunk_.resize(before);
     add(name, 10, bytes);
   }
@@ -308,8 +326,8 @@ bool enterTable(Pager& pager, PageNumber page, const NewTable& table, double cre
   const auto objects = openSystemTable(pager, catalogPage, reason);
   const auto rights = openSystemTable(pager, catalogPage + 1, reason);
   return objects && rights &&
-         addObject(*objects, {page, tablesId, table.name, ObjectKind::table, 0}, created, tableProperties(table),
-                   reason) &&
+         addObject(*objects, {page, tablesId, table.name, ObjectKind::table, 0}, created,
+                   tableProperties(table), reason) &&
          addRights(*rights, page, false, reason);
 }
 

@@ -10,8 +10,8 @@
 
 namespace veltrano::access {
 
-/// Makes MSysObjects, MSysACEs, MSysQueries and MSysRelationships, at pages 2 to 5 of a file of two pages, with the rows
-/// of an empty database. `created` is an automation date.
+/// Makes MSysObjects, MSysACEs, MSysQueries and MSysRelationships, at pages 2 to 5 of a file of two pages,
+/// with the rows of an empty database. `created` is an automation date.
 bool makeSystemTables(Pager& pager, double created, std::string& reason);
 
 /// Enters a table, whose definition is at `page`, in the catalog and in the access rights. In a transaction.

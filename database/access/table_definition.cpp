@@ -7,8 +7,8 @@
 
 namespace veltrano::access {
 
-// A definition is one string of bytes: its first page whole, and of the pages that continue it what follows their
-// first 8 bytes. Every page begins 02 01, two bytes, and the number of the next page (0 at the end).
+// A definition is one string of bytes: its first page whole, and of the pages that continue it what follows
+// their first 8 bytes. Every page begins 02 01, two bytes, and the number of the next page (0 at the end).
 //
 // Jet 3  Jet 4  Size
 //   8      8     4   length, from the start of the first page
@@ -31,7 +31,8 @@ namespace veltrano::access {
 //     real indexes    39 / 52   below
 //     logical indexes 20 / 28   below
 //     logical indexes  names
-//     long values     10        u16 column number, row pointers of the maps of its pages and of those with room; a
+//     long values     10        u16 column number, row pointers of the maps of its pages and of those with
+//     room; a
 //                               column number of FFFF ends the list
 
 namespace {
@@ -41,16 +42,17 @@ struct Offsets {
   std::size_t autoNumber, maxColumns, variable, columns, logicalIndexes, realIndexes, maps, arrays;
   std::size_t counterSize, columnSize, nameLengthSize, realIndexSize, logicalIndexSize;
   // In a column record.
-  std::size_t number, variableIndex, language, orderVersion, precision, flags, extendedFlags, fixedOffset, length;
-  // In a real index record: the list of columns, the map, the root, the flags. In a logical one: number of the real
-  // index, other side, type.
+  std::size_t number, variableIndex, language, orderVersion, precision, flags, extendedFlags, fixedOffset,
+      length;
+  // In a real index record: the list of columns, the map, the root, the flags. In a logical one: number of
+  // the real index, other side, type.
   std::size_t indexColumns, indexMap, indexRoot, indexFlags, realNumber, otherIndex, indexType;
 };
 
-constexpr Offsets jet3 = {16, 21, 23, 25, 27, 31, 35, 43, 8, 18, 1,  39, 20, 1,
-                          3,  9,  0,  11, 13, 0,  14, 16, 0, 30, 34, 38, 4,  9, 19};
-constexpr Offsets jet4 = {20, 41, 43, 45, 47, 51, 55, 63, 12, 25, 2,  52, 28, 5,
-                          7,  11, 14, 11, 15, 16, 21, 23, 4,  34, 38, 46, 8,  13, 23};
+constexpr Offsets jet3 = {16, 21, 23, 25, 27, 31, 35, 43, 8,  18, 1,  39, 20, 1, 3,
+                          9,  0,  11, 13, 0,  14, 16, 0,  30, 34, 38, 4,  9,  19};
+constexpr Offsets jet4 = {20, 41, 43, 45, 47, 51, 55, 63, 12, 25, 2,  52, 28, 5, 7,
+                          11, 14, 11, 15, 16, 21, 23, 4,  34, 38, 46, 8,  13, 23};
 
 constexpr std::size_t mostColumns = 255;
 constexpr std::size_t mostIndexes = 255;  // 32 by the rules; be lenient
@@ -173,8 +175,8 @@ Column readColumn(Bytes record, const Pager& pager, const Offsets& offsets) {
   return column;
 }
 
-// Real index record: ten times u16 column number (FFFF none), u8 order (1 ascending); then the row pointer of the map
-// of its pages, the page number of the root, and the flags: 01 unique, 02 ignore nulls, 08 required.
+// Real index record: ten times u16 column number (FFFF none), u8 order (1 ascending); then the row pointer of
+// the map of its pages, the page number of the root, and the flags: 01 unique, 02 ignore nulls, 08 required.
 Index readIndex(Bytes record, const Offsets& offsets) {
   constexpr int mostIndexColumns = 10;
   Index index;
@@ -198,8 +200,8 @@ struct LogicalIndex {
   bool primary = false;
 };
 
-// Logical index record: number of the index, number of the real one; the other side of a relation (FFFFFFFF none);
-// type: 1 primary key, 2 relation.
+// Logical index record: number of the index, number of the real one; the other side of a relation (FFFFFFFF
+// none); type: 1 primary key, 2 relation.
 LogicalIndex readLogicalIndex(Bytes record, const Offsets& offsets, TableDefinition& table) {
   const std::uint8_t type = record[offsets.indexType];
   if (type == 2 && load32(record.data() + offsets.otherIndex) != 0xFFFFFFFF) {

@@ -31,8 +31,8 @@ bool countNewKey(const Table& table, const Index& index) {
 std::optional<TableIndexes> TableIndexes::create(const Table& table, std::string& reason) {
   TableIndexes indexes;
   for (const Index& index : table.definition().indexes) {
-    auto maker = IndexKeyMaker::create(table.pager().version(), table.pager().defaultTextOrder(), table.definition(),
-                                       index, reason);
+    auto maker = IndexKeyMaker::create(table.pager().version(), table.pager().defaultTextOrder(),
+                                       table.definition(), index, reason);
     if (!maker) {
       return std::nullopt;
     }
@@ -41,26 +41,25 @@ std::optional<TableIndexes> TableIndexes::create(const Table& table, std::string
   return indexes;
 }
 
-bool TableIndexes::makeKeys(const Table& table, const RowView& row, RowKeys& keys) const {
+bool TableIndexes::makeKeys(const Table& table, const RowView& row, RowKeys& keys) {
   const TableDefinition& definition = table.definition();
   keys.entries.resize(makers_.size());
-  std::vector<StoredValue> values;
-  std::vector<std::vector<std::uint8_t>> buffers;
   for (std::size_t i = 0; i < makers_.size(); ++i) {
     const std::vector<IndexColumn>& columns = definition.indexes[i].columns;
-    values.assign(columns.size(), StoredValue());
-    buffers.resize(std::max(buffers.size(), columns.size()));
+    values_.resize(columns.size());
+    buffers_.resize(std::max(buffers_.size(), columns.size()));
     for (std::size_t k = 0; k < columns.size(); ++k) {
       const Column* column = definition.byNumber(columns[k].column);
-      const auto value =
-          column != nullptr ? cellToStored(table.pager(), *column, row.cell(*column), buffers[k]) : std::nullopt;
+      const auto value = column != nullptr
+                             ? cellToStored(table.pager(), *column, row.cell(*column), buffers_[k])
+                             : std::nullopt;
       if (!value) {
         return false;
       }
-      values[k] = *value;
+      values_[k] = *value;
     }
     RowKeys::Entry& entry = keys.entries[i];
-    entry.outcome = makers_[i].make(values, entry.key, entry.allNull);
+    entry.outcome = makers_[i].make(values_, entry.key, entry.allNull);
     if (entry.outcome == KeyOutcome::damaged) {
       return false;
     }
@@ -72,7 +71,8 @@ bool TableIndexes::change(const Table& table, const RowKeys* before, const RowKe
                           std::string& reason) const {
   for (std::size_t i = 0; i < makers_.size(); ++i) {
     const Index& index = table.definition().indexes[i];
-    const RowKeys::Entry* old = before != nullptr && before->entries[i].present() ? &before->entries[i] : nullptr;
+    const RowKeys::Entry* old =
+        before != nullptr && before->entries[i].present() ? &before->entries[i] : nullptr;
     const RowKeys::Entry* now = after != nullptr ? &after->entries[i] : nullptr;
     if (now != nullptr && now->outcome == KeyOutcome::refused) {
       reason = "a field of the index " + index.name + " may not be null";

@@ -12,7 +12,8 @@ namespace veltrano::access {
 // What one change touches:
 //
 //                         insert              update, same page   update, moved           delete
-//   data page             new slot            row replaced        target elsewhere,       slot marked, slid shut;
+//   data page             new slot            row replaced        target elsewhere,       slot marked, slid
+//   shut;
 //                                                                 pointer in the old slot target too
 //   map of pages w. room  page out when full                      as insert               page in again
 //   definition: rows      +1                                                              -1
@@ -26,11 +27,13 @@ namespace veltrano::access {
 
 namespace {
 
-constexpr std::size_t rowsAt = 16;        // in the definition's first page
+constexpr std::size_t rowsAt = 16;  // in the definition's first page
 constexpr std::size_t autoNumberAt = 20;
 constexpr std::size_t pointerRowSize = 4;
 
-bool holdsData(const Column& column) { return column.type != ColumnType::complex && !column.calculated; }
+bool holdsData(const Column& column) {
+  return column.type != ColumnType::complex && !column.calculated;
+}
 
 }  // namespace
 
@@ -71,7 +74,8 @@ std::optional<TableWriter> TableWriter::create(const Table& table, std::string& 
 bool TableWriter::checkRequired(const std::vector<Draft>& drafts, bool all) {
   for (std::size_t i = 0; i < drafts.size(); ++i) {
     const Column& column = definition().columns[i];
-    if (column.required && column.type != ColumnType::boolean && (all || drafts[i].assigned) && drafts[i].cell.null) {
+    if (column.required && column.type != ColumnType::boolean && (all || drafts[i].assigned) &&
+        drafts[i].cell.null) {
       return fail("a required field is null");
     }
   }
@@ -113,7 +117,8 @@ bool TableWriter::makeRow(const std::vector<Draft>& drafts) {
 bool TableWriter::storeLongestInline(const std::vector<Draft>& drafts) {
   std::size_t longest = drafts.size();
   for (std::size_t i = 0; i < drafts.size(); ++i) {
-    if (definition().columns[i].isLongValue() && drafts[i].assigned && cells_[i].bytes.size() > longValueHead &&
+    if (definition().columns[i].isLongValue() && drafts[i].assigned &&
+        cells_[i].bytes.size() > longValueHead &&
         (longest == drafts.size() || cells_[i].bytes.size() > cells_[longest].bytes.size())) {
       longest = i;
     }
@@ -121,18 +126,20 @@ bool TableWriter::storeLongestInline(const std::vector<Draft>& drafts) {
   if (longest == drafts.size()) {
     return fail("the record is too large");
   }
-  return storeLongValue(pager(), definition().columns[longest], drafts[longest].cell.bytes, cells_[longest].bytes) ||
+  return storeLongValue(pager(), definition().columns[longest], drafts[longest].cell.bytes,
+                        cells_[longest].bytes) ||
          failFromPager();
 }
 
 bool TableWriter::makeKeysOf(Bytes row, TableIndexes::RowKeys& keys) {
   const RowView view(row, pager().version(), definition().variableColumns != 0);
-  return (view.valid() && indexes_.makeKeys(*table_, view, keys)) || fail("a field of an index may not be null");
+  return (view.valid() && indexes_.makeKeys(*table_, view, keys)) || fail("the record is damaged");
 }
 
 // --- Placing the row
 
-// A page of the table with room for a row of that size. Pages that are nearly full leave the map of those with room.
+// A page of the table with room for a row of that size. Pages that are nearly full leave the map of those
+// with room.
 std::optional<PageNumber> TableWriter::pageWithRoom(std::size_t size) {
   constexpr int mostTries = 8;
   UsageMap free(pager(), definition().freePages);
@@ -175,8 +182,8 @@ std::optional<RowPointer> TableWriter::placeNewRow(Bytes row, std::uint16_t flag
   return RowPointer{*number, *slot};
 }
 
-// Gives the row at `place` other bytes. `home` is its first slot: where it does not fit, the bytes go to another page
-// and home points there, never over a second pointer.
+// Gives the row at `place` other bytes. `home` is its first slot: where it does not fit, the bytes go to
+// another page and home points there, never over a second pointer.
 bool TableWriter::replaceRow(RowPointer home, RowPointer place, Bytes row) {
   const MutableBytes page = pager().edit(place.page);
   if (page.empty() || !DataPage(page, pager().version()).sound()) {
@@ -278,11 +285,13 @@ bool TableWriter::countRows(int change) {
 
 std::optional<RowPointer> TableWriter::insertInTransaction(std::vector<Draft>& drafts) {
   cells_.assign(drafts.size(), Cell());
-  if (!assignAutoNumber(drafts) || !checkRequired(drafts, true) || !makeRow(drafts) || !makeKeysOf(row_, after_)) {
+  if (!assignAutoNumber(drafts) || !checkRequired(drafts, true) || !makeRow(drafts) ||
+      !makeKeysOf(row_, after_)) {
     return std::nullopt;
   }
   const auto place = placeNewRow(row_, 0);
-  return place && indexes_.change(*table_, nullptr, &after_, *place, reason_) && countRows(1) ? place : std::nullopt;
+  return place && indexes_.change(*table_, nullptr, &after_, *place, reason_) && countRows(1) ? place
+                                                                                              : std::nullopt;
 }
 
 std::optional<RowPointer> TableWriter::insert(std::vector<Draft>& drafts) {

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_TABLE_WRITER_H
 #define VELTRANO_DATABASE_ACCESS_TABLE_WRITER_H
 
-// Adds, changes and deletes rows, with everything that hangs on them: long values, indexes, maps and counters. Each call
-// is one transaction: it happens wholly, or nothing changes and the reason says why.
+// Adds, changes and deletes rows, with everything that hangs on them: long values, indexes, maps and
+// counters. Each call is one transaction: it happens wholly, or nothing changes and the reason says why.
 
 #include <optional>
 #include <string>
@@ -29,8 +29,8 @@ class TableWriter {
   /// The number that the next new row gets in the table's autonumber column. Nothing when all are used up.
   [[nodiscard]] std::optional<std::int32_t> nextAutoNumber() const;
 
-  /// `drafts` are in the order of the definition's columns. Where the row went to; its autonumber is put into its draft
-  /// if the one there has been taken meanwhile.
+  /// `drafts` are in the order of the definition's columns. Where the row went to; its autonumber is put into
+  /// its draft if the one there has been taken meanwhile.
   std::optional<RowPointer> insert(std::vector<Draft>& drafts);
   /// The same within a transaction of the caller, who rolls it back if this fails.
   std::optional<RowPointer> insertInTransaction(std::vector<Draft>& drafts);

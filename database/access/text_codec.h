@@ -20,9 +20,12 @@ std::string codePageToUtf8(std::uint16_t codePage, Bytes bytes);
 void appendUtf16AsUtf8(Bytes bytes, std::string& text);
 
 /// True for text that begins with the mark of the compressed form.
-inline bool isCompressed(Bytes stored) { return stored.size() >= 2 && stored[0] == 0xFF && stored[1] == 0xFE; }
+inline bool isCompressed(Bytes stored) {
+  return stored.size() >= 2 && stored[0] == 0xFF && stored[1] == 0xFE;
+}
 
-/// When the compressed text `stored` is one byte a character throughout, these bytes; an empty pointer if not.
+/// When the compressed text `stored` is one byte a character throughout, these bytes; an empty pointer if
+/// not.
 Bytes plainLatin1(Bytes stored);
 
 /// Replaces `text` by the stored text of a Jet 4 column, compressed or not, in UTF-8.
@@ -31,7 +34,8 @@ void storedTextToUtf8(Bytes stored, std::string& text);
 /// The UTF-16 bytes of a stored text of a Jet 4 column: `stored` itself, or `buffer` when it was compressed.
 Bytes expandStoredText(Bytes stored, std::vector<std::uint8_t>& buffer);
 
-/// Replaces `stored` by the form in which a Jet 4 row holds the UTF-8 text: compressed if that is allowed and possible.
+/// Replaces `stored` by the form in which a Jet 4 row holds the UTF-8 text: compressed if that is allowed and
+/// possible.
 void encodeStoredText(std::string_view utf8, bool mayCompress, std::vector<std::uint8_t>& stored);
 
 }  // namespace veltrano::access

@@ -17,8 +17,8 @@ namespace veltrano::access {
 //   1  4*n page numbers of bitmap pages, 0 for none: page k of the list stands for the pages from k * bits on
 // A bitmap page is 05 01 00 00 and then bits to its end.
 //
-// In the global map (row 0 of page 1) a set bit is a free page, in all others a page that belongs to the owner. What
-// the global map does not reach counts as free as far as it lies behind the file's end.
+// In the global map (row 0 of page 1) a set bit is a free page, in all others a page that belongs to the
+// owner. What the global map does not reach counts as free as far as it lies behind the file's end.
 
 namespace {
 
@@ -59,11 +59,19 @@ MutableBytes editRow(Pager& pager, const MapRow& row) {
   return page.empty() ? page : page.subspan(offset, row.bytes.size());
 }
 
-std::size_t bitsOfPage(const Pager& pager) { return (pager.pageSize() - bitmapBitsAt) * 8; }
-std::size_t listLength(Bytes row) { return (row.size() - listAt) / 4; }
-PageNumber listEntry(Bytes row, std::size_t index) { return load32(row.data() + listAt + 4 * index); }
+std::size_t bitsOfPage(const Pager& pager) {
+  return (pager.pageSize() - bitmapBitsAt) * 8;
+}
+std::size_t listLength(Bytes row) {
+  return (row.size() - listAt) / 4;
+}
+PageNumber listEntry(Bytes row, std::size_t index) {
+  return load32(row.data() + listAt + 4 * index);
+}
 
-bool testBit(Bytes bits, std::size_t index) { return (bits[index / 8] >> (index % 8) & 1U) != 0; }
+bool testBit(Bytes bits, std::size_t index) {
+  return (bits[index / 8] >> (index % 8) & 1U) != 0;
+}
 void putBit(MutableBytes bits, std::size_t index, bool value) {
   const auto mask = static_cast<std::uint8_t>(1U << (index % 8));
   bits[index / 8] = static_cast<std::uint8_t>(value ? bits[index / 8] | mask : bits[index / 8] & ~mask);
@@ -101,7 +109,9 @@ PageView readBitmap(Pager& pager, PageNumber number) {
   return page && page.data()[0] == page_kind::bitmap ? std::move(page) : PageView();
 }
 
-Bytes bitsOf(const PageView& page) { return page.bytes().subspan(bitmapBitsAt); }
+Bytes bitsOf(const PageView& page) {
+  return page.bytes().subspan(bitmapBitsAt);
+}
 
 // Makes the page just appended a bitmap page whose bits are all `value`.
 void createBitmap(MutableBytes page, bool value) {
@@ -156,7 +166,8 @@ bool extendGlobal(Pager& pager, MutableBytes row, PageNumber page) {
   const MutableBytes bitmap = pager.edit(number);
   createBitmap(bitmap, true);
   const auto begin = static_cast<PageNumber>(index * bitsOfPage(pager));
-  const PageNumber end = std::min<PageNumber>(pager.pageCount(), begin + static_cast<PageNumber>(bitsOfPage(pager)));
+  const PageNumber end =
+      std::min<PageNumber>(pager.pageCount(), begin + static_cast<PageNumber>(bitsOfPage(pager)));
   for (PageNumber used = begin; used < end; ++used) {
     putBit(bitmap.subspan(bitmapBitsAt), used - begin, false);
   }
@@ -204,8 +215,8 @@ bool markUsed(Pager& pager, PageNumber page) {
   return page < load32(bytes.data() + 1) || convertGlobal(pager, bytes);
 }
 
-// A free page inside the file that holds nothing but zeros, as this engine leaves them: no other program's idea of
-// what is free is trusted with data that may still be somebody's.
+// A free page inside the file that holds nothing but zeros, as this engine leaves them: no other program's
+// idea of what is free is trusted with data that may still be somebody's.
 std::optional<PageNumber> reusablePage(Pager& pager) {
   constexpr int mostTries = 4;
   PageNumber from = 0;
@@ -215,7 +226,8 @@ std::optional<PageNumber> reusablePage(Pager& pager) {
       break;
     }
     const PageView view = pager.read(*page);
-    if (view && std::all_of(view.bytes().begin(), view.bytes().end(), [](std::uint8_t b) { return b == 0; })) {
+    if (view &&
+        std::all_of(view.bytes().begin(), view.bytes().end(), [](std::uint8_t b) { return b == 0; })) {
       return page;
     }
     from = *page + 1;
@@ -254,7 +266,8 @@ std::optional<PageNumber> UsageMap::previous(PageNumber from) const {
   }
   if (row->bytes[0] == kindInline) {
     const PageNumber first = load32(row->bytes.data() + 1);
-    const auto bit = from < first ? std::nullopt : previousBit(row->bytes.subspan(inlineBitsAt), from - first);
+    const auto bit =
+        from < first ? std::nullopt : previousBit(row->bytes.subspan(inlineBitsAt), from - first);
     return bit ? std::optional(first + static_cast<PageNumber>(*bit)) : std::nullopt;
   }
   const std::size_t bits = bitsOfPage(*pager_);
@@ -275,7 +288,8 @@ bool UsageMap::contains(PageNumber page) const {
     return false;
   }
   if (row->bytes[0] == kindInline) {
-    return inWindow(row->bytes, page) && testBit(row->bytes.subspan(inlineBitsAt), page - load32(row->bytes.data() + 1));
+    return inWindow(row->bytes, page) &&
+           testBit(row->bytes.subspan(inlineBitsAt), page - load32(row->bytes.data() + 1));
   }
   const std::size_t index = page / bitsOfPage(*pager_);
   const PageView bitmap =
