@@ -7,7 +7,6 @@
 namespace veltrano {
 namespace {
 
-using tests::contentOf;
 using tests::Document;
 using tests::lines;
 using tests::objectText;

@@ -124,6 +124,30 @@ TEST(Drawing, PolygonIsClosedInEveryMode) {
       << "one array of points";
 }
 
+// The expected lines were worked out with decimal arithmetic, apart from this code.
+TEST(Drawing, WholePageInMillimetres) {
+  const auto content = contentOf([](VeltranoPDF& pdf) {
+    pdf.PDFSetUnit(UNIT_MM);
+    pdf.PDFSetLineWidth(0.5);
+    pdf.PDFSetLineColor("#FF0000");
+    pdf.PDFSetLineStyle(pPDF_DASH);
+    pdf.PDFDrawLineHor(10, 20, 100);
+    pdf.PDFSetLineStyle(pPDF_DASHDOT);
+    pdf.PDFDrawLineVer(15, 25, 40);
+    pdf.PDFDrawLine(20, 30, 60, 55);
+    pdf.PDFSetLineStyle(pPDF_SOLID);
+    pdf.PDFDrawRectangle(70, 30, 40, 25);
+    pdf.PDFSetDrawMode(DRAW_DRAW);
+    pdf.PDFDrawRectangle(120, 30, 40, 25);
+    pdf.PDFSetDrawMode(DRAW_DRAWBORDER);
+    pdf.PDFSetDrawColor(Value::List{255, 128, 0});
+    pdf.PDFDrawRectangle(70, 60, 40, 25);
+    pdf.PDFDrawEllipse(120, 60, 40, 25);
+    pdf.PDFDrawPolygon({Value::List{30, 80}, Value::List{60, 110}, Value::List{25, 120}});
+  });
+  EXPECT_TRUE(sameBytes(content, tests::golden("drawing_page.txt")));
+}
+
 // 28.35 = 10 mm; the page from the top: 841.89 - 20 * 72 / 25.4 = 785.20.
 TEST(Drawing, ScalesByTheUnit) {
   const auto content = contentOf([](VeltranoPDF& pdf) {

@@ -38,6 +38,11 @@ inline testing::AssertionResult sameBytes(std::string_view actual, std::string_v
                                      << "\n  expected " << context(expected);
 }
 
+/// A file of the folder of golden files.
+inline std::string golden(std::string_view name) {
+  return readWholeFile(std::filesystem::path(VELTRANO_GOLDEN_FOLDER) / name).value_or("no golden file");
+}
+
 /// The text of object `number` from its "N 0 obj" line to its "endobj" line, both left out.
 inline std::string objectText(std::string_view file, int number) {
   const std::string opening = "%DEBUT_OBJ/%\r\n" + std::to_string(number) + " 0 obj\r\n";
