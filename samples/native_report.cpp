@@ -102,6 +102,12 @@ class Report {
   void table(const std::vector<Order>& orders);
   void finish() { pdf_.PDFEndDoc(); }
   void begin() { pdf_.PDFBeginDoc(); }
+  /// An empty watermark ends it: the pages that follow have none.
+  void endCover() {
+    pdf_.PDFEndPage();
+    pdf_.PDFFiligran("");
+    pdf_.PDFNewPage();
+  }
   void nextPage() {
     pdf_.PDFEndPage();
     pdf_.PDFNewPage();
@@ -160,7 +166,7 @@ void Report::cover(const std::optional<fs::path>& photo, std::size_t orders) {
           utf8ToAnsi(" orders, read from a file of separated values whose names carry their accents "
                      "(Renée, Jürgen, Anaïs), and shows what the library draws: lines, shapes, colours, "
                      "aligned and justified cells, pictures, links and bookmarks."),
-      left, 232, right - left, 6);
+      left, 232, right - left, 26);
   pdf_.PDFSetFont(FONT_ARIAL, 11);
   pdf_.PDFSetTextColor(accent);
   pdf_.PDFLink(left, 276, "https://example.com/orders", "https://example.com/orders?year=2026&page=(all)");
@@ -395,7 +401,7 @@ int main(int argc, char** argv) {
   Report report(file);
   report.begin();
   report.cover(photoIn(source), orders.size());
-  report.nextPage();
+  report.endCover();
   report.drawings();
   report.nextPage();
   report.table(orders);
