@@ -94,7 +94,7 @@ class Report {
     pdf_.PDFSetViewerPreferences(VIEW_DISPLAYDOCTITLE);
     pdf_.PDFSetUnit(UNIT_MM);
     pdf_.PDFSetMargins(20, 20);
-    pdf_.PDFSetCellMargin(2);
+    pdf_.PDFSetCellMargin(4);
   }
 
   void cover(const std::optional<fs::path>& photo, std::size_t orders);
@@ -126,6 +126,12 @@ class Report {
     pdf_.PDFSetLineColor(accent);
     pdf_.PDFSetLineWidth(0.6);
     pdf_.PDFDrawLineHor(left, 28, right - left);
+  }
+  /// The box of a cell is drawn with the line that was drawn last.
+  void hairline(double y) {
+    pdf_.PDFSetLineColor("#9AA5B1");
+    pdf_.PDFSetLineWidth(0.15);
+    pdf_.PDFDrawLineHor(left, y, right - left);
   }
   void label(std::string_view what, double x, double y) { text(what, x, y, 8, FONT_NORMAL, "#52606D"); }
   void filled(double x, double y, double width, double height, const Value& color) {
@@ -220,20 +226,20 @@ void Report::shapeSamples() {
 }
 
 void Report::colorSamples() {
-  const std::array<std::pair<Value, const char*>, 10> colors{{{COLOR_NOIR, "COLOR_NOIR"},
-                                                              {COLOR_BLEU, "COLOR_BLEU"},
-                                                              {COLOR_VERT, "COLOR_VERT"},
-                                                              {COLOR_CYAN, "COLOR_CYAN"},
-                                                              {COLOR_ROUGE, "COLOR_ROUGE"},
-                                                              {COLOR_MAGENTA, "COLOR_MAGENTA"},
-                                                              {COLOR_JAUNE, "COLOR_JAUNE"},
-                                                              {"#FF8000", "\"#FF8000\""},
-                                                              {Value::List{90, 40, 140}, "list 90,40,140"},
+  const std::array<std::pair<Value, const char*>, 10> colors{{{COLOR_NOIR, "NOIR"},
+                                                              {COLOR_BLEU, "BLEU"},
+                                                              {COLOR_VERT, "VERT"},
+                                                              {COLOR_CYAN, "CYAN"},
+                                                              {COLOR_ROUGE, "ROUGE"},
+                                                              {COLOR_MAGENTA, "MAGENTA"},
+                                                              {COLOR_JAUNE, "JAUNE"},
+                                                              {"#FF8000", "#FF8000"},
+                                                              {Value::List{90, 40, 140}, "90,40,140"},
                                                               {0x80C0FF, "0x80C0FF"}}};
   double x = left;
   for (const auto& [color, name] : colors) {
     filled(x, 128, 15, 8, color);
-    text(name, x, 139.5, 5, FONT_NORMAL, "#52606D");
+    text(name, x, 139.5, 6, FONT_NORMAL, "#52606D");
     x += 17;
   }
 }
@@ -243,8 +249,7 @@ void Report::cellSamples() {
                                                                             {ALIGN_CENTER, "centre"},
                                                                             {ALIGN_RIGHT, "right"},
                                                                             {ALIGN_FJUSTIFY, "justified"}}};
-  pdf_.PDFSetLineColor(ink);
-  pdf_.PDFSetLineWidth(0.2);
+  hairline(142);
   double x = left;
   for (const auto& [alignment, name] : alignments) {
     pdf_.PDFSetFont(FONT_TIMES, 10);
@@ -253,7 +258,7 @@ void Report::cellSamples() {
     pdf_.PDFSetBorder(BORDER_ALL);
     pdf_.PDFCell(
         utf8ToAnsi(name) + utf8ToAnsi(": à la carte, déjà vu and Ærøskøbing in one cell that breaks."), x,
-        146, 41, 5);
+        146, 41, 24);
     x += 43;
   }
   constexpr std::array<std::pair<std::int32_t, const char*>, 6> borders{{{BORDER_NONE, "none"},
@@ -287,7 +292,7 @@ void Report::textSamples() {
                                                                         {FONT_ITALIC, "italic"},
                                                                         {FONT_BOLD, "bold"},
                                                                         {12, "both"},
-                                                                        {FONT_UNDERLINE, "underlined"}}};
+                                                                        {FONT_UNDERLINE, "under"}}};
   pdf_.PDFSetTextColor(ink);
   double y = 206;
   for (const auto& [family, familyName] : families) {
@@ -333,8 +338,6 @@ void Report::drawings() {
 
 void Report::row(const std::array<std::string, 6>& fields, double y, bool headingRow, bool shaded) {
   constexpr std::array<double, 6> widths{22, 36, 28, 42, 16, 26};
-  pdf_.PDFSetLineColor("#9AA5B1");
-  pdf_.PDFSetLineWidth(0.15);
   double x = left;
   for (std::size_t i = 0; i < fields.size(); ++i) {
     pdf_.PDFSetFont(FONT_ARIAL, 9, headingRow ? FONT_BOLD : FONT_NORMAL);
@@ -363,6 +366,7 @@ void Report::table(const std::vector<Order>& orders) {
       heading("Orders");
       label("page " + page, right - 12, 285);
       y = 36;
+      hairline(y);
       row(names, y, true, false);
       y += 6;
     }
