@@ -162,8 +162,9 @@ void render(veltrano::cDIBSection& dib) {
     for (int column = 0; column < dib.Width(); ++column) {
       Colour sum{0, 0, 0};
       for (int i = 0; i < samples * samples; ++i) {
+        const int down = i / samples;
         sum = sum + pixel((column + (i % samples + 0.5) / samples) / height,
-                          (row + (i / samples + 0.5) / samples) / height);
+                          (row + (down + 0.5) / samples) / height);
       }
       const double grain = (lattice(column, row) - 0.5) * 5;
       for (const double channel : {sum.blue, sum.green, sum.red}) {
