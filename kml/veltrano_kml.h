@@ -14,6 +14,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,9 @@
 #include "base/value.h"
 
 namespace veltrano {
+
+class CoordinateTriple;
+struct FieldOfView;
 
 class VeltranoKML {
  public:
@@ -63,12 +67,23 @@ class VeltranoKML {
   void CloseKML();
 
  private:
-  void writePath(std::string_view id, std::string_view coordinates);
-
-  /// Files that were never closed, oldest first; the last one is the one being written if `open_`.
-  std::vector<OutputFile> files_;
-  bool open_ = false;
+  /// Lines of the member at work, gathered so that the file is asked once; reused from call to call.
+  std::string lines_;
+  std::optional<OutputFile> file_;
+  /// Files that a later CreateKML left behind open.
+  std::vector<OutputFile> abandonedFiles_;
+  /// Coordinate triples, a CR LF after each.
   std::string pathBuffer_;
+
+  template <typename... Pieces>
+  void line(const Pieces&... pieces);
+  void numberLine(std::string_view before, double number, std::string_view after);
+  void pointLine(const CoordinateTriple& point);
+  void camera(std::string_view altitude, std::string_view heading, double X, double y);
+  void viewVolume(const FieldOfView& view);
+  void pathStyle(std::string_view id, std::int16_t Size, std::string_view pColor);
+  void coordinateLines(std::string_view points);
+  void writeLines();
 };
 
 }  // namespace veltrano
