@@ -17,7 +17,8 @@ struct LocalTime {
 
 LocalTime localTime();
 
-/// Seconds since local midnight with their fraction, in single precision as the host runtime's timer has them.
+/// Seconds since local midnight with their fraction, in single precision as the host runtime's timer has
+/// them.
 float secondsSinceMidnight();
 
 }  // namespace veltrano

@@ -4,13 +4,15 @@
 // The ANSI code page and the Unicode forms of text.
 //
 // Inside the library text has one of two forms:
-//  - "ANSI text": std::string, one byte a character, in the ANSI code page. It is what ends up in PDF, KML and INI
+//  - "ANSI text": std::string, one byte a character, in the ANSI code page. It is what ends up in PDF, KML
+//  and INI
 //    files, so lengths and character codes need no second thought.
 //  - "UTF-8 text": std::string, in settings/ (XML) and database/.
 // UTF-16 exists at the automation boundary only.
 //
-// On Windows the code page is the system's own. Elsewhere it is Windows-1252 unless setCodePage chose another.
-// Conversions never fail: what has no counterpart becomes '?' (towards ANSI) or U+FFFD (towards Unicode).
+// On Windows the code page is the system's own. Elsewhere it is Windows-1252 unless setCodePage chose
+// another. Conversions never fail: what has no counterpart becomes '?' (towards ANSI) or U+FFFD (towards
+// Unicode).
 
 #include <array>
 #include <cstdint>
@@ -29,8 +31,8 @@ extern const CodePageTable windows1250;
 /// Windows-1251, Cyrillic.
 extern const CodePageTable windows1251;
 
-/// Chooses the code page of the process where the system has none of its own. On Windows it does nothing: there the
-/// system's setting holds. Not to be called while another thread converts text.
+/// Chooses the code page of the process where the system has none of its own. On Windows it does nothing:
+/// there the system's setting holds. Not to be called while another thread converts text.
 void setCodePage(const CodePageTable& table);
 
 std::string utf16ToAnsi(std::u16string_view text);
@@ -43,8 +45,8 @@ std::string utf16ToUtf8(std::u16string_view text);
 /// Malformed sequences become U+FFFD, one for each maximal broken part.
 std::u16string utf8ToUtf16(std::string_view text);
 
-/// For each byte the lower-case form of that character in the ANSI code page ('É' to 'é' in Windows-1252), itself
-/// when it has none. Under a multi-byte code page only the ASCII letters change.
+/// For each byte the lower-case form of that character in the ANSI code page ('É' to 'é' in Windows-1252),
+/// itself when it has none. Under a multi-byte code page only the ASCII letters change.
 const std::array<char, 256>& ansiLowerTable();
 
 /// `text` in lower case, character by character.

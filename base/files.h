@@ -1,8 +1,8 @@
 #ifndef VELTRANO_BASE_FILES_H
 #define VELTRANO_BASE_FILES_H
 
-// Whole-file reading, replacing and buffered writing. Nothing here throws: a failure is a result, and the debug trace
-// says why.
+// Whole-file reading, replacing and buffered writing. Nothing here throws: a failure is a result, and the
+// debug trace says why.
 
 #include <cstdint>
 #include <filesystem>
@@ -21,21 +21,22 @@ enum class Durability {
   power,    ///< the power may fail: the new content is on the disk before the old one goes
 };
 
-/// The whole file as bytes. Nothing when it is missing, a folder or unreadable. Others may read the file meanwhile.
+/// The whole file as bytes. Nothing when it is missing, a folder or unreadable. Others may read the file
+/// meanwhile.
 std::optional<std::string> readWholeFile(const std::filesystem::path& file);
 
-/// Puts the pieces, one after another, in place of `file`. Afterwards the file holds all of them or, when the result
-/// is false, what it held before (nothing, if it did not exist): a new file is written beside it and then renamed
-/// over it. A link keeps pointing to its target, whose permissions are kept; a read-only file is refused. A name that
-/// stands for a device or pipe is written to directly.
+/// Puts the pieces, one after another, in place of `file`. Afterwards the file holds all of them or, when the
+/// result is false, what it held before (nothing, if it did not exist): a new file is written beside it and
+/// then renamed over it. A link keeps pointing to its target, whose permissions are kept; a read-only file is
+/// refused. A name that stands for a device or pipe is written to directly.
 bool replaceFile(const std::filesystem::path& file, std::span<const std::string_view> pieces,
                  Durability durability = Durability::process);
 bool replaceFile(const std::filesystem::path& file, std::string_view content,
                  Durability durability = Durability::process);
 
-/// A file being written from its start, through a buffer. What was written reaches the file when the buffer is full,
-/// on flush and when the object goes away. Bytes that could not be written (a full disk) are lost, those before them
-/// are kept, and writing may be tried again. Movable; owns the file handle.
+/// A file being written from its start, through a buffer. What was written reaches the file when the buffer
+/// is full, on flush and when the object goes away. Bytes that could not be written (a full disk) are lost,
+/// those before them are kept, and writing may be tried again. Movable; owns the file handle.
 class OutputFile {
  public:
   /// Deletes `file` if it exists and creates it anew. Nothing when that is impossible.
@@ -59,8 +60,8 @@ class OutputFile {
   std::unique_ptr<State> state_;
 };
 
-/// What tells one state of a file from another: if two of these are equal and the time stamp is not too young, the
-/// content is the same. Times are in nanoseconds of the file system's clock.
+/// What tells one state of a file from another: if two of these are equal and the time stamp is not too
+/// young, the content is the same. Times are in nanoseconds of the file system's clock.
 struct FileIdentity {
   std::uint64_t device = 0;
   std::uint64_t file = 0;
@@ -76,16 +77,17 @@ std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file);
 /// Now, on the clock of FileIdentity.
 std::int64_t fileClockNow();
 
-/// Names (not paths) of the regular files in `folder`, sorted by their bytes, so that the order is the same on every
-/// system. Nothing when there is no such folder.
+/// Names (not paths) of the regular files in `folder`, sorted by their bytes, so that the order is the same
+/// on every system. Nothing when there is no such folder.
 std::optional<std::vector<std::filesystem::path>> listFiles(const std::filesystem::path& folder);
 
-/// A path from a name as hosts of the ANSI features write it. Never throws: a name with an embedded zero character
-/// gives an empty path, which no file has.
+/// A path from a name as hosts of the ANSI features write it. Never throws: a name with an embedded zero
+/// character gives an empty path, which no file has.
 std::filesystem::path pathFromAnsi(std::string_view name);
 std::filesystem::path pathFromUtf8(std::string_view name);
 std::filesystem::path pathFromUtf16(std::u16string_view name);
-/// The name in the ANSI code page; characters outside it become what the system's default conversion makes of them.
+/// The name in the ANSI code page; characters outside it become what the system's default conversion makes of
+/// them.
 std::string pathToAnsi(const std::filesystem::path& path);
 
 }  // namespace veltrano

@@ -3,8 +3,8 @@
 
 // The developer's trace. Hosts never see an error, so this says which member skipped which step and why.
 //
-// VELTRANO_TRACE=<file> appends to that file, VELTRANO_TRACE=stderr writes to the standard error (on Windows to the
-// debugger too). Off, it costs one test of a flag. Traces name the member and the reason, never document content.
+// VELTRANO_TRACE=<file> appends to that file, VELTRANO_TRACE=stderr writes to the standard error. Off, it
+// costs one test of a flag. Traces name the member and the reason, never document content.
 
 #include <string_view>
 

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_BASE_VALUE_H
 #define VELTRANO_BASE_VALUE_H
 
-// A value whose kind the caller chooses: what automation hosts pass as a variant, without any COM in it. The server
-// makes Values from variants and back; C++ callers construct them directly.
+// A value whose kind the caller chooses: what automation hosts pass as a variant, without any COM in it. The
+// server makes Values from variants and back; C++ callers construct them directly.
 
 #include <compare>
 #include <cstdint>
@@ -48,8 +48,8 @@ class Value {
   Value(double number) : data_(number) {}
   Value(Date date) : data_(date) {}
   Value(Currency amount) : data_(amount) {}
-  /// The text's encoding is that of the class that takes it: ANSI text in pdf/ and kml/, UTF-8 in settings/ and
-  /// database/.
+  /// The text's encoding is that of the class that takes it: ANSI text in pdf/ and kml/, UTF-8 in settings/
+  /// and database/.
   Value(std::string text) : data_(std::move(text)) {}
   Value(const char* text) : data_(std::string(text)) {}
   /// A list of values of any kind (a variant array).
@@ -73,21 +73,21 @@ class Value {
     return std::get_if<T>(&data_);
   }
 
-  /// Number of a numeric value, a date or an empty value (0); true is -1. Texts are read as invariant decimals.
-  /// Nothing for the other kinds.
+  /// Number of a numeric value, a date or an empty value (0); true is -1. Texts are read as invariant
+  /// decimals. Nothing for the other kinds.
   [[nodiscard]] std::optional<double> toDouble() const;
   /// toDouble rounded, ties to even; nothing when it does not fit.
   [[nodiscard]] std::optional<std::int32_t> toInt32() const;
   [[nodiscard]] std::optional<std::int16_t> toInt16() const;
-  /// The text of a text, the general decimal text of a number ("True" and "False" for a flag), "" for empty; nothing
-  /// for the other kinds.
+  /// The text of a text, the general decimal text of a number ("True" and "False" for a flag), "" for empty;
+  /// nothing for the other kinds.
   [[nodiscard]] std::optional<std::string> toText() const;
 
   friend bool operator==(const Value&, const Value&) = default;
 
  private:
-  std::variant<std::monostate, Null, bool, std::int64_t, double, Date, Currency, std::string, List, Doubles, Bytes,
-               Opaque>
+  std::variant<std::monostate, Null, bool, std::int64_t, double, Date, Currency, std::string, List, Doubles,
+               Bytes, Opaque>
       data_;
 };
 

@@ -29,6 +29,13 @@ if(VELTRANO_SANITIZE)
   target_link_options(veltrano_compiler INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(VELTRANO_FUZZERS)
+  # The libraries under test are watched by the fuzzer as well: coverage guides it, the sanitizers judge.
+  target_compile_options(veltrano_compiler INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(veltrano_compiler INTERFACE -fsanitize=address,undefined)
+endif()
+
 find_program(VELTRANO_CCACHE ccache)
 if(VELTRANO_CCACHE)
   set(CMAKE_C_COMPILER_LAUNCHER "${VELTRANO_CCACHE}")

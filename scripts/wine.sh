@@ -1,18 +1,25 @@
 #!/usr/bin/env bash
 # Runs a Windows program under Wine in the project's private prefix (made on first use below build/).
 #   scripts/wine.sh program.exe [argument ...]
+#   scripts/wine.sh --prepare        only makes the prefix
 set -eu
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
 export WINEDEBUG=${WINEDEBUG:--all}
+# Neither .NET nor a browser engine is wanted: without this Wine offers to download them.
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree=;mshtml=}
-if [ ! -e "$WINEPREFIX/system.reg" ]; then
+unset DISPLAY
+if [ ! -e "$WINEPREFIX/.ready" ]; then
   mkdir -p "$WINEPREFIX"
   # Two tests may start at once: only one makes the prefix.
   (
     flock 9
-    [ -e "$WINEPREFIX/system.reg" ] || wineboot -i >/dev/null 2>&1
-    wineserver -w
+    if [ ! -e "$WINEPREFIX/.ready" ]; then
+      wineboot -i >/dev/null 2>&1
+      wineserver -w
+      touch "$WINEPREFIX/.ready"
+    fi
   ) 9>"$WINEPREFIX.lock"
 fi
+[ "${1:-}" != --prepare ] || exit 0
 exec wine "$@"

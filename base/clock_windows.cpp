@@ -1,0 +1,20 @@
+#include <windows.h>
+
+#include "base/clock.h"
+
+namespace veltrano {
+
+LocalTime localTime() {
+  SYSTEMTIME now = {};
+  GetLocalTime(&now);
+  return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
+}
+
+float secondsSinceMidnight() {
+  SYSTEMTIME now = {};
+  GetLocalTime(&now);
+  const int seconds = (now.wHour * 60 + now.wMinute) * 60 + now.wSecond;
+  return static_cast<float>(seconds + now.wMilliseconds / 1000.0);
+}
+
+}  // namespace veltrano

@@ -1,0 +1,81 @@
+#!/usr/bin/env bash
+# Shows what the library does, as a script host drives it: builds the 32-bit DLL, registers it in a private Wine
+# prefix, runs the VBScript samples and says where their results lie. Installs what is missing first.
+#   ./demo.sh            the DLL, under Wine
+#   ./demo.sh --native   the portable library, without Wine
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")"
+
+native=false
+case "${1:-}" in
+  --native) native=true ;;
+  "") ;;
+  *) echo "usage: ./demo.sh [--native]" >&2; exit 2 ;;
+esac
+
+# build PRESET TARGET ...
+build() {
+  local preset=$1
+  shift
+  echo "Building $preset"
+  mkdir -p build
+  cmake --preset "$preset" >"build/$preset-configure.log" 2>&1 || { cat "build/$preset-configure.log"; exit 1; }
+  cmake --build "build/$preset" --target "$@" >"build/$preset-build.log" 2>&1 ||
+    { grep -v '^\[' "build/$preset-build.log" | head -n 100; exit 1; }
+}
+
+preview() {
+  pdftoppm -png -r 60 "$1" "${1%.pdf}"
+  echo "  report:  $PWD/$1"
+  echo "  preview: $PWD/$(ls "${1%.pdf}"-*.png | head -n 1) (one picture a page)"
+}
+
+if ! scripts/install-packages.sh native; then
+  echo "demo.sh: the packages that the native build needs cannot be installed here" >&2
+  exit 1
+fi
+out=build/demo
+rm -rf "$out"
+mkdir -p "$out"
+
+if $native; then
+  build native native_report
+  echo "Running the native sample"
+  build/native/samples/native_report samples "$out"
+  preview "$out/report.pdf"
+  exit 0
+fi
+
+if ! scripts/install-packages.sh windows; then
+  echo "demo.sh: Wine and the Windows compilers cannot be installed here; ./demo.sh --native shows the portable library" >&2
+  exit 1
+fi
+scripts/build-windows-libraries.sh i686-w64-mingw32
+build win32 VeltranoFrameWorkDLL picture_host
+build native make_contacts
+
+echo "Registering the DLL in the Wine prefix $PWD/build/wine"
+scripts/wine.sh --prepare
+scripts/wine.sh 'C:\windows\syswow64\regsvr32.exe' /s build/win32/VeltranoFrameWorkDLL.dll
+
+# Wine's script host ends with 0 whatever happens, so each sample says "done" when it came to its end.
+# sample NAME [argument ...]
+sample() {
+  local name=$1
+  shift
+  echo "Running samples/$name.vbs"
+  if ! scripts/wine.sh 'C:\windows\syswow64\cscript.exe' //nologo "samples/$name.vbs" "$@" 2>/dev/null |
+    tr -d '\r' | tee "$out/$name.log" | grep -v '^done$'; then :; fi
+  grep -qx done "$out/$name.log" || { echo "demo.sh: samples/$name.vbs did not come to its end" >&2; exit 1; }
+}
+
+sample report samples "$out"
+preview "$out/report.pdf"
+sample tour samples "$out"
+xmllint --noout "$out/tour.kml" "$out/settings.xml" && echo "  xmllint reads tour.kml and settings.xml"
+sample pictures samples "$out"
+build/native/samples/make_contacts "$out/contacts.mdb"
+sample contacts "$out"
+echo "  mdb-export lists the same table:"
+mdb-export "$out/contacts.mdb" Contacts | sed 's/^/    /'
+echo "Everything lies in $PWD/$out"

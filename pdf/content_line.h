@@ -1,0 +1,56 @@
+#ifndef VELTRANO_PDF_CONTENT_LINE_H
+#define VELTRANO_PDF_CONTENT_LINE_H
+
+// One line of page content, written in place. A number that is not finite fails the statement that formats
+// it: the whole line is then left out and the lines after it still come.
+//
+//   ContentLine(content).point(x, y).text(" m").end();
+
+#include <cmath>
+#include <string>
+#include <string_view>
+
+#include "base/numbers.h"
+
+namespace veltrano {
+
+class ContentLine {
+ public:
+  explicit ContentLine(std::string& content) : content_(content), start_(content.size()) {}
+
+  ContentLine& text(std::string_view text) {
+    content_.append(text);
+    return *this;
+  }
+  /// Two decimals.
+  ContentLine& number(double value) {
+    failed_ |= !std::isfinite(value);
+    appendPdfNumber(content_, value, 2);
+    return *this;
+  }
+  /// "x y"
+  ContentLine& point(double x, double y) { return number(x).text(" ").number(y); }
+  /// Ends the line with CR LF, or takes it back. False when it was taken back.
+  bool end() {
+    if (failed_) {
+      content_.resize(start_);
+      return false;
+    }
+    content_.append("\r\n");
+    return true;
+  }
+
+ private:
+  std::string& content_;
+  std::string::size_type start_;
+  bool failed_ = false;
+};
+
+/// Appends `line` and CR LF.
+inline void appendLine(std::string& content, std::string_view line) {
+  content.append(line).append("\r\n");
+}
+
+}  // namespace veltrano
+
+#endif

@@ -1,0 +1,54 @@
+#!/usr/bin/env bash
+# Builds and runs every test: native (with the address and undefined-behaviour sanitizers), 32-bit Windows and 64-bit
+# Windows, the latter two under Wine. Installs what is missing first.
+#   ./test.sh            everything
+#   ./test.sh --native   the native part alone
+set -eu
+cd "$(dirname "${BASH_SOURCE[0]}")"
+
+presets=(native-asan win32 win64)
+groups=(native windows)
+case "${1:-}" in
+  --native) presets=(native-asan); groups=(native) ;;
+  "") ;;
+  *) echo "usage: ./test.sh [--native]" >&2; exit 2 ;;
+esac
+
+if ! scripts/install-packages.sh native; then
+  echo "test.sh: the packages that the native build needs cannot be installed here" >&2
+  exit 1
+fi
+if [ ${#groups[@]} -gt 1 ]; then
+  if ! scripts/install-packages.sh windows; then
+    echo "test.sh: Wine and the Windows compilers cannot be installed here; ./test.sh --native runs the native tests alone" >&2
+    exit 1
+  fi
+  scripts/build-windows-libraries.sh i686-w64-mingw32 x86_64-w64-mingw32
+fi
+
+mkdir -p build
+for preset in "${presets[@]}"; do
+  echo "Building $preset"
+  cmake --preset "$preset" >"build/$preset-configure.log" 2>&1 || { cat "build/$preset-configure.log"; exit 1; }
+  cmake --build "build/$preset" >"build/$preset-build.log" 2>&1 || { grep -v '^\[' "build/$preset-build.log" | head -n 100; exit 1; }
+done
+
+echo "Checking the sources with clang-format and clang-tidy"
+lint=0
+python3 scripts/lint.py build/native-asan || lint=1
+[ "$lint" -eq 0 ] || echo "test.sh: the sources need mending, see above" >&2
+
+if [ ${#groups[@]} -gt 1 ]; then
+  echo "Preparing the Wine prefix"
+  scripts/wine.sh --prepare
+fi
+
+# One run over all targets, so that the closing lines speak for everything.
+{
+  for preset in "${presets[@]}"; do echo "subdirs(\"$preset\")"; done
+} >build/CTestTestfile.cmake
+echo "Running the tests: ${presets[*]}"
+result=0
+ctest --test-dir build --output-on-failure --no-tests=error -j "$(nproc)" || result=$?
+[ "$lint" -eq 0 ] || exit 1
+exit "$result"

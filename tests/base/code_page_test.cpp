@@ -1,0 +1,53 @@
+#include "base/code_page.h"
+
+#include <gtest/gtest.h>
+
+namespace veltrano {
+namespace {
+
+// On Windows these hold for the Western code page, which is Wine's and this project's test machines' own.
+
+TEST(CodePage, EveryByteSurvivesTheTripThroughUnicode) {
+  std::string bytes;
+  for (int i = 0; i < 256; ++i) {
+    bytes.push_back(static_cast<char>(i));
+  }
+  EXPECT_EQ(utf16ToAnsi(ansiToUtf16(bytes)), bytes);
+  EXPECT_EQ(utf8ToAnsi(ansiToUtf8(bytes)), bytes);
+}
+
+TEST(CodePage, KnowsWindows1252) {
+  EXPECT_EQ(utf8ToAnsi("Zo\xC3\xAB \xE2\x82\xAC"), "Zo\xEB \x80");
+  EXPECT_EQ(ansiToUtf8("\x93\xC9\x94"), "\xE2\x80\x9C\xC3\x89\xE2\x80\x9D");
+  EXPECT_EQ(utf16ToAnsi(u"\u4E2D"), "?");
+}
+
+TEST(CodePage, LowersAccentedLetters) {
+  EXPECT_EQ(ansiLower("\xC9T\xC9 \x8A \x9F \xD7 1A"), "\xE9t\xE9 \x9A \xFF \xD7 1a");
+}
+
+TEST(Unicode, MalformedTextBecomesReplacementCharacters) {
+  struct Case {
+    const char* label;
+    std::string utf8;
+    std::u16string utf16;
+  };
+  const Case cases[] = {
+      {"lone continuation", "a\x80z", u"a\uFFFDz"},
+      {"overlong slash", "\xC0\xAF", u"\uFFFD\uFFFD"},
+      {"surrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
+      {"cut at the end", "\xE2\x82", u"\uFFFD"},
+      {"above U+10FFFF", "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(utf8ToUtf16(c.utf8), c.utf16) << c.label;
+  }
+  EXPECT_EQ(utf16ToUtf8(std::u16string({0xD800, u'a', 0xDC00})),
+            "\xEF\xBF\xBD"
+            "a\xEF\xBF\xBD");
+  EXPECT_EQ(utf8ToUtf16("\xF0\x9F\x98\x80"), u"\U0001F600");
+  EXPECT_EQ(utf16ToUtf8(u"\U0001F600"), "\xF0\x9F\x98\x80");
+}
+
+}  // namespace
+}  // namespace veltrano

@@ -1,0 +1,41 @@
+#include "base/value.h"
+
+#include <gtest/gtest.h>
+
+namespace veltrano {
+namespace {
+
+TEST(Value, ConvertsAsAutomationDoes) {
+  struct Case {
+    const char* label;
+    Value value;
+    std::optional<double> number;
+    std::optional<std::string> text;
+  };
+  const Case cases[] = {
+      {"empty", Value(), 0.0, ""},
+      {"null", Value(Null{}), std::nullopt, std::nullopt},
+      {"true", Value(true), -1.0, "True"},
+      {"integer", Value(12), 12.0, "12"},
+      {"float", Value(0.5), 0.5, "0.5"},
+      {"currency", Value(Currency{-12345600}), -1234.56, "-1234.56"},
+      {"whole currency", Value(Currency{9223372036854775807}), 922337203685477.625, "922337203685477.5807"},
+      {"text", Value("7.5"), 7.5, "7.5"},
+      {"word", Value("seven"), std::nullopt, "seven"},
+      {"list", Value(Value::List{Value(1)}), std::nullopt, std::nullopt},
+      {"object", Value(Opaque{}), std::nullopt, std::nullopt},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(c.value.toDouble(), c.number) << c.label;
+    EXPECT_EQ(c.value.toText(), c.text) << c.label;
+  }
+}
+
+TEST(Value, WholeNumbersRoundToEvenAndMustFit) {
+  EXPECT_EQ(Value(2.5).toInt16(), std::int16_t{2});
+  EXPECT_EQ(Value(40000).toInt16(), std::nullopt);
+  EXPECT_EQ(Value(40000).toInt32(), 40000);
+}
+
+}  // namespace
+}  // namespace veltrano
