@@ -263,7 +263,7 @@ class VeltranoPDF {
 
   // Drawing (drawing.cpp).
   void copyLineColorToFill();
-  void appendPaintColors(bool lineColorInFillMode);
+  void appendPaintColors();
   void appendLineWidth(std::string_view operators);
   void placeShapeLink(const Value& link, const LinkShape& shape);
 
