@@ -4,6 +4,7 @@
 // Whole-file reading, replacing and buffered writing. Nothing here throws: a failure is a result, and the
 // debug trace says why.
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -24,6 +25,9 @@ enum class Durability {
 /// The whole file as bytes. Nothing when it is missing, a folder or unreadable. Others may read the file
 /// meanwhile.
 std::optional<std::string> readWholeFile(const std::filesystem::path& file);
+
+/// The first `limit` bytes of the file, or all of a shorter one; otherwise as readWholeFile.
+std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit);
 
 /// Puts the pieces, one after another, in place of `file`. Afterwards the file holds all of them or, when the
 /// result is false, what it held before (nothing, if it did not exist): a new file is written beside it and

@@ -138,22 +138,26 @@ class WindowsOutput final : public RawOutput {
 }  // namespace
 
 std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
+  return readFileStart(file, PTRDIFF_MAX);
+}
+
+std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit) {
   const FileHandle handle =
       openFile(file, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING,
                FILE_FLAG_SEQUENTIAL_SCAN);
   LARGE_INTEGER size = {};
   if (!handle || GetFileSizeEx(handle.get(), &size) == 0 ||
       static_cast<std::uint64_t>(size.QuadPart) > static_cast<std::uint64_t>(PTRDIFF_MAX)) {
-    traceError("readWholeFile", file);
+    traceError("readFileStart", file);
     return std::nullopt;
   }
-  std::string content(static_cast<std::size_t>(size.QuadPart), '\0');
+  std::string content(std::min(limit, static_cast<std::size_t>(size.QuadPart)), '\0');
   std::size_t length = 0;
   while (length < content.size()) {
     const auto wanted = static_cast<DWORD>(std::min<std::size_t>(content.size() - length, largestTransfer));
     DWORD count = 0;
     if (ReadFile(handle.get(), content.data() + length, wanted, &count, nullptr) == 0) {
-      traceError("readWholeFile", file);
+      traceError("readFileStart", file);
       return std::nullopt;
     }
     if (count == 0) {

@@ -163,6 +163,46 @@ std::size_t formatQuickly(char* target, double value, int decimals) {
   return length;
 }
 
+// The common case of generalNumberText: a value that a person or a receiver wrote with at most eight
+// decimals. If the nearest multiple of 1e-8 has at most 15 digits and its division gives the value back, its
+// digits are the value's: the division rounds correctly, and no two texts of up to 15 digits share a double.
+// False when undecided.
+bool generalQuickly(NumberText& text, double value) {
+  constexpr int decimals = 8;
+  constexpr std::int64_t unit = 100'000'000;
+  constexpr double smallestPlain = 0.0001;
+  constexpr double largest = 1e7;
+  const double magnitude = std::fabs(value);
+  if (!(magnitude >= smallestPlain && magnitude < largest)) {
+    return false;
+  }
+  const auto scaled = static_cast<std::int64_t>(magnitude * static_cast<double>(unit) + 0.5);
+  if (static_cast<double>(scaled) / static_cast<double>(unit) != magnitude) {
+    return false;
+  }
+  std::array<char, 32> digits;
+  char* const end = digits.data() + digits.size();
+  char* last = end;
+  auto fraction = static_cast<std::uint64_t>(scaled % unit);
+  char* begin = end - decimals;
+  if (fraction != 0) {
+    // Written as 1dddddddd, so that leading zeros of the fraction are there; the 1 gives way to the point.
+    begin = writeBackwards(end, fraction + static_cast<std::uint64_t>(unit));
+    *begin = '.';
+    while (last[-1] == '0') {
+      --last;
+    }
+  } else {
+    last = begin;
+  }
+  begin = writeBackwards(begin, static_cast<std::uint64_t>(scaled / unit));
+  if (value < 0) {
+    *--begin = '-';
+  }
+  text.append({begin, static_cast<std::size_t>(last - begin)});
+  return true;
+}
+
 // "1.25E-05", or the plain form when the point stands within `significant` digits.
 NumberText generalText(const DecimalDigits& number, bool negative, int significant) {
   NumberText text;
@@ -264,8 +304,11 @@ void appendPdfNumber(std::string& target, double value, int decimals) {
 }
 
 NumberText generalNumberText(double value) {
-  return std::isfinite(value) ? generalText(significantDigits(std::fabs(value), 15), value < 0, 15)
-                              : NumberText{};
+  NumberText text;
+  if (generalQuickly(text, value)) {
+    return text;
+  }
+  return std::isfinite(value) ? generalText(significantDigits(std::fabs(value), 15), value < 0, 15) : text;
 }
 
 NumberText singleNumberText(float value) {

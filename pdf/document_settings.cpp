@@ -6,6 +6,7 @@
 namespace veltrano {
 
 void VeltranoPDF::PDFPathConfiguration(const std::filesystem::path& folder) {
+  settledX();  // measures by the folder of before
   fonts_.afmPath = folder;
 }
 
