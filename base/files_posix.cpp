@@ -6,6 +6,7 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -21,6 +22,9 @@
 namespace veltrano {
 
 namespace {
+
+// Small enough to stay in the processor's cache while it is being looked at.
+constexpr std::size_t pieceSize = std::size_t{256} * 1024;
 
 void traceError(std::string_view member, const std::filesystem::path& file) {
   if (traceEnabled()) {
@@ -170,6 +174,55 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
   }
   content.resize(length);
   return content;
+}
+
+std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit) {
+  const FileDescriptor descriptor = openFile(file, O_RDONLY);
+  // A short limit is taken as it is: asking for the size costs as much as reading.
+  constexpr std::size_t shortLimit = std::size_t{64} << 10;
+  struct stat status = {};
+  if (!descriptor || (limit > shortLimit && ::fstat(descriptor.get(), &status) != 0)) {
+    traceError("readFileStart", file);
+    return std::nullopt;
+  }
+  std::string content;
+  content.resize(limit > shortLimit ? std::min(limit, static_cast<std::size_t>(status.st_size)) : limit);
+  std::size_t length = 0;
+  while (length < content.size()) {
+    const ssize_t count = ::read(descriptor.get(), content.data() + length, content.size() - length);
+    if (count < 0 && errno == EINTR) {
+      continue;
+    }
+    if (count < 0) {
+      traceError("readFileStart", file);
+      return std::nullopt;
+    }
+    if (count == 0) {
+      break;
+    }
+    length += static_cast<std::size_t>(count);
+  }
+  content.resize(length);
+  return content;
+}
+
+bool readFileInPieces(const std::filesystem::path& file,
+                      const std::function<bool(std::string_view piece)>& take) {
+  const FileDescriptor descriptor = openFile(file, O_RDONLY);
+  const auto buffer = std::make_unique_for_overwrite<char[]>(pieceSize);
+  for (;;) {
+    const ssize_t count = descriptor ? ::read(descriptor.get(), buffer.get(), pieceSize) : -1;
+    if (count < 0 && descriptor && errno == EINTR) {
+      continue;
+    }
+    if (count < 0) {
+      traceError("readFileInPieces", file);
+      return false;
+    }
+    if (count == 0 || !take({buffer.get(), static_cast<std::size_t>(count)})) {
+      return true;
+    }
+  }
 }
 
 bool replaceFile(const std::filesystem::path& file, std::span<const std::string_view> pieces,

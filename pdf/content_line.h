@@ -30,6 +30,16 @@ class ContentLine {
   }
   /// "x y"
   ContentLine& point(double x, double y) { return number(x).text(" ").number(y); }
+  /// "a b c d " of a matrix that turns by an angle. Three decimals: with two, a long text would come out
+  /// smaller or larger than its font.
+  ContentLine& direction(double cosine, double sine) {
+    failed_ |= !std::isfinite(cosine) || !std::isfinite(sine);
+    for (const double value : {cosine, sine, -sine, cosine}) {
+      appendPdfNumber(content_, value, 3);
+      content_.push_back(' ');
+    }
+    return *this;
+  }
   /// Ends the line with CR LF, or takes it back. False when it was taken back.
   bool end() {
     if (failed_) {

@@ -8,7 +8,22 @@
 #include <string>
 #include <vector>
 
+#include "pdf/afm_file.h"
+
 namespace veltrano {
+
+/// A text behind which the current position lies. It is measured when the position is asked for, by the
+/// metrics of the time when it was written: texts mostly come with positions of their own, and looking at the
+/// metrics file for each would cost more than the rest.
+struct PendingAdvance {
+  std::string text;
+  std::string fontName;
+  std::int16_t size = 0;
+  double start = 0;            ///< where the text began, user units
+  std::int64_t writtenAt = 0;  ///< clock of FileIdentity
+  /// The current x is not a number meanwhile. Whoever sets it puts an end to the waiting.
+  bool waiting = false;
+};
 
 struct FontState {
   std::filesystem::path afmPath;
@@ -22,6 +37,13 @@ struct FontState {
   bool boldFlag = false;
   bool underlineFlag = false;
   double rotation = 0;  ///< degrees, negated as PDFSetRotation stores it
+  /// Resource number of the current font: its position in the table from 1, 1 while no font is set, 0 when
+  /// the table lacks it. Hosts know the "/F0" that comes of it.
+  int fontNumber = 1;
+  MetricsCache metrics;
+  PendingAdvance pendingAdvance;
+
+  [[nodiscard]] const FontMetrics& currentMetrics() { return metrics.metrics(afmPath, currentFontName); }
 };
 
 }  // namespace veltrano

@@ -1,12 +1,14 @@
 #ifndef VELTRANO_PDF_OUTPUT_TEXT_H
 #define VELTRANO_PDF_OUTPUT_TEXT_H
 
-// The file's text while it grows: a list of blocks that are filled once and never moved, so that a document
-// of any length costs its own size in memory and nothing is copied twice. Large byte strings (images) are
-// referred to.
+// The file's text while it grows: blocks that are filled once and never moved, so that a document of any
+// length costs its own size in memory and nothing is copied twice. Large byte strings (images) are referred
+// to.
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,16 +23,23 @@ class OutputText {
 
   [[nodiscard]] std::uint64_t size() const { return size_; }
   /// The text in order. Valid until the next change.
-  [[nodiscard]] std::vector<std::string_view> pieces() const;
+  [[nodiscard]] std::span<const std::string_view> pieces() const { return pieces_; }
   void clear();
 
  private:
-  struct Block {
-    std::string text;                           ///< reserved once, never grown beyond that
-    std::shared_ptr<const std::string> shared;  ///< instead of `text` when set
-  };
-  std::vector<Block> blocks_;
+  void addBlock();
+
+  std::vector<std::unique_ptr<char[]>> blocks_;
+  std::vector<std::shared_ptr<const std::string>> shared_;
+  std::vector<std::string_view> pieces_;
+  char* next_ = nullptr;  ///< where the newest block goes on
+  std::size_t room_ = 0;  ///< and how much of it is left
+  std::size_t blockSize_ = firstBlockSize;
   std::uint64_t size_ = 0;
+
+  /// Blocks double up to a size at which neither their number nor the unused rest of the last one matters.
+  static constexpr std::size_t firstBlockSize = std::size_t{64} << 10;
+  static constexpr std::size_t largestBlockSize = std::size_t{4} << 20;
 };
 
 }  // namespace veltrano

@@ -19,6 +19,9 @@ struct PageFormat {
   bool landscape = false;
 };
 
+constexpr double a4Width = 595.28;
+constexpr double a4Height = 841.89;
+
 struct PageGeometry {
   static constexpr double pointsPerMillimetre = 72 / 25.4;
   static constexpr double pointsPerCentimetre = 72 / 2.54;

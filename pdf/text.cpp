@@ -1,11 +1,117 @@
+#include <cmath>
+#include <limits>
+
+#include "base/files.h"
+#include "pdf/content_line.h"
+#include "pdf/text_operators.h"
 #include "pdf/veltrano_pdf.h"
 
 namespace veltrano {
 
-void VeltranoPDF::PDFTextOut(std::string_view, double, double) {}
-double VeltranoPDF::PDFTextHeight() const {
-  return 0;
+double VeltranoPDF::settledX() {
+  PendingAdvance& pending = fonts_.pendingAdvance;
+  if (!pending.waiting || !std::isnan(geometry_.currentX)) {
+    return geometry_.currentX;
+  }
+  pending.waiting = false;
+  // A file that changed only after the text was written has no say.
+  const bool changedLater = fonts_.metrics.changedAfter(fonts_.afmPath, pending.fontName, pending.writtenAt);
+  const FontMetrics* known =
+      changedLater ? fonts_.metrics.knownMetrics(fonts_.afmPath, pending.fontName) : nullptr;
+  const FontMetrics& metrics =
+      known != nullptr ? *known : fonts_.metrics.metrics(fonts_.afmPath, pending.fontName);
+  geometry_.currentX = pending.start + metrics.width(pending.text, pending.size);
+  return geometry_.currentX;
 }
-void VeltranoPDF::PDFSetRotation(double) {}
+
+/// The width is in points and not divided by the points of a unit, and so is the font size: after a text the
+/// current position is in mixed units, as hosts rely on.
+void VeltranoPDF::advanceBehind(std::string_view text, double x) {
+  PendingAdvance& pending = fonts_.pendingAdvance;
+  pending.waiting = fonts_.metrics.knownMetrics(fonts_.afmPath, fonts_.currentFontName) != nullptr;
+  if (!pending.waiting) {
+    geometry_.currentX = x + fonts_.currentMetrics().width(text, fonts_.fontSize);
+    return;
+  }
+  geometry_.currentX = std::numeric_limits<double>::quiet_NaN();
+  pending.text = text;
+  pending.fontName = fonts_.currentFontName;
+  pending.size = fonts_.fontSize;
+  pending.start = x;
+  pending.writtenAt = fileClockNow();
+}
+
+void VeltranoPDF::appendColorStart() {
+  if (!graphics_.textColorOp.empty()) {
+    ContentLine(assembly_.pageContent).text("q ").text(graphics_.textColorOp).text(" ").end();
+  }
+}
+
+void VeltranoPDF::appendColorEnd() {
+  if (!graphics_.textColorOp.empty()) {
+    appendLine(assembly_.pageContent, "Q");
+  }
+}
+
+void VeltranoPDF::appendTextOperators(std::string_view text) {
+  std::string& content = assembly_.pageContent;
+  content.append("/F").append(integerText(fonts_.fontNumber).view());
+  content.append(" ").append(integerText(fonts_.fontSize).view()).append(" Tf\r\n(");
+  appendEscapedText(content, text);
+  content.append(") Tj\r\nET\r\n");
+}
+
+void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
+  constexpr std::int16_t usualSize = 10;
+  if (x == 0) {
+    x = settledX();
+  }
+  if (y == 0) {
+    y = geometry_.currentY;
+  }
+  if (fonts_.fontSize == 0) {
+    fonts_.fontSize = usualSize;
+  }
+  const double left = geometry_.xPoints(x);
+  const double baseline = geometry_.yPoints(y);
+  appendColorStart();
+
+  // A positive angle given to PDFSetRotation, stored negated, turns the text counter-clockwise about its
+  // start.
+  const bool rotated = fonts_.rotation != 0;
+  const TextDirection direction = rotated ? TextDirection::fromDegrees(-fonts_.rotation) : TextDirection();
+  std::string underline;
+  if (fonts_.underlineFlag) {
+    const FontMetrics& metrics = fonts_.currentMetrics();
+    appendUnderline(underline, metrics, fonts_.fontSize, left, baseline, metrics.width(text, fonts_.fontSize),
+                    direction);
+  }
+
+  std::string& content = assembly_.pageContent;
+  appendLine(content, "%DEBUT_TEXT/%");
+  appendLine(content, "BT");
+  ContentLine line(content);
+  if (rotated) {
+    line.direction(direction.cosine, direction.sine).point(left, baseline).text(" Tm").end();
+  } else {
+    line.point(left, baseline).text(" Td").end();
+  }
+  appendTextOperators(text);
+  content.append(underline);
+  appendColorEnd();
+  appendLine(content, "%FIN_TEXT/%");
+
+  fonts_.underlineFlag = false;
+  advanceBehind(text, x);
+  geometry_.currentY = y + fonts_.fontSize;
+}
+
+double VeltranoPDF::PDFTextHeight() const {
+  return fonts_.fontSize * geometry_.scaleFactor;
+}
+
+void VeltranoPDF::PDFSetRotation(double angle) {
+  fonts_.rotation = -angle;
+}
 
 }  // namespace veltrano

@@ -25,6 +25,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -36,6 +37,7 @@
 #include "pdf/fonts.h"
 #include "pdf/graphics_state.h"
 #include "pdf/images.h"
+#include "pdf/line_breaking.h"
 #include "pdf/links.h"
 #include "pdf/page_geometry.h"
 
@@ -130,7 +132,7 @@ class VeltranoPDF {
   /// A right or bottom margin of -1 (omitted) is that of the left or top.
   void PDFSetMargins(std::int16_t left, std::int16_t top, std::int16_t right = -1, std::int16_t bottom = -1);
   /// The current position, rounded; 0 when it does not fit 16 bits.
-  [[nodiscard]] std::int16_t PDFGetX() const;
+  [[nodiscard]] std::int16_t PDFGetX();
   [[nodiscard]] std::int16_t PDFGetY() const;
 
   // ---- Assembly
@@ -263,12 +265,37 @@ class VeltranoPDF {
 
   // Drawing (drawing.cpp).
   void copyLineColorToFill();
-  void appendPaintColors(bool lineColorInFillMode);
+  void appendPaintColors();
   void appendLineWidth(std::string_view operators);
   void placeShapeLink(const Value& link, const LinkShape& shape);
 
-  /// Places a link over `shape`, whose text position is (x, y) (links.cpp).
+  // Fonts (fonts.cpp).
+  void findFontNumber();
+
+  // Text (text.cpp).
+  /// The current x, once the width of a text that it waits for is certain.
+  double settledX();
+  void advanceBehind(std::string_view text, double x);
+  void appendColorStart();
+  void appendColorEnd();
+  /// Font, text and "ET": what follows the position of a text.
+  void appendTextOperators(std::string_view text);
+
+  // Cells (cells.cpp).
+  struct CellFrame;
+  void appendCellLine(const CellFrame& frame, const TextLine& line, std::size_t index);
+  void appendCellBox(const CellFrame& frame, std::size_t index);
+  void appendCellEdges(const CellFrame& frame);
+  [[nodiscard]] double cellTextOffset(const CellFrame& frame, double textWidth) const;
+
+  // Links (links.cpp).
+  /// Places a link over `shape`, whose text position is (x, y).
   void placeLink(const Value& link, const LinkShape& shape, double x, double y);
+  void recordLink(LinkEntry area, std::string_view target);
+
+  // Images (images.cpp).
+  std::optional<ImageRecord> parseJpegFile(const std::filesystem::path& file);
+  std::optional<ImageRecord> scanForSize(const std::filesystem::path& file, std::string_view refusal);
 
   DocumentSettings settings_;
   PageGeometry geometry_;

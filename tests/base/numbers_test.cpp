@@ -116,6 +116,25 @@ TEST(GeneralNumber, FollowsTheRuntimesText) {
   EXPECT_TRUE(generalNumberText(notANumber).view().empty());
 }
 
+// %.15g differs from the runtime's text only in its exponent form, which these magnitudes do not reach.
+TEST(GeneralNumber, AgreesWithFifteenDigitsEverywhere) {
+  std::mt19937_64 random(21);
+  std::uniform_real_distribution<double> spread(-180, 180);
+  for (int i = 0; i < 200000; ++i) {
+    double value = spread(random);
+    if (i % 4 != 0) {
+      const double unit = std::pow(10, i % 10);
+      value = std::round(value * unit) / unit;
+    }
+    if (std::fabs(value) < 0.0001) {
+      continue;
+    }
+    std::array<char, 64> digits;
+    std::snprintf(digits.data(), digits.size(), "%.15g", value);
+    ASSERT_EQ(generalNumberText(value).view(), digits.data());
+  }
+}
+
 TEST(SingleNumber, HasSevenDigits) {
   EXPECT_EQ(singleNumberText(4320050.0F).view(), "4320050");
   EXPECT_EQ(singleNumberText(0.1F).view(), "0.1");

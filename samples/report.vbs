@@ -1,0 +1,343 @@
+' Writes report.pdf: a cover with a photo and a watermark, a table of orders from a CSV file, a page that shows what can
+' be drawn and written, and a small last page.
+'   cscript //nologo report.vbs SAMPLES_FOLDER OUTPUT_FOLDER
+Option Explicit
+
+Const UNIT_MM = 1
+Const PORTRAIT = 1, LANDSCAPE = 0
+Const FORMAT_A4 = 0, FORMAT_A5 = 2
+Const ARIAL = 0, COURIER = 1, TIMES = 2, SYMBOL = 3, DINGBATS = 4
+Const NORMAL = 0, ITALIC = 1, BOLD = 2, UNDERLINE = 3
+Const CENTER = 0, LEFT_ALIGNED = 1, RIGHT_ALIGNED = 2, JUSTIFIED = 3
+Const NO_BORDER = 0, ALL_EDGES = 1
+Const OUTLINE = 0, FILLED = 1, FILLED_OUTLINE = 2
+
+Dim samples, output, pdf
+samples = WScript.Arguments(0)
+output = WScript.Arguments(1)
+
+Set pdf = CreateObject("VeltranoFrameWorkDLL.VeltranoPDF")
+pdf.PDFTitle = "Field survey: orders of the year"
+pdf.PDFAuthor = "Veltrano samples"
+pdf.PDFSubject = "What a script can print"
+pdf.PDFKeywords = "report, table, drawing"
+pdf.PDFCreator = "report.vbs"
+pdf.PDFProducer = "VeltranoFrameWorkDLL"
+pdf.PDFFileName = output & "\report.pdf"
+pdf.PDFSetUnit = UNIT_MM
+pdf.PDFFormatPage = FORMAT_A4
+pdf.PDFOrientation = PORTRAIT
+pdf.PDFSetMargins 15, 15
+pdf.PDFSetCellMargin = 2
+pdf.PDFSetZoomMode = 0
+pdf.PDFSetLayoutMode = 0
+pdf.PDFUseOutlines = True
+pdf.PDFSetViewerPreferences = 46        ' fit the window, show the title: digits combine
+pdf.PDFFiligran = "SAMPLE"
+
+pdf.PDFBeginDoc
+Cover
+pdf.PDFEndPage                          ' draws the watermark over the cover
+pdf.PDFFiligran = ""                    ' the other pages go without
+pdf.PDFFormatPage = FORMAT_A4
+pdf.PDFNewPage
+Orders
+pdf.PDFEndPage
+pdf.PDFFormatPage = FORMAT_A4
+pdf.PDFOrientation = LANDSCAPE
+pdf.PDFNewPage
+Gallery
+pdf.PDFEndPage
+pdf.PDFFormatPage = FORMAT_A5
+pdf.PDFOrientation = PORTRAIT
+pdf.PDFNewPage
+Colophon
+pdf.PDFEndDoc
+
+WScript.Echo "report.pdf has " & pdf.PDFNbPage & " pages"
+WScript.Echo "done"
+
+Sub Cover()
+    Dim w, h
+    pdf.PDFSetBookmark "Cover", 0, 0
+    pdf.PDFSetDrawMode = FILLED
+    pdf.PDFSetDrawColor = "#17365D"
+    pdf.PDFDrawRectangle 0.01, 0.01, 210, 34
+    pdf.PDFSetTextColor = "#FFFFFF"
+    pdf.PDFSetFont ARIAL, 26, BOLD
+    pdf.PDFTextOut "Field survey", 15, 17
+    pdf.PDFSetFont ARIAL, 13
+    pdf.PDFTextOut "Orders of the year 2026", 15, 26
+    w = 180
+    h = 0                               ' computed from the photo's proportions and written back
+    pdf.PDFImage samples & "\photo.jpg", 15, 50, w, h, "https://www.openstreetmap.org/"
+    pdf.PDFSetTextColor = "#505050"
+    pdf.PDFSetFont TIMES, 11, ITALIC
+    pdf.PDFTextOut "The photo is " & pdf.PDFImageWidth(samples & "\photo.jpg") & " pixels wide and leads to a map.", 15, 50 + h + 6
+    pdf.PDFSetTextColor = "#000000"
+    pdf.PDFSetFont TIMES, 12
+    pdf.PDFSetAlignement = JUSTIFIED
+    pdf.PDFCell "This report was written by a script of some two hundred lines. It sets the document's information, units, " & _
+        "formats and margins, reads its orders from a text file, measures and aligns what it prints, draws shapes and " & _
+        "leads to other places through links. Everything is text in a file that the script's author can read." & vbCrLf & _
+        "Names with accents, such as Zo" & Chr(235) & " Lef" & Chr(232) & "vre, J" & Chr(252) & "rgen M" & Chr(252) & "ller and " & _
+        "S" & Chr(248) & "ren " & Chr(197) & "ngstr" & Chr(246) & "m, are measured like any other.", 15, 210, 180, 6
+    pdf.PDFSetFont ARIAL, 10
+    pdf.PDFLink 15, 280, "Read more on the format of these pages", "https://en.wikipedia.org/wiki/PDF"
+End Sub
+
+' Reads the orders and prints them, as many rows on a page as fit.
+Sub Orders()
+    Dim lines, i, fields, y, page, total, month, lastMonth
+    lines = ReadLines(samples & "\orders.csv")
+    page = 1
+    total = 0
+    lastMonth = ""
+    pdf.PDFSetBookmark "Orders", 0, 0
+    y = TableHead(page)
+    For i = 1 To UBound(lines)
+        If Len(lines(i)) > 0 Then
+            If y > 270 Then
+                pdf.PDFEndPage
+                pdf.PDFNewPage
+                page = page + 1
+                y = TableHead(page)
+            End If
+            fields = Split(lines(i), ";")
+            month = Mid(fields(0), 1, 7)
+            If month <> lastMonth Then
+                pdf.PDFSetBookmark month, 1, y
+                lastMonth = month
+            End If
+            total = total + Row(fields, y, i)
+            y = y + 6.5
+        End If
+    Next
+    pdf.PDFSetFont ARIAL, 10, BOLD
+    pdf.PDFSetFill = True
+    pdf.PDFSetDrawColor = "#D9E2F0"
+    TableCell "Total", 15, y, 150, LEFT_ALIGNED
+    TableCell Money(total), 165, y, 30, RIGHT_ALIGNED
+    pdf.PDFSetFill = False
+End Sub
+
+Function TableHead(page)
+    pdf.PDFSetTextColor = "#17365D"
+    pdf.PDFSetFont ARIAL, 16, BOLD
+    pdf.PDFTextOut "Orders", 15, 20
+    pdf.PDFSetFont ARIAL, 9
+    pdf.PDFTextOut "page " & page, 180, 20
+    pdf.PDFSetLineColor = "#17365D"
+    pdf.PDFSetLineWidth = 0.4
+    pdf.PDFDrawLineHor 15, 23, 180
+    pdf.PDFSetLineWidth = 0.15
+    pdf.PDFSetTextColor = "#FFFFFF"
+    pdf.PDFSetFont ARIAL, 9, BOLD
+    pdf.PDFSetFill = True
+    pdf.PDFSetDrawColor = "#17365D"
+    TableCell "Date", 15, 28, 24, LEFT_ALIGNED
+    TableCell "Customer", 39, 28, 42, LEFT_ALIGNED
+    TableCell "City", 81, 28, 34, LEFT_ALIGNED
+    TableCell "Article", 115, 28, 38, LEFT_ALIGNED
+    TableCell "Pieces", 153, 28, 12, CENTER
+    TableCell "Amount", 165, 28, 30, RIGHT_ALIGNED
+    pdf.PDFSetFill = False
+    pdf.PDFSetTextColor = "#000000"
+    pdf.PDFSetFont ARIAL, 9
+    TableHead = 34.5
+End Function
+
+' Prints one order; returns its amount in cents.
+Function Row(fields, y, number)
+    Dim price, amount
+    price = Split(fields(5), ".")
+    amount = CLng(fields(4)) * (CLng(price(0)) * 100 + CLng(price(1)))
+    pdf.PDFSetFill = (number Mod 2 = 0)
+    pdf.PDFSetDrawColor = "#EEF2F8"
+    TableCell fields(0), 15, y, 24, LEFT_ALIGNED
+    TableCell fields(1), 39, y, 42, LEFT_ALIGNED
+    TableCell fields(2), 81, y, 34, LEFT_ALIGNED
+    TableCell fields(3), 115, y, 38, LEFT_ALIGNED
+    TableCell fields(4), 153, y, 12, CENTER
+    TableCell Money(amount), 165, y, 30, RIGHT_ALIGNED
+    pdf.PDFSetFill = False
+    Row = amount
+End Function
+
+Sub TableCell(text, x, y, w, align)
+    pdf.PDFSetAlignement = align
+    pdf.PDFSetBorder = ALL_EDGES        ' a cell uses its border up
+    pdf.PDFCell text, x, y, w, 6.5
+End Sub
+
+' 1234567 cents as 12 345.67
+Function Money(cents)
+    Dim whole, text
+    whole = CStr(Int(cents / 100))
+    text = "." & Right("0" & CStr(cents - Int(cents / 100) * 100), 2)
+    Do While Len(whole) > 3
+        text = " " & Right(whole, 3) & text
+        whole = Left(whole, Len(whole) - 3)
+    Loop
+    Money = whole & text
+End Function
+
+' What can be drawn and written, on one landscape page of 297 by 210 millimetres.
+Sub Gallery()
+    pdf.PDFSetBookmark "Gallery", 0, 0
+    pdf.PDFSetTextColor = "#17365D"
+    pdf.PDFSetFont ARIAL, 16, BOLD
+    pdf.PDFTextOut "Gallery", 15, 18
+    Lines
+    Shapes
+    Fonts
+    Cells
+    Turned
+End Sub
+
+Sub Caption(text, x, y)
+    pdf.PDFSetTextColor = "#606060"
+    pdf.PDFSetFont ARIAL, 8, BOLD
+    pdf.PDFTextOut text, x, y
+    pdf.PDFSetTextColor = "#000000"
+End Sub
+
+Sub Lines()
+    Dim style, names
+    names = Array("solid", "dash", "dash dot", "dash dot dot")
+    pdf.PDFSetBookmark "Lines", 1, 25
+    Caption "Lines", 15, 28
+    pdf.PDFSetLineColor = RGB(192, 0, 0)
+    pdf.PDFSetLineWidth = 0.4
+    For style = 0 To 3
+        pdf.PDFSetLineStyle = style
+        pdf.PDFDrawLineHor 15, 33 + style * 6, 45
+        pdf.PDFSetFont ARIAL, 8
+        pdf.PDFTextOut names(style), 63, 34 + style * 6
+    Next
+    pdf.PDFSetLineStyle = 0
+    pdf.PDFSetLineColor = Array(0, 96, 160)
+    pdf.PDFDrawLineVer 95, 31, 22
+    pdf.PDFSetLineWidth = 1
+    pdf.PDFDrawLine 100, 53, 120, 31
+End Sub
+
+Sub Shapes()
+    pdf.PDFSetBookmark "Shapes", 1, 60
+    Caption "Shapes: outline, filled, both; the boxes and the ellipses lead somewhere", 15, 62
+    pdf.PDFSetLineWidth = 0.5
+    pdf.PDFSetLineColor = "#1F6F3D"
+    Shape 15, OUTLINE
+    Shape 55, FILLED
+    Shape 95, FILLED_OUTLINE
+    pdf.PDFSetDrawMode = OUTLINE
+End Sub
+
+Sub Shape(x, mode)
+    pdf.PDFSetDrawMode = mode
+    pdf.PDFSetDrawColor = "#BFE3C8"
+    pdf.PDFDrawRectangle x, 66, 32, 16, "https://www.openstreetmap.org/"
+    pdf.PDFSetDrawColor = "#F6D58A"
+    pdf.PDFDrawEllipse x, 87, 32, 16, "https://en.wikipedia.org/wiki/Ellipse"
+    pdf.PDFSetDrawColor = "#C9D8F0"
+    pdf.PDFDrawPolygon Array(x, 124), Array(x + 8, 108), Array(x + 24, 108), Array(x + 32, 124), Array(x + 16, 116)
+End Sub
+
+Sub Fonts()
+    Dim style, y
+    pdf.PDFSetBookmark "Fonts", 1, 25
+    Caption "Fonts", 150, 28
+    y = 34
+    For Each style In Array(NORMAL, ITALIC, BOLD, 12, UNDERLINE)
+        pdf.PDFSetFont ARIAL, 11, style
+        pdf.PDFTextOut "Helvetica " & style, 150, y
+        pdf.PDFSetFont TIMES, 11, style
+        pdf.PDFTextOut "Times " & style, 195, y
+        pdf.PDFSetFont COURIER, 11, style
+        pdf.PDFTextOut "Courier " & style, 235, y
+        y = y + 6
+    Next
+    pdf.PDFSetFont SYMBOL, 11
+    pdf.PDFTextOut "abcdefg", 150, y
+    pdf.PDFSetFont DINGBATS, 11
+    pdf.PDFTextOut "abcdefg", 195, y
+End Sub
+
+Sub Cells()
+    Dim i, text
+    pdf.PDFSetBookmark "Cells", 1, 68
+    Caption "Cells", 150, 72
+    text = "Voil" & Chr(224) & " un texte"
+    pdf.PDFSetFont ARIAL, 10
+    pdf.PDFSetLineColor = "#000000"
+    pdf.PDFSetLineWidth = 0.3
+    For i = 0 To 2
+        pdf.PDFSetAlignement = i
+        pdf.PDFSetBorder = ALL_EDGES
+        pdf.PDFCell text, 150, 75 + i * 9, 40, 7
+    Next
+    Edges "4", 75
+    Edges "5", 84
+    Edges "23", 93
+    Edges "2345", 102
+    pdf.PDFSetFill = True
+    pdf.PDFSetDrawColor = "#FCE4D6"
+    pdf.PDFSetAlignement = CENTER
+    pdf.PDFCell "filled", 150, 102, 40, 7
+    pdf.PDFSetFill = False
+    pdf.PDFSetAlignement = JUSTIFIED
+    pdf.PDFCell "A longer text is broken at the blanks that fit, its lines are stretched to both margins, and its last " & _
+        "line stays as it is.", 150, 114, 86, 5.5
+End Sub
+
+Sub Edges(digits, y)
+    pdf.PDFSetAlignement = LEFT_ALIGNED
+    pdf.PDFSetBorder = digits
+    pdf.PDFCell "edges " & digits, 196, y, 40, 7
+End Sub
+
+Sub Turned()
+    Dim angle
+    pdf.PDFSetBookmark "Turned text", 1, 130
+    Caption "Turned text", 15, 134
+    pdf.PDFSetFont TIMES, 11
+    For angle = 0 To 330 Step 30
+        pdf.PDFSetRotation = angle
+        pdf.PDFTextOut "      " & angle & " degrees", 60, 168
+    Next
+    pdf.PDFSetRotation = 0
+    Caption "Colours: name, number, list", 150, 146
+    Swatch 150, 255
+    Swatch 165, "#008040"
+    Swatch 180, Array(0, 64, 192)
+    Swatch 195, 65535
+    Swatch 210, "#C000C0"
+    Swatch 225, 16776960
+End Sub
+
+Sub Swatch(x, color)
+    pdf.PDFSetDrawMode = FILLED_OUTLINE
+    pdf.PDFSetDrawColor = color
+    pdf.PDFDrawRectangle x, 150, 12, 12
+    pdf.PDFSetDrawMode = OUTLINE
+End Sub
+
+Sub Colophon()
+    pdf.PDFSetBookmark "Colophon", 0, 0
+    pdf.PDFSetTextColor = "#17365D"
+    pdf.PDFSetFont TIMES, 18, BOLD
+    pdf.PDFTextOut "Colophon", 15, 25
+    pdf.PDFSetTextColor = "#000000"
+    pdf.PDFSetFont TIMES, 11
+    pdf.PDFSetAlignement = LEFT_ALIGNED
+    pdf.PDFCell "This page is an A5. Page " & pdf.PDFPageNumber & " of " & pdf.PDFNbPage & "." & vbCrLf & _
+        "Unit: " & pdf.PDFGetUnit & ", " & pdf.PDFGetPageWidth & " by " & pdf.PDFGetPageHeight & " points.", 15, 32, 118, 7
+End Sub
+
+Function ReadLines(file)
+    Dim system, stream
+    Set system = CreateObject("Scripting.FileSystemObject")
+    Set stream = system.OpenTextFile(file, 1)
+    ReadLines = Split(stream.ReadAll, vbCrLf)
+    stream.Close
+End Function

@@ -1,0 +1,108 @@
+#ifndef VELTRANO_TESTS_PDF_PDF_TESTING_H
+#define VELTRANO_TESTS_PDF_PDF_TESTING_H
+
+// What the tests of the PDF writer share: a document in a folder of its own and a reading of the file by its
+// marker lines, which knows nothing of how it was written.
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/files.h"
+#include "pdf/veltrano_pdf.h"
+#include "tests/temporary_folder.h"
+
+namespace veltrano::tests {
+
+/// Lines, each ended by CR LF.
+inline std::string lines(std::initializer_list<std::string_view> all) {
+  std::string text;
+  for (const std::string_view line : all) text.append(line).append("\r\n");
+  return text;
+}
+
+/// Byte for byte; names the first difference.
+inline testing::AssertionResult sameBytes(std::string_view actual, std::string_view expected) {
+  if (actual == expected) return testing::AssertionSuccess();
+  std::size_t at = 0;
+  while (at < actual.size() && at < expected.size() && actual[at] == expected[at]) ++at;
+  const auto context = [at](std::string_view text) {
+    const std::size_t from = at < 40 ? 0 : at - 40;
+    return testing::PrintToString(std::string(text.substr(from, 80)));
+  };
+  return testing::AssertionFailure() << "first difference at byte " << at << " of " << actual.size() << " ("
+                                     << expected.size() << " expected)\n  actual   " << context(actual)
+                                     << "\n  expected " << context(expected);
+}
+
+/// A file of the folder of golden files.
+inline std::string golden(std::string_view name) {
+  return readWholeFile(std::filesystem::path(VELTRANO_GOLDEN_FOLDER) / name).value_or("no golden file");
+}
+
+/// The text of object `number` from its "N 0 obj" line to its "endobj" line, both left out.
+inline std::string objectText(std::string_view file, int number) {
+  const std::string opening = "%DEBUT_OBJ/%\r\n" + std::to_string(number) + " 0 obj\r\n";
+  const auto start = file.find(opening);
+  if (start == std::string_view::npos) return "no such object";
+  const auto end = file.find("endobj\r\n%FIN_OBJ/%\r\n", start);
+  return std::string(file.substr(start + opening.size(), end - start - opening.size()));
+}
+
+/// The content stream of a page of a document that has not been begun again.
+inline std::string pageContent(std::string_view file, int page) {
+  const std::string text = objectText(file, 2 * page);
+  constexpr std::string_view opening = " >>\r\nstream\r\n";
+  const auto start = text.find(opening);
+  if (start == std::string::npos || !text.ends_with("endstream\r\n")) return "no content stream";
+  const auto from = start + opening.size();
+  return text.substr(from, text.size() - from - std::string_view("endstream\r\n").size());
+}
+
+/// Number of the first object whose text holds `part`; 0 when there is none.
+inline int objectWith(std::string_view file, std::string_view part) {
+  for (int number = 1;; ++number) {
+    const std::string text = objectText(file, number);
+    if (text == "no such object") return 0;
+    if (text.find(part) != std::string::npos) return number;
+  }
+}
+
+/// A document, begun in points, whose messages are kept.
+class Document {
+ public:
+  Document() {
+    pdf.onError = [this](std::string_view message) { errors.emplace_back(message); };
+    pdf.PDFFileName(file());
+    pdf.PDFSetUnit(UNIT_PT);
+  }
+
+  [[nodiscard]] std::filesystem::path file() const { return folder / "out.pdf"; }
+  /// Ends the document and reads it back.
+  std::string finish() {
+    pdf.PDFEndDoc();
+    return readWholeFile(file()).value_or("");
+  }
+  /// The messages since the last call.
+  std::vector<std::string> takeErrors() { return std::exchange(errors, {}); }
+
+  TemporaryFolder folder;
+  std::vector<std::string> errors;
+  VeltranoPDF pdf;
+};
+
+/// What `draw` writes on the first page of a document in points.
+template <typename Draw>
+std::string contentOf(Draw draw) {
+  Document document;
+  document.pdf.PDFBeginDoc();
+  draw(document.pdf);
+  return pageContent(document.finish(), 1);
+}
+
+}  // namespace veltrano::tests
+
+#endif

@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+
+#include "tests/pdf/pdf_testing.h"
+
+// What readers that others wrote make of our files: native only, where they are programs of the system.
+
+namespace veltrano {
+namespace {
+
+using tests::Document;
+
+/// What `command` prints; it is run on `file`.
+std::string outputOf(const std::string& command, const std::filesystem::path& file) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(
+      popen((command + " '" + file.string() + "' 2>&1").c_str(), "r"), pclose);
+  std::string output;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe.get())) {
+    output.append(buffer.data(), count);
+  }
+  return output;
+}
+
+bool installed(const char* program) {
+  return std::system((std::string("command -v ") + program + " >/dev/null").c_str()) ==
+         0;  // NOLINT(cert-env33-c)
+}
+
+class Readers : public testing::Test {
+ protected:
+  void SetUp() override {
+    VeltranoPDF& pdf = document_.pdf;
+    pdf.PDFTitle("Journal d'\xE9t\xE9");
+    pdf.PDFAuthor("A. Writer");
+    pdf.PDFUseOutlines(true);
+    pdf.PDFBeginDoc();
+    pdf.PDFSetDrawMode(DRAW_DRAW);
+    pdf.PDFSetDrawColor("#00FF00");
+    pdf.PDFDrawRectangle(100, 200, 300, 50);
+    pdf.PDFSetBookmark("First", 0, 0);
+    pdf.PDFSetBookmark("Below", 1, 200);
+    pdf.PDFEndPage();
+    pdf.PDFOrientation(ORIENT_PAYSAGE);
+    pdf.PDFNewPage();
+    pdf.PDFSetBookmark("Second", 0, 0);
+    pdf.PDFEndPage();
+    pdf.PDFFormatPage(FORMAT_LETTER);
+    pdf.PDFNewPage();
+    document_.finish();
+  }
+
+  Document document_;
+};
+
+TEST_F(Readers, PopplerSeesPagesSizesAndInformation) {
+  if (!installed("pdfinfo")) GTEST_SKIP() << "pdfinfo is not installed";
+  const std::string info = outputOf("pdfinfo -l 3", document_.file());
+  for (const char* line :
+       {"Title:           Journal d'\xC3\xA9t\xC3\xA9\n", "Author:          A. Writer\n",
+        "Pages:           3\n", "Page    1 size:  595.28 x 841.89 pts (A4)\n",
+        "Page    2 size:  842 x 595 pts (A4)\n", "Page    3 size:  612 x 792 pts (letter)\n"}) {
+    EXPECT_NE(info.find(line), std::string::npos) << line << "is not in\n" << info;
+  }
+}
+
+TEST_F(Readers, PopplerPaintsTheRectangleWhereItIs) {
+  if (!installed("pdftoppm")) GTEST_SKIP() << "pdftoppm is not installed";
+  const std::string picture = outputOf("pdftoppm -r 72 -f 1 -l 1 -aa no", document_.file());
+  const auto start = picture.find("P6\n596 842\n255\n");
+  ASSERT_NE(start, std::string::npos) << picture.substr(0, 200);
+  const auto pixel = [&](int x, int y) {
+    return picture.substr(start + 15 + static_cast<std::size_t>(y * 596 + x) * 3, 3);
+  };
+  const std::string green("\x00\xFF\x00", 3);
+  const std::string white("\xFF\xFF\xFF");
+  for (const int x : {102, 250, 397}) {
+    for (const int y : {202, 225, 247}) EXPECT_EQ(pixel(x, y), green) << x << ' ' << y;
+    for (const int y : {197, 253}) EXPECT_EQ(pixel(x, y), white) << x << ' ' << y;
+  }
+  for (const int x : {97, 403}) EXPECT_EQ(pixel(x, 225), white) << x;
+}
+
+TEST_F(Readers, MupdfSeesTheOutline) {
+  if (!installed("mutool")) GTEST_SKIP() << "mutool is not installed";
+  const std::string outline = outputOf("mutool show -b", document_.file().string() + "' 'outline");
+  const auto first = outline.find("\"First\"\t#page=1");
+  const auto below = outline.find("\t\"Below\"\t#page=1", first);
+  const auto second = outline.find("\"Second\"\t#page=2", below);
+  EXPECT_NE(second, std::string::npos) << outline;
+}
+
+TEST_F(Readers, QpdfFindsNoFaultBeyondTheKnownOnes) {
+  if (!installed("qpdf")) GTEST_SKIP() << "qpdf is not installed";
+  EXPECT_EQ(outputOf("qpdf --no-warn --show-npages", document_.file()), "3\n");
+  const std::string json =
+      outputOf("qpdf --no-warn --json --json-key=outlines --json-key=pages", document_.file());
+  EXPECT_NE(json.find("\"title\": \"Below\""), std::string::npos) << json;
+}
+
+}  // namespace
+}  // namespace veltrano
