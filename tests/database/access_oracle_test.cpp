@@ -125,7 +125,8 @@ class Oracle {
 
   Sample sampleFor(const std::string& field) {
     if (field == "Code") {
-      const std::string code = "K" + std::to_string(below(500));
+      std::string code(1, 'K');
+      code += std::to_string(below(500));
       return {code, code};
     }
     if (field == "Flag") {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <functional>
 #include <random>
@@ -18,7 +19,11 @@ namespace {
 
 struct ModelOrder {
   bool operator()(const OwnedEntry& left, const OwnedEntry& right) const {
-    return std::tie(left.key, left.row) < std::tie(right.key, right.row);
+    const auto [l, r] = std::mismatch(left.key.begin(), left.key.end(), right.key.begin(), right.key.end());
+    if (r == right.key.end()) {
+      return l == left.key.end() && left.row < right.row;
+    }
+    return l == left.key.end() || *l < *r;
   }
 };
 using Model = std::set<OwnedEntry, ModelOrder>;
