@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
-#include <memory>
-
+#include "tests/pdf/outside_readers.h"
 #include "tests/pdf/pdf_testing.h"
 
 // What readers that others wrote make of our files: native only, where they are programs of the system.
@@ -12,23 +9,8 @@ namespace veltrano {
 namespace {
 
 using tests::Document;
-
-/// What `command` prints; it is run on `file`.
-std::string outputOf(const std::string& command, const std::filesystem::path& file) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(
-      popen((command + " '" + file.string() + "' 2>&1").c_str(), "r"), pclose);
-  std::string output;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe.get())) {
-    output.append(buffer.data(), count);
-  }
-  return output;
-}
-
-bool installed(const char* program) {
-  return std::system((std::string("command -v ") + program + " >/dev/null").c_str()) ==
-         0;  // NOLINT(cert-env33-c)
-}
+using tests::installed;
+using tests::outputOf;
 
 class Readers : public testing::Test {
  protected:
