@@ -107,7 +107,7 @@ TEST(GraphicsState, AlignmentNames) {
   std::string names = pdf.PDFGetAlignement();
   for (const int alignment : {ALIGN_CENTER, ALIGN_LEFT, ALIGN_RIGHT, ALIGN_FJUSTIFY}) {
     pdf.PDFSetAlignement(alignment);
-    names += " " + pdf.PDFGetAlignement();
+    names.append(" ").append(pdf.PDFGetAlignement());
   }
   EXPECT_EQ(names, "Left Center Left Right Left");
 }
