@@ -39,11 +39,13 @@ bool isPlain(std::string_view text) {
       tags = static_cast<unsigned char>(tags + static_cast<unsigned char>(tag));
       endTags = static_cast<unsigned char>(endTags + static_cast<unsigned char>(tag & (next == '/')));
     }
-    // No element in this block is nested deeper than if all its start tags came first.
-    if (special != 0 || nesting + tags > deepestNesting || nesting + tags < 2U * endTags) {
+    // No element in this block is nested deeper than if all its start tags came first. An end tag is a tag
+    // too.
+    const std::size_t deepest = nesting + tags - endTags;
+    if (special != 0 || deepest > deepestNesting || deepest < endTags) {
       return false;
     }
-    nesting = nesting + tags - 2U * endTags;
+    nesting = deepest - endTags;
   }
   return true;
 }
