@@ -15,10 +15,10 @@ WScript.Echo "done"
 ' The tour ------------------------------------------------------------------------------------------------------------
 
 Sub Tour()
-    Dim kml, style, track, line, points, flown, latitude, longitude, altitude
+    Dim kml, style, track, line, points, flown, written, latitude, longitude, altitude
     Set kml = CreateObject("VeltranoFrameWorkDLL.VeltranoKML")
-    ' What the writer has no member for comes as markup: the name of the document and the style of street views.
-    style = "<open>1</open><Style id=""sn_camera""><IconStyle><scale>0.8</scale></IconStyle></Style>"
+    ' What the writer has no member for comes as markup: here the style of street views.
+    style = "<Style id=""sn_camera""><IconStyle><scale>0.8</scale></IconStyle></Style>"
     kml.CreateKML output & "\tour.kml", "", style, True
 
     points = 0
@@ -52,6 +52,10 @@ Sub Tour()
     track.Close
 
     kml.CreatePathFromPlaceMarks 4, "ff1478ff"
+    ' Two styles made within the same hundredth of a second would share their identifier.
+    written = Timer
+    Do While Abs(Timer - written) < 0.02
+    Loop
     kml.CreatePathFromString 2, "7f00ff14", flown, "As a bird sees it", True
     kml.CreateStreetView "photo.jpg", 45.900650, 6.139210, 447.1, "Bathing beach", _
                          "<a href=""%streetview_id"">Look around</a>", "rectangle", "210"
