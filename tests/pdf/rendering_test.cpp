@@ -147,6 +147,41 @@ TEST_F(Rendering, TextIsReadBackWithItsAccents) {
                 " Prix : 12 € (été) Portez ce vieux whisky au juge blond qui fume, été comme hiver. \f");
 }
 
+struct Encoding {
+  const char* options;
+  const char* colourSpace;
+};
+
+TEST_F(Rendering, PhotosOfARealEncoder) {
+  if (!installed("convert")) GTEST_SKIP() << "ImageMagick is not installed";
+  constexpr Encoding encodings[] = {{"", "DeviceRGB"},
+                                    {"-interlace JPEG", "DeviceRGB"},
+                                    {"-colorspace Gray", "DeviceGray"},
+                                    {"-colorspace CMYK", "DeviceCMYK"}};
+  int y = 100;
+  for (const Encoding& encoding : encodings) {
+    const auto file = document.folder / ("photo" + std::to_string(y) + ".jpg");
+    outputOf(std::string("convert -size 64x48 xc:'#808080' ") + encoding.options, file);
+    EXPECT_EQ(pdf.PDFImageWidth(file), 64) << encoding.options;
+    EXPECT_EQ(pdf.PDFImageHeight(file), 48) << encoding.options;
+    pdf.PDFImage(file, 100, y);
+    y += 100;
+  }
+  const Picture picture = painted();
+  for (int row = 100; row < y; row += 100) {
+    EXPECT_TRUE(picture.hasInk(132, row + 24, 133, row + 25)) << row;
+    EXPECT_TRUE(picture.hasInk(101, row + 1, 102, row + 2)) << row;
+    EXPECT_FALSE(picture.hasInk(166, row, 300, row + 50)) << row;
+    EXPECT_FALSE(picture.hasInk(100, row + 50, 164, row + 98)) << row;
+  }
+  const std::string content = readWholeFile(document.file()).value_or("");
+  std::size_t at = 0;
+  for (const Encoding& encoding : encodings) {
+    at = content.find("/ColorSpace /", at + 1);
+    EXPECT_EQ(content.substr(at + 13, std::string_view(encoding.colourSpace).size()), encoding.colourSpace);
+  }
+}
+
 TEST_F(Rendering, LinksCoverTheWordsThatPopplerSees) {
   if (!installed("qpdf")) GTEST_SKIP() << "qpdf is not installed";
   pdf.PDFLink(100, 200, "Hello", "http://example.com/");
