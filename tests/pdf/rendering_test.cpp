@@ -161,7 +161,7 @@ TEST_F(Rendering, PhotosOfARealEncoder) {
   int y = 100;
   for (const Encoding& encoding : encodings) {
     const auto file = document.folder / ("photo" + std::to_string(y) + ".jpg");
-    outputOf(std::string("convert -size 64x48 xc:'#808080' ") + encoding.options, file);
+    outputOf(std::string("convert -size 64x48 gradient:red-blue -quality 100 ") + encoding.options, file);
     EXPECT_EQ(pdf.PDFImageWidth(file), 64) << encoding.options;
     EXPECT_EQ(pdf.PDFImageHeight(file), 48) << encoding.options;
     pdf.PDFImage(file, 100, y);
