@@ -68,6 +68,7 @@ class MetricsCache {
     std::optional<FileIdentity> identity;
     bool trusted = false;  ///< an equal identity means equal content
     std::chrono::steady_clock::time_point lookedAt;
+    std::chrono::steady_clock::duration shortestLook = std::chrono::steady_clock::duration::max();
     FontMetrics metrics;
   };
 
