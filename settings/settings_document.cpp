@@ -31,11 +31,6 @@ bool isDocument(const pugi::xml_document& document) {
 
 }  // namespace
 
-bool isLayout(const pugi::xml_node& node) {
-  return node.type() == pugi::node_pcdata && isBlank(node.value()) &&
-         (node.previous_sibling() || node.next_sibling());
-}
-
 SettingsDocument::LoadResult SettingsDocument::load(const std::filesystem::path& file) {
   document_.reset();
   form_ = XmlForm();

@@ -49,12 +49,23 @@ class Gatherer {
     used_ += text.size();
   }
 
+  /// Short literals: the compiler knows their size and needs no call to copy them.
+  template <std::size_t size>
+  void put(const char (&literal)[size]) {
+    if (size > block_.size() - used_) {
+      flush();
+    }
+    std::memcpy(block_.data() + used_, literal, size - 1);
+    used_ += size - 1;
+  }
+
   /// Copies bytes up to the first that `where` does not allow; returns where that is.
   const char* putWhileAllowed(const char* text, unsigned where) {
+    const auto allowed = [where](char c) { return (needs[static_cast<unsigned char>(c)] & where) == 0; };
     for (;;) {
       char* target = block_.data() + used_;
       char* const end = block_.data() + block_.size();
-      while (target != end && (needs[static_cast<unsigned char>(*text)] & where) == 0) {
+      while (target != end && allowed(*text)) {
         *target++ = *text++;
       }
       used_ = static_cast<std::size_t>(target - block_.data());
@@ -81,22 +92,23 @@ class Writer {
   Writer(const XmlForm& form, std::string& target)
       : form_(form), lineEnd_(form.crlf ? "\r\n" : "\n"), text_(target) {}
 
+  /// Goes from node to node without recursion; each step asks the document for one neighbour.
   void write(const pugi::xml_document& document) {
     pugi::xml_node node = document.first_child();
     while (node) {
-      const bool descends = open(node);
-      if (descends) {
-        node = node.first_child();
-        continue;
-      }
-      while (node && !node.next_sibling()) {
+      pugi::xml_node next = open(node);
+      while (!next) {
+        next = node.next_sibling();
+        if (next) {
+          break;
+        }
         node = node.parent();
         if (node.type() != pugi::node_element) {
           break;
         }
         close(node);
       }
-      node = node.next_sibling();
+      node = next;
     }
     text_.flush();
   }
@@ -104,55 +116,74 @@ class Writer {
   [[nodiscard]] bool complete() const { return complete_; }
 
  private:
-  /// Writes what comes before the children; true when there are some.
-  bool open(const pugi::xml_node& node) {
+  /// Writes what comes before the children; returns the first one.
+  pugi::xml_node open(const pugi::xml_node& node) {
     switch (node.type()) {
       case pugi::node_element:
-        put("<");
-        verbatim(node.name());
-        for (auto attribute = node.first_attribute(); attribute; attribute = attribute.next_attribute()) {
-          put(" ");
-          verbatim(attribute.name());
-          put("=\"");
-          escaped(attribute.value(), inAttribute);
-          put("\"");
-        }
-        put(node.first_child() ? ">" : "/>");
-        return static_cast<bool>(node.first_child());
+        return openElement(node);
       case pugi::node_pcdata:
         escaped(node.value(), inText);
-        return false;
+        break;
       case pugi::node_cdata:
-        put("<![CDATA[");
+        text_.put("<![CDATA[");
         verbatim(node.value());
-        put("]]>");
-        return false;
+        text_.put("]]>");
+        break;
       case pugi::node_comment:
-        put("<!--");
+        text_.put("<!--");
         verbatim(node.value());
-        put("-->");
-        return false;
+        text_.put("-->");
+        break;
       case pugi::node_pi:
-        put("<?");
-        verbatim(node.name());
+        text_.put("<?");
+        name(node.name());
         if (*node.value() != '\0') {
-          put(" ");
+          text_.put(" ");
           verbatim(node.value());
         }
-        put("?>");
-        return false;
+        text_.put("?>");
+        break;
       default:
-        return false;
+        break;
     }
+    return {};
+  }
+
+  pugi::xml_node openElement(const pugi::xml_node& element) {
+    text_.put("<");
+    name(element.name());
+    for (auto attribute = element.first_attribute(); attribute; attribute = attribute.next_attribute()) {
+      text_.put(" ");
+      name(attribute.name());
+      text_.put("=\"");
+      escaped(attribute.value(), inAttribute);
+      text_.put("\"");
+    }
+    const pugi::xml_node child = element.first_child();
+    if (child) {
+      text_.put(">");
+    } else {
+      text_.put("/>");
+    }
+    return child;
   }
 
   void close(const pugi::xml_node& element) {
-    put("</");
-    verbatim(element.name());
-    put(">");
+    text_.put("</");
+    name(element.name());
+    text_.put(">");
   }
 
   void put(std::string_view text) { text_.put(text); }
+
+  /// Names hold no line ends.
+  void name(const char* text) {
+    if (form_.encoding == XmlForm::Encoding::singleByte) {
+      verbatim(text);
+    } else {
+      put(text);
+    }
+  }
 
   /// What holds no references: line ends become the file's, and all characters must be in the encoding.
   void verbatim(const char* text) {
@@ -170,19 +201,19 @@ class Writer {
     copy(text, where, [this, where](const char* rest) -> std::size_t {
       switch (*rest) {
         case '&':
-          put("&amp;");
+          text_.put("&amp;");
           return 1;
         case '<':
-          put("&lt;");
+          text_.put("&lt;");
           return 1;
         case '>':
-          put("&gt;");
+          text_.put("&gt;");
           return 1;
         case '"':
-          put("&quot;");
+          text_.put("&quot;");
           return 1;
         case '\t':
-          put("&#9;");
+          text_.put("&#9;");
           return 1;
         case '\n':
           put(where == inText ? lineEnd_ : "&#10;");
@@ -201,9 +232,9 @@ class Writer {
 
   std::size_t reference(const char* text) {
     const auto character = characterAt(text);
-    put("&#");
+    text_.put("&#");
     put(integerText(character.code));
-    put(";");
+    text_.put(";");
     return character.length;
   }
 
