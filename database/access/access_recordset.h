@@ -44,7 +44,7 @@ struct OpenFile {
 class AccessRecordset final : public Recordset {
  public:
   /// `opener` is the number of the database object that opened it.
-  AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition definition, std::uint64_t opener);
+  AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition definition, std::uint64_t opener = 0);
   AccessRecordset(const AccessRecordset&) = delete;
   AccessRecordset& operator=(const AccessRecordset&) = delete;
   ~AccessRecordset() override;

@@ -278,7 +278,8 @@ class FailingFile final : public RandomAccessFile {
   bool resize(std::uint64_t size) override {
     return !files_.dead() && !files_.countWrite() && file_->resize(size);
   }
-  bool sync() override { return !files_.dead() && file_->sync(); }
+  // Waiting for the disk would take most of the tests' time.
+  bool sync() override { return !files_.dead(); }
 
  private:
   FailingFiles& files_;
