@@ -51,7 +51,9 @@ bool IndexCursor::settle(std::size_t offset, Way way) {
     }
     if (offset < end) {
       const auto found = leaf.entry(offset, scratch_);
-      if (!found) {
+      // Every step leads onwards, so that links in a circle, which repeat entries, end here as well.
+      const int order = found && valid_ ? compareEntries(*found, entry()) : 0;
+      if (!found || (valid_ && (way == Way::forward ? order <= 0 : order >= 0))) {
         return stop(true);
       }
       key_.assign(found->key.begin(), found->key.end());
@@ -73,14 +75,17 @@ bool IndexCursor::settle(std::size_t offset, Way way) {
 }
 
 bool IndexCursor::first() {
+  valid_ = false;
   return descendToEdge(Way::forward) && settle(0, Way::forward);
 }
 
 bool IndexCursor::last() {
+  valid_ = false;
   return descendToEdge(Way::backward) && settle(pager_->pageSize(), Way::backward);
 }
 
 bool IndexCursor::seek(const IndexEntry& wanted) {
+  valid_ = false;
   PageNumber number = tree_->root();
   for (std::size_t depth = 0; depth <= deepestTree; ++depth) {
     view_ = tree_->page(number);
