@@ -33,6 +33,7 @@
 #include <utility>
 
 #include "database/access/bytes.h"
+#include "database/access/file.h"
 #include "database/access/format.h"
 
 namespace veltrano::access {
@@ -79,6 +80,8 @@ class Pager {
     std::string password;
     /// Pages kept in memory; more only while a transaction has changed more.
     std::uint32_t cachePages = 4096;
+    /// Where the files are; the system's when null.
+    FileSystem* files = nullptr;
   };
 
   /// Opens a file: takes its lock, puts back what a killed process left half done, checks header and
