@@ -4,6 +4,7 @@
 #include "server/ini_object.h"
 #include "server/jpg_object.h"
 #include "server/kml_object.h"
+#include "server/mdb_object.h"
 #include "server/pdf_object.h"
 #include "server/png_object.h"
 #include "server/wev_object.h"
@@ -21,6 +22,8 @@ std::span<const ClassEntry> classTable() {
        createObject<XmlObject>},
       {&CLSID_VeltranoINI, &IID__VeltranoINI, nullptr, L"VeltranoINI", L"Veltrano INI files", {},
        createObject<IniObject>},
+      {&CLSID_VeltranoMDB, &IID__VeltranoMDB, nullptr, L"VeltranoMDB", L"Veltrano Access databases", {},
+       createObject<MdbObject>},
       {&CLSID_VeltranoJPG, &IID__VeltranoJPG, nullptr, L"VeltranoJPG", L"Veltrano JPEG pictures", {},
        createObject<JpgObject>},
       {&CLSID_VeltranoPNG, &IID__VeltranoPNG, nullptr, L"VeltranoPNG", L"Veltrano PNG pictures", {},

@@ -155,9 +155,12 @@ TEST_P(EveryMember, SurvivesAbsurdArguments) {
   EXPECT_EQ(S_OK, dll_.canUnloadNow()) << "an object was left behind";
 }
 
+template <std::size_t>
+using Pointer = void*;
+
 template <std::size_t... Index>
 HRESULT callSlot(IDispatch& object, unsigned slot, void* argument, std::index_sequence<Index...>) {
-  using Function = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, decltype(static_cast<void>(Index), argument)...);
+  using Function = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, Pointer<Index>...);
   void* function = (*reinterpret_cast<void***>(&object))[slot];
   return reinterpret_cast<Function>(function)(&object, (static_cast<void>(Index), argument)...);
 }
