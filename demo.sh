@@ -25,9 +25,10 @@ build() {
 }
 
 preview() {
-  pdftoppm -png -r 60 "$1" "${1%.pdf}"
+  # mutool has the standard fonts built in, so the pictures look alike on every machine.
+  mutool draw -q -r 60 -o "${1%.pdf}-%d.png" "$1"
   echo "  report:  $PWD/$1"
-  echo "  preview: $PWD/$(ls "${1%.pdf}"-*.png | head -n 1) (one picture a page)"
+  echo "  preview: $PWD/${1%.pdf}-1.png (one picture a page)"
 }
 
 if ! scripts/install-packages.sh native; then

@@ -9,7 +9,7 @@
 // understood by this class only. A device context handed to these members must be a live one: a number cannot
 // be checked.
 //
-// Nothing here throws. A failed drawing call leaves the target as it was.
+// Nothing here throws but std::bad_alloc. A failed drawing call leaves the target as it was.
 
 #include <cstdint>
 #include <memory>
@@ -20,9 +20,9 @@ namespace veltrano {
 
 class DibBacking;
 
-/// How source and target pixels are combined, as GDI numbers it. The plain backing knows every operation that
-/// needs no pattern brush and draws nothing for the others.
-inline constexpr std::uint32_t SRCCOPY = 0x00CC0020;
+/// How source and target pixels are combined, as GDI numbers it (this one is its SRCCOPY). The plain backing
+/// knows every operation that needs no pattern brush and draws nothing for the others.
+inline constexpr std::uint32_t copySourceOperation = 0x00CC0020;
 
 /// The header of a section, field for field as Windows lays it out.
 struct BitmapInfoHeader {
@@ -79,19 +79,20 @@ class cDIBSection {
   /// Copies from a device context to this section's top left. A negative width or height means the section's
   /// own.
   void LoadPictureBlt(GraphicsHandle sourceDC, std::int32_t sourceX = 0, std::int32_t sourceY = 0,
-                      std::int32_t width = -1, std::int32_t height = -1, std::uint32_t operation = SRCCOPY);
+                      std::int32_t width = -1, std::int32_t height = -1,
+                      std::uint32_t operation = copySourceOperation);
 
   /// Copies to a device context. A negative width or height means the section's own; 0 draws nothing.
   void PaintPicture(GraphicsHandle destinationDC, std::int32_t x = 0, std::int32_t y = 0,
                     std::int32_t width = -1, std::int32_t height = -1, std::int32_t sourceX = 0,
-                    std::int32_t sourceY = 0, std::uint32_t operation = SRCCOPY) const;
+                    std::int32_t sourceY = 0, std::uint32_t operation = copySourceOperation) const;
 
   /// Draws the whole section into a rectangle. Negative sizes as above. With `halftone`, or when the
   /// rectangle is narrower or lower than the section, the target's stretch mode becomes HALFTONE (and stays
   /// so); the plain backing averages the source pixels then and takes the nearest one otherwise.
   void Stretch(GraphicsHandle destinationDC, std::int32_t x, std::int32_t y, std::int32_t width,
                std::int32_t height, std::int32_t sourceX = 0, std::int32_t sourceY = 0,
-               std::uint32_t operation = SRCCOPY, bool halftone = false) const;
+               std::uint32_t operation = copySourceOperation, bool halftone = false) const;
 
   /// A resized copy, by point sampling. The height comes first. Holds nothing when a size is not positive or
   /// memory is short.

@@ -21,10 +21,9 @@ namespace veltrano::mIntelJPEGLibrary {
 enum class Result : int {
   ok = 0,
   memoryError = -5,
-  invalidProperties = -8,
+  invalidProperties = -8,  ///< nothing to encode, or a size that no JPEG can have
   notJpeg = -13,
   badData = -21,
-  fileError = -23,
   internalError = -24,
   bufferTooSmall = -28,
   unsupportedFrame = -29,

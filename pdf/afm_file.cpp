@@ -43,10 +43,15 @@ std::size_t findBlockwise(std::string_view text, std::size_t from, std::size_t r
 }
 
 std::size_t findUnencoded(std::string_view text, std::size_t from) {
-  return findBlockwise(text, from, unencodedMark.size(), [](const char* at) {
-    return static_cast<bool>(static_cast<int>(at[0] == '-') & static_cast<int>(at[1] == '1') &
-                             static_cast<int>(at[2] == ' ') & static_cast<int>(at[3] == ';'));
-  });
+  for (;; ++from) {
+    // The two outer characters are rare enough together; the rest is compared once they are found.
+    from = findBlockwise(text, from, unencodedMark.size(), [](const char* at) {
+      return static_cast<bool>(static_cast<int>(at[0] == '-') & static_cast<int>(at[3] == ';'));
+    });
+    if (from == std::string_view::npos || text.substr(from, unencodedMark.size()) == unencodedMark) {
+      return from;
+    }
+  }
 }
 
 /// The words of one field of a line; a field ends at ";".
@@ -101,17 +106,16 @@ class CharacterTable {
   explicit CharacterTable(std::array<std::int32_t, 256>& widths) : widths_(widths) {}
 
   void readLine(const char* begin, const char* end) {
+    if (readUsualLine(begin, end)) {
+      return;
+    }
     FieldReader fields(begin, end);
     const auto codeNumber = fields.secondWord();
     const auto code = codeNumber ? roundToInt32(*codeNumber) : std::nullopt;
     if (!code) {
       return;
     }
-    if (!anyCode_) {
-      anyCode_ = true;
-      first_ = *code;
-    }
-    previous_ = *code;
+    takeCode(*code);
     const auto width = fields.secondWord();
     if (*code >= 1 && *code <= 255 && width && std::abs(*width) < std::numeric_limits<std::int32_t>::max()) {
       widths_[static_cast<std::size_t>(*code)] = static_cast<std::int32_t>(*width);
@@ -129,6 +133,46 @@ class CharacterTable {
   }
 
  private:
+  /// "C 32 ; WX 278 ; ...": nearly every line of every file. False, and nothing done, for any other form.
+  bool readUsualLine(const char* begin, const char* end) {
+    constexpr std::string_view beforeCode = "C ";
+    constexpr std::string_view beforeWidth = " ; WX ";
+    const char* at = begin + beforeCode.size();
+    std::int32_t code = 0;
+    std::int32_t width = 0;
+    // Nothing is read beyond the end: the shortest such line is longer than what is looked at in one go.
+    if (end - begin < 24 || std::memcmp(begin, beforeCode.data(), beforeCode.size()) != 0 ||
+        !readDigits(at, code) || std::memcmp(at, beforeWidth.data(), beforeWidth.size()) != 0) {
+      return false;
+    }
+    at += beforeWidth.size();
+    if (!readDigits(at, width) || at[0] != ' ' || at[1] != ';' || code > 255) {
+      return false;
+    }
+    takeCode(code);
+    if (code > 0) {
+      widths_[static_cast<std::size_t>(code)] = width;
+    }
+    return true;
+  }
+
+  /// One to four digits; false when there is none or more.
+  static bool readDigits(const char*& at, std::int32_t& number) {
+    const char* const start = at;
+    while (*at >= '0' && *at <= '9' && at - start < 5) {
+      number = number * 10 + (*at++ - '0');
+    }
+    return at - start >= 1 && at - start <= 4;
+  }
+
+  void takeCode(std::int32_t code) {
+    if (!anyCode_) {
+      anyCode_ = true;
+      first_ = code;
+    }
+    previous_ = code;
+  }
+
   std::array<std::int32_t, 256>& widths_;
   bool anyCode_ = false;
   std::int32_t first_ = 0;
@@ -158,11 +202,10 @@ std::string withoutLoneReturns(std::string_view text) {
   return result;
 }
 
-/// A CR at the very end does not count: it may be the first half of a line end that was cut off.
-bool hasLoneReturn(std::string_view text) {
-  return findBlockwise(text, 0, 2, [](const char* at) {
-           return static_cast<bool>(static_cast<int>(at[0] == '\r') & static_cast<int>(at[1] != '\n'));
-         }) != std::string_view::npos;
+/// The first line end tells: files that mix them are read as if the lone CR were part of the line.
+bool hasLoneReturns(std::string_view text) {
+  const std::size_t first = text.find('\r');
+  return first != std::string_view::npos && first + 1 < text.size() && text[first + 1] != '\n';
 }
 
 /// Walks over the lines up to the one that ends the metrics. `next*` are the positions of the marks at or
@@ -281,7 +324,7 @@ std::int32_t FontMetrics::sum(std::string_view text) const {
 }
 
 std::optional<FontMetrics> parseAfm(std::string_view text, bool wholeFile) {
-  if (hasLoneReturn(text)) {
+  if (hasLoneReturns(text)) {
     const std::string normal = withoutLoneReturns(text);
     return parseAfm(normal, wholeFile);
   }

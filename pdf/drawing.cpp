@@ -199,9 +199,9 @@ void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height
   appendLine(content, closedPaintOperator(graphics_.drawMode));
 
   const auto* target = link.as<std::string>();
-  if (target != nullptr && target->empty()) return;
+  if (link.isEmpty() || (target != nullptr && target->empty())) return;
   // With a link as without, an ellipse leaves the current position alone.
-  const Point position{geometry_.currentX, geometry_.currentY};
+  const Point position{settledX(), geometry_.currentY};
   placeShapeLink(link, {LinkKind::ellipse, x, y, width, height});
   geometry_.currentX = position.x;
   geometry_.currentY = position.y;

@@ -12,17 +12,16 @@
 
 namespace veltrano {
 
-/// A text whose width the current position waits for. The position is already what the metrics known then
-/// make of it; only a metrics file that had changed by then makes it another, which is looked up when the
-/// position is asked for. Texts mostly come with positions of their own, and looking at the file for each
-/// would cost more than the rest.
+/// A text behind which the current position lies. It is measured when the position is asked for, by the
+/// metrics of the time when it was written: texts mostly come with positions of their own, and looking at the
+/// metrics file for each would cost more than the rest.
 struct PendingAdvance {
   std::string text;
   std::string fontName;
   std::int16_t size = 0;
   double start = 0;            ///< where the text began, user units
-  double position = 0;         ///< the current x, as long as nothing else has moved it
   std::int64_t writtenAt = 0;  ///< clock of FileIdentity
+  /// The current x is not a number meanwhile. Whoever sets it puts an end to the waiting.
   bool waiting = false;
 };
 

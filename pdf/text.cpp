@@ -1,4 +1,5 @@
 #include <cmath>
+#include <limits>
 
 #include "base/files.h"
 #include "pdf/content_line.h"
@@ -9,17 +10,17 @@ namespace veltrano {
 
 double VeltranoPDF::settledX() {
   PendingAdvance& pending = fonts_.pendingAdvance;
-  if (!pending.waiting) {
+  if (!pending.waiting || !std::isnan(geometry_.currentX)) {
     return geometry_.currentX;
   }
   pending.waiting = false;
-  // Whatever has moved the position since then stands, and so does the width when the file changed only
-  // later.
-  if (geometry_.currentX == pending.position &&
-      !fonts_.metrics.changedAfter(fonts_.afmPath, pending.fontName, pending.writtenAt)) {
-    const FontMetrics& metrics = fonts_.metrics.metrics(fonts_.afmPath, pending.fontName);
-    geometry_.currentX = pending.start + metrics.width(pending.text, pending.size);
-  }
+  // A file that changed only after the text was written has no say.
+  const bool changedLater = fonts_.metrics.changedAfter(fonts_.afmPath, pending.fontName, pending.writtenAt);
+  const FontMetrics* known =
+      changedLater ? fonts_.metrics.knownMetrics(fonts_.afmPath, pending.fontName) : nullptr;
+  const FontMetrics& metrics =
+      known != nullptr ? *known : fonts_.metrics.metrics(fonts_.afmPath, pending.fontName);
+  geometry_.currentX = pending.start + metrics.width(pending.text, pending.size);
   return geometry_.currentX;
 }
 
@@ -27,18 +28,17 @@ double VeltranoPDF::settledX() {
 /// current position is in mixed units, as hosts rely on.
 void VeltranoPDF::advanceBehind(std::string_view text, double x) {
   PendingAdvance& pending = fonts_.pendingAdvance;
-  const FontMetrics* known = fonts_.metrics.knownMetrics(fonts_.afmPath, fonts_.currentFontName);
-  pending.waiting = known != nullptr;
-  const FontMetrics& metrics = known != nullptr ? *known : fonts_.currentMetrics();
-  geometry_.currentX = x + metrics.width(text, fonts_.fontSize);
-  if (pending.waiting) {
-    pending.text = text;
-    pending.fontName = fonts_.currentFontName;
-    pending.size = fonts_.fontSize;
-    pending.start = x;
-    pending.position = geometry_.currentX;
-    pending.writtenAt = fileClockNow();
+  pending.waiting = fonts_.metrics.knownMetrics(fonts_.afmPath, fonts_.currentFontName) != nullptr;
+  if (!pending.waiting) {
+    geometry_.currentX = x + fonts_.currentMetrics().width(text, fonts_.fontSize);
+    return;
   }
+  geometry_.currentX = std::numeric_limits<double>::quiet_NaN();
+  pending.text = text;
+  pending.fontName = fonts_.currentFontName;
+  pending.size = fonts_.fontSize;
+  pending.start = x;
+  pending.writtenAt = fileClockNow();
 }
 
 void VeltranoPDF::appendColorStart() {

@@ -160,13 +160,15 @@ TEST(Drawing, ScalesByTheUnit) {
 TEST(Drawing, LinkThatIsNoTextIsReported) {
   Document document;
   document.pdf.PDFBeginDoc();
-  for (const Value& link : {Value(5), Value(), Value(Null()), Value(Opaque())}) {
+  for (const Value& link : {Value(5), Value(Null()), Value(Opaque())}) {
     document.pdf.PDFDrawRectangle(1, 1, 1, 1, link);
     document.pdf.PDFDrawEllipse(1, 1, 1, 1, link);
     EXPECT_EQ(document.takeErrors(), std::vector<std::string>(2, "Unable to include this link"));
   }
-  document.pdf.PDFDrawRectangle(1, 1, 1, 1, "");
-  document.pdf.PDFDrawEllipse(1, 1, 1, 1, "");
+  for (const Value& none : {Value(""), Value()}) {
+    document.pdf.PDFDrawRectangle(1, 1, 1, 1, none);
+    document.pdf.PDFDrawEllipse(1, 1, 1, 1, none);
+  }
   EXPECT_TRUE(document.takeErrors().empty());
   EXPECT_EQ(document.finish().find("/Annots"), std::string::npos);
 }

@@ -1,0 +1,92 @@
+// Measuring a text: with an unchanged metrics file, with a changed one, and breaking a paragraph into lines.
+
+#include <benchmark/benchmark.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "pdf/afm_file.h"
+#include "pdf/line_breaking.h"
+#include "pdf/veltrano_pdf.h"
+
+namespace veltrano {
+namespace {
+
+const std::string eightyCharacters =
+    "The quick brown fox jumps over the lazy dog while 1234567890 clocks tick loudly.";
+
+/// A folder with Helvetica.afm followed by kerning, 74 KB in all, as fonts are published; old enough to be
+/// trusted.
+class MetricsFolder {
+ public:
+  MetricsFolder() : path_(std::filesystem::temp_directory_path() / "veltrano-measuring-bench") {
+    std::filesystem::create_directories(path_);
+    std::ifstream shipped(std::filesystem::path(VELTRANO_METRICS_FOLDER) / "Helvetica.afm", std::ios::binary);
+    std::stringstream text;
+    text << shipped.rdbuf() << "StartKernData\r\n";
+    while (text.tellp() < 74 * 1024) {
+      text << "KPX A quoteright -70\r\n";
+    }
+    std::ofstream(path_ / "Helvetica.afm", std::ios::binary) << text.str();
+  }
+  ~MetricsFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  MetricsFolder(const MetricsFolder&) = delete;
+  MetricsFolder& operator=(const MetricsFolder&) = delete;
+
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+void unchangedFile(benchmark::State& state) {
+  VeltranoPDF pdf;
+  pdf.PDFPathConfiguration(VELTRANO_METRICS_FOLDER);
+  pdf.PDFSetFont(FONT_ARIAL, 10);
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(pdf.PDFGetStringWidth(eightyCharacters, {}, 10));
+  }
+}
+BENCHMARK(unchangedFile);
+
+/// A first call on a file costs what a call on a changed one does, and a little for the name.
+void changedFile(benchmark::State& state) {
+  const MetricsFolder folder;
+  for (auto _ : state) {
+    MetricsCache cache;
+    benchmark::DoNotOptimize(cache.metrics(folder.path(), "Helvetica").width(eightyCharacters, 10));
+  }
+}
+BENCHMARK(changedFile);
+
+/// The least that a changed file can cost: opening it and reading its metrics.
+void readingAlone(benchmark::State& state) {
+  const MetricsFolder folder;
+  const auto file = folder.path() / "Helvetica.afm";
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(readFileStart(file, std::size_t{12} << 10));
+  }
+}
+BENCHMARK(readingAlone);
+
+void breakingParagraph(benchmark::State& state) {
+  MetricsCache cache;
+  const FontMetrics& metrics = cache.metrics(VELTRANO_METRICS_FOLDER, "Helvetica");
+  std::string text;
+  while (text.size() < std::size_t{1} << 20) {
+    text += eightyCharacters + ' ';
+  }
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(breakText(text, {metrics.widths, 0.01, 300}));
+  }
+  state.SetBytesProcessed(static_cast<std::int64_t>(text.size()) * state.iterations());
+}
+BENCHMARK(breakingParagraph);
+
+}  // namespace
+}  // namespace veltrano

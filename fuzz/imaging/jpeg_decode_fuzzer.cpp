@@ -1,0 +1,21 @@
+// Any bytes into the JPEG decoder, at every scale, and on through resampling and encoding.
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "imaging/intel_jpeg_library.h"
+#include "imaging/veltrano_jpg.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace veltrano;
+  if (size == 0) return 0;
+  const auto length = static_cast<std::int32_t>(size);
+  // The last byte chooses the scale; it is part of the data all the same.
+  cDIBSection dib;
+  mIntelJPEGLibrary::loadJpegBufferToDib(dib, data, length, 1 << (data[size - 1] & 3));
+  if (dib.Width() > 0 && dib.Width() < 300 && dib.Height() < 300) {
+    VeltranoJPG().SaveJPEGFromRAMToMemoryResampled({reinterpret_cast<const char*>(data), size}, 40, 17, 13);
+  }
+  return 0;
+}

@@ -1,0 +1,79 @@
+// Pictures that are bitmaps of GDI.
+
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include "images.h"
+#include "imaging/veltrano_jpg.h"
+#include "imaging/veltrano_png.h"
+
+namespace veltrano {
+namespace {
+
+using test::Image;
+using test::Rgb;
+
+// Black and white only, so that every depth can hold it; nothing about it is symmetric.
+Image twoColours() {
+  return test::paint(11, 5, [](int x, int y) {
+    return (x * 3 + y * y) % 7 < 3 ? Rgb{255, 255, 255} : Rgb{};
+  });
+}
+
+HBITMAP makeBitmap(int bits, bool topDown, bool device) {
+  if (device) return CreateBitmap(11, 5, 1, static_cast<UINT>(bits), nullptr);
+  struct {
+    BITMAPINFOHEADER header;
+    RGBQUAD colours[256];
+  } info{};
+  info.header = {
+      sizeof(BITMAPINFOHEADER), 11, topDown ? -5 : 5, 1, static_cast<WORD>(bits), BI_RGB, 0, 0, 0, 0, 0};
+  for (int i = 1; i < 256; ++i) info.colours[i] = {255, 255, 255, 0};
+  void* memory = nullptr;
+  return CreateDIBSection(nullptr, reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS, &memory, nullptr, 0);
+}
+
+TEST(BitmapPicture, IsReadAtEveryDepth) {
+  const test::Folder folder;
+  const Image image = twoColours();
+  for (const auto& [bits, topDown, device] : {std::tuple{1, false, false},
+                                              {4, false, false},
+                                              {8, true, false},
+                                              {16, false, false},
+                                              {24, false, false},
+                                              {24, true, false},
+                                              {32, false, false},
+                                              {32, true, false},
+                                              {1, false, true},
+                                              {32, false, true}}) {
+    HBITMAP bitmap = makeBitmap(bits, topDown, device);
+    ASSERT_NE(bitmap, nullptr);
+    HDC dc = CreateCompatibleDC(nullptr);
+    HGDIOBJ previous = SelectObject(dc, bitmap);
+    for (int y = 0; y < 5; ++y) {
+      for (int x = 0; x < 11; ++x)
+        SetPixelV(dc, x, y, image.at(x, y).red != 0 ? RGB(255, 255, 255) : RGB(0, 0, 0));
+    }
+    SelectObject(dc, previous);
+    DeleteDC(dc);
+    const Picture picture = Picture::ofBitmap(reinterpret_cast<GraphicsHandle>(bitmap));
+    EXPECT_TRUE(VeltranoPNG().SavePNG(picture, folder.file("a.png")));
+    EXPECT_TRUE(test::readPng(folder.file("a.png")) == image) << bits << topDown << device;
+    DeleteObject(bitmap);
+    EXPECT_FALSE(VeltranoPNG().SavePNG(picture, folder.file("b.png"))) << "deleted";
+  }
+}
+
+TEST(BitmapPicture, IsNoOtherHandle) {
+  const test::Folder folder;
+  HPEN pen = CreatePen(PS_SOLID, 1, 0);
+  const Picture picture = Picture::ofBitmap(reinterpret_cast<GraphicsHandle>(pen));
+  EXPECT_FALSE(VeltranoPNG().SavePNG(picture, folder.file("a.png")));
+  VeltranoJPG().SaveJPEG(picture, folder.file("a.jpg"));
+  EXPECT_EQ(VeltranoJPG().SaveJPEGToMemory(picture).size(), 1U);
+  EXPECT_EQ(folder.files(), 0);
+  DeleteObject(pen);
+}
+
+}  // namespace
+}  // namespace veltrano

@@ -1,0 +1,69 @@
+#ifndef VELTRANO_TESTS_IMAGING_IMAGES_H
+#define VELTRANO_TESTS_IMAGING_IMAGES_H
+
+// Pictures to test with, and readers of others for what the library wrote.
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "imaging/dib_section.h"
+#include "imaging/picture.h"
+
+namespace veltrano::test {
+
+struct Rgb {
+  int red = 0, green = 0, blue = 0;
+  friend bool operator==(const Rgb&, const Rgb&) = default;
+};
+using Painter = std::function<Rgb(int x, int y)>;
+
+/// A picture as seen, from the top left.
+struct Image {
+  int width = 0, height = 0;
+  std::vector<Rgb> pixels;
+  [[nodiscard]] Rgb at(int x, int y) const { return pixels.at(static_cast<std::size_t>(y * width + x)); }
+  friend bool operator==(const Image&, const Image&) = default;
+};
+
+Image paint(int width, int height, const Painter& painter);
+/// Smooth colours with some shapes; a different colour in each corner.
+Image scenery(int width, int height);
+/// Every pixel another; the same on each run.
+Image noise(int width, int height);
+
+Picture picture(const Image& image);
+cDIBSection section(const Image& image);
+Image contents(const cDIBSection& dib);
+
+/// Decibels; both of one size.
+double psnr(const Image& a, const Image& b);
+
+/// libpng's and libjpeg's own reading; an empty image when they refuse.
+Image readPng(const std::filesystem::path& file);
+Image readJpeg(const std::string& bytes);
+/// libjpeg's own encoding of flat four-channel samples.
+std::string flatInksJpeg(const std::uint8_t (&inks)[4], bool adobe, bool ycck);
+
+/// A file that can be opened but has no room; no file at all where the system has none such.
+std::filesystem::path fullDisk();
+
+/// A folder of the running test's own, removed at its end.
+class Folder {
+ public:
+  Folder();
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  ~Folder();
+  [[nodiscard]] std::filesystem::path file(const char* name) const { return path_ / name; }
+  [[nodiscard]] int files() const;
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace veltrano::test
+
+#endif

@@ -1,0 +1,218 @@
+#include "imaging/intel_jpeg_library.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/files.h"
+#include "base/host.h"
+#include "images.h"
+
+namespace veltrano {
+namespace {
+
+using namespace mIntelJPEGLibrary;
+using test::contents;
+using test::Image;
+using test::noise;
+using test::paint;
+using test::Rgb;
+using test::scenery;
+using test::section;
+
+std::string encode(const cDIBSection& dib, int quality) {
+  std::string buffer(static_cast<std::size_t>(dib.Width() * dib.Height() * 4 + 2000), '\0');
+  auto size = static_cast<std::int32_t>(buffer.size());
+  EXPECT_TRUE(saveDibToJpegBuffer(dib, reinterpret_cast<std::uint8_t*>(buffer.data()), size, quality));
+  buffer.resize(static_cast<std::size_t>(size));
+  return buffer;
+}
+
+bool decode(cDIBSection& dib, const std::string& bytes, int scale = 1) {
+  // A copy of the exact size: reading beyond it is seen by the sanitizer.
+  const std::vector<std::uint8_t> exact(bytes.begin(), bytes.end());
+  return loadJpegBufferToDib(dib, exact.data(), static_cast<std::int32_t>(exact.size()), scale);
+}
+
+TEST(JpegModule, KeepsThePicture) {
+  const Image image = scenery(99, 61);
+  double last = 0;
+  for (const auto& [quality, decibels] : {std::pair{20, 25.0}, {50, 29.0}, {90, 33.0}}) {
+    const std::string bytes = encode(section(image), quality);
+    const Image seen = test::readJpeg(bytes);
+    EXPECT_GT(psnr(image, seen), decibels) << quality;
+    EXPECT_GT(psnr(image, seen), last) << "quality has an effect";
+    last = psnr(image, seen);
+    cDIBSection dib;
+    ASSERT_TRUE(decode(dib, bytes));
+    EXPECT_TRUE(contents(dib) == seen) << "as libjpeg reads it, bottom row last";
+  }
+  EXPECT_EQ(encode(section(image), 0), encode(section(image), 1));
+  EXPECT_EQ(encode(section(image), 5000), encode(section(image), 100));
+}
+
+TEST(JpegModule, ScalesWhileDecoding) {
+  const std::string bytes = encode(section(paint(101, 67,
+                                                 [](int x, int) {
+                                                   return Rgb{x < 50 ? 250 : 5, 90, 30};
+                                                 })),
+                                   95);
+  for (const auto& [scale, width, height] :
+       {std::tuple{1, 101, 67}, {2, 50, 33}, {4, 25, 16}, {8, 12, 8}, {3, 101, 67}, {0, 101, 67}}) {
+    cDIBSection dib;
+    ASSERT_TRUE(decode(dib, bytes, scale)) << scale;
+    EXPECT_EQ(dib.Width(), width) << scale;
+    EXPECT_EQ(dib.Height(), height) << scale;
+    EXPECT_EQ(lastJpegWidth(), 101);
+    EXPECT_EQ(lastJpegHeight(), 67);
+    const Image image = contents(dib);
+    EXPECT_NEAR(image.at(1, height - 1).red, 250, 12) << scale;
+    EXPECT_NEAR(image.at(width - 1, 0).red, 5, 12) << scale;
+  }
+}
+
+TEST(JpegModule, ReadsFourChannels) {
+  struct {
+    const char* label;
+    std::uint8_t samples[4];
+    bool adobe, ycck;
+    Rgb seen;
+  } const cases[] = {
+      {"plain: ink as stored", {255, 0, 0, 0}, false, false, {0, 255, 255}},
+      {"plain, half black: 255 * 127 / 255", {0, 0, 0, 128}, false, false, {127, 127, 127}},
+      {"Adobe: complement of the ink", {255, 0, 0, 255}, true, false, {255, 0, 0}},
+      {"Adobe, dimmed: 200 * 128 / 255", {200, 200, 0, 128}, true, false, {100, 100, 0}},
+      {"Adobe YCCK", {0, 0, 255, 255}, true, true, {0, 0, 255}},
+  };
+  for (const auto& c : cases) {
+    cDIBSection dib;
+    ASSERT_TRUE(decode(dib, test::flatInksJpeg(c.samples, c.adobe, c.ycck))) << c.label;
+    const Rgb pixel = contents(dib).at(7, 9);
+    EXPECT_NEAR(pixel.red, c.seen.red, 2) << c.label;
+    EXPECT_NEAR(pixel.green, c.seen.green, 2) << c.label;
+    EXPECT_NEAR(pixel.blue, c.seen.blue, 2) << c.label;
+  }
+}
+
+TEST(JpegModule, UsesABufferToItsLastByte) {
+  const cDIBSection dib = section(scenery(40, 30));
+  const std::string whole = encode(dib, 50);
+  const auto length = static_cast<std::int32_t>(whole.size());
+  for (std::int32_t room : {length, length + 1, length - 1, length - 2, length / 2, 1, 0, -5}) {
+    std::vector<std::uint8_t> buffer(static_cast<std::size_t>(std::max(room, 0)));
+    std::int32_t size = room;
+    if (room >= length) {
+      EXPECT_TRUE(saveDibToJpegBuffer(dib, buffer.data(), size, 50)) << room - length;
+      EXPECT_EQ(size, length);
+      EXPECT_EQ(std::string(buffer.begin(), buffer.begin() + size), whole);
+      continue;
+    }
+    try {
+      saveDibToJpegBuffer(dib, buffer.data(), size, 50);
+      ADD_FAILURE() << "fits into " << room;
+    } catch (const RaisedError& error) {
+      EXPECT_EQ(RaisedError::number, 26001);
+      EXPECT_STREQ(error.what(), "Failed to save to JPG -28");
+      EXPECT_EQ(error.source(), hostApplicationName() + ".mIntelJPEGLibrary");
+      EXPECT_EQ(size, room);
+    }
+  }
+}
+
+TEST(JpegModule, HasABudgetOfAQuarterByteAPixel) {
+  // Too small to hold even the tables: n + 1 characters, n = pixels / 4 with halves to even.
+  for (const auto& [width, height, characters] :
+       {std::tuple{1, 1, 1}, {2, 1, 1}, {3, 1, 2}, {6, 1, 3}, {10, 1, 3}, {7, 1, 3}, {9, 1, 3}, {14, 1, 5}}) {
+    EXPECT_EQ(saveDibToJpegString(section(noise(width, height)), 50).size(),
+              static_cast<std::size_t>(characters))
+        << width;
+  }
+  EXPECT_EQ(saveDibToJpegString(section(noise(100, 100)), 50).size(), 2501U);
+  EXPECT_EQ(saveDibToJpegString(cDIBSection(), 50), std::string(1, '\0'));
+
+  // More and more noise on a flat ground: the first image above 2499 bytes fails, all before it succeed.
+  const Image ground = noise(100, 100);
+  std::size_t last = 0, first = 0;
+  for (int row = 0; row < 100 && first == 0; ++row) {
+    for (int column = 1; column <= 100 && first == 0; column += 3) {
+      const Image image = paint(100, 100, [&](int x, int y) {
+        return y * 100 + x < row * 100 + column ? ground.at(x, y) : Rgb{80, 80, 80};
+      });
+      const cDIBSection dib = section(image);
+      const std::string whole = encode(dib, 50), budgeted = saveDibToJpegString(dib, 50);
+      if (whole.size() <= 2499) {
+        ASSERT_EQ(budgeted, whole);
+        last = std::max(last, whole.size());
+      } else {
+        EXPECT_EQ(budgeted.size(), 2501U);
+        first = whole.size();
+      }
+    }
+  }
+  EXPECT_GT(last, 2480U);
+  EXPECT_LT(first, 2520U);
+}
+
+TEST(JpegModule, RefusesDamage) {
+  const std::string good = encode(section(scenery(64, 48)), 80);
+  const std::size_t frame = good.find("\xFF\xC0");
+  const auto patched = [&](std::size_t at, const std::string& with) {
+    return std::string(good).replace(at, with.size(), with);
+  };
+  struct {
+    const char* label;
+    std::string bytes;
+    bool loads, hasPixels;
+  } const cases[] = {
+      {"good", good, true, true},
+      {"without end marker", good.substr(0, good.size() - 2), true, true},
+      {"text after the end", good + "tail", true, true},
+      {"half of the image data", good.substr(0, good.size() - (good.size() - frame) / 4), false, true},
+      {"no image data", good.substr(0, good.find("\xFF\xDA")), false, false},
+      {"one byte", good.substr(0, 1), false, false},
+      {"no JPEG", "GIF89a, say", false, false},
+      {"more pixels than its bytes can tell", patched(frame + 5, "\xFF\xDC\xFF\xDC"), false, false},
+      {"no rows", patched(frame + 5, std::string(2, '\0')), false, false},
+      {"two channels", patched(frame + 9, "\x02"), false, false},
+      {"12 bits", patched(frame + 4, "\x0C"), false, false},
+      {"no Huffman tables, so the standard ones", patched(good.find("\xFF\xC4"), "\xFF\xFE"), true, true},
+  };
+  for (const auto& c : cases) {
+    cDIBSection dib;
+    EXPECT_EQ(decode(dib, c.bytes), c.loads) << c.label;
+    EXPECT_EQ(dib.hDC() != 0, c.hasPixels) << c.label;
+  }
+  cDIBSection dib;
+  EXPECT_FALSE(loadJpegBufferToDib(dib, nullptr, 100));
+  EXPECT_FALSE(decode(dib, ""));
+}
+
+TEST(JpegModule, SurvivesAnyByte) {
+  const std::string good = encode(section(noise(24, 20)), 60);
+  std::uint32_t state = 1;
+  for (std::size_t at = 2; at < good.size(); ++at) {
+    std::string bytes = good;
+    state = state * 1664525 + 1013904223;
+    bytes[at] = static_cast<char>(state >> 24);
+    cDIBSection dib;
+    decode(dib, bytes);  // whatever it answers
+  }
+}
+
+TEST(JpegModule, WritesWholeFilesOrNone) {
+  const test::Folder folder;
+  const Image image = scenery(1200, 900);  // more than one chunk of output
+  const cDIBSection dib = section(image);
+  ASSERT_TRUE(saveDibToJpegFile(dib, folder.file("a b.jpg"), 100));
+  EXPECT_EQ(readWholeFile(folder.file("a b.jpg")), encode(dib, 100));
+  cDIBSection back;
+  EXPECT_TRUE(loadJpegFileToDib(back, folder.file("a b.jpg")));
+  EXPECT_GT(psnr(contents(back), image), 35.0);
+  EXPECT_FALSE(saveDibToJpegFile(dib, folder.file("missing") / "a.jpg", 50));
+  EXPECT_FALSE(saveDibToJpegFile(cDIBSection(), folder.file("empty.jpg"), 50));
+  EXPECT_FALSE(loadJpegFileToDib(back, folder.file("missing.jpg")));
+  EXPECT_EQ(folder.files(), 1);
+  EXPECT_FALSE(saveDibToJpegFile(dib, test::fullDisk(), 50));
+}
+
+}  // namespace
+}  // namespace veltrano
