@@ -32,16 +32,18 @@ def derived(*parts):
 
 
 class Contract:
-    """The identifiers of the type library."""
+    """The identifiers of the type library and the classes that the server has."""
 
     def __init__(self):
         text = re.sub(r"^\s*//.*$", "", (ROOT / "server/veltrano.idl").read_text(), flags=re.M)
         head = r"\[[^\[\]]*?uuid\(([\w-]+)\)[^\[\]]*?"
         self.library = braced(re.search(head + r"\]\s*library", text).group(1))
-        self.classes = [(braced(guid), name, description) for guid, description, name in
-                        re.findall(head + r'helpstring\("([^"]*)"\)[^\[\]]*\]\s*coclass (\w+)', text)]
-        self.interfaces = [(braced(guid), name) for guid, name in
-                           re.findall(head + r"\]\s*(?:disp)?interface (_\w+)", text)]
+        identifiers = {name: braced(guid) for guid, name in re.findall(head + r"\]\s*coclass (\w+)", text)}
+        interfaces = {name: braced(guid) for guid, name in re.findall(head + r"\]\s*(?:disp)?interface (_\w+)", text)}
+        table = re.findall(r'&CLSID_(\w+).*?L"\w+",\s*L"([^"]*)"', (ROOT / "server/class_table.cpp").read_text())
+        self.classes = [(identifiers[name], name, description) for name, description in table]
+        self.interfaces = [(interfaces[face], face) for _, name, _ in self.classes
+                           for face in ("_" + name, "__" + name) if face in interfaces]
 
     def entries(self, architecture, dll):
         """(key, value name or None, text) of everything that the registration of one DLL writes."""
@@ -116,6 +118,10 @@ class Source:
     def directory(self, root, name, folders):
         yield f'      <Directory Id="{root}">'
         yield f'        <Directory Id="{name}" Name="VeltranoFrameWork">'
+        if "." not in folders:
+            # No file lies here, so nothing else would take the folder away.
+            lines = [f'            <RemoveFolder Id="r_{name}" On="uninstall"/>']
+            yield from self.component("c_" + name, False, "          ", lines)
         for folder in folders:
             if folder == ".":
                 files = [path for path in sorted(self.folder.iterdir()) if path.is_file()]
