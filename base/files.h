@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -28,6 +29,12 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& file);
 
 /// The first `limit` bytes of the file, or all of a shorter one; otherwise as readWholeFile.
 std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit);
+
+/// Hands the file's bytes to `take`, piece by piece, until it returns false; a piece is valid during the call
+/// only. False when the file is missing, a folder or could not be read up to there. Others may use the file
+/// meanwhile.
+bool readFileInPieces(const std::filesystem::path& file,
+                      const std::function<bool(std::string_view piece)>& take);
 
 /// Puts the pieces, one after another, in place of `file`. Afterwards the file holds all of them or, when the
 /// result is false, what it held before (nothing, if it did not exist): a new file is written beside it and

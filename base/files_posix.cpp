@@ -23,6 +23,9 @@ namespace veltrano {
 
 namespace {
 
+// Small enough to stay in the processor's cache while it is being looked at.
+constexpr std::size_t pieceSize = std::size_t{256} * 1024;
+
 void traceError(std::string_view member, const std::filesystem::path& file) {
   if (traceEnabled()) {
     traceSkipped(member, std::strerror(errno), file.native());
@@ -201,6 +204,25 @@ std::optional<std::string> readFileStart(const std::filesystem::path& file, std:
   }
   content.resize(length);
   return content;
+}
+
+bool readFileInPieces(const std::filesystem::path& file,
+                      const std::function<bool(std::string_view piece)>& take) {
+  const FileDescriptor descriptor = openFile(file, O_RDONLY);
+  const auto buffer = std::make_unique_for_overwrite<char[]>(pieceSize);
+  for (;;) {
+    const ssize_t count = descriptor ? ::read(descriptor.get(), buffer.get(), pieceSize) : -1;
+    if (count < 0 && descriptor && errno == EINTR) {
+      continue;
+    }
+    if (count < 0) {
+      traceError("readFileInPieces", file);
+      return false;
+    }
+    if (count == 0 || !take({buffer.get(), static_cast<std::size_t>(count)})) {
+      return true;
+    }
+  }
 }
 
 bool replaceFile(const std::filesystem::path& file, std::span<const std::string_view> pieces,

@@ -105,7 +105,8 @@ constexpr auto digitPairs = [] {
 }();
 
 // Writes `value` so that its last digit stands before `end`; returns where it begins.
-char* writeBackwards(char* end, std::uint64_t value) {
+template <typename Unsigned>
+char* writeBackwards(char* end, Unsigned value) {
   while (value >= 100) {
     const auto pair = static_cast<std::size_t>(value % 100);
     value /= 100;
@@ -123,44 +124,53 @@ char* writeBackwards(char* end, std::uint64_t value) {
 
 // The common case of formatPdfNumber: few decimals, page-sized magnitudes, and no tie near. The product's
 // error and that of the 15-digit rounding together stay below 1e-5 here, so a fraction that is further than
-// `tieMargin` from one half decides the rounding as the decimal digits would. Returns the number of
-// characters, 0 when undecided.
-std::size_t formatQuickly(char* target, double value, int decimals) {
+// `tieMargin` from one half decides the rounding as the decimal digits would. Writes before `end` and returns
+// where it begins, null when undecided. The number of decimals is a constant: dividing by a variable is what
+// would cost most.
+template <int decimals>
+char* formatQuicklyBefore(char* end, double value) {
   constexpr double largestScaled = 1e9;
   constexpr double tieMargin = 1e-4;
-  if (decimals < 1 || decimals > 3) {
-    return 0;
-  }
-  const double scaled =
-      std::fabs(value) * static_cast<double>(smallPowersOfTen[static_cast<std::size_t>(decimals)]);
+  constexpr auto unit = static_cast<std::uint32_t>(smallPowersOfTen[static_cast<std::size_t>(decimals)]);
+  const double scaled = std::fabs(value) * unit;
   if (!(scaled < largestScaled)) {
-    return 0;
+    return nullptr;
   }
-  auto whole = static_cast<std::int64_t>(scaled);
-  const double fraction = scaled - static_cast<double>(whole);
+  auto whole = static_cast<std::uint32_t>(static_cast<std::int64_t>(scaled));
+  const double fraction = scaled - whole;
   if (std::fabs(fraction - 0.5) < tieMargin) {
-    return 0;
+    return nullptr;
   }
-  if (fraction > 0.5) {
-    ++whole;
-  }
-  const std::int64_t unit = smallPowersOfTen[static_cast<std::size_t>(decimals)];
-  std::array<char, 24> text;
-  char* const end = text.data() + text.size();
+  whole += static_cast<std::uint32_t>(fraction > 0.5);
+  std::uint32_t decimalsLeft = whole % unit;
   char* begin = end;
-  std::int64_t decimalsLeft = whole % unit;
-  for (int i = 0; i < decimals; ++i) {
+  if constexpr (decimals % 2 == 1) {
     *--begin = static_cast<char>('0' + decimalsLeft % 10);
     decimalsLeft /= 10;
   }
+  if constexpr (decimals > 1) {
+    begin -= 2;
+    std::memcpy(begin, &digitPairs[std::size_t{2} * decimalsLeft], 2);
+  }
   *--begin = '.';
-  begin = writeBackwards(begin, static_cast<std::uint64_t>(whole / unit));
+  begin = writeBackwards(begin, whole / unit);
   if (value < 0 && whole != 0) {
     *--begin = '-';
   }
-  const auto length = static_cast<std::size_t>(end - begin);
-  std::memcpy(target, begin, length);
-  return length;
+  return begin;
+}
+
+char* formatQuickly(char* end, double value, int decimals) {
+  switch (decimals) {
+    case 1:
+      return formatQuicklyBefore<1>(end, value);
+    case 2:
+      return formatQuicklyBefore<2>(end, value);
+    case 3:
+      return formatQuicklyBefore<3>(end, value);
+    default:
+      return nullptr;
+  }
 }
 
 // The common case of generalNumberText: a value that a person or a receiver wrote with at most eight
@@ -272,8 +282,9 @@ NumberText formatPdfNumber(double value, int decimals) {
   }
   decimals = std::clamp(decimals, 0, 15);
   std::array<char, 24> quick;
-  if (const std::size_t length = formatQuickly(quick.data(), value, decimals)) {
-    text.append({quick.data(), length});
+  char* const end = quick.data() + quick.size();
+  if (const char* begin = formatQuickly(end, value, decimals)) {
+    text.append({begin, static_cast<std::size_t>(end - begin)});
     return text;
   }
   DecimalDigits number = significantDigits(std::fabs(value), 15);
@@ -296,8 +307,9 @@ NumberText formatPdfNumber(double value, int decimals) {
 
 void appendPdfNumber(std::string& target, double value, int decimals) {
   std::array<char, 24> quick;
-  if (const std::size_t length = formatQuickly(quick.data(), value, decimals)) {
-    target.append(quick.data(), length);
+  char* const end = quick.data() + quick.size();
+  if (const char* begin = formatQuickly(end, value, decimals)) {
+    target.append(begin, static_cast<std::size_t>(end - begin));
   } else {
     target.append(formatPdfNumber(value, decimals).view());
   }

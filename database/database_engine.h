@@ -1,13 +1,14 @@
 #ifndef VELTRANO_DATABASE_DATABASE_ENGINE_H
 #define VELTRANO_DATABASE_DATABASE_ENGINE_H
 
-// What VeltranoMDB needs of a database engine: databases that open tables as recordsets, one record at a time. Two
-// engines implement it: the DAO engine (dao/, late bound, where a Windows machine has one) and the embedded engine
-// (access/, everywhere else).
+// What VeltranoMDB needs of a database engine: databases that open tables as recordsets, one record at a
+// time. Two engines implement it: the DAO engine (dao/, late bound, where a Windows machine has one) and the
+// embedded engine (access/, everywhere else).
 //
-// All texts are UTF-8. Nothing throws but std::bad_alloc. A step that fails changes nothing, answers false (or
-// nothing) and leaves the reason for the debug trace in lastError. Objects are used by one thread at a time; a
-// recordset may outlive its database object and then only fails.
+// All texts are UTF-8. Nothing throws but std::bad_alloc. A step that fails changes nothing, answers false
+// (or nothing) and leaves the reason for the debug trace in lastError. Objects are used by one thread at a
+// time. A recordset that outlives its database object goes on working, until one of the two is closed by its
+// close.
 
 #include <memory>
 #include <optional>
@@ -45,10 +46,12 @@ class ErrorReason {
 
 /// The records of one table with a current one among them, as a DAO dynaset behaves:
 ///  - it begins on its first record, or at end of file when there is none;
-///  - at end of file, and on a record that was deleted, there is no current record: reading, edit and remove fail;
-///  - edit and addNew begin a copy of the current or of an empty record, which readText and write then work on; update
-///    stores it, any move drops it. After the update of a new record the current record is the one it was before
-///    addNew;
+///  - at end of file, and on a record that was deleted, there is no current record: reading, edit and remove
+///  fail;
+///  - edit and addNew begin a copy of the current or of an empty record, which readText and write then work
+///  on; update
+///    stores it, any move drops it. After the update of a new record the current record is the one it was
+///    before addNew;
 ///  - a deleted record stays current (and unreadable) until the next move.
 class Recordset : public ErrorReason {
  public:
@@ -70,16 +73,17 @@ class Recordset : public ErrorReason {
   /// Deletes the current record.
   virtual bool remove() = 0;
 
-  /// Puts the field's value as text (field_conversion.h says how) into `text`, whose storage is reused. A null, an
-  /// unknown field and the lack of a current record fail; `text` is then empty.
+  /// Puts the field's value as text (field_conversion.h says how) into `text`, whose storage is reused. A
+  /// null, an unknown field and the lack of a current record fail; `text` is then empty.
   virtual bool readText(std::string_view field, std::string& text) = 0;
-  /// Assigns a value to a field of the record being edited or added, converted to the field's type. What does not
-  /// convert, does not fit or is not allowed fails and leaves the field, and the edit, as they were.
+  /// Assigns a value to a field of the record being edited or added, converted to the field's type. What does
+  /// not convert, does not fit or is not allowed fails and leaves the field, and the edit, as they were.
   virtual bool write(std::string_view field, const Value& value) = 0;
 
-  /// Goes from the current record on, itself included, to the first one whose field is equal to the matcher's text,
-  /// and answers true; false and end of file if there is none. A null equals nothing. The default reads every record
-  /// as text; an engine that can look at the stored form of just that field overrides it.
+  /// Not at end of file: goes from the current record on, itself included, to the first one whose field is
+  /// equal to the matcher's text, and answers true; false and end of file if there is none. A null equals
+  /// nothing. The default reads every record as text; an engine that can look at the stored form of just that
+  /// field overrides it.
   virtual bool find(std::string_view field, const TextMatcher& matcher);
 
   virtual bool close() = 0;
@@ -99,7 +103,7 @@ class Database : public ErrorReason {
   virtual bool close() = 0;
 };
 
-class DatabaseEngine : public ErrorReason {
+class DatabaseEngine {
  public:
   DatabaseEngine() = default;
   DatabaseEngine(const DatabaseEngine&) = delete;
@@ -107,21 +111,23 @@ class DatabaseEngine : public ErrorReason {
   virtual ~DatabaseEngine() = default;
 
   /// Opens a database file for reading and, where that is possible, writing. `connect` is nothing or
-  /// "MS Access;PWD=" followed by the password as it is. Null when that fails.
+  /// "MS Access;PWD=" followed by the password as it is. Null when that fails; `reason` then says why. Unlike
+  /// the other objects an engine serves all threads at once.
   virtual std::unique_ptr<Database> openDatabase(std::string_view fileName,
-                                                 std::optional<std::string_view> connect) = 0;
+                                                 std::optional<std::string_view> connect,
+                                                 std::string& reason) = 0;
 };
 
 /// What a connect string says before the password.
 inline constexpr std::string_view passwordConnectPrefix = "MS Access;PWD=";
 
-/// The engine of this process, made at the first call and kept: the DAO engine where the machine has one, otherwise
-/// the embedded one. Callable from any thread.
+/// The engine of this process, made at the first call and kept: the DAO engine where the machine has one,
+/// otherwise the embedded one. Callable from any thread.
 DatabaseEngine& sharedDatabaseEngine();
 
-/// Gives back what the shared engine holds of other libraries. To be called when this library is about to be unloaded
-/// on request and no object of it is left (never while the system's loader is unloading it); the next use makes it
-/// anew. At the end of a process it is not needed.
+/// Gives back what the shared engine holds of other libraries. To be called when this library is about to be
+/// unloaded on request and no object of it is left (never while the system's loader is unloading it); the
+/// next use makes it anew. At the end of a process it is not needed.
 void releaseSharedDatabaseEngine();
 
 }  // namespace veltrano

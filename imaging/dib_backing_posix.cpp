@@ -21,6 +21,8 @@ class BufferBacking final : public DibBacking {
         surface_{bits_.get(), header.biWidth, header.biHeight, bytesPerScanLine(header.biWidth)} {
     ++openHandles;
   }
+  BufferBacking(const BufferBacking&) = delete;
+  BufferBacking& operator=(const BufferBacking&) = delete;
   ~BufferBacking() override { openHandles -= attached_ ? 2 : 1; }
 
   bool attachContext() override {
@@ -42,8 +44,9 @@ class BufferBacking final : public DibBacking {
   bool attached_ = false;
 };
 
+// A handle is a number by contract.
 const PixelSurface& surfaceOf(GraphicsHandle context) {
-  return *reinterpret_cast<const PixelSurface*>(context);
+  return *reinterpret_cast<const PixelSurface*>(context);  // NOLINT(performance-no-int-to-ptr)
 }
 
 }  // namespace

@@ -25,6 +25,7 @@ struct JpegErrors {
   JpegErrors();
   JpegErrors(const JpegErrors&) = delete;
   JpegErrors& operator=(const JpegErrors&) = delete;
+  ~JpegErrors() = default;
 };
 
 /// Leaves the running step with `result`.

@@ -1,5 +1,8 @@
 #include "imaging/veltrano_jpg.h"
 
+#include <algorithm>
+#include <cstddef>
+
 #include "imaging/intel_jpeg_library.h"
 
 namespace veltrano {
@@ -10,8 +13,9 @@ void fixSize(cDIBSection& dib, std::int32_t width, std::int32_t height) {
   if (width != 0 && height != 0) dib = dib.Resample2(height, width);
 }
 
+// Hosts pass addresses as numbers.
 const std::uint8_t* asAddress(std::uintptr_t number) {
-  return reinterpret_cast<const std::uint8_t*>(number);
+  return reinterpret_cast<const std::uint8_t*>(number);  // NOLINT(performance-no-int-to-ptr)
 }
 
 }  // namespace
@@ -68,8 +72,9 @@ std::string VeltranoJPG::SaveJPEGFromRAMToMemoryResampled(std::string_view Image
                                                           std::int32_t JPEGQuality, std::int32_t FixWidth,
                                                           std::int32_t FixHeight) {
   cDIBSection dib;
+  const auto size = static_cast<std::int32_t>(std::min<std::size_t>(ImageToSave.size(), INT32_MAX));
   if (mIntelJPEGLibrary::loadJpegBufferToDib(dib, reinterpret_cast<const std::uint8_t*>(ImageToSave.data()),
-                                             static_cast<std::int32_t>(ImageToSave.size()))) {
+                                             size)) {
     JPEGWidth = mIntelJPEGLibrary::lastJpegWidth();
     JPEGHeight = mIntelJPEGLibrary::lastJpegHeight();
   }

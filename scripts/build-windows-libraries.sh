@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds pugixml, libpng and libjpeg-turbo (with its SIMD code) as static libraries for 32-bit and 64-bit Windows from
 # Debian's source packages, once, into $VELTRANO_CACHE (else $XDG_CACHE_HOME/veltrano, else ~/.cache/veltrano).
-#   scripts/build-windows-libraries.sh
+#   scripts/build-windows-libraries.sh [i686-w64-mingw32] [x86_64-w64-mingw32]      (both when none is named)
 #
 # Safe to run again: finished work is left alone, a broken run is taken up where it stopped. Needs no root. What it
 # needs installed is named by checkTools below.
@@ -13,7 +13,6 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cache=${VELTRANO_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/veltrano}
-triplets=(i686-w64-mingw32 x86_64-w64-mingw32)
 packages=(pugixml libpng1.6 libjpeg-turbo)
 # Raise it when the way of building changes: every cache is then built anew.
 recipe=1
@@ -125,7 +124,6 @@ build() {
 
 buildTriplet() {
   local triplet=$1
-  echo "  building for $triplet"
   build "$triplet" pugixml -DBUILD_SHARED_LIBS=OFF
   # The assembler reads picture filters only, and this library writes.
   build "$triplet" libpng1.6 -DPNG_SHARED=OFF -DPNG_STATIC=ON -DPNG_TESTS=OFF -DPNG_HARDWARE_OPTIMIZATIONS=OFF \
@@ -140,32 +138,39 @@ mkdir -p "$cache"
 exec 9>"$cache/.lock"
 flock 9  # two builds may ask for the libraries at once
 
+# complete <prefix>
 complete() {
-  local triplet library
-  for triplet in "${triplets[@]}"; do
-    for library in pugixml png16 jpeg z; do
-      [ -e "$1/$triplet/lib/lib$library.a" ] || return 1
-    done
+  local library
+  for library in pugixml png16 jpeg z; do
+    [ -e "$1/lib/lib$library.a" ] || return 1
   done
 }
 
-stamp="recipe $recipe"
-[ "$(cat "$cache/stamp" 2>/dev/null || true)" = "$stamp" ] && complete "$cache" && exit 0
+wanted=("$@")
+[ $# -gt 0 ] || wanted=(i686-w64-mingw32 x86_64-w64-mingw32)
+triplets=()  # what is not there yet
+for triplet in "${wanted[@]}"; do
+  case $triplet in
+    i686-w64-mingw32 | x86_64-w64-mingw32) ;;
+    *) fail "unknown target '$triplet'" ;;
+  esac
+  prefix=$cache/$triplet
+  { [ "$(cat "$prefix/recipe" 2>/dev/null || true)" = "$recipe" ] && complete "$prefix"; } || triplets+=("$triplet")
+done
+[ ${#triplets[@]} -gt 0 ] || exit 0
 
-echo "Building pugixml, libpng and libjpeg-turbo for Windows into $cache"
+echo "Building pugixml, libpng and libjpeg-turbo for Windows (${triplets[*]}) into $cache"
 checkTools
 work=$cache/work
-rm -rf "$work" "$cache/stamp"
+rm -rf "$work"
 mkdir -p "$work"
 fetchSources "$work"
 for triplet in "${triplets[@]}"; do
   buildTriplet "$triplet"
-done
-complete "$work/install" || fail "the build left libraries out: see $work"
-# Only complete prefixes ever stand under their final names.
-for triplet in "${triplets[@]}"; do
+  complete "$work/install/$triplet" || fail "the build for $triplet left libraries out: see $work"
+  echo "$recipe" >"$work/install/$triplet/recipe"
+  # Only a complete prefix ever stands under its final name.
   rm -rf "${cache:?}/$triplet"
   mv "$work/install/$triplet" "$cache/$triplet"
 done
 rm -rf "$work"
-echo "$stamp" >"$cache/stamp"

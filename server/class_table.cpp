@@ -1,7 +1,11 @@
 #include "server/class_table.h"
 
 #include "server/gis_object.h"
+#include "server/jpg_object.h"
+#include "server/kml_object.h"
 #include "server/pdf_object.h"
+#include "server/png_object.h"
+#include "server/wev_object.h"
 
 namespace veltrano::server {
 
@@ -9,6 +13,14 @@ std::span<const ClassEntry> classTable() {
   static const ClassEntry classes[] = {
       {&CLSID_VeltranoPDF, &IID__VeltranoPDF, &DIID___VeltranoPDF, L"VeltranoPDF", L"Veltrano PDF documents",
        PdfObject::keptKinds(), createObject<PdfObject>},
+      {&CLSID_VeltranoKML, &IID__VeltranoKML, nullptr, L"VeltranoKML", L"Veltrano KML files", {},
+       createObject<KmlObject>},
+      {&CLSID_VeltranoJPG, &IID__VeltranoJPG, nullptr, L"VeltranoJPG", L"Veltrano JPEG pictures", {},
+       createObject<JpgObject>},
+      {&CLSID_VeltranoPNG, &IID__VeltranoPNG, nullptr, L"VeltranoPNG", L"Veltrano PNG pictures", {},
+       createObject<PngObject>},
+      {&CLSID_VeltranoWEV, &IID__VeltranoWEV, nullptr, L"VeltranoWEV", L"Veltrano event log", {},
+       createObject<WevObject>},
       {&CLSID_VeltranoGIS, &IID__VeltranoGIS, nullptr, L"VeltranoGIS", L"Veltrano GIS", {},
        createObject<GisObject>},
   };

@@ -52,6 +52,10 @@ void answer(Number* result, Number value) {
     *result = value;
   }
 }
+/// True is -1.
+inline void answer(VARIANT_BOOL* result, bool flag) {
+  answer(result, static_cast<VARIANT_BOOL>(flag ? VARIANT_TRUE : VARIANT_FALSE));
+}
 void answer(BSTR* result, std::string_view text, TextForm form);
 /// Lists become arrays of variants, the only ones that script hosts can take apart; so does a list without elements,
 /// whose bounds are 0 and -1.

@@ -126,7 +126,7 @@ void floorTextPages(const std::filesystem::path& file, int pages) {
   Floor floor(static_cast<std::size_t>(pages) * 16000);
   for (int i = 0; i < pages; ++i) {
     for (int row = 0; row < stringsPerPage; ++row) {
-      floor.line("q 0 g ");
+      floor.line("q 0.000 0.000 0.000 rg ");
       floor.line("%DEBUT_TEXT/%");
       floor.line("BT");
       floor.number(xPoints(10)).text(" ").number(yPoints(10 + row * 4.5)).line(" Td");

@@ -126,7 +126,7 @@ TEST(DibSection, CopiesOntoItselfWithoutSmearing) {
   own.bits = bytes;
   blitPixels(own, {0, 1, 3, 3}, own, 0, 0, copySourceOperation);  // down by one
   for (const auto& [row, value] : {std::pair{0, 1}, {1, 2}, {2, 3}, {3, 3}})
-    EXPECT_EQ(bytes[row * 12], value) << row;
+    EXPECT_EQ(bytes[std::size_t{12} * static_cast<std::size_t>(row)], value) << row;
 }
 
 TEST(DibSection, AveragesWhenItShrinks) {

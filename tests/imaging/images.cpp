@@ -42,7 +42,7 @@ Picture picture(const Image& image) {
     for (const int channel : {pixel.blue, pixel.green, pixel.red})
       rows.push_back(static_cast<std::uint8_t>(channel));
   }
-  return Picture::fromBgr(image.width, image.height, rows.data(), image.width * 3);
+  return Picture::fromBgr(image.width, image.height, rows.data(), std::ptrdiff_t{3} * image.width);
 }
 
 cDIBSection section(const Image& image) {
@@ -53,8 +53,9 @@ cDIBSection section(const Image& image) {
 
 Image contents(const cDIBSection& dib) {
   return paint(dib.Width(), dib.Height(), [&dib](int x, int y) {
-    const std::uint8_t* pixel =
-        dib.DIBSectionBitsPtr() + (dib.Height() - 1 - y) * dib.BytesPerScanLine() + x * 3;
+    const std::uint8_t* pixel = dib.DIBSectionBitsPtr() +
+                                std::ptrdiff_t{dib.BytesPerScanLine()} * (dib.Height() - 1 - y) +
+                                std::ptrdiff_t{3} * x;
     return Rgb{pixel[2], pixel[1], pixel[0]};
   });
 }

@@ -24,7 +24,10 @@ using Painter = std::function<Rgb(int x, int y)>;
 struct Image {
   int width = 0, height = 0;
   std::vector<Rgb> pixels;
-  [[nodiscard]] Rgb at(int x, int y) const { return pixels.at(static_cast<std::size_t>(y * width + x)); }
+  [[nodiscard]] Rgb at(int x, int y) const {
+    return pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                     static_cast<std::size_t>(x));
+  }
   friend bool operator==(const Image&, const Image&) = default;
 };
 

@@ -1,0 +1,153 @@
+#include "database/access/index_cursor.h"
+
+#include <algorithm>
+
+namespace veltrano::access {
+
+bool IndexCursor::stop(bool damage) {
+  view_ = PageView();
+  valid_ = false;
+  damaged_ = damaged_ || damage;
+  return false;
+}
+
+/// To the leaf at one end of the tree.
+bool IndexCursor::descendToEdge(Way way) {
+  PageNumber number = tree_->root();
+  for (std::size_t depth = 0; depth <= deepestTree; ++depth) {
+    view_ = tree_->page(number);
+    if (!view_) {
+      return stop(true);
+    }
+    const IndexPage index(view_.bytes(), pager_->version());
+    if (index.isLeaf()) {
+      return true;
+    }
+    if (index.tail() != 0 && (way == Way::backward || index.empty())) {
+      number = index.tail();
+      continue;
+    }
+    const std::size_t offset = way == Way::forward || index.empty() ? 0 : index.before(index.end());
+    if (!index.entry(offset, scratch_, &number)) {
+      return stop(true);
+    }
+  }
+  return stop(true);
+}
+
+/// Stands on the entry at `offset` of the current leaf or, where there is none, on the nearest one that way.
+bool IndexCursor::settle(std::size_t offset, Way way) {
+  // Other programs leave empty leaves; links that lead round in circles end here.
+  for (PageNumber seen = 0; seen <= pager_->pageCount(); ++seen) {
+    const IndexPage leaf(view_.bytes(), pager_->version());
+    if (!leaf.isLeaf()) {
+      return stop(true);
+    }
+    const std::size_t end = leaf.end();
+    if (way == Way::backward && offset > 0 && end > 0) {
+      offset = leaf.before(std::min(offset, end));
+    } else if (way == Way::backward) {
+      offset = end;
+    }
+    if (offset < end) {
+      const auto found = leaf.entry(offset, scratch_);
+      if (!found) {
+        return stop(true);
+      }
+      key_.assign(found->key.begin(), found->key.end());
+      row_ = found->row;
+      offset_ = offset;
+      return valid_ = true;
+    }
+    const PageNumber number = way == Way::forward ? leaf.next() : leaf.previous();
+    if (number == 0) {
+      return stop(false);
+    }
+    view_ = tree_->page(number);
+    if (!view_) {
+      return stop(true);
+    }
+    offset = way == Way::forward ? 0 : pager_->pageSize();
+  }
+  return stop(true);
+}
+
+bool IndexCursor::first() {
+  return descendToEdge(Way::forward) && settle(0, Way::forward);
+}
+
+bool IndexCursor::last() {
+  return descendToEdge(Way::backward) && settle(pager_->pageSize(), Way::backward);
+}
+
+bool IndexCursor::seek(const IndexEntry& wanted) {
+  PageNumber number = tree_->root();
+  for (std::size_t depth = 0; depth <= deepestTree; ++depth) {
+    view_ = tree_->page(number);
+    if (!view_) {
+      return stop(true);
+    }
+    const IndexPage index(view_.bytes(), pager_->version());
+    const std::size_t offset = index.lowerBound(wanted, scratch_);
+    if (index.isLeaf()) {
+      return settle(offset, Way::forward);
+    }
+    const std::size_t end = index.end();
+    if (offset == end && index.tail() != 0) {
+      number = index.tail();
+    } else if (end == 0 || !index.entry(offset < end ? offset : index.before(end), scratch_, &number)) {
+      return stop(true);
+    }
+  }
+  return stop(true);
+}
+
+/// True when the entry is still where it was seen.
+bool IndexCursor::stillThere() {
+  const IndexPage leaf(view_.bytes(), pager_->version());
+  if (!leaf.valid() || !leaf.isLeaf() || leaf.owner() != tree_->table() || offset_ >= leaf.end() ||
+      (offset_ != 0 && leaf.before(offset_ + 1) != offset_)) {
+    return false;
+  }
+  const auto found = leaf.entry(offset_, scratch_);
+  return found && compareEntries(*found, entry()) == 0;
+}
+
+bool IndexCursor::toNeighbour(Way way) {
+  if (!valid_) {
+    return false;
+  }
+  if (!view_ || !stillThere()) {
+    const std::vector<std::uint8_t> key = key_;
+    const RowPointer row = row_;
+    if (!seek({key, row})) {
+      // Everything that is left lies before.
+      return way == Way::backward && !damaged_ && last();
+    }
+    if (way == Way::forward && compareEntries(entry(), {key, row}) != 0) {
+      return true;
+    }
+  }
+  const IndexPage leaf(view_.bytes(), pager_->version());
+  if (way == Way::forward) {
+    return settle(leaf.after(offset_), Way::forward);
+  }
+  if (offset_ > 0) {
+    return settle(offset_, Way::backward);
+  }
+  const PageNumber number = leaf.previous();
+  if (number == 0) {
+    return stop(false);
+  }
+  view_ = tree_->page(number);
+  return view_ ? settle(pager_->pageSize(), Way::backward) : stop(true);
+}
+
+bool IndexCursor::next() {
+  return toNeighbour(Way::forward);
+}
+bool IndexCursor::previous() {
+  return toNeighbour(Way::backward);
+}
+
+}  // namespace veltrano::access

@@ -1,0 +1,48 @@
+#ifndef VELTRANO_DATABASE_ACCESS_TABLE_H
+#define VELTRANO_DATABASE_ACCESS_TABLE_H
+
+// The rows of one table: walked in the order in which the pages hold them, and fetched by their place. A
+// row's place is that of its first slot, also after it has moved to another page.
+
+#include <optional>
+#include <utility>
+
+#include "database/access/pager.h"
+#include "database/access/row.h"
+#include "database/access/table_definition.h"
+
+namespace veltrano::access {
+
+/// A row held in memory as long as this lives.
+struct Row {
+  PageView page;
+  Bytes bytes;
+  RowPointer place;  ///< where the bytes are; not the row's identity when it has moved
+};
+
+class Table {
+ public:
+  Table(Pager& pager, TableDefinition definition) : pager_(&pager), definition_(std::move(definition)) {}
+
+  [[nodiscard]] Pager& pager() const { return *pager_; }
+  [[nodiscard]] const TableDefinition& definition() const { return definition_; }
+
+  /// The next row in storage order; the first one when `after` is nothing. Damaged pages are passed over.
+  [[nodiscard]] std::optional<RowPointer> next(std::optional<RowPointer> after) const;
+  [[nodiscard]] std::optional<RowPointer> last() const;
+  /// The row; nothing when it is deleted or damaged.
+  [[nodiscard]] std::optional<Row> fetch(RowPointer row) const;
+  [[nodiscard]] RowView view(const Row& row) const {
+    return {row.bytes, pager_->version(), definition_.variableColumns != 0};
+  }
+
+ private:
+  [[nodiscard]] PageView readPage(PageNumber page) const;
+
+  Pager* pager_;
+  TableDefinition definition_;
+};
+
+}  // namespace veltrano::access
+
+#endif

@@ -1,0 +1,143 @@
+// The half of field_conversion.h that makes texts. These run once for every field a host reads.
+
+#include <charconv>
+#include <chrono>
+
+#include "base/code_page.h"
+#include "base/numbers.h"
+#include "database/dates.h"
+#include "database/field_conversion.h"
+
+namespace veltrano {
+
+namespace {
+
+void appendTwoDigits(std::string& text, unsigned value) {
+  text.push_back(static_cast<char>('0' + value / 10 % 10));
+  text.push_back(static_cast<char>('0' + value % 10));
+}
+
+void appendTime(std::string& text, std::int32_t seconds) {
+  const auto time = static_cast<unsigned>(seconds);
+  appendTwoDigits(text, time / 3600);
+  text.push_back(':');
+  appendTwoDigits(text, time / 60 % 60);
+  text.push_back(':');
+  appendTwoDigits(text, time % 60);
+}
+
+/// Puts the point into the digits of a scaled number and drops the zeros at its end.
+void placePoint(std::string& digits, std::size_t scale) {
+  if (scale == 0) {
+    return;
+  }
+  if (digits.size() <= scale) {
+    digits.insert(0, scale + 1 - digits.size(), '0');
+  }
+  digits.insert(digits.size() - scale, 1, '.');
+  digits.erase(digits.find_last_not_of('0') + 1);
+  if (digits.back() == '.') {
+    digits.pop_back();
+  }
+}
+
+/// Divides in place, answers the remainder.
+std::uint32_t divide(std::array<std::uint32_t, 4>& number, std::uint32_t divisor) {
+  std::uint64_t rest = 0;
+  for (std::size_t i = number.size(); i-- > 0;) {
+    rest = rest << 32 | number[i];
+    number[i] = static_cast<std::uint32_t>(rest / divisor);
+    rest %= divisor;
+  }
+  return static_cast<std::uint32_t>(rest);
+}
+
+}  // namespace
+
+void integerToText(std::int64_t value, std::string& text) {
+  char digits[24];
+  const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  text.assign(digits, end);
+}
+
+void singleToText(float value, std::string& text) {
+  text.assign(singleNumberText(value).view());
+}
+
+void doubleToText(double value, std::string& text) {
+  text.assign(generalNumberText(value).view());
+}
+
+void currencyToText(Currency value, std::string& text) {
+  const bool negative = value.tenThousandths < 0;
+  // Unsigned negation also covers the least value, whose positive form does not fit.
+  auto magnitude = static_cast<std::uint64_t>(value.tenThousandths);
+  magnitude = negative ? 0 - magnitude : magnitude;
+  char digits[24];
+  text.assign(digits, std::to_chars(digits, digits + sizeof digits, magnitude).ptr);
+  placePoint(text, 4);
+  if (negative) {
+    text.insert(0, 1, '-');
+  }
+}
+
+void decimalToText(const Decimal& value, std::string& text) {
+  auto rest = value.magnitude;
+  text.clear();
+  do {
+    text.push_back(static_cast<char>('0' + divide(rest, 10)));
+  } while (rest != std::array<std::uint32_t, 4>{});
+  text.assign(text.rbegin(), text.rend());
+  placePoint(text, value.scale);
+  if (value.negative && text != "0") {
+    text.insert(0, 1, '-');
+  }
+}
+
+void booleanToText(bool value, std::string& text) {
+  text.assign(value ? "True" : "False");
+}
+
+bool dateToText(Date value, std::string& text) {
+  text.clear();
+  const auto moment = splitDate(value);
+  if (!moment) {
+    return false;
+  }
+  if (moment->day == 0) {
+    appendTime(text, moment->second);
+    return true;
+  }
+  const std::chrono::year_month_day date(dateOrigin + std::chrono::days(moment->day));
+  const auto year = static_cast<unsigned>(static_cast<int>(date.year()));
+  appendTwoDigits(text, year / 100);
+  appendTwoDigits(text, year % 100);
+  text.push_back('-');
+  appendTwoDigits(text, static_cast<unsigned>(date.month()));
+  text.push_back('-');
+  appendTwoDigits(text, static_cast<unsigned>(date.day()));
+  if (moment->second != 0) {
+    text.push_back(' ');
+    appendTime(text, moment->second);
+  }
+  return true;
+}
+
+void guidToText(const Guid& value, std::string& text) {
+  constexpr char digits[] = "0123456789ABCDEF";
+  text.assign(1, '{');
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) {
+      text.push_back('-');
+    }
+    text.push_back(digits[value[i] >> 4]);
+    text.push_back(digits[value[i] & 15]);
+  }
+  text.push_back('}');
+}
+
+void binaryToText(std::span<const std::uint8_t> bytes, std::string& text) {
+  text = ansiToUtf8(std::string(bytes.begin(), bytes.end()));
+}
+
+}  // namespace veltrano

@@ -1,0 +1,10 @@
+#include "database/access/access_engine.h"
+#include "database/preferred_engine.h"
+
+namespace veltrano {
+
+std::unique_ptr<DatabaseEngine> makePreferredEngine() {
+  return makeAccessEngine();
+}
+
+}  // namespace veltrano

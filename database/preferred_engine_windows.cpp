@@ -1,0 +1,12 @@
+#include "database/access/access_engine.h"
+#include "database/dao/dao_engine_windows.h"
+#include "database/preferred_engine.h"
+
+namespace veltrano {
+
+std::unique_ptr<DatabaseEngine> makePreferredEngine() {
+  auto engine = makeDaoEngine();
+  return engine ? std::move(engine) : makeAccessEngine();
+}
+
+}  // namespace veltrano

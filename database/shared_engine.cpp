@@ -1,0 +1,40 @@
+#include <mutex>
+
+#include "database/database_engine.h"
+#include "database/preferred_engine.h"
+
+namespace veltrano {
+
+namespace {
+
+/// The lock is recursive because making a COM object may run messages of the host, which may call us again.
+/// Never destroyed: destructors of static objects run while the system unloads the library, and then no call
+/// into another library is allowed.
+struct Shared {
+  std::recursive_mutex mutex;
+  std::unique_ptr<DatabaseEngine> engine;
+};
+
+Shared& shared() {
+  static auto* const instance = new Shared;
+  return *instance;
+}
+
+}  // namespace
+
+DatabaseEngine& sharedDatabaseEngine() {
+  Shared& holder = shared();
+  const std::lock_guard lock(holder.mutex);
+  if (!holder.engine) {
+    holder.engine = makePreferredEngine();
+  }
+  return *holder.engine;
+}
+
+void releaseSharedDatabaseEngine() {
+  Shared& holder = shared();
+  const std::lock_guard lock(holder.mutex);
+  holder.engine.reset();
+}
+
+}  // namespace veltrano

@@ -1,0 +1,69 @@
+#include "server/mdb_object.h"
+
+#include "server/conversions.h"
+
+#undef EOF
+
+namespace veltrano::server {
+
+STDMETHODIMP MdbObject::OpenDB(BSTR* filename, BSTR* Username, BSTR* Password, VARIANT_BOOL* result) {
+  return run("OpenDB", [&] { answer(result, mdb_.OpenDB(utf8(filename), utf8(Username), utf8(Password))); });
+}
+
+STDMETHODIMP MdbObject::OpenTable(BSTR* Table, VARIANT_BOOL* result) {
+  return run("OpenTable", [&] { answer(result, mdb_.OpenTable(utf8(Table))); });
+}
+
+STDMETHODIMP MdbObject::WriteRecord(BSTR* Field, VARIANT* Value, VARIANT_BOOL* result) {
+  return run("WriteRecord", [&] { answer(result, mdb_.WriteRecord(utf8(Field), value(Value, TextForm::utf8))); });
+}
+
+STDMETHODIMP MdbObject::ReadRecord_String(BSTR* xField, BSTR* result) {
+  return run("ReadRecord_String", [&] { answer(result, mdb_.ReadRecord_String(utf8(xField)), TextForm::utf8); });
+}
+
+STDMETHODIMP MdbObject::Edit() {
+  return run("Edit", [&] { mdb_.Edit(); });
+}
+
+STDMETHODIMP MdbObject::Delete() {
+  return run("Delete", [&] { mdb_.Delete(); });
+}
+
+STDMETHODIMP MdbObject::MoveFirst() {
+  return run("MoveFirst", [&] { mdb_.MoveFirst(); });
+}
+
+STDMETHODIMP MdbObject::MoveNext() {
+  return run("MoveNext", [&] { mdb_.MoveNext(); });
+}
+
+STDMETHODIMP MdbObject::MoveLast() {
+  return run("MoveLast", [&] { mdb_.MoveLast(); });
+}
+
+STDMETHODIMP MdbObject::AddNew() {
+  return run("AddNew", [&] { mdb_.AddNew(); });
+}
+
+STDMETHODIMP MdbObject::EOF(VARIANT_BOOL* result) {
+  return run("EOF", [&] { answer(result, mdb_.Eof()); });
+}
+
+STDMETHODIMP MdbObject::Update() {
+  return run("Update", [&] { mdb_.Update(); });
+}
+
+STDMETHODIMP MdbObject::FindRecord(BSTR* Field, BSTR* Value, VARIANT_BOOL* CaseSensivite, VARIANT_BOOL* result) {
+  return run("FindRecord", [&] { answer(result, mdb_.FindRecord(utf8(Field), utf8(Value), number(CaseSensivite))); });
+}
+
+STDMETHODIMP MdbObject::CloseTable() {
+  return run("CloseTable", [&] { mdb_.CloseTable(); });
+}
+
+STDMETHODIMP MdbObject::CloseDatabase() {
+  return run("CloseDatabase", [&] { mdb_.CloseDatabase(); });
+}
+
+}  // namespace veltrano::server

@@ -1,0 +1,55 @@
+#ifndef VELTRANO_SETTINGS_SETTINGS_DOCUMENT_H
+#define VELTRANO_SETTINGS_SETTINGS_DOCUMENT_H
+
+// A settings file in memory: its document, how it was encoded, and what folders and keys mean in it.
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <pugixml.hpp>
+
+#include "settings/xml_encoding.h"
+
+namespace veltrano {
+
+/// True for white space between elements: it is kept in the file and is no child node to anybody. The only
+/// text of an element is its value, be it blank.
+bool isLayout(const pugi::xml_node& node);
+
+class SettingsDocument {
+ public:
+  SettingsDocument() = default;
+  SettingsDocument(const SettingsDocument&) = delete;
+  SettingsDocument& operator=(const SettingsDocument&) = delete;
+  ~SettingsDocument() = default;
+
+  enum class LoadResult {
+    loaded,
+    empty,       ///< the file is missing, malformed or in an unknown encoding
+    outOfMemory  ///< the document is empty too
+  };
+  /// Replaces the document by the file's, or by an empty one.
+  LoadResult load(const std::filesystem::path& file);
+  /// Replaces the file, whole or not at all. False also when there is nothing to save.
+  bool save(const std::filesystem::path& file) const;
+
+  /// The element "XML" at the top, or an empty node.
+  [[nodiscard]] pugi::xml_node root() const;
+  /// Appends a root to a document that has no element. An empty node when it has one.
+  pugi::xml_node createRoot();
+
+ private:
+  LoadResult parse(std::string bytes);
+
+  /// The document points into it.
+  std::string buffer_;
+  pugi::xml_document document_;
+  XmlForm form_;
+};
+
+}  // namespace veltrano
+
+#endif

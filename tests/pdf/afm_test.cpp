@@ -1,0 +1,176 @@
+#include "pdf/afm_file.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "base/files.h"
+#include "base/host.h"
+#include "tests/temporary_folder.h"
+
+namespace veltrano {
+namespace {
+
+using tests::TemporaryFolder;
+
+std::int32_t widthOf(std::string_view afm, std::string_view text) {
+  return parseAfm(afm, true)->sum(text);
+}
+
+struct Reading {
+  const char* what;
+  std::string_view afm;
+  std::int32_t a;  ///< width of "A", code 65
+  std::int32_t b;
+  std::int32_t c;
+};
+
+constexpr Reading readings[] = {
+    {"plain", "StartCharMetrics 3\nC 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;\nEndCharMetrics\n", 1, 2, 4},
+    {"with names and boxes, as files really are",
+     "StartCharMetrics 2\r\nC 65 ; WX 667 ; N A ; B 14 0 654 718 ;\r\nC 66 ; WX 667 ; N B ; B 74 -1 627 718 "
+     ";\r\n"
+     "EndCharMetrics\r\n",
+     667, 667, 0},
+    {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", 1, 2, 0},
+    {"an unencoded character ends it",
+     "StartCharMetrics\nC 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2\nEndCharMetrics", 1, 0, 0},
+    {"the keywords do not count", "StartCharMetrics\nx 65 ; y 1 ;\nEndCharMetrics", 1, 0, 0},
+    {"blanks around fields and words", "StartCharMetrics\n  C   65  ;   WX   7  ; N\nEndCharMetrics", 7, 0,
+     0},
+    {"fractions are cut off", "StartCharMetrics\nC 65 ; WX 1.9\nC 66 ; WX -1.9\nEndCharMetrics", 1, -1, 0},
+    {"no end: the last code stays 0", "StartCharMetrics\nC 65 ; WX 1\nC 66 ; WX 2\n", 0, 0, 0},
+    {"no start", "C 65 ; WX 1\nEndCharMetrics\n", 0, 0, 0},
+    {"the end before the start", "EndCharMetrics\nStartCharMetrics\nC 65 ; WX 1\nEndCharMetrics", 0, 0, 0},
+    {"a minus one before the start", "Comment -1 ;\nStartCharMetrics\nC 65 ; WX 1\nEndCharMetrics", 0, 0, 0},
+    {"above the last code", "StartCharMetrics\nC 67 ; WX 4\nC 65 ; WX 1\nEndCharMetrics", 0, 0, 0},
+    {"below the first code", "StartCharMetrics\nC 66 ; WX 2\nC 65 ; WX 1\nC 67 ; WX 4\nEndCharMetrics", 0, 2,
+     4},
+    {"malformed lines leave the others alone",
+     "StartCharMetrics\nC 65 ; WX 1\n\n;;;\nC x ; WX 9\nC 66 ; WX x\nC 66\nC ; WX 5\nC 67 ; WX "
+     "4\nEndCharMetrics",
+     1, 0, 4},
+    {"codes and widths out of range",
+     "StartCharMetrics\nC 65 ; WX 99999999999\nC 66 ; WX 2\nC 99999999999 ; WX 3\nC 300 ; WX "
+     "3\nEndCharMetrics",
+     0, 2, 0},
+    {"the line after a second start is taken as it is",
+     "StartCharMetrics\nC 65 ; WX 1\nStartCharMetrics\nC 66 ; WX 2\nC 67 ; WX 4\nEndCharMetrics", 1, 2, 4},
+    {"the start in the last line", "StartCharMetrics 65 ; WX 3", 0, 0, 0},
+    {"nothing", "", 0, 0, 0},
+};
+
+TEST(Afm, ReadsByThePositionsOfTheFields) {
+  for (const Reading& reading : readings) {
+    EXPECT_EQ(widthOf(reading.afm, "A"), reading.a) << reading.what;
+    EXPECT_EQ(widthOf(reading.afm, "B"), reading.b) << reading.what;
+    EXPECT_EQ(widthOf(reading.afm, "C"), reading.c) << reading.what;
+  }
+}
+
+TEST(Afm, AFileCutOffAnywhereMeasuresNothingOrTheSame) {
+  const auto text = readWholeFile(libraryFolder() / "Helvetica.afm").value();
+  const auto whole = parseAfm(text, true);
+  const std::size_t end = text.find("EndCharMetrics");
+  for (std::size_t length = 0; length <= text.size(); length += 7) {
+    const auto cut = parseAfm(text.substr(0, length), true);
+    EXPECT_EQ(cut->sum("A"), length < end + 14 ? 0 : 667) << length;
+    const auto start = parseAfm(text.substr(0, length), false);
+    EXPECT_TRUE(!start || start->widths == whole->widths) << length;
+  }
+}
+
+TEST(Afm, SumStaysWithin32Bits) {
+  const auto metrics = parseAfm("StartCharMetrics\nC 65 ; WX 2000000000\nC 66 ; WX 7\nEndCharMetrics", true);
+  EXPECT_EQ(metrics->sum("AAB"), 2000000007);
+  EXPECT_EQ(
+      parseAfm("StartCharMetrics\nC 65 ; WX 1000\nEndCharMetrics", true)->sum(std::string(3'000'000, 'A')),
+      2147483000);
+}
+
+struct Shipped {
+  const char* font;
+  unsigned char code;
+  std::int32_t width;
+};
+
+TEST(ShippedMetrics, MeasureByTheCodesOfWindows1252) {
+  // Widths as the makers of the fonts publish them.
+  constexpr Shipped table[] = {
+      {"Helvetica", 0xE9, 556},        {"Helvetica", 0x27, 191},
+      {"Helvetica", 0xA0, 278},        {"Helvetica", 0xAD, 333},
+      {"Helvetica", 0x80, 556},        {"Helvetica", 0x9C, 944},
+      {"Helvetica-Bold", 'j', 278},    {"Times-Roman", 0xC9, 611},
+      {"TimesItalic", 'a', 500},       {"TimesRoman", 'a', 444},
+      {"Times-BoldItalic", 0xDF, 500}, {"Courier", 0xFF, 600},
+      {"Helvetica", 0x81, 350},        {"Symbol", 'a', 631},
+      {"ZapfDingbats", '!', 974},      {"Symbol", 0x80, 0},
+  };
+  MetricsCache cache;
+  for (const Shipped& row : table) {
+    EXPECT_EQ(cache.metrics(libraryFolder(), row.font).widths[row.code], row.width)
+        << row.font << ' ' << int{row.code};
+  }
+  for (const char* font : {"Helvetica", "Courier-Oblique", "Times-Bold", "TimesItalic"}) {
+    for (std::size_t code = 32; code < 256; ++code) {
+      EXPECT_GT(cache.metrics(libraryFolder(), font).widths[code], 0) << font << ' ' << code;
+    }
+  }
+}
+
+TEST(ShippedMetrics, UnderlineComesFromTheHeader) {
+  MetricsCache cache;
+  const FontMetrics& metrics = cache.metrics(libraryFolder(), "Times-Roman");
+  EXPECT_EQ(metrics.underlinePosition(), -100);
+  EXPECT_EQ(metrics.underlineThickness(), 50);
+  EXPECT_EQ(metrics.descender(), -217);
+  EXPECT_EQ(FontMetrics().underlineThickness(), 50);
+}
+
+std::string afmWithWidth(int width) {
+  return "StartCharMetrics\nC 65 ; WX " + std::to_string(width) + "\nEndCharMetrics\n";
+}
+
+TEST(MetricsCacheTest, SeesEachEditAtOnce) {
+  const TemporaryFolder folder;
+  MetricsCache cache;
+  const auto file = folder / "Font.afm";
+  const auto width = [&] { return cache.metrics(folder.path(), "Font").widths['A']; };
+  EXPECT_EQ(width(), 0);
+  for (int edit = 100; edit < 140; ++edit) {  // of one size and within one step of the clock
+    replaceFile(file, afmWithWidth(edit));
+    ASSERT_EQ(width(), edit);
+    auto inPlace = OutputFile::create(file);
+    inPlace->write(afmWithWidth(edit + 500));
+    inPlace.reset();
+    ASSERT_EQ(width(), edit + 500);
+  }
+  std::filesystem::remove(file);
+  EXPECT_EQ(width(), 0);
+  EXPECT_EQ(cache.knownMetrics(folder.path(), "Font"), nullptr);
+}
+
+TEST(MetricsCacheTest, MetricsBehindALongHeaderAreReadToo) {
+  const TemporaryFolder folder;
+  replaceFile(folder / "Font.afm", std::string(40000, 'x') + "\n" + afmWithWidth(5));
+  MetricsCache cache;
+  EXPECT_EQ(cache.metrics(folder.path(), "Font").widths['A'], 5);
+}
+
+TEST(MetricsCacheTest, OtherFoldersAndMadeUpNames) {
+  const TemporaryFolder one;
+  const TemporaryFolder two;
+  replaceFile(one / "Font.afm", afmWithWidth(1));
+  replaceFile(two / "Font.afm", afmWithWidth(2));
+  MetricsCache cache;
+  EXPECT_EQ(cache.metrics(one.path(), "Font").widths['A'], 1);
+  EXPECT_EQ(cache.metrics(two.path(), "Font").widths['A'], 2);
+  for (int i = 0; i < 1000; ++i) {
+    EXPECT_EQ(cache.metrics(two.path(), "No font " + std::to_string(i)).widths['A'], 0);
+  }
+  EXPECT_EQ(cache.metrics(two.path(), std::string("Font\0x", 6)).widths['A'], 0);
+  EXPECT_EQ(cache.metrics(two.path(), "Font").widths['A'], 2);
+}
+
+}  // namespace
+}  // namespace veltrano

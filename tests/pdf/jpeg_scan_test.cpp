@@ -1,0 +1,120 @@
+#include "pdf/jpeg_scan.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/pdf/jpeg_testing.h"
+
+namespace veltrano {
+namespace {
+
+using tests::app0;
+using tests::bytes;
+using tests::frame;
+using tests::jpeg;
+
+JpegScan scan(std::string_view file) {
+  return scanJpeg(file, {});
+}
+
+TEST(JpegScanTest, MarkersAndWordsCountFromOne) {
+  const std::string file = bytes({0xFF, 0x0D, 0xA0});
+  EXPECT_EQ(markerAt(file, 1), "FF0D");
+  EXPECT_EQ(wordAt(file, 2), 0x0DA0U);
+  EXPECT_EQ(markerAt(file, 3), "");
+  EXPECT_EQ(wordAt(file, 0), std::nullopt);
+}
+
+struct Frame {
+  int marker;
+  int components;
+  const char* colourSpace;
+  int bits;
+  int width;
+};
+
+TEST(JpegScanTest, FrameHeaders) {
+  constexpr Frame table[] = {
+      {0xC0, 1, "DeviceGray", 8, 640},
+      {0xC0, 3, "DeviceRGB", 8, 640},
+      {0xC1, 3, "DeviceRGB", 8, 640},
+      {0xC2, 3, "DeviceRGB", 8, 640},
+      {0xC0, 4, "DeviceCMYK", 8, 640},
+      {0xC3, 3, "DeviceRGB", 8, 640},
+      {0xC5, 3, "DeviceRGB", 8, 640},
+      {0xC6, 3, "DeviceRGB", 8, 640},
+      {0xC7, 3, "DeviceRGB", 8, 640},
+      {0xC0, 2, "", 16, 640},
+      {0xC4, 3, "", 8, 0},
+      {0xC8, 3, "", 8, 0},
+      {0xCF, 3, "", 8, 0},
+  };
+  for (const Frame& row : table) {
+    const auto header = scan(jpeg({app0(1), frame(row.marker, 640, 480, row.components)})).header;
+    ASSERT_TRUE(header) << row.marker;
+    EXPECT_EQ(header->width, row.width) << row.marker;
+    EXPECT_EQ(header->height, row.width == 0 ? 0 : 480) << row.marker;
+    EXPECT_EQ(header->colourSpace, row.colourSpace) << row.marker << ' ' << row.components;
+    EXPECT_EQ(header->bitsPerComponent, row.bits) << row.marker << ' ' << row.components;
+  }
+}
+
+TEST(JpegScanTest, DensityUnits) {
+  EXPECT_EQ(scan(jpeg({frame(0xC0, 1, 1, 3)})).header->densityUnit, "");
+  EXPECT_EQ(scan(jpeg({app0(0)})).header->densityUnit, "Dots");
+  EXPECT_EQ(scan(jpeg({app0(1)})).header->densityUnit, "Dots/inch (DPI)");
+  EXPECT_EQ(scan(jpeg({app0(2)})).header->densityUnit, "Dots/cm");
+  EXPECT_EQ(scan(jpeg({app0(3)})).message, "JPEG format invalid. Pass 3");
+}
+
+TEST(JpegScanTest, SizeAndEnds) {
+  const std::string file = jpeg({frame(0xC0, 9, 9, 3)}, 250);
+  EXPECT_TRUE(scan(file).header);
+  EXPECT_EQ(scan(jpeg({frame(0xC0, 9, 9, 3)}, 249)).message, "JPEG format invalid");
+  EXPECT_EQ(scan("").message, "JPEG format invalid");
+  EXPECT_EQ(scan(file + "x").message, "JPEG format invalid. Pass 2");
+  EXPECT_EQ(scan("x" + file).message, "JPEG format invalid. Pass 2");
+}
+
+TEST(JpegScanTest, AFrameBehindFillBytesIsSteppedOver) {
+  EXPECT_EQ(scan(jpeg({bytes({0xFF, 0xFF}), frame(0xC0, 640, 480, 3)})).header->width, 0);
+  EXPECT_EQ(scan(jpeg({bytes({0xFF}), frame(0xC0, 640, 480, 3), frame(0xC0, 10, 20, 1)})).header->width, 10);
+}
+
+TEST(JpegScanTest, TheWalkGoesOnThroughTheCompressedData) {
+  // A scan header of 8 bytes, then data whose first word happens to lead to what looks like another frame.
+  const std::string scanHeader = bytes({0xFF, 0xDA, 0, 8, 1, 1, 0, 0, 63, 0});
+  const std::string data = bytes({0x12, 0x34, 0, 3, 0x55});
+  const auto header = scan(jpeg({frame(0xC0, 640, 480, 3), scanHeader, data, frame(0xC0, 33, 44, 1)})).header;
+  EXPECT_EQ(header->width, 33);
+  EXPECT_EQ(header->height, 44);
+  EXPECT_EQ(header->colourSpace, "DeviceGray");
+}
+
+TEST(JpegScanTest, BitsOfAnOddFrameStay) {
+  const auto header = scan(jpeg({frame(0xC0, 1, 1, 2), frame(0xC0, 640, 480, 3)})).header;
+  EXPECT_EQ(header->colourSpace, "DeviceRGB");
+  EXPECT_EQ(header->bitsPerComponent, 16);
+}
+
+TEST(JpegScanTest, ReadsPastTheEndAreSkipped) {
+  // The frame's marker and length are the last bytes before the end marker.
+  for (const std::string& tail : {bytes({0xFF, 0xC0, 0, 17}), bytes({0xFF, 0xC0}), bytes({0xFF, 0xE0, 0, 4}),
+                                  bytes({0xFF, 0xFF, 0xFF, 0xFF})}) {
+    std::string file =
+        bytes({0xFF, 0xD8, 0xFF, 0xE1, 0, 242}) + std::string(240, '\0') + tail + bytes({0xFF, 0xD9});
+    EXPECT_TRUE(scan(file).header);
+  }
+}
+
+TEST(JpegScanTest, LongFilesEndSoonAndGiveTheHostTurns) {
+  for (const char filler : {'\0', '\xFF'}) {
+    const std::string file = bytes({0xFF, 0xD8}) + std::string(1 << 22, filler) + bytes({0xFF, 0xD9});
+    std::size_t turns = 0;
+    EXPECT_TRUE(scanJpeg(file, [&turns] { ++turns; }).header);
+    EXPECT_GT(turns, 100U);
+    EXPECT_LT(turns, 5000U);
+  }
+}
+
+}  // namespace
+}  // namespace veltrano
