@@ -38,7 +38,13 @@ x64=$(one 'VeltranoFrameWork-*-x64.msi')
 x86=$(one 'VeltranoFrameWork-*-x86.msi')
 tar=$(one 'VeltranoFrameWork-*-linux-*.tar.gz')
 
-trap 'for prefix in "$work"/prefix*/; do WINEPREFIX=${prefix%/} wineserver -k 2>/dev/null || true; done' EXIT
+# Nothing of the prefixes keeps running. They are large: they stay only for who looks for a fault.
+end() {
+  local prefix
+  for prefix in "$work"/prefix*/; do WINEPREFIX=${prefix%/} wineserver -k 2>/dev/null || true; done
+  [ "$1" -ne 0 ] || rm -rf "$work"
+}
+trap 'end $?' EXIT
 
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 
@@ -188,6 +194,10 @@ find_package(VeltranoFrameWork 1.0 REQUIRED)
 add_executable(hello hello.cpp)
 target_link_libraries(hello PRIVATE VeltranoFrameWork::VeltranoFrameWork)
 PROJECT
+(cd "$prefix/include/veltranoframework" && find . -name '*.h' | sed 's/.*/#include "&"/') >"$work/headers.cpp"
+expect "its $(wc -l <"$work/headers.cpp") headers, compiled together" "clean" "$(g++ -std=c++20 -Wall -Wextra -fsyntax-only \
+  -I "$prefix/include/veltranoframework" "$work/headers.cpp" 2>"$work/headers.log" && [ ! -s "$work/headers.log" ] && echo "clean" ||
+  echo "not clean, see $work/headers.log")"
 # hello FOLDER LABEL: runs the program that lies there.
 hello() {
   rm -f "$1/hello.pdf"
