@@ -49,15 +49,22 @@ trap 'end $?' EXIT
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 
 # use_prefix NAME [win32]: a new Wine prefix, in which the script hosts have run: Wine registers them at their first use.
+# They are copied out of it, because to a 32-bit loader system32 is syswow64: a copy elsewhere is what it is.
 use_prefix() {
-  local folder
+  local folder host
   export WINEPREFIX="$work/prefix $1"
   unset WINEARCH
   [ -z "${2:-}" ] || export WINEARCH=$2
   "$wine" --prepare
-  echo 'WScript.Echo "ready"' >"$work/ready.vbs"
-  for folder in system32 syswow64; do
-    "$wine" "C:\\windows\\$folder\\cscript.exe" //nologo "$(windows_path "$work/ready.vbs")" >"$work/ready.log" 2>&1 || true
+  echo 'WScript.Echo CreateObject("WScript.Shell").ExpandEnvironmentStrings("%PROCESSOR_ARCHITECTURE%")' >"$work/word-size.vbs"
+  for folder in system32:AMD64 syswow64:x86; do
+    host="$WINEPREFIX/drive_c/windows/${folder%:*}/cscript.exe"
+    if [ -e "$host" ]; then
+      [ -z "${2:-}" ] || folder=system32:x86
+      cp "$host" "$work/cscript-${folder#*:}.exe"
+      expect "a script host for ${folder#*:} says" "${folder#*:}" \
+        "$("$wine" "$work/cscript-${folder#*:}.exe" //nologo "$(windows_path "$work/word-size.vbs")" 2>/dev/null | tr -d '\r')"
+    fi
   done
 }
 
@@ -89,11 +96,11 @@ page() {
   fi
 }
 
-# script SYSTEM_FOLDER SAMPLES_FOLDER_ON_WINDOWS LABEL
+# script x86|AMD64 SAMPLES_FOLDER_ON_WINDOWS LABEL
 script() {
   local pdf="$work/script.pdf" said
   rm -f "$pdf"
-  said=$("$wine" "C:\\windows\\$1\\cscript.exe" //nologo "$2\\hosts\\hello.vbs" "$(windows_path "$pdf")" 2>/dev/null | tr -d '\r') || true
+  said=$("$wine" "$work/cscript-$1.exe" //nologo "$2\\hosts\\hello.vbs" "$(windows_path "$pdf")" 2>/dev/null | tr -d '\r') || true
   expect "$3: hello.vbs says" "done" "$(tail -n 1 <<<"$said")"
   expect "$3: its page shows" "Hello from VBScript" "$(page "$pdf")"
 }
@@ -109,9 +116,9 @@ done
 use_prefix zip
 registry >"$work/zip-before"
 "$wine" 'C:\windows\syswow64\regsvr32.exe' /s "$(windows_path "$folder/x86/VeltranoFrameWorkDLL.dll")"
-script syswow64 "$(windows_path "$folder/samples")" "x86 by regsvr32"
+script x86 "$(windows_path "$folder/samples")" "x86 by regsvr32"
 "$wine" 'C:\windows\system32\regsvr32.exe' /s "$(windows_path "$folder/x64/VeltranoFrameWorkDLL.dll")"
-script system32 "$(windows_path "$folder/samples")" "x64 by regsvr32"
+script AMD64 "$(windows_path "$folder/samples")" "x64 by regsvr32"
 registry >"$work/zip-registered"
 i686-w64-mingw32-g++-posix -municode -static "$folder/samples/hosts/hello.cpp" "$folder/x86/include/veltrano_i.c" \
   -I "$folder/x86/include" -o "$work/hello.exe" -lole32 -loleaut32 -luuid 2>"$work/hello.log" || cat "$work/hello.log"
@@ -132,16 +139,14 @@ files() { (cd "$WINEPREFIX/drive_c" && find . ! -path ./windows/Installer ! -pat
 
 # try_installer NAME FILE ARCHITECTURE ...
 try_installer() {
-  local name=$1 file=$2 architecture system
+  local name=$1 file=$2 architecture
   shift 2
   registry >"$work/$name-before"
   files >"$work/$name-files-before"
   expect "msiexec /i answers" 0 "$(install /i "$(windows_path "$file")")"
   expect "DLLs installed" "$#" "$(find "$WINEPREFIX/drive_c" -name VeltranoFrameWorkDLL.dll | wc -l)"
   for architecture in "$@"; do
-    system=system32
-    [ "$architecture" = x64 ] || [ $# -eq 1 ] || system=syswow64
-    script "$system" 'C:\Program Files\VeltranoFrameWork\samples' "$architecture by the installer"
+    script "${architecture/x64/AMD64}" 'C:\Program Files\VeltranoFrameWork\samples' "$architecture by the installer"
   done
   registry >"$work/$name-registered"
   if [ $# -eq 2 ]; then
