@@ -57,7 +57,7 @@ bool setInstallation(const char* header) {
 }
 
 std::filesystem::path metricsFolder() {
-  const auto own = libraryFolder();
+  auto own = libraryFolder();
   for (const auto& folder : {own, own.parent_path() / sharedMetrics, installation() / sharedMetrics}) {
     if (holdsMetrics(folder)) {
       return folder;
