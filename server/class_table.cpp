@@ -1,11 +1,14 @@
 #include "server/class_table.h"
 
 #include "server/gis_object.h"
+#include "server/ini_object.h"
 #include "server/jpg_object.h"
 #include "server/kml_object.h"
+#include "server/mdb_object.h"
 #include "server/pdf_object.h"
 #include "server/png_object.h"
 #include "server/wev_object.h"
+#include "server/xml_object.h"
 
 namespace veltrano::server {
 
@@ -15,6 +18,12 @@ std::span<const ClassEntry> classTable() {
        PdfObject::keptKinds(), createObject<PdfObject>},
       {&CLSID_VeltranoKML, &IID__VeltranoKML, nullptr, L"VeltranoKML", L"Veltrano KML files", {},
        createObject<KmlObject>},
+      {&CLSID_VeltranoXML, &IID__VeltranoXML, nullptr, L"VeltranoXML", L"Veltrano XML settings", {},
+       createObject<XmlObject>},
+      {&CLSID_VeltranoINI, &IID__VeltranoINI, nullptr, L"VeltranoINI", L"Veltrano INI files", {},
+       createObject<IniObject>},
+      {&CLSID_VeltranoMDB, &IID__VeltranoMDB, nullptr, L"VeltranoMDB", L"Veltrano Access databases", {},
+       createObject<MdbObject>},
       {&CLSID_VeltranoJPG, &IID__VeltranoJPG, nullptr, L"VeltranoJPG", L"Veltrano JPEG pictures", {},
        createObject<JpgObject>},
       {&CLSID_VeltranoPNG, &IID__VeltranoPNG, nullptr, L"VeltranoPNG", L"Veltrano PNG pictures", {},

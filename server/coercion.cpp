@@ -70,6 +70,18 @@ bool dereference(const VARIANT& reference, VARIANT& value) {
   return true;
 }
 
+/// A copy of what a variant holds or refers to. The system's own function follows null references.
+HRESULT copyReferred(VARIANT& target, const VARIANT& source) {
+  const VARIANT* referred = &source;
+  if (source.vt == (VT_BYREF | VT_VARIANT)) {
+    referred = source.pvarVal;
+  }
+  if (referred == nullptr || ((referred->vt & VT_BYREF) != 0 && referred->byref == nullptr)) {
+    return DISP_E_TYPEMISMATCH;
+  }
+  return VariantCopyInd(&target, const_cast<VARIANT*>(referred));
+}
+
 /// Failures of the system's conversions, as a dispatcher reports them.
 HRESULT conversionResult(HRESULT result) {
   return SUCCEEDED(result) || result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY ? result : DISP_E_TYPEMISMATCH;
@@ -290,8 +302,7 @@ HRESULT Argument::takeList(VARIANT* last, UINT count) {
   storage_.parray = array;
   auto* slots = static_cast<VARIANT*>(array->pvData);
   for (UINT i = 0; i < count; ++i) {
-    VARIANT& given = last[count - 1 - i];
-    const HRESULT result = VariantCopyInd(&slots[i], &given);
+    const HRESULT result = copyReferred(slots[i], last[count - 1 - i]);
     if (FAILED(result)) {
       return conversionResult(result);
     }

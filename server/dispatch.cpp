@@ -53,9 +53,12 @@ HRESULT Assignment::assign(const Member& member, const DISPPARAMS& passed, UINT*
   return S_OK;
 }
 
+template <std::size_t>
+using Pointer = void*;
+
 template <std::size_t... Index>
 HRESULT callWith(void* function, IDispatch* object, Argument* arguments, std::index_sequence<Index...>) {
-  using Function = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, decltype(static_cast<void>(Index), static_cast<void*>(nullptr))...);
+  using Function = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, Pointer<Index>...);
   return reinterpret_cast<Function>(function)(object, arguments[Index].pointer()...);
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <mutex>
 
 #include "server/module.h"
@@ -86,24 +85,27 @@ const InterfaceTable* InterfaceTable::of(const ClassEntry& entry) {
   const auto index = static_cast<std::size_t>(&entry - classTable().data());
   const std::lock_guard lock(mutex);
   if (tables[index] == nullptr) {
-    auto table = std::make_unique<InterfaceTable>();
-    if (FAILED(table->load(entry))) {
-      return nullptr;
+    ComPointer<ITypeLib> library;
+    if (SUCCEEDED(loadTypeLibrary(library))) {
+      tables[index] = read(entry, *library.get());
     }
-    tables[index] = std::move(table);
   }
   return tables[index].get();
 }
 
-HRESULT InterfaceTable::load(const ClassEntry& entry) {
-  ComPointer<ITypeLib> library;
+std::unique_ptr<InterfaceTable> InterfaceTable::read(const ClassEntry& entry, ITypeLib& library) {
+  auto table = std::make_unique<InterfaceTable>();
+  if (FAILED(table->load(entry, library))) {
+    table.reset();
+  }
+  return table;
+}
+
+HRESULT InterfaceTable::load(const ClassEntry& entry, ITypeLib& library) {
   ComPointer<ITypeInfo> dispatch;
   ComPointer<ITypeInfo> type;
   HREFTYPE reference = 0;
-  HRESULT result = loadTypeLibrary(library);
-  if (SUCCEEDED(result)) {
-    result = library->GetTypeInfoOfGuid(*entry.dispatchInterface, dispatch.out());
-  }
+  HRESULT result = library.GetTypeInfoOfGuid(*entry.dispatchInterface, dispatch.out());
   if (SUCCEEDED(result)) {
     // A dual interface is listed as what scripts see; -1 leads to its vtable side.
     result = dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference);

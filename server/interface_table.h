@@ -4,7 +4,7 @@
 // What the dispatcher needs to know of a dual interface, read from the type library once: the interface is the truth,
 // late binding is derived from it, so the two cannot disagree.
 
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,8 +38,10 @@ class InterfaceTable {
   /// The most arguments that a member takes, its result included.
   static constexpr std::size_t mostParameters = 12;
 
-  /// Null when the type library cannot be read.
+  /// The table of a class of this DLL, which lives as long as the DLL. Null when the type library cannot be read.
   static const InterfaceTable* of(const ClassEntry& entry);
+  /// A table of its own, from another copy of the type library.
+  static std::unique_ptr<InterfaceTable> read(const ClassEntry& entry, ITypeLib& library);
 
   /// The member that an Invoke with these flags means. Null when there is none.
   [[nodiscard]] const Member* find(DISPID id, WORD flags) const;
@@ -51,7 +53,7 @@ class InterfaceTable {
     std::wstring lower;
     std::size_t member;
   };
-  HRESULT load(const ClassEntry& entry);
+  HRESULT load(const ClassEntry& entry, ITypeLib& library);
   bool addMember(ITypeInfo& type, const FUNCDESC& function, const ClassEntry& entry);
 
   std::vector<Member> members_;     ///< by id; a property's get and put are neighbours

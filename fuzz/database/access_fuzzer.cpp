@@ -5,7 +5,8 @@
 
 #include <unistd.h>
 
-#include <limits>
+#include <algorithm>
+#include <map>
 
 #include "base/files.h"
 #include "database/access/create_database.h"
@@ -19,31 +20,46 @@ using namespace veltrano::access;
 
 constexpr std::size_t pageSize = 4096;
 
-// The system's files, without waiting for the disk.
-class UnsyncedFiles final : public FileSystem {
+// Files in memory: no waiting for a disk.
+class MemoryFiles final : public FileSystem {
  public:
   std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
                                          OpenFailure& failure) override {
-    auto opened = systemFiles().open(file, mode, failure);
-    return opened ? std::make_unique<Unsynced>(std::move(opened)) : nullptr;
+    if (mode != OpenMode::create && !contents.contains(file.string())) {
+      failure = OpenFailure::missing;
+      return nullptr;
+    }
+    return std::make_unique<File>(contents[file.string()]);
   }
-  bool remove(const std::filesystem::path& file) override { return systemFiles().remove(file); }
+  bool remove(const std::filesystem::path& file) override { return contents.erase(file.string()) != 0; }
   bool lockFileInUse(const std::filesystem::path&) override { return false; }
 
+  std::map<std::string, std::string> contents;
+
  private:
-  class Unsynced final : public RandomAccessFile {
+  class File final : public RandomAccessFile {
    public:
-    explicit Unsynced(std::unique_ptr<RandomAccessFile> file) : file_(std::move(file)) {}
+    explicit File(std::string& content) : content_(content) {}
     std::optional<std::size_t> readAt(std::uint64_t offset, MutableBytes target) override {
-      return file_->readAt(offset, target);
+      const std::size_t from = std::min<std::size_t>(offset, content_.size());
+      const std::size_t size = std::min(target.size(), content_.size() - from);
+      std::copy_n(content_.begin() + static_cast<std::ptrdiff_t>(from), size, target.begin());
+      return size;
     }
-    bool writeAt(std::uint64_t offset, Bytes bytes) override { return file_->writeAt(offset, bytes); }
-    std::optional<std::uint64_t> size() override { return file_->size(); }
-    bool resize(std::uint64_t size) override { return file_->resize(size); }
+    bool writeAt(std::uint64_t offset, Bytes bytes) override {
+      content_.resize(std::max<std::size_t>(content_.size(), offset + bytes.size()));
+      std::copy(bytes.begin(), bytes.end(), content_.begin() + static_cast<std::ptrdiff_t>(offset));
+      return true;
+    }
+    std::optional<std::uint64_t> size() override { return content_.size(); }
+    bool resize(std::uint64_t size) override {
+      content_.resize(size);
+      return true;
+    }
     bool sync() override { return true; }
 
    private:
-    std::unique_ptr<RandomAccessFile> file_;
+    std::string& content_;
   };
 };
 
@@ -82,14 +98,16 @@ std::string makeGoodFile() {
   }
   recordset.close();
   opened->pager.reset();
-  return readWholeFile(file).value();
+  std::string good = readWholeFile(file).value();
+  std::filesystem::remove_all(folder());
+  return good;
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::string good = makeGoodFile();
-  static UnsyncedFiles files;
+  static MemoryFiles files;
   std::string text;
   storedTextToUtf8(Bytes(data, size), text);
 
@@ -119,8 +137,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                     pageSize);
     }
   }
-  const auto file = folder() / "bad.mdb";
-  replaceFile(file, bad);
-  useHostileFile(file, files);
+  files.contents = {{"bad.mdb", std::move(bad)}};
+  useHostileFile("bad.mdb", files);
   return 0;
 }
