@@ -88,9 +88,9 @@ std::string makeGoodFile() {
   auto opened = std::make_shared<OpenFile>();
   opened->pager = Pager::open(file, {}, reason);
   AccessRecordset recordset(opened, findTable(*opened->pager, "T", reason).value());
-  for (int i = 0; i < 150; ++i) {
+  for (int i = 0; i < 50; ++i) {
     recordset.addNew();
-    recordset.write("Name", "name " + std::to_string(i * 37 % 150));
+    recordset.write("Name", "name " + std::to_string(i * 37 % 50));
     recordset.write("Notes", std::string(static_cast<std::size_t>(i % 7 == 0 ? 9000 : i), 'n'));
     recordset.write("Picture", std::string(static_cast<std::size_t>(i * 3), 'p'));
     recordset.write("Price", i);
