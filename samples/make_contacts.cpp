@@ -8,8 +8,6 @@
 #include "database/access/create_database.h"
 #include "database/veltrano_mdb.h"
 
-using veltrano::Date;
-using veltrano::Value;
 using veltrano::access::ColumnType;
 
 namespace {

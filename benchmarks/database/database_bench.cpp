@@ -27,10 +27,10 @@ std::filesystem::path inTemporary(const char* name) {
   return std::filesystem::temp_directory_path() / name;
 }
 
-/// 40 characters, another text for each row.
+/// 40 characters, another text for each row, in no order: the second index changes everywhere.
 std::string textOf(int row) {
   std::string text = "Somebody's name and address, entry ";
-  text += std::to_string(100000 + row).substr(1);
+  text += std::to_string(100000 + row * 7919LL % rows).substr(1);
   return text;
 }
 
@@ -179,7 +179,7 @@ BENCHMARK_CAPTURE(findRecord, number, "ID", std::to_string(rows - 1), -1)
 BENCHMARK_CAPTURE(findRecord, date, "Moment", "2026-08-15 22:30:00", -1)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
-BENCHMARK_CAPTURE(findRecord, textWithoutCase, "Name", "SOMEBODY'S NAME AND ADDRESS, ENTRY 99999", 0)
+BENCHMARK_CAPTURE(findRecord, textWithoutCase, "Name", "SOMEBODY'S NAME AND ADDRESS, ENTRY 92081", 0)
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 

@@ -17,7 +17,7 @@ namespace {
 using access::ColumnType;
 
 std::filesystem::path temporaryFile(const char* name) {
-  const auto file = std::filesystem::temp_directory_path() / name;
+  auto file = std::filesystem::temp_directory_path() / name;
   std::filesystem::remove(file);
   return file;
 }
