@@ -335,6 +335,8 @@ bool AccessRecordset::remove() {
     load();
     return fail(writer_->lastError());
   }
+  // A new record may get the same place.
+  alreadyMet_.erase(place_);
   ++file_->changes;
   state_ = State::onDeleted;
   return true;

@@ -86,9 +86,17 @@ std::vector<std::uint8_t> randomGuid() {
 
 }  // namespace
 
+bool drawsNumbers(const Column& column) {
+  return column.autoNumber &&
+         (sameName(column.defaultValue, "GenUniqueID()") || sameName(column.defaultValue, "=GenUniqueID()"));
+}
+
 std::optional<std::vector<std::uint8_t>> initialCell(const Column& column, std::optional<std::int32_t> next) {
   if (column.autoGuid) {
     return randomGuid();
+  }
+  if (drawsNumbers(column)) {
+    return valueToCell(column, Value(static_cast<int>(std::random_device()())));
   }
   if (column.autoNumber) {
     return next ? valueToCell(column, Value(*next)) : std::nullopt;

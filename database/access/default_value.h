@@ -11,6 +11,9 @@
 
 namespace veltrano::access {
 
+/// True for an autonumber column whose numbers are drawn instead of counted.
+bool drawsNumbers(const Column& column);
+
 /// The cell of an autonumber (`next` is the table's next one), of a GUID that is drawn, or of the column's
 /// default: a quoted text, a number, True, False, Yes, No, Null, Now(), Date() or Time(), with or without "="
 /// before it. Other expressions count as no default. Nothing for a null.

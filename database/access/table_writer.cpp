@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "database/access/data_page.h"
+#include "database/access/default_value.h"
 #include "database/access/long_value.h"
 #include "database/access/usage_map.h"
 
@@ -251,7 +252,7 @@ std::optional<std::int32_t> TableWriter::nextAutoNumber() const {
 bool TableWriter::assignAutoNumber(std::vector<Draft>& drafts) {
   for (std::size_t i = 0; i < drafts.size(); ++i) {
     const Column& column = definition().columns[i];
-    if (!column.autoNumber || column.type != ColumnType::longInteger) {
+    if (!column.autoNumber || column.type != ColumnType::longInteger || drawsNumbers(column)) {
       continue;
     }
     const auto next = nextAutoNumber();

@@ -22,6 +22,12 @@ struct Base {
   Model model;
 };
 
+// Some runtime libraries refuse to copy over a file.
+void copyOver(const std::filesystem::path& from, const std::filesystem::path& to) {
+  std::filesystem::remove(to);
+  std::filesystem::copy_file(from, to);
+}
+
 // Works on a copy of the base until the file system fails; `before` and `after` are the models around the
 // last step.
 void workUntilFailure(const std::filesystem::path& file, FailingFiles& files, unsigned seed, Model& before,
@@ -47,7 +53,7 @@ TEST(Crash, DeathAtAnyWriteLeavesBeforeOrAfter) {
   int puts = 0;
   for (int death = 0; death < 400; ++death) {
     const auto file = folder / "a.mdb";
-    std::filesystem::copy_file(folder / "base.mdb", file, std::filesystem::copy_options::overwrite_existing);
+    copyOver(folder / "base.mdb", file);
     Model before = base.model;
     Model after;
     FailingFiles files(FailingFiles::Failure::death, death);
@@ -71,7 +77,7 @@ TEST(Crash, FullDiskRefusesTheChange) {
   const Base base(folder / "base.mdb");
   for (int failure = 0; failure < 60; ++failure) {
     const auto file = folder / "a.mdb";
-    std::filesystem::copy_file(folder / "base.mdb", file, std::filesystem::copy_options::overwrite_existing);
+    copyOver(folder / "base.mdb", file);
     FailingFiles files(FailingFiles::Failure::diskFull, failure);
     OpenedFile opened(file, &files);
     const auto recordset = opened.table("People");

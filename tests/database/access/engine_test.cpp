@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <set>
 
 #include "base/files.h"
 #include "database/access/catalog.h"
@@ -197,6 +198,26 @@ TEST_F(Engine, ChangedKeyIsNotMetAgain) {
     EXPECT_TRUE(table->update());
   }
   EXPECT_EQ(met, 3);
+}
+
+TEST_F(Engine, DrawnNumbersDoNotCount) {
+  makeDatabase(folder_ / "b.mdb", {{.name = "T",
+                                    .columns = {{.name = "ID",
+                                                 .type = ColumnType::longInteger,
+                                                 .autoNumber = true,
+                                                 .defaultValue = "GenUniqueID()"}}}});
+  const auto database = open(folder_ / "b.mdb");
+  const auto table = database->openTable("T");
+  std::set<std::string> numbers;
+  for (int i = 0; i < 5; ++i) {
+    table->addNew();
+    EXPECT_TRUE(table->update());
+  }
+  for (table->moveFirst(); table->atEnd() == false; table->moveNext()) {
+    numbers.insert(read(*table, "ID"));
+  }
+  EXPECT_EQ(numbers.size(), 5U);
+  EXPECT_FALSE(numbers.contains("1") && numbers.contains("2"));
 }
 
 TEST_F(Engine, TwoRecordsetsOfOneFileSeeEachOther) {
