@@ -8,11 +8,6 @@
 #include "server/module.h"
 #include "server/registration.h"
 
-namespace __gnu_cxx {
-/// Of the compiler's runtime, which declares it nowhere: frees the memory that it keeps for exceptions in need.
-void __freeres();
-}  // namespace __gnu_cxx
-
 namespace server = veltrano::server;
 
 namespace {
@@ -28,10 +23,6 @@ HRESULT guarded(Body&& body) {
     return E_FAIL;
   }
 }
-
-/// A host may load and unload the DLL any number of times, and the runtime's reserve would stay each time. The lowest
-/// priority runs last, behind every other destructor.
-__attribute__((destructor(101))) void freeRuntimeReserve() { __gnu_cxx::__freeres(); }
 
 // "user" in any case: what regsvr32 /i:user hands over.
 bool isUserScope(PCWSTR commandLine) {

@@ -172,13 +172,7 @@ void deleteIfEmpty(const Root& root, const std::wstring& key, REGSAM view = ownV
 
 bool otherBitnessIsRegistered(const Root& root) {
   const std::wstring key = L"CLSID\\" + guidText(*classTable().front().clsid) + L"\\InprocServer32";
-  if (!Key(root.hive, root.classes + key, KEY_QUERY_VALUE | otherView)) {
-    return false;
-  }
-  // A 32-bit Windows has one view only: what is seen there may be this DLL's own key.
-  SYSTEM_INFO system;
-  GetNativeSystemInfo(&system);
-  return system.wProcessorArchitecture != PROCESSOR_ARCHITECTURE_INTEL;
+  return static_cast<bool>(Key(root.hive, root.classes + key, KEY_QUERY_VALUE | otherView));
 }
 
 /// What both bitnesses use: program ids, interfaces (in each view) and the rest of the library's key.
@@ -199,7 +193,6 @@ void deleteShared(const Root& root) {
 
 /// Removes the entries below one root; failures there (no rights) leave them.
 LSTATUS deleteEntries(const Root& root) {
-  const bool shared = otherBitnessIsRegistered(root);
   LSTATUS status = ERROR_SUCCESS;
   for (const ClassEntry& entry : classTable()) {
     const LSTATUS deleted = deleteTree(root, L"CLSID\\" + guidText(*entry.clsid));
@@ -208,7 +201,8 @@ LSTATUS deleteEntries(const Root& root) {
     }
   }
   deleteTree(root, libraryKey() + L"\\0\\" + ownPlatform);
-  if (!shared) {
+  // Looked up when the own classes are gone: where both views are one, they are what would be found.
+  if (!otherBitnessIsRegistered(root)) {
     deleteShared(root);
   }
   if (root.hive == HKEY_CURRENT_USER) {
