@@ -14,9 +14,13 @@ namespace {
 /// Objects whose default property is an object again, and so on, end here.
 constexpr int deepestObject = 8;
 
-bool isOmitted(const VARIANT& given) { return given.vt == VT_ERROR && given.scode == DISP_E_PARAMNOTFOUND; }
+bool isOmitted(const VARIANT& given) {
+  return given.vt == VT_ERROR && given.scode == DISP_E_PARAMNOTFOUND;
+}
 
-bool isObject(VARTYPE type) { return type == VT_DISPATCH || type == VT_UNKNOWN; }
+bool isObject(VARTYPE type) {
+  return type == VT_DISPATCH || type == VT_UNKNOWN;
+}
 
 /// The value that a variant by reference refers to, still owned by it. False for a null reference.
 bool dereference(const VARIANT& reference, VARIANT& value) {
@@ -84,11 +88,13 @@ HRESULT copyReferred(VARIANT& target, const VARIANT& source) {
 
 /// Failures of the system's conversions, as a dispatcher reports them.
 HRESULT conversionResult(HRESULT result) {
-  return SUCCEEDED(result) || result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY ? result : DISP_E_TYPEMISMATCH;
+  return SUCCEEDED(result) || result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY ? result
+                                                                                   : DISP_E_TYPEMISMATCH;
 }
 
 HRESULT changeType(VARIANT& target, const VARIANT& source, LCID locale, VARTYPE type) {
-  return conversionResult(VariantChangeTypeEx(&target, const_cast<VARIANT*>(&source), locale, VARIANT_ALPHABOOL, type));
+  return conversionResult(
+      VariantChangeTypeEx(&target, const_cast<VARIANT*>(&source), locale, VARIANT_ALPHABOOL, type));
 }
 
 }  // namespace
@@ -255,7 +261,8 @@ HRESULT Argument::coerceObject(IUnknown* object, VARTYPE type, LCID locale) {
 }
 
 HRESULT Argument::coerceFlag(const VARIANT& source, LCID locale) {
-  // A whole number keeps its value where it fits: 1 is a flag that is not "true", which some members tell apart.
+  // A whole number keeps its value where it fits: 1 is a flag that is not "true", which some members tell
+  // apart.
   VARIANT number;
   VariantInit(&number);
   const bool isNumber = source.vt != VT_BSTR && source.vt != VT_BOOL && source.vt != VT_DATE;

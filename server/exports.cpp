@@ -53,7 +53,9 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* object) {
   return entry != nullptr ? server::createClassFactory(*entry, iid, object) : CLASS_E_CLASSNOTAVAILABLE;
 }
 
-STDAPI DllCanUnloadNow() { return server::moduleLocks() == 0 ? S_OK : S_FALSE; }
+STDAPI DllCanUnloadNow() {
+  return server::moduleLocks() == 0 ? S_OK : S_FALSE;
+}
 
 STDAPI DllRegisterServer() {
   return guarded([] { return server::registerServer(server::Scope::machineOrUser); });

@@ -61,7 +61,9 @@ std::wstring programId(const ClassEntry& entry) {
   return std::wstring(L"VeltranoFrameWorkDLL.") + entry.name;
 }
 
-std::wstring parentFolder(const std::wstring& path) { return path.substr(0, path.find_last_of(L"\\/")); }
+std::wstring parentFolder(const std::wstring& path) {
+  return path.substr(0, path.find_last_of(L"\\/"));
+}
 
 struct Entry {
   std::wstring key;
@@ -128,7 +130,8 @@ LSTATUS writeEntry(const Root& root, const Entry& entry) {
     return status;
   }
   const auto size = static_cast<DWORD>((entry.data.size() + 1) * sizeof(wchar_t));
-  status = RegSetValueExW(key, entry.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(entry.data.c_str()), size);
+  status =
+      RegSetValueExW(key, entry.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(entry.data.c_str()), size);
   RegCloseKey(key);
   return status;
 }

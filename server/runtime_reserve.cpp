@@ -1,6 +1,7 @@
-// The compiler's runtime keeps two things for the life of the process: a block of memory for exceptions when memory is
-// short, and the thread-local slot of its threads. A host may load and unload the DLL any number of times, so both are
-// given back here; without it a process has no slots left after about a thousand rounds, and the runtime aborts.
+// The compiler's runtime keeps two things for the life of the process: a block of memory for exceptions when
+// memory is short, and the thread-local slot of its threads. A host may load and unload the DLL any number of
+// times, so both are given back here; without it a process has no slots left after about a thousand rounds,
+// and the runtime aborts.
 
 #include <windows.h>
 
@@ -42,7 +43,8 @@ __attribute__((destructor(101))) void giveBack() {
 
 }  // namespace
 
-// The statically linked runtime calls TlsAlloc through this entry, which is ours instead of the import library's.
+// The statically linked runtime calls TlsAlloc through this entry, which is ours instead of the import
+// library's.
 #ifdef _WIN64
 #define IMPORTED_TLS_ALLOC "__imp_TlsAlloc"
 #else

@@ -12,7 +12,9 @@ namespace {
 
 using server::TextForm;
 
-Value valueOf(Argument argument) { return server::value(argument.get(), TextForm::ansi); }
+Value valueOf(Argument argument) {
+  return server::value(argument.get(), TextForm::ansi);
+}
 
 TEST(Conversions, KeepTheKind) {
   Argument date = Argument::ofType(VT_DATE);

@@ -45,8 +45,8 @@ void addKey(Snapshot& snapshot, HKEY parent, const std::wstring& name, const std
     }
     snapshot[path + L"@" + text] = status == ERROR_SUCCESS ? std::wstring(data, size / 2) : L"long";
   }
-  for (DWORD i = 0, length = 1024; RegEnumKeyExW(key, i, text, &length, nullptr, nullptr, nullptr, nullptr) ==
-                                   ERROR_SUCCESS;
+  for (DWORD i = 0, length = 1024;
+       RegEnumKeyExW(key, i, text, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
        ++i, length = 1024) {
     addKey(snapshot, key, text, path + L"\\" + text);
   }
@@ -81,7 +81,8 @@ ComPointer<IDispatch> createByName(const std::wstring& programId) {
   CLSID clsid = {};
   ComPointer<IDispatch> object;
   if (SUCCEEDED(CLSIDFromProgID(programId.c_str(), &clsid))) {
-    CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch, reinterpret_cast<void**>(object.out()));
+    CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                     reinterpret_cast<void**>(object.out()));
   }
   return object;
 }
@@ -126,7 +127,8 @@ TEST(Registered, ForOneUserTouchesThatUserAlone) {
   dll.call("DllUnregisterServer");
   // Windows has this key for every user.
   HKEY classes = nullptr;
-  RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes", 0, nullptr, 0, KEY_READ, nullptr, &classes, nullptr);
+  RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes", 0, nullptr, 0, KEY_READ, nullptr, &classes,
+                  nullptr);
   RegCloseKey(classes);
   const Snapshot before = registrySnapshot();
   ASSERT_EQ(S_OK, dll.install(true, L"User"));

@@ -18,15 +18,16 @@ std::string runScript(const std::string& script, const Folder& folder) {
                          L"\" \"" + folder.path().wstring() + L"\"";
   SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
   const std::filesystem::path output = folder / L"output.txt";
-  const HANDLE handle = CreateFileW(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+  const HANDLE handle =
+      CreateFileW(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
   startup.dwFlags = STARTF_USESTDHANDLES;
   startup.hStdOutput = handle;
   startup.hStdError = handle;
   PROCESS_INFORMATION process = {};
-  const BOOL started =
-      CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process);
+  const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                                      &startup, &process);
   EXPECT_TRUE(started);
   if (started) {
     EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process.hProcess, 60000));
@@ -102,8 +103,9 @@ TEST(Scripts, UseEveryClass) {
   const Folder folder(L"with a blank");
   EXPECT_EQ("Width Height 2 -1 Value False 2,1,3", runScript("classes.vbs", folder));
   EXPECT_NE(std::string::npos, readFile(folder / L"places.kml").find("0.125,51.5,10"));
-  EXPECT_NE(std::string::npos,
-            readFile(folder / L"settings.xml").find("<Display><Width>800</Width><Height>600</Height></Display>"));
+  EXPECT_NE(
+      std::string::npos,
+      readFile(folder / L"settings.xml").find("<Display><Width>800</Width><Height>600</Height></Display>"));
 }
 
 }  // namespace
