@@ -228,15 +228,29 @@ HRESULT Argument::coerce(const VARIANT& source, VARTYPE type, LCID locale) {
         newText(std::string_view(reinterpret_cast<const char*>(data->data()), data->size()), TextForm::ansi);
     return S_OK;
   }
-  HRESULT result = changeType(storage_, source, locale, type);
-  if (type == VT_I2 && result == DISP_E_OVERFLOW && SUCCEEDED(changeType(storage_, source, locale, VT_I4)) &&
-      storage_.lVal == 0xFFFF) {
-    // The 16-bit pattern of -1, as the margins' default is documented.
+  const HRESULT result = changeType(storage_, source, locale, type);
+  return result == DISP_E_OVERFLOW && coercePattern(source, type, locale) ? S_OK : result;
+}
+
+bool Argument::coercePattern(const VARIANT& source, VARTYPE type, LCID locale) {
+  VARIANT number;
+  VariantInit(&number);
+  if (FAILED(changeType(number, source, locale, VT_UI4))) {
+    return false;
+  }
+  if (type == VT_I2 && number.ulVal == 0xFFFF) {
+    // -1, as the margins' default is documented.
     own(VT_I2);
     storage_.iVal = -1;
-    result = S_OK;
+    return true;
   }
-  return result;
+  if (type == VT_I4) {
+    // Addresses, handles and event identifiers, which many hosts know without a sign.
+    own(VT_I4);
+    storage_.ulVal = number.ulVal;
+    return true;
+  }
+  return false;
 }
 
 HRESULT Argument::coerceObject(IUnknown* object, VARTYPE type, LCID locale) {

@@ -43,6 +43,8 @@ class Argument {
   HRESULT coerceObject(IUnknown* object, VARTYPE type, LCID locale);
   HRESULT coerceFlag(const VARIANT& source, LCID locale);
   HRESULT coercePicture(const VARIANT& source);
+  /// A number that fits only without a sign, taken as the bits of a signed one.
+  bool coercePattern(const VARIANT& source, VARTYPE type, LCID locale);
   void own(VARTYPE type);
   void rememberVariable(VARIANT& variable);
 

@@ -4,6 +4,7 @@
 #include <exception>
 #include <string_view>
 
+#include "database/database_engine.h"
 #include "server/class_factory.h"
 #include "server/module.h"
 #include "server/registration.h"
