@@ -9,8 +9,8 @@
 
 namespace veltrano {
 
-/// One entry is one open, at most one report, and one close, whatever open and report came to. Texts are ANSI texts.
-/// Nothing here throws but std::bad_alloc; failures are silent.
+/// One entry is one open, at most one report, and one close, whatever open and report came to. Texts are ANSI
+/// texts. Nothing here throws but std::bad_alloc; failures are silent.
 class EventSink {
  public:
   EventSink() = default;

@@ -23,7 +23,8 @@ int priorityOf(std::uint16_t type) {
   return LOG_NOTICE;
 }
 
-/// Writes "source: event 7: message". The process's own log settings (openlog) are the host's and stay as they are.
+/// Writes "source: event 7: message". The process's own log settings (openlog) are the host's and stay as
+/// they are.
 class SyslogEventSink final : public EventSink {
  public:
   void open(const std::string& source) override { source_ = ansiToUtf8(source); }
@@ -38,6 +39,8 @@ class SyslogEventSink final : public EventSink {
 
 }  // namespace
 
-std::unique_ptr<EventSink> systemEventSink() { return std::make_unique<SyslogEventSink>(); }
+std::unique_ptr<EventSink> systemEventSink() {
+  return std::make_unique<SyslogEventSink>();
+}
 
 }  // namespace veltrano

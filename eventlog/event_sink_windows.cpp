@@ -47,8 +47,8 @@ class WindowsEventSink final : public EventSink {
       return;
     }
     std::memcpy(text.get(), message.c_str(), size);
-    // Strings and binary data are given at one address, so the binary data of an entry is the pointer to its text,
-    // followed by nothing of interest. Hosts rely on its size; the rest of it is ours and zero.
+    // Strings and binary data are given at one address, so the binary data of an entry is the pointer to its
+    // text, followed by nothing of interest. Hosts rely on its size; the rest of it is ours and zero.
     std::vector<char> block(std::max(size, sizeof(void*)));
     void* const pointer = text.get();
     std::memcpy(block.data(), static_cast<const void*>(&pointer), sizeof pointer);
@@ -72,6 +72,8 @@ class WindowsEventSink final : public EventSink {
 
 }  // namespace
 
-std::unique_ptr<EventSink> systemEventSink() { return std::make_unique<WindowsEventSink>(); }
+std::unique_ptr<EventSink> systemEventSink() {
+  return std::make_unique<WindowsEventSink>();
+}
 
 }  // namespace veltrano

@@ -11,7 +11,8 @@ namespace veltrano {
 namespace {
 
 bool fitsInt16(std::int32_t number) {
-  return number >= std::numeric_limits<std::int16_t>::min() && number <= std::numeric_limits<std::int16_t>::max();
+  return number >= std::numeric_limits<std::int16_t>::min() &&
+         number <= std::numeric_limits<std::int16_t>::max();
 }
 
 }  // namespace

@@ -11,7 +11,8 @@
 
 namespace veltrano {
 
-/// Windows' own headers have macros of the usual names; these stand for the same numbers, the last one excepted.
+/// Windows' own headers have macros of the usual names; these stand for the same numbers, the last one
+/// excepted.
 enum class EventType : std::int32_t {
   success = 0,
   error = 1,
@@ -27,8 +28,9 @@ class VeltranoWEV {
   VeltranoWEV();
   explicit VeltranoWEV(std::unique_ptr<EventSink> sink);
 
-  /// Writes one entry. `iLogType` is an EventType, or any other number that fits 16 bits; one that does not fit writes
-  /// nothing. An empty `AppSource` is the host application's name. Texts are ANSI texts. Reports no failure.
+  /// Writes one entry. `iLogType` is an EventType, or any other number that fits 16 bits; one that does not
+  /// fit writes nothing. An empty `AppSource` is the host application's name. Texts are ANSI texts. Reports
+  /// no failure.
   void LogNTEvent(const std::string& sString, std::int32_t iLogType, std::int32_t iEventID,
                   const std::string& AppSource = {});
 

@@ -7,8 +7,8 @@
 
 #include <oaidl.h>
 #include <ocidl.h>
-#include <olectl.h>
 #include <oleauto.h>
+#include <olectl.h>
 
 #include <utility>
 

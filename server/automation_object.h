@@ -1,9 +1,9 @@
 #ifndef VELTRANO_SERVER_AUTOMATION_OBJECT_H
 #define VELTRANO_SERVER_AUTOMATION_OBJECT_H
 
-// The template behind every public object: identity, lifetime, late binding, type information. A class derives from
-// AutomationObject<its dual interface> and implements the interface's own members, each a line or two that converts
-// and forwards to the portable class:
+// The template behind every public object: identity, lifetime, late binding, type information. A class
+// derives from AutomationObject<its dual interface> and implements the interface's own members, each a line
+// or two that converts and forwards to the portable class:
 //
 //   STDMETHODIMP ClearPath() override {
 //     return run("ClearPath", [&] { kml_.ClearPath(); });
@@ -98,14 +98,17 @@ class AutomationObject : public Interface, public IProvideClassInfo2, public ISu
     *count = 1;
     return S_OK;
   }
-  STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** type) override { return core_.getTypeInfo(index, type); }
+  STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** type) override {
+    return core_.getTypeInfo(index, type);
+  }
   STDMETHODIMP GetIDsOfNames(REFIID iid, OLECHAR** names, UINT count, LCID, DISPID* ids) override {
     return core_.getIdsOfNames(iid, names, count, ids);
   }
   STDMETHODIMP Invoke(DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* arguments, VARIANT* result,
                       EXCEPINFO*, UINT* wrongArgument) override {
     const KeepAlive alive(*static_cast<Interface*>(this));
-    return core_.invoke(*static_cast<Interface*>(this), id, iid, locale, flags, arguments, result, wrongArgument);
+    return core_.invoke(*static_cast<Interface*>(this), id, iid, locale, flags, arguments, result,
+                        wrongArgument);
   }
 
   STDMETHODIMP GetClassInfo(ITypeInfo** type) override { return core_.getClassInfo(type); }

@@ -9,8 +9,8 @@
 
 namespace veltrano::server {
 
-/// Calculates as the library expects it, whatever the host does with its own numbers: some hosts let a division by
-/// zero or an overflow raise a processor exception. The host's settings come back at the end.
+/// Calculates as the library expects it, whatever the host does with its own numbers: some hosts let a
+/// division by zero or an overflow raise a processor exception. The host's settings come back at the end.
 class FloatingPointScope {
  public:
   FloatingPointScope() : vector_(_mm_getcsr()) {
@@ -30,8 +30,8 @@ class FloatingPointScope {
   }
 
  private:
-  static constexpr unsigned vectorDefaults = 0x1F80;             // all exceptions masked, to nearest
-  static constexpr unsigned short stackDefaults = 0x037F;        // the same, 64 bits of precision
+  static constexpr unsigned vectorDefaults = 0x1F80;       // all exceptions masked, to nearest
+  static constexpr unsigned short stackDefaults = 0x037F;  // the same, 64 bits of precision
   unsigned vector_;
   unsigned short stack_ = stackDefaults;
 };

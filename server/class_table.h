@@ -9,8 +9,8 @@
 
 namespace veltrano::server {
 
-/// A parameter whose kind matters to its member, whatever its declared type: the dispatcher hands the host's own
-/// variant over beside the coerced arguments.
+/// A parameter whose kind matters to its member, whatever its declared type: the dispatcher hands the host's
+/// own variant over beside the coerced arguments.
 struct KeptKind {
   DISPID member;
   unsigned parameter;  ///< from 0

@@ -14,9 +14,13 @@ namespace {
 /// Objects whose default property is an object again, and so on, end here.
 constexpr int deepestObject = 8;
 
-bool isOmitted(const VARIANT& given) { return given.vt == VT_ERROR && given.scode == DISP_E_PARAMNOTFOUND; }
+bool isOmitted(const VARIANT& given) {
+  return given.vt == VT_ERROR && given.scode == DISP_E_PARAMNOTFOUND;
+}
 
-bool isObject(VARTYPE type) { return type == VT_DISPATCH || type == VT_UNKNOWN; }
+bool isObject(VARTYPE type) {
+  return type == VT_DISPATCH || type == VT_UNKNOWN;
+}
 
 /// The value that a variant by reference refers to, still owned by it. False for a null reference.
 bool dereference(const VARIANT& reference, VARIANT& value) {
@@ -84,11 +88,13 @@ HRESULT copyReferred(VARIANT& target, const VARIANT& source) {
 
 /// Failures of the system's conversions, as a dispatcher reports them.
 HRESULT conversionResult(HRESULT result) {
-  return SUCCEEDED(result) || result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY ? result : DISP_E_TYPEMISMATCH;
+  return SUCCEEDED(result) || result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY ? result
+                                                                                   : DISP_E_TYPEMISMATCH;
 }
 
 HRESULT changeType(VARIANT& target, const VARIANT& source, LCID locale, VARTYPE type) {
-  return conversionResult(VariantChangeTypeEx(&target, const_cast<VARIANT*>(&source), locale, VARIANT_ALPHABOOL, type));
+  return conversionResult(
+      VariantChangeTypeEx(&target, const_cast<VARIANT*>(&source), locale, VARIANT_ALPHABOOL, type));
 }
 
 }  // namespace
@@ -222,15 +228,29 @@ HRESULT Argument::coerce(const VARIANT& source, VARTYPE type, LCID locale) {
         newText(std::string_view(reinterpret_cast<const char*>(data->data()), data->size()), TextForm::ansi);
     return S_OK;
   }
-  HRESULT result = changeType(storage_, source, locale, type);
-  if (type == VT_I2 && result == DISP_E_OVERFLOW && SUCCEEDED(changeType(storage_, source, locale, VT_I4)) &&
-      storage_.lVal == 0xFFFF) {
-    // The 16-bit pattern of -1, as the margins' default is documented.
+  const HRESULT result = changeType(storage_, source, locale, type);
+  return result == DISP_E_OVERFLOW && coercePattern(source, type, locale) ? S_OK : result;
+}
+
+bool Argument::coercePattern(const VARIANT& source, VARTYPE type, LCID locale) {
+  VARIANT number;
+  VariantInit(&number);
+  if (FAILED(changeType(number, source, locale, VT_UI4))) {
+    return false;
+  }
+  if (type == VT_I2 && number.ulVal == 0xFFFF) {
+    // -1, as the margins' default is documented.
     own(VT_I2);
     storage_.iVal = -1;
-    result = S_OK;
+    return true;
   }
-  return result;
+  if (type == VT_I4) {
+    // Addresses, handles and event identifiers, which many hosts know without a sign.
+    own(VT_I4);
+    storage_.ulVal = number.ulVal;
+    return true;
+  }
+  return false;
 }
 
 HRESULT Argument::coerceObject(IUnknown* object, VARTYPE type, LCID locale) {
@@ -255,7 +275,8 @@ HRESULT Argument::coerceObject(IUnknown* object, VARTYPE type, LCID locale) {
 }
 
 HRESULT Argument::coerceFlag(const VARIANT& source, LCID locale) {
-  // A whole number keeps its value where it fits: 1 is a flag that is not "true", which some members tell apart.
+  // A whole number keeps its value where it fits: 1 is a flag that is not "true", which some members tell
+  // apart.
   VARIANT number;
   VariantInit(&number);
   const bool isNumber = source.vt != VT_BSTR && source.vt != VT_BOOL && source.vt != VT_DATE;

@@ -19,13 +19,14 @@ class Argument {
   Argument& operator=(Argument&&) = delete;
   ~Argument();
 
-  /// Takes the host's argument as the parameter wants it. A variable of the right type is referred to; anything else
-  /// is coerced into a copy. DISP_E_TYPEMISMATCH (or DISP_E_OVERFLOW) when there is no coercion,
-  /// DISP_E_PARAMNOTOPTIONAL for a required argument left out.
+  /// Takes the host's argument as the parameter wants it. A variable of the right type is referred to;
+  /// anything else is coerced into a copy. DISP_E_TYPEMISMATCH (or DISP_E_OVERFLOW) when there is no
+  /// coercion, DISP_E_PARAMNOTOPTIONAL for a required argument left out.
   HRESULT take(VARIANT& given, const Parameter& parameter, LCID locale);
   /// Stands in for an argument that was not passed.
   HRESULT takeDefault(const Parameter& parameter);
-  /// The arguments from `first` on, as an array of variants: `count` of them, in the reversed order of a call.
+  /// The arguments from `first` on, as an array of variants: `count` of them, in the reversed order of a
+  /// call.
   HRESULT takeList(VARIANT* last, UINT count);
   /// A place of the given type for the member's result.
   void makeResult(VARTYPE type);
@@ -42,11 +43,13 @@ class Argument {
   HRESULT coerceObject(IUnknown* object, VARTYPE type, LCID locale);
   HRESULT coerceFlag(const VARIANT& source, LCID locale);
   HRESULT coercePicture(const VARIANT& source);
+  /// A number that fits only without a sign, taken as the bits of a signed one.
+  bool coercePattern(const VARIANT& source, VARTYPE type, LCID locale);
   void own(VARTYPE type);
   void rememberVariable(VARIANT& variable);
 
   void* pointer_ = nullptr;
-  VARIANT storage_;            // initialised by own()
+  VARIANT storage_;              // initialised by own()
   VARIANT* variable_ = nullptr;  // the host's, when its value had to be coerced
   std::int64_t before_ = 0;      // the bits of the coerced value
   bool owns_ = false;

@@ -13,8 +13,8 @@ namespace {
 
 constexpr DISPID errorEvent = 1;
 
-/// An enumerator over a copy of what is enumerated. Element is the interface's element type; Hold keeps one alive and
-/// makes an Element with a reference of its own.
+/// An enumerator over a copy of what is enumerated. Element is the interface's element type; Hold keeps one
+/// alive and makes an Element with a reference of its own.
 template <class Enumerator, class Element, class Hold>
 class EnumeratorObject final : public Enumerator {
  public:
@@ -106,7 +106,8 @@ using ConnectionEnumerator = EnumeratorObject<IEnumConnections, CONNECTDATA, Hel
 
 }  // namespace
 
-EventSource::EventSource(IUnknown& owner, REFIID eventInterface) : owner_(owner), eventInterface_(eventInterface) {}
+EventSource::EventSource(IUnknown& owner, REFIID eventInterface)
+    : owner_(owner), eventInterface_(eventInterface) {}
 
 void EventSource::fireError(std::string_view ansiMessage) {
   // A copy: a sink may connect or disconnect sinks while it is called.

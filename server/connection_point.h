@@ -10,16 +10,16 @@
 
 namespace veltrano::server {
 
-/// Both the container of the one connection point and the point itself. Lives in its owner, whose reference count it
-/// borrows.
+/// Both the container of the one connection point and the point itself. Lives in its owner, whose reference
+/// count it borrows.
 class EventSource {
  public:
   EventSource(IUnknown& owner, REFIID eventInterface);
 
   IConnectionPointContainer* container() { return &container_; }
 
-  /// Calls `Error(xMsg)` of every sink, whatever they answer. A sink may connect or disconnect sinks, change the text
-  /// and call the owner meanwhile; whoever fires keeps the owner alive.
+  /// Calls `Error(xMsg)` of every sink, whatever they answer. A sink may connect or disconnect sinks, change
+  /// the text and call the owner meanwhile; whoever fires keeps the owner alive.
   void fireError(std::string_view ansiMessage);
 
  private:

@@ -67,10 +67,11 @@ Value elementValue(const std::uint8_t* bytes, VARTYPE type, Reading& how, int de
   return valueAt(reference, how, depth + 1);
 }
 
-/// The elements of dimension `dimension` (0 is the leftmost) from `offset` on; those of the leftmost dimension lie
-/// next to each other.
-Value::List dimensionValues(const SAFEARRAY& array, const std::uint8_t* data, VARTYPE type, unsigned dimension,
-                            std::size_t offset, std::size_t stride, Reading& how, int depth) {
+/// The elements of dimension `dimension` (0 is the leftmost) from `offset` on; those of the leftmost
+/// dimension lie next to each other.
+Value::List dimensionValues(const SAFEARRAY& array, const std::uint8_t* data, VARTYPE type,
+                            unsigned dimension, std::size_t offset, std::size_t stride, Reading& how,
+                            int depth) {
   // The descriptor holds the dimensions from right to left.
   const SAFEARRAYBOUND& bound = array.rgsabound[array.cDims - 1 - dimension];
   Value::List values;
@@ -80,8 +81,8 @@ Value::List dimensionValues(const SAFEARRAY& array, const std::uint8_t* data, VA
     if (dimension + 1U == array.cDims) {
       values.push_back(elementValue(data + position * array.cbElements, type, how, depth));
     } else {
-      values.emplace_back(dimensionValues(array, data, type, dimension + 1, position, stride * bound.cElements,
-                                          how, depth));
+      values.emplace_back(
+          dimensionValues(array, data, type, dimension + 1, position, stride * bound.cElements, how, depth));
     }
   }
   return values;
@@ -248,8 +249,12 @@ std::u16string_view characters(BSTR text) {
   return {reinterpret_cast<const char16_t*>(text), SysStringLen(text)};
 }
 
-std::string ansi(const BSTR* text) { return text != nullptr ? utf16ToAnsi(characters(*text)) : std::string(); }
-std::string utf8(const BSTR* text) { return text != nullptr ? utf16ToUtf8(characters(*text)) : std::string(); }
+std::string ansi(const BSTR* text) {
+  return text != nullptr ? utf16ToAnsi(characters(*text)) : std::string();
+}
+std::string utf8(const BSTR* text) {
+  return text != nullptr ? utf16ToUtf8(characters(*text)) : std::string();
+}
 std::filesystem::path path(const BSTR* text) {
   return text != nullptr ? pathFromUtf16(characters(*text)) : std::filesystem::path();
 }

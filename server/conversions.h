@@ -1,11 +1,12 @@
 #ifndef VELTRANO_SERVER_CONVERSIONS_H
 #define VELTRANO_SERVER_CONVERSIONS_H
 
-// Between what automation passes and what the features take: the one place where UTF-16 becomes another encoding.
+// Between what automation passes and what the features take: the one place where UTF-16 becomes another
+// encoding.
 //
-// Reading takes a pointer that may be null, as parameters by reference may be on the vtable; it stands for the empty
-// text, zero, false or the empty value. Answering writes through a pointer that may be null, which drops the answer.
-// Both let std::bad_alloc through; nothing else is thrown.
+// Reading takes a pointer that may be null, as parameters by reference may be on the vtable; it stands for
+// the empty text, zero, false or the empty value. Answering writes through a pointer that may be null, which
+// drops the answer. Both let std::bad_alloc through; nothing else is thrown.
 
 #include <cstdint>
 #include <filesystem>
@@ -32,11 +33,13 @@ Number number(const Number* value, Number missing = Number{}) {
   return value != nullptr ? *value : missing;
 }
 /// True for every value but 0, as hosts test flags.
-inline bool flag(const VARIANT_BOOL* value) { return value != nullptr && *value != VARIANT_FALSE; }
+inline bool flag(const VARIANT_BOOL* value) {
+  return value != nullptr && *value != VARIANT_FALSE;
+}
 
-/// The value of a variant of any type; whatever has no counterpart is Opaque. References are followed, objects stand
-/// for their default property or, if they are script lists, for their elements. An array of two and more dimensions is
-/// a list of lists.
+/// The value of a variant of any type; whatever has no counterpart is Opaque. References are followed,
+/// objects stand for their default property or, if they are script lists, for their elements. An array of two
+/// and more dimensions is a list of lists.
 Value value(const VARIANT* variant, TextForm form);
 /// The same, but an object stays an object (Opaque): for members that look at the kind.
 Value valueAsItIs(const VARIANT* variant, TextForm form);
@@ -57,8 +60,8 @@ inline void answer(VARIANT_BOOL* result, bool flag) {
   answer(result, static_cast<VARIANT_BOOL>(flag ? VARIANT_TRUE : VARIANT_FALSE));
 }
 void answer(BSTR* result, std::string_view text, TextForm form);
-/// Lists become arrays of variants, the only ones that script hosts can take apart; so does a list without elements,
-/// whose bounds are 0 and -1.
+/// Lists become arrays of variants, the only ones that script hosts can take apart; so does a list without
+/// elements, whose bounds are 0 and -1.
 void answer(VARIANT* result, const Value& value, TextForm form);
 
 }  // namespace veltrano::server

@@ -59,6 +59,8 @@ const Default defaults[] = {
 
 }  // namespace
 
-std::span<const Default> defaultTable() { return defaults; }
+std::span<const Default> defaultTable() {
+  return defaults;
+}
 
 }  // namespace veltrano::server

@@ -133,6 +133,8 @@ HRESULT callMember(const Member& member, const Call& call) {
   // Not before: reading a host's object may call back into this one.
   call.kinds->keep(kept);
   const HRESULT called = callVtable(call.object, member.slot, arguments.data(), count);
+  // The member may have ended, for want of memory, before it took the variant, which is the host's again now.
+  call.kinds->keep(nullptr);
   for (std::size_t i = 0; i < member.parameters.size(); ++i) {
     arguments[i].writeBack(call.locale);
   }

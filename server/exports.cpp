@@ -4,14 +4,10 @@
 #include <exception>
 #include <string_view>
 
+#include "database/database_engine.h"
 #include "server/class_factory.h"
 #include "server/module.h"
 #include "server/registration.h"
-
-namespace __gnu_cxx {
-/// Of the compiler's runtime, which declares it nowhere: frees the memory that it keeps for exceptions in need.
-void __freeres();
-}  // namespace __gnu_cxx
 
 namespace server = veltrano::server;
 
@@ -28,10 +24,6 @@ HRESULT guarded(Body&& body) {
     return E_FAIL;
   }
 }
-
-/// A host may load and unload the DLL any number of times, and the runtime's reserve would stay each time. The lowest
-/// priority runs last, behind every other destructor.
-__attribute__((destructor(101))) void freeRuntimeReserve() { __gnu_cxx::__freeres(); }
 
 // "user" in any case: what regsvr32 /i:user hands over.
 bool isUserScope(PCWSTR commandLine) {
@@ -62,7 +54,9 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* object) {
   return entry != nullptr ? server::createClassFactory(*entry, iid, object) : CLASS_E_CLASSNOTAVAILABLE;
 }
 
-STDAPI DllCanUnloadNow() { return server::moduleLocks() == 0 ? S_OK : S_FALSE; }
+STDAPI DllCanUnloadNow() {
+  return server::moduleLocks() == 0 ? S_OK : S_FALSE;
+}
 
 STDAPI DllRegisterServer() {
   return guarded([] { return server::registerServer(server::Scope::machineOrUser); });

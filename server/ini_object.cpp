@@ -7,12 +7,15 @@ namespace veltrano::server {
 namespace {
 
 // The texts of this class end in an ANSI file.
-void answer(BSTR* result, const std::string& text) { server::answer(result, text, TextForm::ansi); }
+void answer(BSTR* result, const std::string& text) {
+  server::answer(result, text, TextForm::ansi);
+}
 
 }  // namespace
 
 STDMETHODIMP IniObject::GetIniValue(BSTR* filename, BSTR* Key, BSTR* Default, BSTR* result) {
-  return run("GetIniValue", [&] { answer(result, ini_.GetIniValue(path(filename), ansi(Key), ansi(Default))); });
+  return run("GetIniValue",
+             [&] { answer(result, ini_.GetIniValue(path(filename), ansi(Key), ansi(Default))); });
 }
 
 STDMETHODIMP IniObject::SetIniValue(BSTR* filename, BSTR* Key, BSTR* Value) {
@@ -20,7 +23,8 @@ STDMETHODIMP IniObject::SetIniValue(BSTR* filename, BSTR* Key, BSTR* Value) {
 }
 
 STDMETHODIMP IniObject::ChangeValue(BSTR* xFileBuffer, BSTR* Key, BSTR* Value, BSTR* result) {
-  return run("ChangeValue", [&] { answer(result, ini_.ChangeValue(ansi(xFileBuffer), ansi(Key), ansi(Value))); });
+  return run("ChangeValue",
+             [&] { answer(result, ini_.ChangeValue(ansi(xFileBuffer), ansi(Key), ansi(Value))); });
 }
 
 STDMETHODIMP IniObject::GetValue(BSTR* xFileBuffer, BSTR* Key, BSTR* Default, BSTR* result) {

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_SERVER_INI_OBJECT_H
 #define VELTRANO_SERVER_INI_OBJECT_H
 
-#include "settings/veltrano_ini.h"
 #include "server/automation_object.h"
+#include "settings/veltrano_ini.h"
 
 namespace veltrano::server {
 

@@ -12,7 +12,9 @@ namespace {
 
 constexpr std::size_t longestName = 64;
 
-wchar_t lower(wchar_t c) { return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c; }
+wchar_t lower(wchar_t c) {
+  return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+}
 
 bool sameName(std::wstring_view left, std::wstring_view right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
@@ -186,12 +188,14 @@ const Member* InterfaceTable::find(DISPID id, WORD flags) const {
     return nullptr;
   }
   const WORD puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
-  for (std::size_t i = first_[static_cast<std::size_t>(id) - 1]; i < members_.size() && members_[i].id == id; ++i) {
+  for (std::size_t i = first_[static_cast<std::size_t>(id) - 1]; i < members_.size() && members_[i].id == id;
+       ++i) {
     const Member& member = members_[i];
     // A host that calls a property as a method means to read it; one that sets it to an object, to set it.
-    const bool means = member.kind == INVOKE_PROPERTYPUT  ? (flags & puts) != 0
-                       : member.kind == INVOKE_PROPERTYGET ? (flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD)) != 0
-                                                           : (flags & DISPATCH_METHOD) != 0;
+    const bool means = member.kind == INVOKE_PROPERTYPUT ? (flags & puts) != 0
+                       : member.kind == INVOKE_PROPERTYGET
+                           ? (flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD)) != 0
+                           : (flags & DISPATCH_METHOD) != 0;
     if (means) {
       return &member;
     }
@@ -211,8 +215,9 @@ HRESULT InterfaceTable::identify(OLECHAR** names, UINT count, DISPID* ids) const
     wanted[length] = lower(given[length]);
   }
   const std::wstring_view key(wanted.data(), length);
-  const auto found = std::lower_bound(names_.begin(), names_.end(), key,
-                                      [](const Name& name, std::wstring_view text) { return name.lower < text; });
+  const auto found =
+      std::lower_bound(names_.begin(), names_.end(), key,
+                       [](const Name& name, std::wstring_view text) { return name.lower < text; });
   if (found == names_.end() || found->lower != key) {
     return DISP_E_UNKNOWNNAME;
   }
@@ -221,9 +226,10 @@ HRESULT InterfaceTable::identify(OLECHAR** names, UINT count, DISPID* ids) const
   HRESULT result = S_OK;
   for (UINT i = 1; i < count; ++i) {
     const auto& parameters = member.parameters;
-    const auto parameter = std::find_if(parameters.begin(), parameters.end(), [&](const Parameter& candidate) {
-      return names[i] != nullptr && sameName(candidate.name, names[i]);
-    });
+    const auto parameter =
+        std::find_if(parameters.begin(), parameters.end(), [&](const Parameter& candidate) {
+          return names[i] != nullptr && sameName(candidate.name, names[i]);
+        });
     if (parameter == parameters.end()) {
       result = DISP_E_UNKNOWNNAME;
     } else {

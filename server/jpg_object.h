@@ -21,14 +21,23 @@ class JpgObject final : public AutomationObject<_VeltranoJPG> {
   STDMETHODIMP put_JPEGWidth(long* newValue) override;
   STDMETHODIMP get_JPEGHeight(long* result) override;
   STDMETHODIMP put_JPEGHeight(long* newValue) override;
-  STDMETHODIMP SaveJPEG(IPictureDisp** ImageToSave, BSTR* xFilename, long* JPEGQuality, long* FixWidth, long* FixHeight) override;
-  STDMETHODIMP SaveJPEGToMemory(IPictureDisp** ImageToSave, long* JPEGQuality, long* FixWidth, long* FixHeight, BSTR* result) override;
-  STDMETHODIMP LoadJPEGFromRAMToPicture(AddressNumber* ArrayPointer, long* ArraySize, long* X, long* y, IPictureDisp** result) override;
-  STDMETHODIMP LoadJPEGFromRAM2Picture(AddressNumber* Dest_hDC, AddressNumber* ArrayPointer, long* ArraySize, long* X, long* y, VARIANT_BOOL* result) override;
-  STDMETHODIMP LoadJPEGFromRAM2PictureXY(AddressNumber* Dest_hDC, AddressNumber* ArrayPointer, long* ArraySize, long* x1, long* Y1, long* X, long* y, VARIANT_BOOL* result) override;
-  STDMETHODIMP SaveJPEGFromRAMToMemoryResampled(BSTR* ImageToSave, long* JPEGQuality, long* FixWidth, long* FixHeight, BSTR* result) override;
-  STDMETHODIMP SaveJPEGToMemoryResampled(BSTR* ImageToSave, long* JPEGQuality, long* FixWidth, long* FixHeight, BSTR* result) override;
-  STDMETHODIMP SaveJPEGResampled(BSTR* ImageToSave, BSTR* TargetFile, long* JPEGQuality, long* FixWidth, long* FixHeight, VARIANT* result) override;
+  STDMETHODIMP SaveJPEG(IPictureDisp** ImageToSave, BSTR* xFilename, long* JPEGQuality, long* FixWidth,
+                        long* FixHeight) override;
+  STDMETHODIMP SaveJPEGToMemory(IPictureDisp** ImageToSave, long* JPEGQuality, long* FixWidth,
+                                long* FixHeight, BSTR* result) override;
+  STDMETHODIMP LoadJPEGFromRAMToPicture(AddressNumber* ArrayPointer, long* ArraySize, long* X, long* y,
+                                        IPictureDisp** result) override;
+  STDMETHODIMP LoadJPEGFromRAM2Picture(AddressNumber* Dest_hDC, AddressNumber* ArrayPointer, long* ArraySize,
+                                       long* X, long* y, VARIANT_BOOL* result) override;
+  STDMETHODIMP LoadJPEGFromRAM2PictureXY(AddressNumber* Dest_hDC, AddressNumber* ArrayPointer,
+                                         long* ArraySize, long* x1, long* Y1, long* X, long* y,
+                                         VARIANT_BOOL* result) override;
+  STDMETHODIMP SaveJPEGFromRAMToMemoryResampled(BSTR* ImageToSave, long* JPEGQuality, long* FixWidth,
+                                                long* FixHeight, BSTR* result) override;
+  STDMETHODIMP SaveJPEGToMemoryResampled(BSTR* ImageToSave, long* JPEGQuality, long* FixWidth,
+                                         long* FixHeight, BSTR* result) override;
+  STDMETHODIMP SaveJPEGResampled(BSTR* ImageToSave, BSTR* TargetFile, long* JPEGQuality, long* FixWidth,
+                                 long* FixHeight, VARIANT* result) override;
 
  private:
   VeltranoJPG jpg_;

@@ -15,11 +15,13 @@ STDMETHODIMP MdbObject::OpenTable(BSTR* Table, VARIANT_BOOL* result) {
 }
 
 STDMETHODIMP MdbObject::WriteRecord(BSTR* Field, VARIANT* Value, VARIANT_BOOL* result) {
-  return run("WriteRecord", [&] { answer(result, mdb_.WriteRecord(utf8(Field), value(Value, TextForm::utf8))); });
+  return run("WriteRecord",
+             [&] { answer(result, mdb_.WriteRecord(utf8(Field), value(Value, TextForm::utf8))); });
 }
 
 STDMETHODIMP MdbObject::ReadRecord_String(BSTR* xField, BSTR* result) {
-  return run("ReadRecord_String", [&] { answer(result, mdb_.ReadRecord_String(utf8(xField)), TextForm::utf8); });
+  return run("ReadRecord_String",
+             [&] { answer(result, mdb_.ReadRecord_String(utf8(xField)), TextForm::utf8); });
 }
 
 STDMETHODIMP MdbObject::Edit() {
@@ -54,8 +56,10 @@ STDMETHODIMP MdbObject::Update() {
   return run("Update", [&] { mdb_.Update(); });
 }
 
-STDMETHODIMP MdbObject::FindRecord(BSTR* Field, BSTR* Value, VARIANT_BOOL* CaseSensivite, VARIANT_BOOL* result) {
-  return run("FindRecord", [&] { answer(result, mdb_.FindRecord(utf8(Field), utf8(Value), number(CaseSensivite))); });
+STDMETHODIMP MdbObject::FindRecord(BSTR* Field, BSTR* Value, VARIANT_BOOL* CaseSensivite,
+                                   VARIANT_BOOL* result) {
+  return run("FindRecord",
+             [&] { answer(result, mdb_.FindRecord(utf8(Field), utf8(Value), number(CaseSensivite))); });
 }
 
 STDMETHODIMP MdbObject::CloseTable() {

@@ -27,7 +27,8 @@ class MdbObject final : public AutomationObject<_VeltranoMDB> {
   STDMETHODIMP AddNew() override;
   STDMETHODIMP EOF(VARIANT_BOOL* result) override;
   STDMETHODIMP Update() override;
-  STDMETHODIMP FindRecord(BSTR* Field, BSTR* Value, VARIANT_BOOL* CaseSensivite, VARIANT_BOOL* result) override;
+  STDMETHODIMP FindRecord(BSTR* Field, BSTR* Value, VARIANT_BOOL* CaseSensivite,
+                          VARIANT_BOOL* result) override;
   STDMETHODIMP CloseTable() override;
   STDMETHODIMP CloseDatabase() override;
 

@@ -17,9 +17,15 @@ HMODULE ownModule() {
 
 }  // namespace
 
-void lockModule() { ++locks; }
-void unlockModule() { --locks; }
-long moduleLocks() { return locks; }
+void lockModule() {
+  ++locks;
+}
+void unlockModule() {
+  --locks;
+}
+long moduleLocks() {
+  return locks;
+}
 
 std::wstring modulePath() {
   std::wstring path(MAX_PATH, L'\0');

@@ -13,8 +13,8 @@ constexpr LONG longestList = 100000;
 
 HRESULT getById(IDispatch& object, DISPID id, VARIANT* result) {
   DISPPARAMS none = {};
-  return object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET | DISPATCH_METHOD, &none, result,
-                       nullptr, nullptr);
+  return object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, result, nullptr,
+                       nullptr);
 }
 
 HRESULT get(IDispatch& object, const wchar_t* name, VARIANT* result) {

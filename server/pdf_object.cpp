@@ -7,18 +7,30 @@ namespace veltrano::server {
 namespace {
 
 // The texts of this class end in an ANSI file.
-void answer(BSTR* result, const std::string& text) { server::answer(result, text, TextForm::ansi); }
-void answer(VARIANT* result, const Value& value) { server::answer(result, value, TextForm::ansi); }
+void answer(BSTR* result, const std::string& text) {
+  server::answer(result, text, TextForm::ansi);
+}
+void answer(VARIANT* result, const Value& value) {
+  server::answer(result, value, TextForm::ansi);
+}
 using server::answer;
-Value value(const VARIANT* variant) { return server::value(variant, TextForm::ansi); }
-Value keptValue(const VARIANT* variant) { return server::valueAsItIs(variant, TextForm::ansi); }
-Value::List list(SAFEARRAY* const* array) { return server::list(array, TextForm::ansi); }
+Value value(const VARIANT* variant) {
+  return server::value(variant, TextForm::ansi);
+}
+Value keptValue(const VARIANT* variant) {
+  return server::valueAsItIs(variant, TextForm::ansi);
+}
+Value::List list(SAFEARRAY* const* array) {
+  return server::list(array, TextForm::ansi);
+}
 
 const KeptKind kept[] = {{4, 0}, {68, 4}, {69, 4}, {72, 5}, {79, 5}};
 
 }  // namespace
 
-std::span<const KeptKind> PdfObject::keptKinds() { return kept; }
+std::span<const KeptKind> PdfObject::keptKinds() {
+  return kept;
+}
 
 PdfObject::PdfObject(const ClassEntry& entry)
     : AutomationObject(entry), events_(*static_cast<_VeltranoPDF*>(this), *entry.eventInterface) {
@@ -203,7 +215,10 @@ STDMETHODIMP PdfObject::get_PDFGetCellMargin(double* result) {
 }
 
 STDMETHODIMP PdfObject::PDFSetMargins(short* in_left, short* in_top, short* in_right, short* in_bottom) {
-  return run("PDFSetMargins", [&] { pdf_.PDFSetMargins(number(in_left), number(in_top), number(in_right, short{-1}), number(in_bottom, short{-1})); });
+  return run("PDFSetMargins", [&] {
+    pdf_.PDFSetMargins(number(in_left), number(in_top), number(in_right, short{-1}),
+                       number(in_bottom, short{-1}));
+  });
 }
 
 STDMETHODIMP PdfObject::get_PDFGetX(short* result) {
@@ -231,7 +246,8 @@ STDMETHODIMP PdfObject::PDFEndDoc() {
 }
 
 STDMETHODIMP PdfObject::PDFSetBookmark(BSTR* str_Text, short* iLevel, double* y, VARIANT* result) {
-  return run("PDFSetBookmark", [&] { answer(result, pdf_.PDFSetBookmark(ansi(str_Text), number(iLevel), number(y, -1.0))); });
+  return run("PDFSetBookmark",
+             [&] { answer(result, pdf_.PDFSetBookmark(ansi(str_Text), number(iLevel), number(y, -1.0))); });
 }
 
 STDMETHODIMP PdfObject::put_PDFLoadAfm(BSTR* newValue) {
@@ -239,11 +255,14 @@ STDMETHODIMP PdfObject::put_PDFLoadAfm(BSTR* newValue) {
 }
 
 STDMETHODIMP PdfObject::PDFSetFont(::PDFFontNme* str_Fontname, short* in_FontSize, ::PDFFontStl* str_Style) {
-  return run("PDFSetFont", [&] { pdf_.PDFSetFont(number(str_Fontname), number(in_FontSize), number(str_Style)); });
+  return run("PDFSetFont",
+             [&] { pdf_.PDFSetFont(number(str_Fontname), number(in_FontSize), number(str_Style)); });
 }
 
 STDMETHODIMP PdfObject::PDFGetStringWidth(BSTR* str_Txt, BSTR* str_FName, short* in_FSize, double* result) {
-  return run("PDFGetStringWidth", [&] { answer(result, pdf_.PDFGetStringWidth(ansi(str_Txt), ansi(str_FName), number(in_FSize))); });
+  return run("PDFGetStringWidth", [&] {
+    answer(result, pdf_.PDFGetStringWidth(ansi(str_Txt), ansi(str_FName), number(in_FSize)));
+  });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetTextColor(VARIANT* newValue) {
@@ -311,11 +330,13 @@ STDMETHODIMP PdfObject::PDFDrawLine(double* x1, double* Y1, double* x2, double* 
 }
 
 STDMETHODIMP PdfObject::PDFDrawRectangle(double* X, double* y, double* w, double* h, BSTR* URLLink) {
-  return run("PDFDrawRectangle", [&] { pdf_.PDFDrawRectangle(number(X), number(y), number(w), number(h), takeLink(URLLink)); });
+  return run("PDFDrawRectangle",
+             [&] { pdf_.PDFDrawRectangle(number(X), number(y), number(w), number(h), takeLink(URLLink)); });
 }
 
 STDMETHODIMP PdfObject::PDFDrawEllipse(double* X, double* y, double* rx, double* ry, BSTR* URLLink) {
-  return run("PDFDrawEllipse", [&] { pdf_.PDFDrawEllipse(number(X), number(y), number(rx), number(ry), takeLink(URLLink)); });
+  return run("PDFDrawEllipse",
+             [&] { pdf_.PDFDrawEllipse(number(X), number(y), number(rx), number(ry), takeLink(URLLink)); });
 }
 
 STDMETHODIMP PdfObject::PDFDrawPolygon(SAFEARRAY** points) {
@@ -327,7 +348,9 @@ STDMETHODIMP PdfObject::PDFTextOut(BSTR* str_Text, double* X, double* y) {
 }
 
 STDMETHODIMP PdfObject::PDFCell(BSTR* str_Text, double* X, double* y, double* w, double* h, BSTR* URLLink) {
-  return run("PDFCell", [&] { pdf_.PDFCell(ansi(str_Text), number(X), number(y), number(w), number(h), takeLink(URLLink)); });
+  return run("PDFCell", [&] {
+    pdf_.PDFCell(ansi(str_Text), number(X), number(y), number(w), number(h), takeLink(URLLink));
+  });
 }
 
 STDMETHODIMP PdfObject::PDFLink(double* X, double* y, BSTR* str_Text, BSTR* str_Link) {

@@ -10,8 +10,8 @@ namespace {
 LONG property(IPictureDisp& object, DISPID id) {
   DISPPARAMS none = {};
   OwnedVariant result;
-  if (FAILED(object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, result.get(), nullptr,
-                           nullptr)) ||
+  if (FAILED(object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, result.get(),
+                           nullptr, nullptr)) ||
       FAILED(VariantChangeType(result.get(), result.get(), 0, VT_I4))) {
     return 0;
   }

@@ -61,7 +61,9 @@ std::wstring programId(const ClassEntry& entry) {
   return std::wstring(L"VeltranoFrameWorkDLL.") + entry.name;
 }
 
-std::wstring parentFolder(const std::wstring& path) { return path.substr(0, path.find_last_of(L"\\/")); }
+std::wstring parentFolder(const std::wstring& path) {
+  return path.substr(0, path.find_last_of(L"\\/"));
+}
 
 struct Entry {
   std::wstring key;
@@ -128,7 +130,8 @@ LSTATUS writeEntry(const Root& root, const Entry& entry) {
     return status;
   }
   const auto size = static_cast<DWORD>((entry.data.size() + 1) * sizeof(wchar_t));
-  status = RegSetValueExW(key, entry.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(entry.data.c_str()), size);
+  status =
+      RegSetValueExW(key, entry.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(entry.data.c_str()), size);
   RegCloseKey(key);
   return status;
 }
@@ -172,13 +175,7 @@ void deleteIfEmpty(const Root& root, const std::wstring& key, REGSAM view = ownV
 
 bool otherBitnessIsRegistered(const Root& root) {
   const std::wstring key = L"CLSID\\" + guidText(*classTable().front().clsid) + L"\\InprocServer32";
-  if (!Key(root.hive, root.classes + key, KEY_QUERY_VALUE | otherView)) {
-    return false;
-  }
-  // A 32-bit Windows has one view only: what is seen there may be this DLL's own key.
-  SYSTEM_INFO system;
-  GetNativeSystemInfo(&system);
-  return system.wProcessorArchitecture != PROCESSOR_ARCHITECTURE_INTEL;
+  return static_cast<bool>(Key(root.hive, root.classes + key, KEY_QUERY_VALUE | otherView));
 }
 
 /// What both bitnesses use: program ids, interfaces (in each view) and the rest of the library's key.
@@ -199,7 +196,6 @@ void deleteShared(const Root& root) {
 
 /// Removes the entries below one root; failures there (no rights) leave them.
 LSTATUS deleteEntries(const Root& root) {
-  const bool shared = otherBitnessIsRegistered(root);
   LSTATUS status = ERROR_SUCCESS;
   for (const ClassEntry& entry : classTable()) {
     const LSTATUS deleted = deleteTree(root, L"CLSID\\" + guidText(*entry.clsid));
@@ -208,7 +204,8 @@ LSTATUS deleteEntries(const Root& root) {
     }
   }
   deleteTree(root, libraryKey() + L"\\0\\" + ownPlatform);
-  if (!shared) {
+  // Looked up when the own classes are gone: where both views are one, they are what would be found.
+  if (!otherBitnessIsRegistered(root)) {
     deleteShared(root);
   }
   if (root.hive == HKEY_CURRENT_USER) {

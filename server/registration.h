@@ -12,10 +12,12 @@ enum class Scope {
   user,           ///< for this user alone
 };
 
-/// Points the registry to the DLL where it is now. Doing it again, also from another folder, renews the entries.
+/// Points the registry to the DLL where it is now. Doing it again, also from another folder, renews the
+/// entries.
 HRESULT registerServer(Scope scope);
 
-/// Removes every entry of this DLL's bitness. What the 32-bit and the 64-bit DLL share goes with the last of them.
+/// Removes every entry of this DLL's bitness. What the 32-bit and the 64-bit DLL share goes with the last of
+/// them.
 HRESULT unregisterServer(Scope scope);
 
 }  // namespace veltrano::server

@@ -5,7 +5,8 @@
 namespace veltrano::server {
 
 STDMETHODIMP WevObject::LogNTEvent(BSTR* sString, ::EventTypes* iLogType, long* iEventID, BSTR* AppSource) {
-  return run("LogNTEvent", [&] { wev_.LogNTEvent(ansi(sString), number(iLogType), number(iEventID), ansi(AppSource)); });
+  return run("LogNTEvent",
+             [&] { wev_.LogNTEvent(ansi(sString), number(iLogType), number(iEventID), ansi(AppSource)); });
 }
 
 }  // namespace veltrano::server

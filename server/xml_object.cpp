@@ -30,7 +30,9 @@ STDMETHODIMP XmlObject::XML_SaveSetting(BSTR* Folder, BSTR* Key, BSTR* Value) {
 }
 
 STDMETHODIMP XmlObject::XML_GetSetting(BSTR* Folder, BSTR* Key, BSTR* Default, BSTR* result) {
-  return run("XML_GetSetting", [&] { server::answer(result, xml_.XML_GetSetting(utf8(Folder), utf8(Key), utf8(Default)), TextForm::utf8); });
+  return run("XML_GetSetting", [&] {
+    server::answer(result, xml_.XML_GetSetting(utf8(Folder), utf8(Key), utf8(Default)), TextForm::utf8);
+  });
 }
 
 STDMETHODIMP XmlObject::XML_EnumFolders(VARIANT* result) {

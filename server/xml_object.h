@@ -1,8 +1,8 @@
 #ifndef VELTRANO_SERVER_XML_OBJECT_H
 #define VELTRANO_SERVER_XML_OBJECT_H
 
-#include "settings/veltrano_xml.h"
 #include "server/automation_object.h"
+#include "settings/veltrano_xml.h"
 
 namespace veltrano::server {
 

@@ -7,6 +7,7 @@
 #include "base/files.h"
 #include "database/access/access_recordset.h"
 #include "database/access/catalog.h"
+#include "database/access/file.h"
 
 namespace veltrano {
 
@@ -63,13 +64,12 @@ class OpenFiles {
  public:
   std::shared_ptr<OpenFile> open(const std::filesystem::path& name, const Pager::Options& options,
                                  std::string& reason) {
-    const auto identity = fileIdentity(name);
-    if (identity) {
+    const auto number = access::fileNumber(name);
+    if (number) {
       const std::lock_guard lock(mutex_);
       std::erase_if(known_, [](const Known& known) { return known.file.expired(); });
       for (const Known& known : known_) {
-        if (known.device == identity->device && known.inode == identity->file &&
-            known.thread == std::this_thread::get_id()) {
+        if (known.number == *number && known.thread == std::this_thread::get_id()) {
           return share(known, options, reason);
         }
       }
@@ -80,17 +80,16 @@ class OpenFiles {
     }
     auto file = std::make_shared<OpenFile>();
     file->pager = std::move(pager);
-    if (identity) {
+    if (number) {
       const std::lock_guard lock(mutex_);
-      known_.push_back(
-          {identity->device, identity->file, std::this_thread::get_id(), options.password, file});
+      known_.push_back({*number, std::this_thread::get_id(), options.password, file});
     }
     return file;
   }
 
  private:
   struct Known {
-    std::uint64_t device, inode;
+    access::FileNumber number;
     std::thread::id thread;
     std::string password;
     std::weak_ptr<OpenFile> file;

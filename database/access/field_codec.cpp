@@ -183,9 +183,8 @@ std::optional<StoredValue> cellToStored(Pager& pager, const Column& column, std:
     return StoredValue{};
   }
   if (!column.isText()) {
-    return cell->size() < column.length && hasOneSize(column.type)
-               ? std::nullopt
-               : std::optional(StoredValue{false, *cell});
+    return cell->size() < column.length && hasOneSize(column.type) ? std::nullopt
+                                                                   : std::optional(StoredValue{false, *cell});
   }
   if (column.type == ColumnType::text) {
     return StoredValue{false, isJet3(pager.version()) ? *cell : expandStoredText(*cell, buffer)};

@@ -61,6 +61,16 @@ class FileSystem {
 
 FileSystem& systemFiles();
 
+/// What tells a file from every other one that exists at the same time, whatever names lead to it.
+struct FileNumber {
+  std::uint64_t device = 0;
+  std::uint64_t number = 0;
+  friend bool operator==(const FileNumber&, const FileNumber&) = default;
+};
+
+/// Nothing when there is no such file. Others may have it open meanwhile.
+std::optional<FileNumber> fileNumber(const std::filesystem::path& file);
+
 }  // namespace veltrano::access
 
 #endif

@@ -127,4 +127,12 @@ FileSystem& systemFiles() {
   return files;
 }
 
+std::optional<FileNumber> fileNumber(const std::filesystem::path& file) {
+  struct stat status = {};
+  if (::stat(file.c_str(), &status) != 0) {
+    return std::nullopt;
+  }
+  return FileNumber{static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
+}
+
 }  // namespace veltrano::access

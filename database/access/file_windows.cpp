@@ -137,4 +137,21 @@ FileSystem& systemFiles() {
   return files;
 }
 
+std::optional<FileNumber> fileNumber(const std::filesystem::path& file) {
+  // Asking for no access at all is allowed whatever another user has reserved.
+  const HANDLE handle = ::CreateFileW(file.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                      nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    return std::nullopt;
+  }
+  BY_HANDLE_FILE_INFORMATION info = {};
+  const bool known = ::GetFileInformationByHandle(handle, &info) != 0;
+  ::CloseHandle(handle);
+  if (!known) {
+    return std::nullopt;
+  }
+  return FileNumber{info.dwVolumeSerialNumber,
+                    (static_cast<std::uint64_t>(info.nFileIndexHigh) << 32) | info.nFileIndexLow};
+}
+
 }  // namespace veltrano::access

@@ -347,6 +347,19 @@ TEST_F(AccessSharing, ClosingOneLeavesTheOther) {
   EXPECT_TRUE(first_.OpenDB(name(), "", "p"));
 }
 
+TEST_F(AccessSharing, ACopyIsAnotherFile) {
+  const auto copy = temporaryFile("veltrano_sharing_copy.mdb");
+  second_.CloseDatabase();
+  first_.CloseDatabase();
+  std::filesystem::copy_file(file_, copy);
+  ASSERT_TRUE(first_.OpenDB(name(), "", "p") && first_.OpenTable("A"));
+  ASSERT_TRUE(second_.OpenDB(utf8(copy), "", "p") && second_.OpenTable("A"));
+  first_.Delete();
+  EXPECT_EQ(second_.ReadRecord_String("N"), "1");
+  second_.CloseDatabase();
+  std::filesystem::remove(copy);
+}
+
 TEST_F(AccessSharing, AnotherUserIsToldNo) {
   const auto opensElsewhere = [this] {
     bool opened = false;

@@ -99,14 +99,16 @@ TEST_F(Events, LetASinkCallTheObject) {
       callMethod(*pdf_.get(), L"PDFEndDoc");
     }
   };
-  callMethod(*pdf_.get(), L"PDFDrawRectangle", {Argument(1), Argument(1), Argument(1), Argument(1), Argument(5)});
+  callMethod(*pdf_.get(), L"PDFDrawRectangle",
+             {Argument(1), Argument(1), Argument(1), Argument(1), Argument(5)});
   callMethod(*pdf_.get(), L"PDFImage", {Argument(L"none"), Argument(1), Argument(1)});
   EXPECT_GE(sink.messages.size(), 5U);
 }
 
 TEST_F(Events, AreFoundByHostsThatEnumerate) {
   ComPointer<IConnectionPointContainer> container;
-  ASSERT_EQ(S_OK, pdf_->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(container.out())));
+  ASSERT_EQ(S_OK,
+            pdf_->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(container.out())));
   ComPointer<IEnumConnectionPoints> points;
   ASSERT_EQ(S_OK, container->EnumConnectionPoints(points.out()));
   ComPointer<IConnectionPoint> point;

@@ -1,5 +1,5 @@
-// Calls every member of every class, late and early bound, with plausible and with absurd arguments. Nothing may crash,
-// hang or leave a count behind; what comes back is a success or one of a dispatcher's refusals.
+// Calls every member of every class, late and early bound, with plausible and with absurd arguments. Nothing
+// may crash, hang or leave a count behind; what comes back is a success or one of a dispatcher's refusals.
 
 #include <gtest/gtest.h>
 
@@ -48,13 +48,36 @@ std::vector<Argument> absurdValues() {
   Argument wide = Argument::ofType(VT_I8);
   wide->llVal = std::numeric_limits<LONGLONG>::min();
   std::vector<Argument> values = {
-      Argument(), Argument::ofType(VT_NULL), Argument::omitted(), Argument(-1), Argument(0), Argument(1),
-      Argument(std::numeric_limits<int>::max()), Argument(std::numeric_limits<int>::min()),
-      Argument(std::numeric_limits<double>::quiet_NaN()), Argument(std::numeric_limits<double>::infinity()),
-      Argument(1e300), Argument(-1e-300), Argument(true), Argument(L""), Argument(L"text"), Argument(L"12"),
-      Argument(L"#FF"), Argument(L"<&>\u00e9\u4e00"), Argument(huge.c_str()), embeddedZero, nullText, nullReference,
-      nullTyped, nullArray, wide, multiDimensional(), Argument::doubles({}), Argument::doubles({1, 2, 3}),
-      {Argument(L"a"), {Argument(1)}}, Argument(static_cast<IUnknown*>(nullptr)),
+      Argument(),
+      Argument::ofType(VT_NULL),
+      Argument::omitted(),
+      Argument(-1),
+      Argument(0),
+      Argument(1),
+      Argument(std::numeric_limits<int>::max()),
+      Argument(std::numeric_limits<int>::min()),
+      Argument(std::numeric_limits<double>::quiet_NaN()),
+      Argument(std::numeric_limits<double>::infinity()),
+      Argument(1e300),
+      Argument(-1e-300),
+      Argument(true),
+      Argument(L""),
+      Argument(L"text"),
+      Argument(L"12"),
+      Argument(L"#FF"),
+      Argument(L"<&>\u00e9\u4e00"),
+      Argument(huge.c_str()),
+      embeddedZero,
+      nullText,
+      nullReference,
+      nullTyped,
+      nullArray,
+      wide,
+      multiDimensional(),
+      Argument::doubles({}),
+      Argument::doubles({1, 2, 3}),
+      {Argument(L"a"), {Argument(1)}},
+      Argument(static_cast<IUnknown*>(nullptr)),
       ComPointer<IDispatch>(new FakeObject(Argument(L"7"))).get(),
       ComPointer<IDispatch>(new FakeObject(Argument(), {Argument(1), Argument(L"x")})).get()};
   return values;
@@ -105,7 +128,8 @@ class EveryMember : public testing::TestWithParam<std::size_t> {
     const auto table = server::InterfaceTable::read(entry_, *dll_.typeLibrary().get());
     for (DISPID id = 1; table != nullptr; ++id) {
       const std::size_t before = members.size();
-      for (const WORD flags : {WORD{DISPATCH_PROPERTYGET}, WORD{DISPATCH_PROPERTYPUT}, WORD{DISPATCH_METHOD}}) {
+      for (const WORD flags :
+           {WORD{DISPATCH_PROPERTYGET}, WORD{DISPATCH_PROPERTYPUT}, WORD{DISPATCH_METHOD}}) {
         const server::Member* member = table->find(id, flags);
         if (member != nullptr && (members.empty() || members.back().slot != member->slot)) {
           members.push_back(*member);
@@ -125,7 +149,8 @@ TEST_P(EveryMember, SurvivesPlausibleArguments) {
   for (const server::Member& member : members()) {
     std::vector<Argument> arguments;
     for (const server::Parameter& parameter : member.parameters) {
-      arguments.push_back(takesAddresses(entry_, member) ? Argument(0) : plausible(parameter.type, folder / L"file"));
+      arguments.push_back(takesAddresses(entry_, member) ? Argument(0)
+                                                         : plausible(parameter.type, folder / L"file"));
     }
     EXPECT_EQ(S_OK, invoke(*object.get(), member, arguments)) << "member " << member.id;
   }
@@ -166,10 +191,11 @@ HRESULT callSlot(IDispatch& object, unsigned slot, void* argument, std::index_se
 }
 
 template <std::size_t... Count>
-HRESULT callSlot(IDispatch& object, unsigned slot, std::size_t count, void* argument, std::index_sequence<Count...>) {
+HRESULT callSlot(IDispatch& object, unsigned slot, std::size_t count, void* argument,
+                 std::index_sequence<Count...>) {
   HRESULT result = E_UNEXPECTED;
-  static_cast<void>(((count == Count && (result = callSlot(object, slot, argument, std::make_index_sequence<Count>()),
-                                         true)) ||
+  static_cast<void>(((count == Count &&
+                      (result = callSlot(object, slot, argument, std::make_index_sequence<Count>()), true)) ||
                      ...));
   return result;
 }

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_TESTS_SERVER_EXPECTED_INTERFACE_H
 #define VELTRANO_TESTS_SERVER_EXPECTED_INTERFACE_H
 
-// What hosts are promised, typed in by hand and never made from the IDL: the members of each interface in their order,
-// and the enumerations. One text a member:
+// What hosts are promised, typed in by hand and never made from the IDL: the members of each interface in
+// their order, and the enumerations. One text a member:
 //   "put name: type", "get name: type", "name(parameters): result"
 // Parameters are by reference; one in brackets may be omitted and then has the value behind "=".
 
@@ -103,7 +103,8 @@ inline const ExpectedInterface expectedInterfaces[] = {
          L"PDFImageWidth(pFileName: text): double",
          L"PDFImageHeight(pFileName: text): double",
          L"PDFInit()",
-         L"PDFImage(pFileName: text, X: double, y: double, [w: double = 0], [h: double = 0], [URLLink: text = ''])",
+         L"PDFImage(pFileName: text, X: double, y: double, [w: double = 0], [h: double = 0], [URLLink: text "
+         L"= ''])",
      }},
     {L"_VeltranoKML",
      {
@@ -111,7 +112,8 @@ inline const ExpectedInterface expectedInterfaces[] = {
          L"[IncludeGeneratedBy: flag = 0])",
          L"ClearPath()",
          L"CreatePathFromPlaceMarks(Size: short, pColor: text)",
-         L"CreatePathFromString(Size: short, pColor: text, PathData: text, PathName: text, [Line3D: flag = 0])",
+         L"CreatePathFromString(Size: short, pColor: text, PathData: text, PathName: text, [Line3D: flag = "
+         L"0])",
          L"CreateCameraOverlay(filename: text, X: double, y: double, Altitude: double, pName: text, "
          L"[visibility: text = '0'], [shape: text = 'rectangle'])",
          L"CreateGroundOverlay(filename: text, X: double, y: double, Altitude: double, pName: text, "
@@ -172,15 +174,18 @@ inline const ExpectedInterface expectedInterfaces[] = {
          L"SaveJPEGToMemory(ImageToSave: picture, [JPEGQuality: long = 50], [FixWidth: long = 0], "
          L"[FixHeight: long = 0]): text",
          L"LoadJPEGFromRAMToPicture(ArrayPointer: address, ArraySize: long, X: long, y: long): picture",
-         L"LoadJPEGFromRAM2Picture(Dest_hDC: address, ArrayPointer: address, ArraySize: long, X: long, y: long): "
+         L"LoadJPEGFromRAM2Picture(Dest_hDC: address, ArrayPointer: address, ArraySize: long, X: long, y: "
+         L"long): "
          L"flag",
          L"LoadJPEGFromRAM2PictureXY(Dest_hDC: address, ArrayPointer: address, ArraySize: long, x1: long, "
          L"Y1: long, X: long, y: long): flag",
-         L"SaveJPEGFromRAMToMemoryResampled(ImageToSave: text, [JPEGQuality: long = 50], [FixWidth: long = 0], "
+         L"SaveJPEGFromRAMToMemoryResampled(ImageToSave: text, [JPEGQuality: long = 50], [FixWidth: long = "
+         L"0], "
          L"[FixHeight: long = 0]): text",
          L"SaveJPEGToMemoryResampled(ImageToSave: text, [JPEGQuality: long = 50], [FixWidth: long = 0], "
          L"[FixHeight: long = 0]): text",
-         L"SaveJPEGResampled(ImageToSave: text, TargetFile: text, [JPEGQuality: long = 50], [FixWidth: long = 0], "
+         L"SaveJPEGResampled(ImageToSave: text, TargetFile: text, [JPEGQuality: long = 50], [FixWidth: long "
+         L"= 0], "
          L"[FixHeight: long = 0]): variant",
      }},
     {L"_VeltranoPNG",
@@ -198,7 +203,8 @@ inline const ExpectedInterface expectedInterfaces[] = {
 inline const ExpectedEnumeration expectedEnumerations[] = {
     {L"PDFUnitStr", {L"UNIT_PT=0", L"UNIT_MM=1", L"UNIT_CM=2"}},
     {L"PDFOrientationStr", {L"ORIENT_PAYSAGE=0", L"ORIENT_PORTRAIT=1"}},
-    {L"PDFFormatPgStr", {L"FORMAT_A4=0", L"FORMAT_A3=1", L"FORMAT_A5=2", L"FORMAT_LETTER=3", L"FORMAT_LEGAL=4"}},
+    {L"PDFFormatPgStr",
+     {L"FORMAT_A4=0", L"FORMAT_A3=1", L"FORMAT_A5=2", L"FORMAT_LETTER=3", L"FORMAT_LEGAL=4"}},
     {L"PDFZoomMd", {L"ZOOM_FULLPAGE=0", L"ZOOM_FULLWIDTH=1", L"ZOOM_REAL=2", L"ZOOM_DEFAULT=3"}},
     {L"PDFLayoutMd", {L"LAYOUT_SINGLE=0", L"LAYOUT_CONTINOUS=1", L"LAYOUT_TWO=2", L"LAYOUT_DEFAULT=3"}},
     {L"PDFViewerCst",
@@ -210,15 +216,16 @@ inline const ExpectedEnumeration expectedEnumerations[] = {
     {L"PDFFontStl", {L"FONT_NORMAL=0", L"FONT_ITALIC=1", L"FONT_BOLD=2", L"FONT_UNDERLINE=3"}},
     {L"PDFDrawMd", {L"DRAW_NORMAL=0", L"DRAW_DRAW=1", L"DRAW_DRAWBORDER=2"}},
     {L"PDFColorValue",
-     {L"COLOR_NONE=16777215", L"COLOR_NOIR=0", L"COLOR_BLEU=16711680", L"COLOR_VERT=65280", L"COLOR_CYAN=16776960",
-      L"COLOR_ROUGE=255", L"COLOR_MAGENTA=16711935", L"COLOR_JAUNE=65535", L"COLOR_BLANC=16777215"}},
+     {L"COLOR_NONE=16777215", L"COLOR_NOIR=0", L"COLOR_BLEU=16711680", L"COLOR_VERT=65280",
+      L"COLOR_CYAN=16776960", L"COLOR_ROUGE=255", L"COLOR_MAGENTA=16711935", L"COLOR_JAUNE=65535",
+      L"COLOR_BLANC=16777215"}},
     {L"PDFAlignValue", {L"ALIGN_CENTER=0", L"ALIGN_LEFT=1", L"ALIGN_RIGHT=2", L"ALIGN_FJUSTIFY=3"}},
     {L"PDFBorderValue",
      {L"BORDER_NONE=0", L"BORDER_ALL=1", L"BORDER_TOP=2", L"BORDER_BOTTOM=3", L"BORDER_LEFT=4",
       L"BORDER_RIGHT=5"}},
     {L"EventTypes",
-     {L"EVENTLOG_SUCCESS=0", L"EVENTLOG_ERROR_TYPE=1", L"EVENTLOG_WARNING_TYPE=2", L"EVENTLOG_INFORMATION_TYPE=4",
-      L"EVENTLOG_AUDIT_SUCCESS=8", L"EVENTLOG_AUDIT_FAILURE=10"}},
+     {L"EVENTLOG_SUCCESS=0", L"EVENTLOG_ERROR_TYPE=1", L"EVENTLOG_WARNING_TYPE=2",
+      L"EVENTLOG_INFORMATION_TYPE=4", L"EVENTLOG_AUDIT_SUCCESS=8", L"EVENTLOG_AUDIT_FAILURE=10"}},
 };
 
 }  // namespace veltrano::tests

@@ -42,7 +42,8 @@ STDMETHODIMP FakeObject::GetIDsOfNames(REFIID, OLECHAR** names, UINT, LCID, DISP
   return S_OK;
 }
 
-STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*, UINT*) {
+STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                                UINT*) {
   if (id == DISPID_VALUE) {
     return VariantCopy(result, value_.get());
   }
@@ -53,7 +54,8 @@ STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARI
 }
 
 STDMETHODIMP RecordingSink::QueryInterface(REFIID iid, void** object) {
-  return DispatchFake::QueryInterface(knowsEventInterface && iid == DIID___VeltranoPDF ? IID_IDispatch : iid, object);
+  return DispatchFake::QueryInterface(knowsEventInterface && iid == DIID___VeltranoPDF ? IID_IDispatch : iid,
+                                      object);
 }
 
 STDMETHODIMP RecordingSink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
@@ -71,7 +73,8 @@ STDMETHODIMP RecordingSink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* ar
 
 Connection::Connection(IUnknown& object, IUnknown& sink) {
   ComPointer<IConnectionPointContainer> container;
-  if (SUCCEEDED(object.QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(container.out()))) &&
+  if (SUCCEEDED(
+          object.QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(container.out()))) &&
       SUCCEEDED(container->FindConnectionPoint(DIID___VeltranoPDF, point_.out()))) {
     status_ = point_->Advise(&sink, &cookie_);
   }

@@ -39,7 +39,8 @@ class FakeObject final : public DispatchFake {
   explicit FakeObject(Argument value, std::vector<Argument> elements = {})
       : value_(std::move(value)), elements_(std::move(elements)) {}
   STDMETHODIMP GetIDsOfNames(REFIID, OLECHAR** names, UINT count, LCID, DISPID* ids) override;
-  STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*, UINT*) override;
+  STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
+                      UINT*) override;
 
  private:
   Argument value_;
@@ -51,7 +52,8 @@ class RecordingSink final : public DispatchFake {
  public:
   RecordingSink() { onHeap = false; }
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
-  STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*, UINT*) override;
+  STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
+                      UINT*) override;
 
   [[nodiscard]] std::wstring last() const { return messages.empty() ? std::wstring() : messages.back(); }
   void clear() { messages.clear(); }

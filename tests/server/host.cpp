@@ -41,8 +41,8 @@ Outcome invoke(IDispatch& object, const std::vector<const wchar_t*>& names, std:
   }
   DISPPARAMS parameters = {reversed.data(), named.data(), static_cast<UINT>(reversed.size()),
                            static_cast<UINT>(named.size())};
-  outcome.status = object.Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, outcome.result.get(),
-                                 nullptr, &outcome.wrong);
+  outcome.status = object.Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
+                                 outcome.result.get(), nullptr, &outcome.wrong);
   return outcome;
 }
 

@@ -47,7 +47,9 @@ class Dll {
     }
     return object;
   }
-  ComPointer<_VeltranoPDF> createPdf() const { return create<_VeltranoPDF>(CLSID_VeltranoPDF, IID__VeltranoPDF); }
+  ComPointer<_VeltranoPDF> createPdf() const {
+    return create<_VeltranoPDF>(CLSID_VeltranoPDF, IID__VeltranoPDF);
+  }
 
  private:
   std::filesystem::path file_;
@@ -97,7 +99,8 @@ struct Outcome {
 /// Calls a member by its name, arguments in their natural order.
 Outcome callMethod(IDispatch& object, const wchar_t* member, std::vector<Argument> arguments = {});
 Outcome getProperty(IDispatch& object, const wchar_t* member);
-Outcome putProperty(IDispatch& object, const wchar_t* member, Argument value, WORD flags = DISPATCH_PROPERTYPUT);
+Outcome putProperty(IDispatch& object, const wchar_t* member, Argument value,
+                    WORD flags = DISPATCH_PROPERTYPUT);
 /// The last `names.size()` arguments are named.
 Outcome callNamed(IDispatch& object, const wchar_t* member, std::vector<Argument> arguments,
                   std::vector<const wchar_t*> names);

@@ -24,8 +24,8 @@ class PortableExecutable {
 
   [[nodiscard]] std::set<std::string> imports() const {
     std::set<std::string> names;
-    for (DWORD entry = fileOffset(directory(IMAGE_DIRECTORY_ENTRY_IMPORT)); at<IMAGE_IMPORT_DESCRIPTOR>(entry).Name != 0;
-         entry += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
+    for (DWORD entry = fileOffset(directory(IMAGE_DIRECTORY_ENTRY_IMPORT));
+         at<IMAGE_IMPORT_DESCRIPTOR>(entry).Name != 0; entry += sizeof(IMAGE_IMPORT_DESCRIPTOR)) {
       std::string name = text(at<IMAGE_IMPORT_DESCRIPTOR>(entry).Name);
       std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
       names.insert(name);
@@ -46,12 +46,15 @@ class PortableExecutable {
   const T& at(std::size_t offset) const {
     return *reinterpret_cast<const T*>(bytes_.data() + offset);
   }
-  [[nodiscard]] DWORD directory(int index) const { return headers_->OptionalHeader.DataDirectory[index].VirtualAddress; }
+  [[nodiscard]] DWORD directory(int index) const {
+    return headers_->OptionalHeader.DataDirectory[index].VirtualAddress;
+  }
   [[nodiscard]] DWORD fileOffset(DWORD address) const {
     const auto* section = reinterpret_cast<const IMAGE_SECTION_HEADER*>(
         reinterpret_cast<const char*>(&headers_->OptionalHeader) + headers_->FileHeader.SizeOfOptionalHeader);
     for (WORD i = 0; i < headers_->FileHeader.NumberOfSections; ++i, ++section) {
-      if (address >= section->VirtualAddress && address < section->VirtualAddress + section->Misc.VirtualSize) {
+      if (address >= section->VirtualAddress &&
+          address < section->VirtualAddress + section->Misc.VirtualSize) {
         return address - section->VirtualAddress + section->PointerToRawData;
       }
     }
@@ -64,7 +67,7 @@ class PortableExecutable {
 };
 
 TEST(DllFile, ImportsWindowsAlone) {
-  const std::set<std::string> ofWindows = {"advapi32.dll", "gdi32.dll",   "kernel32.dll", "msvcrt.dll",
+  const std::set<std::string> ofWindows = {"advapi32.dll", "gdi32.dll",    "kernel32.dll", "msvcrt.dll",
                                            "ole32.dll",    "oleaut32.dll", "shell32.dll",  "shlwapi.dll",
                                            "user32.dll",   "version.dll"};
   for (const std::string& name : PortableExecutable(dllFile()).imports()) {
@@ -73,8 +76,8 @@ TEST(DllFile, ImportsWindowsAlone) {
 }
 
 TEST(DllFile, ExportsWhatHostsAskFor) {
-  const std::set<std::string> expected = {"DllCanUnloadNow", "DllGetClassObject", "DllInstall", "DllRegisterServer",
-                                          "DllUnregisterServer"};
+  const std::set<std::string> expected = {"DllCanUnloadNow", "DllGetClassObject", "DllInstall",
+                                          "DllRegisterServer", "DllUnregisterServer"};
   EXPECT_EQ(expected, PortableExecutable(dllFile()).exports());
 }
 

@@ -1,4 +1,5 @@
-// Late binding as script hosts do it: variables, literals, omitted and named arguments, and values of the wrong kind.
+// Late binding as script hosts do it: variables, literals, omitted and named arguments, and values of the
+// wrong kind.
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,8 @@ class LateBinding : public testing::Test {
 
   /// What CreatePathString makes of a value for its altitude: shows the double that arrived.
   std::wstring altitude(Argument value) {
-    const Outcome outcome = callMethod(*kml_.get(), L"CreatePathString", {Argument(0), Argument(0), std::move(value)});
+    const Outcome outcome =
+        callMethod(*kml_.get(), L"CreatePathString", {Argument(0), Argument(0), std::move(value)});
     return outcome.status == S_OK ? outcome.result.text() : L"error " + std::to_wstring(outcome.wrong);
   }
   /// What ChangeValue makes of a value for its text: shows the text that arrived.
@@ -75,11 +77,13 @@ TEST_F(LateBinding, SaysWhichArgumentHasNoCoercion) {
       callMethod(*kml_.get(), L"CreatePathString", {Argument(L"x"), Argument(0), Argument(0)});
   EXPECT_EQ(DISP_E_TYPEMISMATCH, first.status);
   EXPECT_EQ(2U, first.wrong);
-  EXPECT_EQ(DISP_E_OVERFLOW, callMethod(*pdf_.get(), L"PDFSetMargins", {Argument(70000), Argument(1)}).status);
+  EXPECT_EQ(DISP_E_OVERFLOW,
+            callMethod(*pdf_.get(), L"PDFSetMargins", {Argument(70000), Argument(1)}).status);
 }
 
 TEST_F(LateBinding, ChecksTheNumberOfArguments) {
-  EXPECT_EQ(DISP_E_BADPARAMCOUNT, callMethod(*kml_.get(), L"CreatePathString", {Argument(0), Argument(0)}).status);
+  EXPECT_EQ(DISP_E_BADPARAMCOUNT,
+            callMethod(*kml_.get(), L"CreatePathString", {Argument(0), Argument(0)}).status);
   EXPECT_EQ(DISP_E_BADPARAMCOUNT, callMethod(*kml_.get(), L"ClearPath", {Argument(0)}).status);
   EXPECT_EQ(DISP_E_BADPARAMCOUNT, callMethod(*pdf_.get(), L"PDFSetMargins").status);
   EXPECT_EQ(DISP_E_PARAMNOTOPTIONAL,
@@ -107,8 +111,9 @@ TEST_F(LateBinding, TakesNamedArguments) {
   EXPECT_EQ(L"1", getProperty(*pdf_.get(), L"PDFGetRightMargin").result.text());
   EXPECT_EQ(L"9", getProperty(*pdf_.get(), L"PDFGetBottomMargin").result.text());
   EXPECT_EQ(DISP_E_UNKNOWNNAME, callNamed(*pdf_.get(), L"PDFSetMargins", {Argument(1)}, {L"nothing"}).status);
-  EXPECT_EQ(DISP_E_PARAMNOTFOUND,
-            callNamed(*pdf_.get(), L"PDFSetMargins", {Argument(1), Argument(2), Argument(3)}, {L"in_left"}).status);
+  EXPECT_EQ(
+      DISP_E_PARAMNOTFOUND,
+      callNamed(*pdf_.get(), L"PDFSetMargins", {Argument(1), Argument(2), Argument(3)}, {L"in_left"}).status);
 }
 
 TEST_F(LateBinding, FindsMembersInAnyCaseAndOnlyThose) {
@@ -123,7 +128,8 @@ TEST_F(LateBinding, FindsMembersInAnyCaseAndOnlyThose) {
   EXPECT_EQ(DISPID_UNKNOWN, id);
   DISPPARAMS none = {};
   for (const DISPID wrong : {DISPID{DISPID_VALUE}, DISPID{-4}, DISPID{80}, DISPID{0x7FFFFFFF}}) {
-    EXPECT_EQ(DISP_E_MEMBERNOTFOUND, pdf_->Invoke(wrong, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
+    EXPECT_EQ(DISP_E_MEMBERNOTFOUND,
+              pdf_->Invoke(wrong, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr));
   }
   EXPECT_EQ(DISP_E_MEMBERNOTFOUND, getProperty(*pdf_.get(), L"PDFTitle").status);
   EXPECT_EQ(DISP_E_UNKNOWNINTERFACE,
@@ -167,7 +173,8 @@ TEST_F(LateBinding, TakesArraysOfArraysAndScriptLists) {
     return file.substr(std::min(file.find("%DEBUT_POLY/%"), file.size()),
                        file.find("%FIN_POLY/%") - file.find("%DEBUT_POLY/%"));
   };
-  const std::string arrays = polygon({{Argument(1), Argument(2)}, Argument::doubles({3, 4}), {Argument(5), Argument(6)}});
+  const std::string arrays =
+      polygon({{Argument(1), Argument(2)}, Argument::doubles({3, 4}), {Argument(5), Argument(6)}});
   EXPECT_NE(std::string::npos, arrays.find("85.04 728.50 l")) << arrays;
   const ComPointer<IDispatch> list(new FakeObject(Argument(L"3,4"), {Argument(3), Argument(4)}));
   EXPECT_EQ(arrays, polygon({{Argument(1), Argument(2)}, list.get(), {Argument(5), Argument(6)}}));
@@ -180,9 +187,10 @@ TEST_F(LateBinding, WritesResultsBackToTheVariablesOfTheHost) {
   putProperty(*pdf_.get(), L"PDFSetUnit", Argument(0));
   callMethod(*pdf_.get(), L"PDFBeginDoc");
   const auto place = [&](Argument w, Argument h) {
-    EXPECT_EQ(S_OK, callMethod(*pdf_.get(), L"PDFImage",
-                               {Argument(image.c_str()), Argument(1), Argument(1), std::move(w), std::move(h)})
-                        .status);
+    EXPECT_EQ(S_OK,
+              callMethod(*pdf_.get(), L"PDFImage",
+                         {Argument(image.c_str()), Argument(1), Argument(1), std::move(w), std::move(h)})
+                  .status);
   };
   Argument width(10);
   Argument height;

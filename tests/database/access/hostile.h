@@ -48,7 +48,8 @@ inline void useHostileFile(const std::filesystem::path& path, FileSystem& files)
       recordset.moveFirst();
       change == 0 ? recordset.addNew() : recordset.edit();
       for (const Column& column : columns) {
-        recordset.write(column.name, Value(column.isLongValue() ? std::string(change == 0 ? 5000 : 70, 'x') : std::string("1")));
+        recordset.write(column.name, Value(column.isLongValue() ? std::string(change == 0 ? 5000 : 70, 'x')
+                                                                : std::string("1")));
       }
       recordset.update();
       recordset.remove();

@@ -1,0 +1,88 @@
+// Between variants and values, both ways.
+
+#include "server/conversions.h"
+
+#include <gtest/gtest.h>
+
+#include "host.h"
+
+namespace veltrano::tests {
+
+namespace {
+
+using server::TextForm;
+
+Value valueOf(Argument argument) {
+  return server::value(argument.get(), TextForm::ansi);
+}
+
+TEST(Conversions, KeepTheKind) {
+  Argument date = Argument::ofType(VT_DATE);
+  date->date = 2.5;
+  Argument currency = Argument::ofType(VT_CY);
+  currency->cyVal.int64 = 12345;
+  Argument unsignedLong = Argument::ofType(VT_UI4);
+  unsignedLong->ulVal = 0xFFFFFFFF;
+  EXPECT_EQ(Value(), valueOf(Argument()));
+  EXPECT_EQ(Value(Null{}), valueOf(Argument::ofType(VT_NULL)));
+  EXPECT_EQ(Value(true), valueOf(true));
+  EXPECT_EQ(Value(7), valueOf(7));
+  EXPECT_EQ(Value(std::int64_t{4294967295}), valueOf(unsignedLong));
+  EXPECT_EQ(Value(0.5), valueOf(0.5));
+  EXPECT_EQ(Value(Date{2.5}), valueOf(date));
+  EXPECT_EQ(Value(Currency{12345}), valueOf(currency));
+  EXPECT_EQ(Value("\xE9"), valueOf(L"\u00e9"));
+  EXPECT_EQ(Value("\xC3\xA9"), server::value(Argument(L"\u00e9").get(), TextForm::utf8));
+  EXPECT_EQ(Value(Value::Doubles{1, 2}), valueOf(Argument::doubles({1, 2})));
+  EXPECT_EQ(Value(Value::List{1, Value::List{"a"}}), valueOf({Argument(1), {Argument(L"a")}}));
+  Argument itself;
+  itself->vt = VT_BYREF | VT_VARIANT;
+  itself->pvarVal = itself.get();
+  EXPECT_EQ(Value(Opaque{}), server::value(itself.get(), TextForm::ansi));
+  itself->vt = VT_EMPTY;
+}
+
+TEST(Conversions, ReadArraysOfAnyTypeAndDimension) {
+  SAFEARRAYBOUND bounds[] = {{2, 1}, {3, 0}};
+  Argument matrix = Argument::ofType(VT_ARRAY | VT_I2);
+  matrix->parray = SafeArrayCreate(VT_I2, 2, bounds);
+  for (LONG row = 0; row < 2; ++row) {
+    for (LONG column = 0; column < 3; ++column) {
+      LONG index[] = {row + 1, column};
+      SHORT number = static_cast<SHORT>(10 * row + column);
+      SafeArrayPutElement(matrix->parray, index, &number);
+    }
+  }
+  EXPECT_EQ(Value(Value::List{Value::List{0, 1, 2}, Value::List{10, 11, 12}}), valueOf(matrix));
+}
+
+TEST(Conversions, AnswerListsThatScriptsCanTakeApart) {
+  Argument result;
+  server::answer(result.get(), Value(Value::List{"a", Value()}), TextForm::ansi);
+  ASSERT_EQ(VT_ARRAY | VT_VARIANT, result->vt);
+  EXPECT_EQ(Value(Value::List{"a", Value()}), valueOf(result));
+  Argument none;
+  server::answer(none.get(), Value(Value::List{}), TextForm::ansi);
+  LONG upper = 5;
+  EXPECT_EQ(S_OK, SafeArrayGetUBound(none->parray, 1, &upper));
+  EXPECT_EQ(-1, upper);
+}
+
+TEST(Conversions, CarryEveryByteAndEmbeddedZeros) {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) {
+    bytes += static_cast<char>(byte);
+  }
+  BSTR text = server::newText(bytes, TextForm::ansi);
+  EXPECT_EQ(256U, SysStringLen(text));
+  EXPECT_EQ(bytes, server::ansi(&text));
+  EXPECT_TRUE(server::path(&text).empty()) << "no file has a name with a zero in it";
+  SysFreeString(text);
+  EXPECT_EQ("", server::ansi(nullptr));
+  BSTR nothing = nullptr;
+  EXPECT_EQ("", server::utf8(&nothing));
+}
+
+}  // namespace
+
+}  // namespace veltrano::tests

@@ -1,0 +1,217 @@
+// The registered server: creation by program id, other apartments, activation without registration, and what
+// registration leaves in the registry. Run in a Wine prefix of its own.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <thread>
+
+#include "fake_objects.h"
+#include "host.h"
+#include "server/class_table.h"
+
+namespace veltrano::tests {
+
+namespace {
+
+class ComApartment {
+ public:
+  ComApartment() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
+  ComApartment(const ComApartment&) = delete;
+  ComApartment& operator=(const ComApartment&) = delete;
+  ComApartment(ComApartment&&) = delete;
+  ComApartment& operator=(ComApartment&&) = delete;
+  ~ComApartment() { CoUninitialize(); }
+};
+
+/// Every key and value below a key: path and data.
+using Snapshot = std::map<std::wstring, std::wstring>;
+
+void addKey(Snapshot& snapshot, HKEY parent, const std::wstring& name, const std::wstring& path) {
+  HKEY key = nullptr;
+  if (RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS) {
+    return;
+  }
+  snapshot[path] = L"";
+  wchar_t text[1024];
+  wchar_t data[1024];
+  for (DWORD i = 0;; ++i) {
+    DWORD length = 1024;
+    DWORD size = sizeof data - 2;
+    const LSTATUS status =
+        RegEnumValueW(key, i, text, &length, nullptr, nullptr, reinterpret_cast<BYTE*>(data), &size);
+    if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) {
+      break;
+    }
+    snapshot[path + L"@" + text] = status == ERROR_SUCCESS ? std::wstring(data, size / 2) : L"long";
+  }
+  for (DWORD i = 0, length = 1024;
+       RegEnumKeyExW(key, i, text, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+       ++i, length = 1024) {
+    addKey(snapshot, key, text, path + L"\\" + text);
+  }
+  RegCloseKey(key);
+}
+
+/// The classes of all users and of this one. The 32-bit view lies within the 64-bit one.
+Snapshot registrySnapshot() {
+  Snapshot snapshot;
+  addKey(snapshot, HKEY_LOCAL_MACHINE, L"Software\\Classes", L":machine");
+  addKey(snapshot, HKEY_CURRENT_USER, L"Software\\Classes", L":user");
+  return snapshot;
+}
+
+std::vector<std::wstring> differences(const Snapshot& before, const Snapshot& after) {
+  std::vector<std::wstring> found;
+  for (const auto& [key, data] : after) {
+    const auto old = before.find(key);
+    if (old == before.end() || old->second != data) {
+      found.push_back(L"+ " + key + L" = " + data);
+    }
+  }
+  for (const auto& [key, data] : before) {
+    if (after.find(key) == after.end()) {
+      found.push_back(L"- " + key);
+    }
+  }
+  return found;
+}
+
+ComPointer<IDispatch> createByName(const std::wstring& programId) {
+  CLSID clsid = {};
+  ComPointer<IDispatch> object;
+  if (SUCCEEDED(CLSIDFromProgID(programId.c_str(), &clsid))) {
+    CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                     reinterpret_cast<void**>(object.out()));
+  }
+  return object;
+}
+
+/// A copy of the DLL in a folder with a name that needs care.
+std::filesystem::path copyDll(const Folder& folder) {
+  std::filesystem::copy_file(dllFile(), folder / L"VeltranoFrameWorkDLL.dll");
+  return folder / L"VeltranoFrameWorkDLL.dll";
+}
+
+TEST(Registered, LeavesNothingBehindAndMovesWithItsFolder) {
+  const ComApartment apartment;
+  const Folder folder(L"a folder with blanks \u00e9\u4e00");
+  const Dll here;
+  const Dll there(copyDll(folder));
+  ASSERT_TRUE(there.loaded());
+  here.call("DllUnregisterServer");
+  const Snapshot before = registrySnapshot();
+  EXPECT_FALSE(createByName(L"VeltranoFrameWorkDLL.VeltranoPDF"));
+
+  ASSERT_EQ(S_OK, here.call("DllRegisterServer"));
+  ASSERT_EQ(S_OK, there.call("DllRegisterServer"));
+  std::wstring registered(MAX_PATH, L'\0');
+  DWORD size = MAX_PATH * 2;
+  const std::wstring key = L"CLSID\\{5F1B6A11-2817-4F83-ACD0-8E3236C2F6A2}\\InprocServer32";
+  ASSERT_EQ(ERROR_SUCCESS, RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr,
+                                        registered.data(), &size));
+  EXPECT_EQ((folder / L"VeltranoFrameWorkDLL.dll").wstring(), registered.c_str());
+  for (const server::ClassEntry& entry : server::classTable()) {
+    EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name));
+    EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name + L".1"));
+  }
+  CoFreeUnusedLibrariesEx(0, 0);
+
+  ASSERT_EQ(S_OK, there.call("DllUnregisterServer"));
+  EXPECT_EQ(std::vector<std::wstring>(), differences(before, registrySnapshot()));
+  ASSERT_EQ(S_OK, here.call("DllRegisterServer"));
+}
+
+TEST(Registered, ForOneUserTouchesThatUserAlone) {
+  const Dll dll;
+  dll.call("DllUnregisterServer");
+  // Windows has this key for every user.
+  HKEY classes = nullptr;
+  RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes", 0, nullptr, 0, KEY_READ, nullptr, &classes,
+                  nullptr);
+  RegCloseKey(classes);
+  const Snapshot before = registrySnapshot();
+  ASSERT_EQ(S_OK, dll.install(true, L"User"));
+  const auto added = differences(before, registrySnapshot());
+  EXPECT_FALSE(added.empty());
+  for (const std::wstring& difference : added) {
+    EXPECT_NE(std::wstring::npos, difference.find(L":user")) << "a key for all users was touched";
+  }
+  ASSERT_EQ(S_OK, dll.install(false, L"user"));
+  EXPECT_EQ(std::vector<std::wstring>(), differences(before, registrySnapshot()));
+  ASSERT_EQ(S_OK, dll.call("DllRegisterServer"));
+}
+
+TEST(Registered, OffersItsTypeLibrary) {
+  ComPointer<ITypeLib> library;
+  EXPECT_EQ(S_OK, LoadRegTypeLib(LIBID_VeltranoFrameWorkDLL, 1, 0, 0, library.out()));
+}
+
+TEST(Registered, IsCalledFromAnotherApartment) {
+  const ComApartment apartment;
+  const ComPointer<IDispatch> object = createByName(L"VeltranoFrameWorkDLL.VeltranoPDF");
+  ASSERT_TRUE(object);
+  IStream* stream = nullptr;
+  ASSERT_EQ(S_OK, CoMarshalInterThreadInterfaceInStream(IID__VeltranoPDF, object.get(), &stream));
+  DWORD worker = 0;
+  HRESULT early = E_UNEXPECTED;
+  Outcome late;
+  std::wstring unit;
+  std::thread other([&] {
+    const ComApartment own;
+    ComPointer<_VeltranoPDF> pdf;
+    early = CoGetInterfaceAndReleaseStream(stream, IID__VeltranoPDF, reinterpret_cast<void**>(pdf.out()));
+    if (pdf) {
+      // Early bound through the type library's marshaller, then late bound.
+      short left = 7;
+      short top = 8;
+      short same = -1;
+      early = pdf->PDFSetMargins(&left, &top, &same, &same);
+      BSTR text = nullptr;
+      pdf->get_PDFGetUnit(&text);
+      unit.assign(text, SysStringLen(text));
+      SysFreeString(text);
+      late = getProperty(*pdf.get(), L"PDFGetRightMargin");
+    }
+    pdf = {};
+    PostThreadMessageW(worker, WM_QUIT, 0, 0);
+  });
+  worker = GetCurrentThreadId();
+  for (MSG message = {}; GetMessageW(&message, nullptr, 0, 0) > 0;) {
+    DispatchMessageW(&message);
+  }
+  other.join();
+  EXPECT_EQ(S_OK, early);
+  EXPECT_EQ(L"cm", unit);
+  EXPECT_EQ(S_OK, late.status);
+  EXPECT_EQ(L"7", late.result.text());
+}
+
+TEST(Registered, IsNotNeededWithTheManifest) {
+  const ComApartment apartment;
+  const Dll registered;
+  registered.call("DllUnregisterServer");
+  const Folder folder(L"beside the program");
+  copyDll(folder);
+  const std::wstring manifest = L"VeltranoFrameWorkDLL.X.manifest";
+  std::filesystem::copy_file(dllFile().parent_path() / manifest, folder / manifest);
+  const std::wstring source = folder / manifest;
+  ACTCTXW description = {};
+  description.cbSize = sizeof description;
+  description.lpSource = source.c_str();
+  const HANDLE context = CreateActCtxW(&description);
+  ASSERT_NE(INVALID_HANDLE_VALUE, context);
+  ULONG_PTR cookie = 0;
+  ASSERT_TRUE(ActivateActCtx(context, &cookie));
+  for (const server::ClassEntry& entry : server::classTable()) {
+    EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name));
+  }
+  DeactivateActCtx(0, cookie);
+  ReleaseActCtx(context);
+  CoFreeUnusedLibrariesEx(0, 0);
+  registered.call("DllRegisterServer");
+}
+
+}  // namespace
+
+}  // namespace veltrano::tests
