@@ -228,16 +228,17 @@ std::unique_ptr<RawOutput> RawOutput::createNew(const std::filesystem::path& fil
 }
 
 std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file) {
-  const FileHandle handle =
-      openFile(file, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING);
-  BY_HANDLE_FILE_INFORMATION info = {};
-  if (!handle || GetFileInformationByHandle(handle.get(), &info) == 0) {
+  // One call without opening the file, since measured cells ask for this each time. The time of creation
+  // stands for the file's number: a file that takes another's place was made later.
+  WIN32_FILE_ATTRIBUTE_DATA info = {};
+  if (GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &info) == 0 ||
+      (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
     return std::nullopt;
   }
-  const auto join = [](DWORD high, DWORD low) { return (static_cast<std::uint64_t>(high) << 32) | low; };
   const std::int64_t modified = nanoseconds(info.ftLastWriteTime);
-  return FileIdentity{info.dwVolumeSerialNumber, join(info.nFileIndexHigh, info.nFileIndexLow),
-                      join(info.nFileSizeHigh, info.nFileSizeLow), modified, modified};
+  return FileIdentity{0, static_cast<std::uint64_t>(nanoseconds(info.ftCreationTime)),
+                      (static_cast<std::uint64_t>(info.nFileSizeHigh) << 32) | info.nFileSizeLow, modified,
+                      modified};
 }
 
 std::int64_t fileClockNow() {

@@ -1,5 +1,7 @@
 #include <dlfcn.h>
 
+#include <algorithm>
+
 #include "base/files.h"
 #include "base/host.h"
 
@@ -7,9 +9,23 @@ namespace veltrano {
 
 namespace {
 
+constexpr const char* sharedMetrics = "share/veltranoframework/metrics";
+
 std::filesystem::path executable() {
   std::error_code error;
   return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+bool holdsMetrics(const std::filesystem::path& folder) {
+  const auto files = listFiles(folder);
+  return files && std::ranges::any_of(*files, [](const auto& file) { return file.extension() == ".afm"; });
+}
+
+/// The folder that the installation's lib, include and share stand in; empty when the program was linked with
+/// a library that is not installed.
+std::filesystem::path& installation() {
+  static std::filesystem::path folder;
+  return folder;
 }
 
 }  // namespace
@@ -30,6 +46,24 @@ std::filesystem::path libraryFolder() {
     return (error ? file : real).parent_path();
   }();
   return folder;
+}
+
+bool setInstallation(const char* header) {
+  std::error_code error;
+  const auto path = std::filesystem::absolute(header, error).lexically_normal();
+  // <installation>/include/veltranoframework/base/installed.h
+  installation() = path.parent_path().parent_path().parent_path().parent_path();
+  return true;
+}
+
+std::filesystem::path metricsFolder() {
+  auto own = libraryFolder();
+  for (const auto& folder : {own, own.parent_path() / sharedMetrics, installation() / sharedMetrics}) {
+    if (holdsMetrics(folder)) {
+      return folder;
+    }
+  }
+  return own;
 }
 
 std::string hostApplicationName() {

@@ -59,6 +59,15 @@ std::filesystem::path libraryFolder() {
   return modulePath(module).parent_path();
 }
 
+// Beside the library, always: that is how it is installed and how it is carried without installation.
+std::filesystem::path metricsFolder() {
+  return libraryFolder();
+}
+
+bool setInstallation(const char*) {
+  return true;
+}
+
 std::string hostApplicationName() {
   const auto executable = modulePath(nullptr);
   const std::wstring product = productName(executable);

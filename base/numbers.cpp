@@ -186,7 +186,9 @@ bool generalQuickly(NumberText& text, double value) {
   if (!(magnitude >= smallestPlain && magnitude < largest)) {
     return false;
   }
-  const auto scaled = static_cast<std::int64_t>(magnitude * static_cast<double>(unit) + 0.5);
+  // Any candidate will do, as the division below judges it; lround would take as long as all the rest.
+  const auto scaled =
+      static_cast<std::int64_t>(magnitude * unit + 0.5);  // NOLINT(bugprone-incorrect-roundings)
   if (static_cast<double>(scaled) / static_cast<double>(unit) != magnitude) {
     return false;
   }

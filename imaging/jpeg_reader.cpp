@@ -13,7 +13,7 @@ namespace {
 // An image of many scans costs time and memory for its whole size on each of them, while a scan can be a few
 // bytes long. Real files have about ten.
 constexpr int scanLimit = 500;
-constexpr std::uint64_t scannedPixelLimit = std::uint64_t{1} << 36;
+constexpr std::uint64_t scannedPixelLimit = std::uint64_t{1} << 34;
 constexpr long codecMemoryLimit = 0x7FFFFFFF;
 // A Huffman-coded block of 64 samples takes at least one bit, and subsampling spreads it over at most 16
 // times as many pixels: more than this many pixels a byte cannot be meant.

@@ -4,6 +4,7 @@
 // Font metrics as AFM files hold them, and the widths of texts made of them.
 
 #include <array>
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <memory>
@@ -66,6 +67,8 @@ class MetricsCache {
     std::filesystem::path file;
     std::optional<FileIdentity> identity;
     bool trusted = false;  ///< an equal identity means equal content
+    std::chrono::steady_clock::time_point lookedAt;
+    std::chrono::steady_clock::duration shortestLook = std::chrono::steady_clock::duration::max();
     FontMetrics metrics;
   };
 

@@ -59,7 +59,7 @@ std::optional<ImageRecord> VeltranoPDF::parseJpegFile(const std::filesystem::pat
   }
   // The bytes are read once and used for both, the scan and the stream: should the file be replaced
   // meanwhile, they still belong together.
-  JpegScan scan = scanJpeg(bytes.value_or(std::string()), yieldToHost);
+  JpegScan scan = scanJpeg(bytes ? std::string_view(*bytes) : std::string_view(), yieldToHost);
   if (!scan.header) {
     raise(scan.message);
     return std::nullopt;

@@ -87,7 +87,9 @@ void VeltranoPDF::PDFLink(double x, double y, std::string_view text, std::string
     const double startX = x == 0 ? settledX() : x;
     const double startY = y == 0 ? geometry_.currentY : y;
     PDFTextOut(text, startX, startY);
-    const FontMetrics& metrics = fonts_.currentMetrics();
+    // The underline has just been measured.
+    const FontMetrics* known = fonts_.metrics.knownMetrics(fonts_.afmPath, fonts_.currentFontName);
+    const FontMetrics& metrics = known != nullptr ? *known : fonts_.currentMetrics();
     area = textArea(metrics, geometry_.xPoints(startX), geometry_.yPoints(startY),
                     metrics.width(text, fonts_.fontSize), fonts_.fontSize,
                     TextDirection::fromDegrees(-fonts_.rotation));

@@ -7,10 +7,10 @@
 namespace veltrano {
 
 void OutputText::addBlock() {
-  blocks_.push_back(std::make_unique_for_overwrite<char[]>(blockSize_));
+  blocks_.push_back(allocateBlock(blockSize_));
   next_ = blocks_.back().get();
   room_ = blockSize_;
-  blockSize_ = std::min(blockSize_ * 2, largestBlockSize);
+  blockSize_ = std::min(blockSize_ * blockGrowth, largestBlockSize);
 }
 
 void OutputText::append(std::string_view text) {

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/memory.h"
+
 namespace veltrano {
 
 class OutputText {
@@ -29,7 +31,7 @@ class OutputText {
  private:
   void addBlock();
 
-  std::vector<std::unique_ptr<char[]>> blocks_;
+  std::vector<MemoryBlock> blocks_;
   std::vector<std::shared_ptr<const std::string>> shared_;
   std::vector<std::string_view> pieces_;
   char* next_ = nullptr;  ///< where the newest block goes on
@@ -37,9 +39,12 @@ class OutputText {
   std::size_t blockSize_ = firstBlockSize;
   std::uint64_t size_ = 0;
 
-  /// Blocks double up to a size at which neither their number nor the unused rest of the last one matters.
+  /// Blocks grow up to a size at which neither their number nor the unused rest of the last one matters. By
+  /// more than doubling: a heap gives a document's memory back to the system, to be fetched anew for the next
+  /// document, when more is freed at once than twice the largest block.
   static constexpr std::size_t firstBlockSize = std::size_t{64} << 10;
-  static constexpr std::size_t largestBlockSize = std::size_t{4} << 20;
+  static constexpr std::size_t blockGrowth = 4;
+  static constexpr std::size_t largestBlockSize = std::size_t{16} << 20;
 };
 
 }  // namespace veltrano

@@ -28,6 +28,11 @@ double VeltranoPDF::settledX() {
 /// current position is in mixed units, as hosts rely on.
 void VeltranoPDF::advanceBehind(std::string_view text, double x) {
   PendingAdvance& pending = fonts_.pendingAdvance;
+  if (text.empty()) {  // as it is for every link over a shape
+    pending.waiting = false;
+    geometry_.currentX = x;
+    return;
+  }
   pending.waiting = fonts_.metrics.knownMetrics(fonts_.afmPath, fonts_.currentFontName) != nullptr;
   if (!pending.waiting) {
     geometry_.currentX = x + fonts_.currentMetrics().width(text, fonts_.fontSize);
@@ -81,7 +86,7 @@ void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
   const bool rotated = fonts_.rotation != 0;
   const TextDirection direction = rotated ? TextDirection::fromDegrees(-fonts_.rotation) : TextDirection();
   std::string underline;
-  if (fonts_.underlineFlag) {
+  if (fonts_.underlineFlag && !text.empty()) {
     const FontMetrics& metrics = fonts_.currentMetrics();
     appendUnderline(underline, metrics, fonts_.fontSize, left, baseline, metrics.width(text, fonts_.fontSize),
                     direction);

@@ -17,7 +17,7 @@ void VeltranoPDF::raise(std::string_view message) {
 }
 
 void VeltranoPDF::PDFInit() {
-  if (fonts_.afmPath.empty()) fonts_.afmPath = libraryFolder();
+  if (fonts_.afmPath.empty()) fonts_.afmPath = metricsFolder();
   PDFLoadAfm(fonts_.afmPath);
 
   const int pageCount = assembly_.pageCount;

@@ -40,6 +40,9 @@
 #include "pdf/line_breaking.h"
 #include "pdf/links.h"
 #include "pdf/page_geometry.h"
+#ifdef VELTRANO_INSTALLED
+#include "base/installed.h"
+#endif
 
 namespace veltrano {
 

@@ -168,7 +168,7 @@ void Report::cover(const std::optional<fs::path>& photo, std::size_t orders) {
   pdf_.PDFSetBorder(BORDER_NONE);
   pdf_.PDFSetAlignement(ALIGN_FJUSTIFY);
   pdf_.PDFCell(
-      "This report was written by a program of two hundred lines. It holds " + std::to_string(orders) +
+      "This report was written by a program that comes with the library. It holds " + std::to_string(orders) +
           utf8ToAnsi(" orders, read from a file of separated values whose names carry their accents "
                      "(Renée, Jürgen, Anaïs), and shows what the library draws: lines, shapes, colours, "
                      "aligned and justified cells, pictures, links and bookmarks."),

@@ -28,7 +28,7 @@ pdf.PDFSetUnit = UNIT_MM
 pdf.PDFFormatPage = FORMAT_A4
 pdf.PDFOrientation = PORTRAIT
 pdf.PDFSetMargins 15, 15
-pdf.PDFSetCellMargin = 2
+pdf.PDFSetCellMargin = 4                ' points, whatever the unit
 pdf.PDFSetZoomMode = 0
 pdf.PDFSetLayoutMode = 0
 pdf.PDFUseOutlines = True
@@ -130,7 +130,8 @@ Function TableHead(page)
     pdf.PDFSetLineColor = "#17365D"
     pdf.PDFSetLineWidth = 0.4
     pdf.PDFDrawLineHor 15, 23, 180
-    pdf.PDFSetLineWidth = 0.15
+    pdf.PDFSetLineWidth = 0.15          ' the boxes of cells keep the width that was stroked last
+    pdf.PDFDrawLineHor 15, 24, 180
     pdf.PDFSetTextColor = "#FFFFFF"
     pdf.PDFSetFont ARIAL, 9, BOLD
     pdf.PDFSetFill = True

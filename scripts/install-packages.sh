@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a task needs and the machine lacks. Silent and instant when nothing is missing.
-#   scripts/install-packages.sh native|windows|benchmarks ...
+#   scripts/install-packages.sh native|windows|benchmarks|packages ...
 # As root it works as it is, otherwise through sudo. Exits 1 with one line when a package cannot be had.
 set -eu
 
 native=(g++ cmake ninja-build ccache pkg-config git python3 util-linux
         libpugixml-dev libpng-dev libjpeg62-turbo-dev libturbojpeg0-dev libgtest-dev libgmock-dev
-        clang-format clang-tidy poppler-utils mupdf-tools qpdf libxml2-utils libxml2-dev pngcheck mdbtools)
+        clang-format clang-tidy poppler-utils mupdf-tools qpdf libxml2-utils libxml2-dev pngcheck mdbtools imagemagick)
 windows=(wine wine32:i386 wine64 libwine-dev g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools
          libz-mingw-w64-dev googletest nasm dpkg-dev)
+packages=(wixl zip unzip)
 benchmarks=(libbenchmark-dev libhpdf-dev libkml-dev libpixman-1-dev libiniparser-dev libsimpleini-dev)
 
 wanted=()
@@ -17,6 +18,7 @@ for group in "$@"; do
     native) wanted+=("${native[@]}") ;;
     windows) wanted+=("${windows[@]}") ;;
     benchmarks) wanted+=("${benchmarks[@]}") ;;
+    packages) wanted+=("${packages[@]}") ;;
     *) echo "install-packages: unknown group '$group'" >&2; exit 2 ;;
   esac
 done

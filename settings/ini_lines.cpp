@@ -1,7 +1,9 @@
 #include "settings/ini_lines.h"
 
+#include <bit>
 #include <cstring>
 
+#include "base/byte_lanes.h"
 #include "base/code_page.h"
 
 namespace veltrano {
@@ -24,25 +26,29 @@ std::size_t lineEnd(std::string_view text, std::size_t from) {
   return end == std::string_view::npos ? text.size() : end;
 }
 
+/// The bit that all forms of a character may differ in; zero when it has one form only. Nothing when they
+/// differ in more.
+std::optional<char> caseBitOf(char lowered) {
+  const auto& lower = ansiLowerTable();
+  unsigned difference = 0;
+  for (std::size_t c = 0; c < lower.size(); ++c) {
+    if (lower[c] == lowered) {
+      difference |= static_cast<unsigned>(c) ^ indexOf(lowered);
+    }
+  }
+  return std::has_single_bit(difference) || difference == 0 ? std::optional(static_cast<char>(difference))
+                                                            : std::nullopt;
+}
+
 }  // namespace
 
 IniKey::IniKey(std::string_view key) : lowered_(ansiLower(key) + '=') {
-  probes_.fill({key.size(), '=', '='});
-  // The last characters tell keys apart best ("Server1", "Server2"). A letter with a third form cannot be
-  // probed.
-  const auto& lower = ansiLowerTable();
+  probes_.fill({key.size(), '=', '\0'});
+  // The last characters tell keys apart best ("Server1", "Server2").
   std::size_t found = 0;
   for (std::size_t i = key.size(); i-- > 0 && found < probes_.size();) {
-    Probe probe = {i, lowered_[i], lowered_[i]};
-    int others = 0;
-    for (std::size_t c = 0; c < lower.size(); ++c) {
-      if (lower[c] == lowered_[i] && static_cast<char>(c) != lowered_[i]) {
-        probe.upper = static_cast<char>(c);
-        ++others;
-      }
-    }
-    if (others <= 1) {
-      probes_[found++] = probe;
+    if (const auto bit = caseBitOf(lowered_[i])) {
+      probes_[found++] = {i, static_cast<char>(lowered_[i] | *bit), *bit};
     }
   }
 }
@@ -60,23 +66,20 @@ bool IniKey::standsAt(std::string_view text, std::size_t begin) const {
   return true;
 }
 
-/// False when no line of the key begins at block + 1 to block + blockSize. Without branches, so that the
-/// compiler compares many bytes at once: that makes the search as fast as memory, however short the lines
-/// are.
+/// False when no line of the key begins at block + 1 to block + blockSize. Three characters of a line are
+/// enough to rule out nearly all others, and as many bytes as the processor can compare at once make the
+/// search as fast as memory, however short the lines are.
 bool IniKey::mayBeginIn(const char* block) const {
+  const char* const sign = block + lowered_.size();
   const char* const first = block + 1 + probes_[0].offset;
   const char* const second = block + 1 + probes_[1].offset;
-  const char* const sign = block + lowered_.size();
-  const Probe a = probes_[0];
-  const Probe b = probes_[1];
-  unsigned char any = 0;
-  for (std::size_t i = 0; i < blockSize; ++i) {
-    const bool candidate = (block[i] == '\n') & (sign[i] == '=') &
-                           ((first[i] == a.lower) | (first[i] == a.upper)) &
-                           ((second[i] == b.lower) | (second[i] == b.upper));
-    any = static_cast<unsigned char>(any | static_cast<unsigned char>(candidate));
+  ByteLanes candidates;
+  for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
+    candidates |= (ByteLanes(sign + i) == '=') &
+                  ((ByteLanes(first + i) | probes_[0].caseBit) == probes_[0].lower) &
+                  ((ByteLanes(second + i) | probes_[1].caseBit) == probes_[1].lower);
   }
-  return any != 0;
+  return candidates.any();
 }
 
 std::optional<IniLine> IniKey::findLine(std::string_view text, std::size_t from) const {

@@ -30,11 +30,11 @@ class IniKey {
   [[nodiscard]] bool standsAt(std::string_view text, std::size_t begin) const;
   [[nodiscard]] bool mayBeginIn(const char* block) const;
 
-  /// A place in a line of the key where one of two bytes must stand.
+  /// What a byte in a line of the key must be once the bit that tells its cases apart is set.
   struct Probe {
     std::size_t offset;
     char lower;
-    char upper;
+    char caseBit;
   };
 
   /// The key in lower case and "=".

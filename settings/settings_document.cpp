@@ -31,20 +31,16 @@ bool isDocument(const pugi::xml_document& document) {
 
 }  // namespace
 
-bool isLayout(const pugi::xml_node& node) {
-  return node.type() == pugi::node_pcdata && isBlank(node.value()) &&
-         (node.previous_sibling() || node.next_sibling());
-}
-
 SettingsDocument::LoadResult SettingsDocument::load(const std::filesystem::path& file) {
   document_.reset();
   form_ = XmlForm();
   auto bytes = readWholeFile(file);
-  const LoadResult result = bytes ? parse(*std::move(bytes)) : LoadResult::empty;
+  const bool readable = bytes.has_value();
+  const LoadResult result = readable ? parse(*std::move(bytes)) : LoadResult::empty;
   if (result != LoadResult::loaded) {
     document_.reset();
     form_ = XmlForm();
-    traceSkipped("XML_Open", bytes ? "the file is malformed" : "the file cannot be read");
+    traceSkipped("XML_Open", readable ? "the file is malformed" : "the file cannot be read");
   }
   return result;
 }
@@ -75,12 +71,14 @@ bool SettingsDocument::save(const std::filesystem::path& file) const {
   if (!document_.document_element()) {
     return false;
   }
-  if (const auto text = writeXml(document_, form_)) {
+  // A little is changed as a rule.
+  const std::size_t sizeHint = buffer_.size() + buffer_.size() / 8;
+  if (auto text = writeXml(document_, form_, sizeHint)) {
     return replaceFile(file, encodeXml(form_, *std::move(text)), Durability::power);
   }
   // A name that the file's encoding lacks has been added.
   const XmlForm unicode = inUtf8(form_);
-  return replaceFile(file, encodeXml(unicode, writeXml(document_, unicode).value_or(std::string())),
+  return replaceFile(file, encodeXml(unicode, writeXml(document_, unicode, sizeHint).value_or(std::string())),
                      Durability::power);
 }
 

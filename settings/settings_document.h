@@ -1,23 +1,16 @@
 #ifndef VELTRANO_SETTINGS_SETTINGS_DOCUMENT_H
 #define VELTRANO_SETTINGS_SETTINGS_DOCUMENT_H
 
-// A settings file in memory: its document, how it was encoded, and what folders and keys mean in it.
+// A settings file in memory: its document and how it was encoded.
 
 #include <filesystem>
-#include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include <pugixml.hpp>
 
 #include "settings/xml_encoding.h"
 
 namespace veltrano {
-
-/// True for white space between elements: it is kept in the file and is no child node to anybody. The only
-/// text of an element is its value, be it blank.
-bool isLayout(const pugi::xml_node& node);
 
 class SettingsDocument {
  public:

@@ -1,9 +1,6 @@
 #include "settings/settings_nodes.h"
 
-#include <cstring>
-
 #include "base/trace.h"
-#include "settings/settings_document.h"
 #include "settings/xml_characters.h"
 #include "settings/xml_well_formed.h"
 
@@ -109,6 +106,11 @@ void setNodeText(pugi::xml_node node, const std::string& text) {
 }
 
 }  // namespace
+
+bool isLayout(const pugi::xml_node& node) {
+  return node.type() == pugi::node_pcdata && isBlank(node.value()) &&
+         (node.previous_sibling() || node.next_sibling());
+}
 
 pugi::xpath_node lookUp(const pugi::xml_node& from, std::string_view expression) {
   if (!from) {

@@ -12,6 +12,10 @@
 
 namespace veltrano {
 
+/// True for white space between elements: it is kept in the file and is no child node to anybody. The only
+/// text of an element is its value, be it blank.
+bool isLayout(const pugi::xml_node& node);
+
 /// The first node in document order that the XPath expression selects, seen from `from`; an empty one when
 /// there is none or `expression` is none. Plain element names take a direct path to the same result.
 pugi::xpath_node lookUp(const pugi::xml_node& from, std::string_view expression);

@@ -37,8 +37,8 @@ void VeltranoXML::XML_Open(const std::filesystem::path& xFilename) {
   try {
     loadFailed_ |= document_->load(xFilename) == SettingsDocument::LoadResult::outOfMemory;
   } catch (const std::bad_alloc&) {
-    document_ = std::make_unique<SettingsDocument>();
     loadFailed_ = true;
+    document_ = std::make_unique<SettingsDocument>();
   }
 }
 

@@ -32,6 +32,8 @@ class VeltranoXML {
   VeltranoXML();
   VeltranoXML(VeltranoXML&&) noexcept;
   VeltranoXML& operator=(VeltranoXML&&) noexcept;
+  VeltranoXML(const VeltranoXML&) = delete;
+  VeltranoXML& operator=(const VeltranoXML&) = delete;
   ~VeltranoXML();
 
   /// Loads the settings from the file, in place of those held, and remembers its name. A missing or malformed

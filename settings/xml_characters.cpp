@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "base/byte_lanes.h"
+
 namespace veltrano {
 
 namespace {
@@ -11,12 +13,17 @@ unsigned char byteAt(std::string_view text, std::size_t i) {
   return static_cast<unsigned char>(text[i]);
 }
 
-bool isAscii(std::string_view text) {
-  unsigned char all = 0;
-  for (const char c : text) {
-    all = static_cast<unsigned char>(all | static_cast<unsigned char>(c));
+/// How many bytes at the begin of `text` are ASCII characters that a document may hold; some may be missed.
+std::size_t plainLength(std::string_view text) {
+  std::size_t length = 0;
+  for (; text.size() - length >= ByteLanes::count; length += ByteLanes::count) {
+    const ByteLanes c(text.data() + length);
+    const ByteLanes blank = (c == '\t') | (c == '\n') | (c == '\r');
+    if ((((c < ' ') & ~blank) | c.beyondAscii()).any()) {
+      break;
+    }
   }
-  return all < 0x80;
+  return length;
 }
 
 struct Range {
@@ -139,20 +146,17 @@ bool isBlank(std::string_view text) {
 }
 
 bool isXmlText(std::string_view text) {
-  if (isAscii(text)) {
-    unsigned char forbidden = 0;
-    for (const char c : text) {
-      const bool blank = (c == '\t') | (c == '\n') | (c == '\r');
-      forbidden = static_cast<unsigned char>(forbidden | static_cast<unsigned char>((c < ' ') & !blank));
+  for (std::size_t i = plainLength(text); i < text.size();) {
+    const unsigned char byte = byteAt(text, i);
+    if ((byte >= 0x20 && byte < 0x80) || isXmlBlank(text[i])) {
+      ++i;
+      continue;
     }
-    return forbidden == 0;
-  }
-  while (!text.empty()) {
-    const auto character = decodeCharacter(text);
+    const auto character = decodeCharacter(text.substr(i));
     if (!character || !isXmlCharacter(character->code)) {
       return false;
     }
-    text.remove_prefix(character->length);
+    i += character->length;
   }
   return true;
 }
@@ -176,6 +180,12 @@ std::string withoutForbiddenCharacters(std::string_view text) {
 std::size_t nameLength(std::string_view text) {
   std::size_t length = 0;
   while (length < text.size()) {
+    const unsigned char byte = byteAt(text, length);
+    if (byte < asciiNameParts.size() && (asciiNameParts[byte] == NamePart::start ||
+                                         (asciiNameParts[byte] == NamePart::later && length > 0))) {
+      ++length;
+      continue;
+    }
     const auto character = decodeCharacter(text.substr(length));
     const NamePart part = character ? namePart(character->code) : NamePart::none;
     if (part == NamePart::none || (length == 0 && part != NamePart::start)) {

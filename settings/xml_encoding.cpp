@@ -25,6 +25,9 @@ constexpr CodePageTable latin1 = [] {
   return table;
 }();
 
+/// US-ASCII has no upper half.
+constexpr CodePageTable nothing = {};
+
 bool equalIgnoringCase(std::string_view a, std::string_view b) {
   const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -105,7 +108,7 @@ std::optional<CodePageTable> singleByteTable(std::string_view encoding) {
     const CodePageTable& table;
   } known[] = {{"iso-8859-1", latin1},        {"latin1", latin1},      {"iso_8859-1", latin1},
                {"windows-1252", windows1252}, {"cp1252", windows1252}, {"windows-1250", windows1250},
-               {"windows-1251", windows1251}, {"us-ascii", {}},        {"ascii", {}}};
+               {"windows-1251", windows1251}, {"us-ascii", nothing},   {"ascii", nothing}};
   for (const auto& [name, table] : known) {
     if (equalIgnoringCase(name, encoding)) {
       return table;

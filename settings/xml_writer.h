@@ -4,6 +4,7 @@
 // Turns a document back into text. Unlike the parser's own writer it keeps a value's line ends apart from
 // those of the layout and knows which characters the file's encoding lacks.
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -16,7 +17,8 @@ namespace veltrano {
 /// The document in UTF-8 behind the form's declaration. Characters that the form's encoding lacks become
 /// references. Nothing when one of them stands where there are no references (a name, a comment): then only
 /// Unicode will do.
-std::optional<std::string> writeXml(const pugi::xml_document& document, const XmlForm& form);
+std::optional<std::string> writeXml(const pugi::xml_document& document, const XmlForm& form,
+                                    std::size_t sizeHint);
 
 }  // namespace veltrano
 

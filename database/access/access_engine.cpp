@@ -1,6 +1,8 @@
 #include "database/access/access_engine.h"
 
-#include <algorithm>
+#include <mutex>
+#include <thread>
+#include <vector>
 
 #include "base/files.h"
 #include "database/access/access_recordset.h"
@@ -16,12 +18,8 @@ using access::Pager;
 
 class AccessDatabase final : public Database {
  public:
-  explicit AccessDatabase(std::unique_ptr<Pager> pager) : file_(std::make_shared<OpenFile>()) {
-    file_->pager = std::move(pager);
-  }
-  AccessDatabase(const AccessDatabase&) = delete;
-  AccessDatabase& operator=(const AccessDatabase&) = delete;
-  ~AccessDatabase() override { AccessDatabase::close(); }
+  explicit AccessDatabase(std::shared_ptr<OpenFile> file)
+      : file_(std::move(file)), number_(++file_->openers) {}
 
   std::unique_ptr<Recordset> openTable(std::string_view table) override {
     if (!file_) {
@@ -34,15 +32,19 @@ class AccessDatabase final : public Database {
       fail(std::move(reason));
       return nullptr;
     }
-    return std::make_unique<AccessRecordset>(file_, std::move(*definition));
+    return std::make_unique<AccessRecordset>(file_, std::move(*definition), number_);
   }
 
   bool close() override {
     if (!file_) {
       return fail("the database is closed");
     }
-    while (!file_->recordsets.empty()) {
-      file_->recordsets.back()->close();
+    // Other objects may have recordsets on the same file.
+    const std::vector<AccessRecordset*> recordsets = file_->recordsets;
+    for (AccessRecordset* recordset : recordsets) {
+      if (recordset->opener() == number_) {
+        recordset->close();
+      }
     }
     const bool synced = file_->pager->sync();
     file_.reset();
@@ -51,6 +53,60 @@ class AccessDatabase final : public Database {
 
  private:
   std::shared_ptr<OpenFile> file_;
+  std::uint64_t number_;  ///< tells the recordsets opened on it from others
+};
+
+/// The files that are open, so that several objects of one thread can work on one file: a host that reads two
+/// tables of a database has two objects. Other threads are told no, like other processes, for a file has one
+/// user at a time.
+class OpenFiles {
+ public:
+  std::shared_ptr<OpenFile> open(const std::filesystem::path& name, const Pager::Options& options,
+                                 std::string& reason) {
+    const auto identity = fileIdentity(name);
+    if (identity) {
+      const std::lock_guard lock(mutex_);
+      std::erase_if(known_, [](const Known& known) { return known.file.expired(); });
+      for (const Known& known : known_) {
+        if (known.device == identity->device && known.inode == identity->file &&
+            known.thread == std::this_thread::get_id()) {
+          return share(known, options, reason);
+        }
+      }
+    }
+    auto pager = Pager::open(name, options, reason);
+    if (!pager) {
+      return nullptr;
+    }
+    auto file = std::make_shared<OpenFile>();
+    file->pager = std::move(pager);
+    if (identity) {
+      const std::lock_guard lock(mutex_);
+      known_.push_back(
+          {identity->device, identity->file, std::this_thread::get_id(), options.password, file});
+    }
+    return file;
+  }
+
+ private:
+  struct Known {
+    std::uint64_t device, inode;
+    std::thread::id thread;
+    std::string password;
+    std::weak_ptr<OpenFile> file;
+  };
+
+  static std::shared_ptr<OpenFile> share(const Known& known, const Pager::Options& options,
+                                         std::string& reason) {
+    if (options.password != known.password) {
+      reason = "not the password that the file was opened with";
+      return nullptr;
+    }
+    return known.file.lock();
+  }
+
+  std::mutex mutex_;
+  std::vector<Known> known_;
 };
 
 class AccessEngine final : public DatabaseEngine {
@@ -65,9 +121,12 @@ class AccessEngine final : public DatabaseEngine {
       }
       options.password = connect->substr(passwordConnectPrefix.size());
     }
-    auto pager = Pager::open(pathFromUtf8(fileName), options, reason);
-    return pager ? std::make_unique<AccessDatabase>(std::move(pager)) : nullptr;
+    auto file = files_.open(pathFromUtf8(fileName), options, reason);
+    return file ? std::make_unique<AccessDatabase>(std::move(file)) : nullptr;
   }
+
+ private:
+  OpenFiles files_;
 };
 
 }  // namespace

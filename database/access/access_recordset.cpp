@@ -8,8 +8,9 @@
 
 namespace veltrano::access {
 
-AccessRecordset::AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition definition)
-    : file_(std::move(file)), table_(*file_->pager, std::move(definition)) {
+AccessRecordset::AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition definition,
+                                 std::uint64_t opener)
+    : file_(std::move(file)), opener_(opener), table_(*file_->pager, std::move(definition)) {
   file_->recordsets.push_back(this);
   writer_ = TableWriter::create(table_, readOnlyReason_);
   if (const Index* key = table_.definition().primaryKey()) {

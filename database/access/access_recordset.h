@@ -33,16 +33,18 @@ namespace veltrano::access {
 
 class AccessRecordset;
 
-/// A file with the recordsets that are open on it.
+/// A file with the recordsets that are open on it. It is closed when the last of its users is.
 struct OpenFile {
   std::unique_ptr<Pager> pager;
   std::vector<AccessRecordset*> recordsets;
+  std::uint64_t openers = 0;  ///< database objects that the file has had
   std::uint64_t changes = 0;  ///< counts what was written, so that recordsets know when to look again
 };
 
 class AccessRecordset final : public Recordset {
  public:
-  AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition definition);
+  /// `opener` is the number of the database object that opened it.
+  AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition definition, std::uint64_t opener = 0);
   AccessRecordset(const AccessRecordset&) = delete;
   AccessRecordset& operator=(const AccessRecordset&) = delete;
   ~AccessRecordset() override;
@@ -60,6 +62,8 @@ class AccessRecordset final : public Recordset {
   bool find(std::string_view field, const TextMatcher& matcher) override;
   bool close() override;
 
+  [[nodiscard]] std::uint64_t opener() const { return opener_; }
+
  private:
   enum class State { onRecord, onDeleted, atEnd, closed };
   enum class Edit { none, changing, adding };
@@ -72,6 +76,7 @@ class AccessRecordset final : public Recordset {
   void prepareNewRecord();
 
   std::shared_ptr<OpenFile> file_;
+  std::uint64_t opener_;
   Table table_;
   std::optional<TableWriter> writer_;
   std::string readOnlyReason_;

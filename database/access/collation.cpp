@@ -296,7 +296,7 @@ void appendKey97(Key& key, Bytes text) {
   halves.push(0);
   for (std::size_t i = 0; i < halves.size(); i += 2) {
     const unsigned low = i + 1 < halves.size() ? halves[i + 1] : 0U;
-    key.push_back(static_cast<std::uint8_t>(halves[i] << 4 | low));
+    key.push_back(static_cast<std::uint8_t>((unsigned{halves[i]} << 4) | low));
   }
 }
 

@@ -50,7 +50,7 @@ std::optional<Bytes> DataPage::row(std::uint32_t index) const {
   }
   const std::size_t from = start(index);
   const std::size_t to = end(index);
-  if (from > to || to > page_.size() || from < slotsAt_ + 2 * slots_) {
+  if (from > to || to > page_.size() || from < slotsAt_ + std::size_t{2} * slots_) {
     return std::nullopt;
   }
   return page_.subspan(from, to - from);
@@ -58,7 +58,7 @@ std::optional<Bytes> DataPage::row(std::uint32_t index) const {
 
 std::size_t DataPage::freeBytes() const {
   const std::size_t low = slots_ == 0 ? page_.size() : start(slots_ - 1);
-  const std::size_t high = slotsAt_ + 2 * slots_;
+  const std::size_t high = slotsAt_ + std::size_t{2} * slots_;
   return low > high && low <= page_.size() ? low - high : 0;
 }
 
@@ -68,7 +68,7 @@ bool DataPage::sound() const {
   }
   std::size_t above = page_.size();
   for (std::uint32_t i = 0; i < slots_; ++i) {
-    if (start(i) > above || start(i) < slotsAt_ + 2 * slots_) {
+    if (start(i) > above || start(i) < slotsAt_ + std::size_t{2} * slots_) {
       return false;
     }
     above = start(i);

@@ -38,7 +38,7 @@ class DataPage {
   [[nodiscard]] std::uint32_t slotCount() const { return slots_; }
   /// The slot's word with its flags.
   [[nodiscard]] std::uint16_t slot(std::uint32_t index) const {
-    return load16(page_.data() + slotsAt_ + 2 * index);
+    return load16(page_.data() + slotsAt_ + std::size_t{2} * index);
   }
   [[nodiscard]] bool isHidden(std::uint32_t index) const { return (slot(index) & slot_flag::hidden) != 0; }
   /// True for a row that is gone; the target of a pointer is only hidden.

@@ -74,8 +74,13 @@ bool extendedDateToText(Bytes cell, std::string& text) {
   return dateToText(Date{day < 0 ? day - time : day + time}, text);
 }
 
-bool fixedCellToText(const Column& column, Bytes cell, std::string& text) {
-  if (cell.size() < column.length) {
+/// False for types whose values have a length of their own.
+bool hasOneSize(ColumnType type) {
+  return type != ColumnType::binary && type >= ColumnType::byte && type <= ColumnType::extendedDate;
+}
+
+bool otherCellToText(const Column& column, Bytes cell, std::string& text) {
+  if (hasOneSize(column.type) && cell.size() < column.length) {
     return false;
   }
   const std::uint8_t* p = cell.data();
@@ -155,7 +160,7 @@ bool cellToText(Pager& pager, const Column& column, Bytes cell, std::string& tex
       return true;
     }
     default:
-      return fixedCellToText(column, cell, text);
+      return otherCellToText(column, cell, text);
   }
 }
 
@@ -178,9 +183,8 @@ std::optional<StoredValue> cellToStored(Pager& pager, const Column& column, std:
     return StoredValue{};
   }
   if (!column.isText()) {
-    return cell->size() < column.length && column.type != ColumnType::binary
-               ? std::nullopt
-               : std::optional(StoredValue{false, *cell});
+    return cell->size() < column.length && hasOneSize(column.type) ? std::nullopt
+                                                                   : std::optional(StoredValue{false, *cell});
   }
   if (column.type == ColumnType::text) {
     return StoredValue{false, isJet3(pager.version()) ? *cell : expandStoredText(*cell, buffer)};

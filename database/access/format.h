@@ -6,7 +6,6 @@
 // A file is a sequence of pages of one size, numbered from 0; page 0 is the header. Numbers are
 // little-endian, except in index entries.
 
-#include <compare>
 #include <cstdint>
 
 namespace veltrano::access {
@@ -32,7 +31,10 @@ struct RowPointer {
 
   static RowPointer fromDisk(std::uint32_t word) { return {word >> 8, static_cast<std::uint8_t>(word)}; }
   [[nodiscard]] std::uint32_t toDisk() const { return (page << 8) | row; }
-  friend auto operator<=>(const RowPointer&, const RowPointer&) = default;
+  friend bool operator==(const RowPointer&, const RowPointer&) = default;
+  friend bool operator<(const RowPointer& left, const RowPointer& right) {
+    return left.page != right.page ? left.page < right.page : left.row < right.row;
+  }
 };
 
 /// The first byte of a page; the second is 1.

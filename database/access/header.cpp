@@ -61,27 +61,28 @@ std::string storedPassword(const std::uint8_t* header, Version version, std::uin
   return utf16ToUtf8(text);
 }
 
-bool startsWith(Bytes bytes, std::size_t at, std::string_view text) {
-  return std::memcmp(bytes.data() + at, text.data(), text.size()) == 0;
+// The engine's name is 15 characters and a NUL.
+bool isEngine(Bytes bytes, std::string_view name) {
+  constexpr std::size_t nameAt = 4;
+  return std::memcmp(bytes.data() + nameAt, name.data(), name.size()) == 0 &&
+         bytes[nameAt + name.size()] == 0;
 }
 
 // The version byte of a file that begins like a database.
 std::optional<Version> versionOf(Bytes bytes, std::string& reason) {
   constexpr std::array<std::uint8_t, 4> begin = {0, 1, 0, 0};
-  constexpr std::size_t nameAt = 4;
   constexpr std::size_t versionAt = 0x14;
   if (bytes.size() < 2048 || !std::equal(begin.begin(), begin.end(), bytes.begin())) {
     reason = "not an Access database";
     return std::nullopt;
   }
-  if (startsWith(bytes, nameAt, std::string_view("MSISAM Database", 16))) {
+  if (isEngine(bytes, "MSISAM Database")) {
     reason = "a money program's variant of the format";
     return std::nullopt;
   }
   const std::uint8_t version = bytes[versionAt];
-  const bool jet = startsWith(bytes, nameAt, std::string_view("Standard Jet DB", 16)) && version <= 1;
-  const bool ace =
-      startsWith(bytes, nameAt, std::string_view("Standard ACE DB", 16)) && version >= 2 && version <= 6;
+  const bool jet = isEngine(bytes, "Standard Jet DB") && version <= 1;
+  const bool ace = isEngine(bytes, "Standard ACE DB") && version >= 2 && version <= 6;
   if (!jet && !ace) {
     reason = "not an Access database of a known version";
     return std::nullopt;

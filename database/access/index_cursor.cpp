@@ -43,20 +43,22 @@ bool IndexCursor::settle(std::size_t offset, Way way) {
     if (!leaf.isLeaf()) {
       return stop(true);
     }
-    const std::size_t end = leaf.end();
-    if (way == Way::backward && offset > 0 && end > 0) {
-      offset = leaf.before(std::min(offset, end));
-    } else if (way == Way::backward) {
-      offset = end;
+    if (way == Way::backward) {
+      const std::size_t end = leaf.end();
+      offset = offset > 0 && end > 0 ? leaf.before(std::min(offset, end)) : end;
     }
-    if (offset < end) {
-      const auto found = leaf.entry(offset, scratch_);
-      if (!found) {
+    const std::size_t behind = leaf.after(offset);
+    if (behind != offset) {
+      const auto found = leaf.entry(offset, behind, scratch_);
+      // Every step leads onwards, so that links in a circle, which repeat entries, end here as well.
+      const int order = found && valid_ ? compareEntries(*found, entry()) : 0;
+      if (!found || (valid_ && (way == Way::forward ? order <= 0 : order >= 0))) {
         return stop(true);
       }
       key_.assign(found->key.begin(), found->key.end());
       row_ = found->row;
       offset_ = offset;
+      behind_ = behind;
       return valid_ = true;
     }
     const PageNumber number = way == Way::forward ? leaf.next() : leaf.previous();
@@ -73,14 +75,17 @@ bool IndexCursor::settle(std::size_t offset, Way way) {
 }
 
 bool IndexCursor::first() {
+  valid_ = false;
   return descendToEdge(Way::forward) && settle(0, Way::forward);
 }
 
 bool IndexCursor::last() {
+  valid_ = false;
   return descendToEdge(Way::backward) && settle(pager_->pageSize(), Way::backward);
 }
 
 bool IndexCursor::seek(const IndexEntry& wanted) {
+  valid_ = false;
   PageNumber number = tree_->root();
   for (std::size_t depth = 0; depth <= deepestTree; ++depth) {
     view_ = tree_->page(number);
@@ -103,14 +108,9 @@ bool IndexCursor::seek(const IndexEntry& wanted) {
 }
 
 /// True when the entry is still where it was seen.
-bool IndexCursor::stillThere() {
+bool IndexCursor::stillThere() const {
   const IndexPage leaf(view_.bytes(), pager_->version());
-  if (!leaf.valid() || !leaf.isLeaf() || leaf.owner() != tree_->table() || offset_ >= leaf.end() ||
-      (offset_ != 0 && leaf.before(offset_ + 1) != offset_)) {
-    return false;
-  }
-  const auto found = leaf.entry(offset_, scratch_);
-  return found && compareEntries(*found, entry()) == 0;
+  return leaf.isLeaf() && leaf.owner() == tree_->table() && leaf.holds(offset_, behind_, entry());
 }
 
 bool IndexCursor::toNeighbour(Way way) {
@@ -130,7 +130,7 @@ bool IndexCursor::toNeighbour(Way way) {
   }
   const IndexPage leaf(view_.bytes(), pager_->version());
   if (way == Way::forward) {
-    return settle(leaf.after(offset_), Way::forward);
+    return settle(behind_, Way::forward);
   }
   if (offset_ > 0) {
     return settle(offset_, Way::backward);

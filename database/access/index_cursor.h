@@ -37,13 +37,14 @@ class IndexCursor {
   bool descendToEdge(Way way);
   bool settle(std::size_t offset, Way way);
   bool toNeighbour(Way way);
-  bool stillThere();
+  [[nodiscard]] bool stillThere() const;
   bool stop(bool damage);
 
   const IndexTree* tree_;
   Pager* pager_;
   PageView view_;           ///< the leaf
   std::size_t offset_ = 0;  ///< of the entry in it, when last seen
+  std::size_t behind_ = 0;  ///< offset behind that entry
   std::vector<std::uint8_t> key_;
   RowPointer row_{};
   std::vector<std::uint8_t> scratch_;

@@ -125,13 +125,12 @@ std::size_t IndexPage::end() const {
   return boundary(layout_->areaSize());
 }
 
-std::optional<IndexEntry> IndexPage::entry(std::size_t offset, std::vector<std::uint8_t>& scratch,
-                                           PageNumber* child) const {
-  const std::size_t stop = after(offset);
-  if (stop == offset) {
+std::optional<IndexEntry> IndexPage::entry(std::size_t offset, std::size_t behind,
+                                           std::vector<std::uint8_t>& scratch, PageNumber* child) const {
+  if (behind == offset) {
     return std::nullopt;
   }
-  Bytes whole = area().subspan(offset, stop - offset);
+  Bytes whole = area().subspan(offset, behind - offset);
   const std::size_t shared = offset == 0 ? 0 : prefix();
   if (shared != 0) {
     // The prefix may reach into the row of a short entry, so the parts are joined before they are told apart.
@@ -149,14 +148,18 @@ std::optional<IndexEntry> IndexPage::entry(std::size_t offset, std::vector<std::
   return IndexEntry{whole.first(keySize), loadRow(&whole[keySize])};
 }
 
-RowPointer IndexPage::row(std::size_t offset) const {
-  const std::size_t stop = after(offset);
-  if (stop - offset >= referenceSize()) {
-    return loadRow(&area()[stop - referenceSize()]);
+bool IndexPage::holds(std::size_t offset, std::size_t behind, const IndexEntry& entry) const {
+  const std::size_t shared = offset == 0 ? 0 : prefix();
+  const std::size_t size = behind - offset;
+  if (behind > layout_->areaSize() || shared + size != entry.key.size() + rowSize ||
+      shared > entry.key.size() || boundary(offset) != offset || after(offset) != behind) {
+    return false;
   }
-  std::vector<std::uint8_t> scratch;
-  const auto joined = entry(offset, scratch);
-  return joined ? joined->row : RowPointer{};
+  const std::uint8_t* stored = area().data();
+  return std::equal(entry.key.begin(), entry.key.begin() + static_cast<std::ptrdiff_t>(shared), stored) &&
+         std::equal(entry.key.begin() + static_cast<std::ptrdiff_t>(shared), entry.key.end(),
+                    stored + offset) &&
+         loadRow(stored + behind - rowSize) == entry.row;
 }
 
 std::size_t IndexPage::lowerBound(const IndexEntry& wanted, std::vector<std::uint8_t>& scratch) const {

@@ -69,9 +69,15 @@ class IndexPage {
   /// The entry at `offset`; its key lies in the page or in `scratch`. Nothing when the bytes are no entry.
   /// `child` is set for nodes.
   [[nodiscard]] std::optional<IndexEntry> entry(std::size_t offset, std::vector<std::uint8_t>& scratch,
+                                                PageNumber* child = nullptr) const {
+    return entry(offset, after(offset), scratch, child);
+  }
+  /// The same for a caller who knows where the entry ends.
+  [[nodiscard]] std::optional<IndexEntry> entry(std::size_t offset, std::size_t behind,
+                                                std::vector<std::uint8_t>& scratch,
                                                 PageNumber* child = nullptr) const;
-  /// The row of the entry at `offset`, without looking at its key. An entry must begin there.
-  [[nodiscard]] RowPointer row(std::size_t offset) const;
+  /// Leaf: true when the bytes between these offsets, which are those of an entry seen earlier, are this one.
+  [[nodiscard]] bool holds(std::size_t offset, std::size_t behind, const IndexEntry& entry) const;
   /// The first entry that is not before `wanted`; end() if there is none. `scratch` is for use in between.
   [[nodiscard]] std::size_t lowerBound(const IndexEntry& wanted, std::vector<std::uint8_t>& scratch) const;
 

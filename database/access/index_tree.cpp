@@ -30,6 +30,25 @@ std::size_t placeOfCut(const IndexPage& page, const EntryList& entries, std::siz
   return std::max<std::size_t>(cut, 1);
 }
 
+/// T4: of several children the greatest is the tail.
+bool keepTail(IndexPageEditor& page) {
+  if (page.isLeaf() || page.tail() != 0) {
+    return true;
+  }
+  const std::size_t last = page.empty() ? 0 : page.before(page.end());
+  if (last == 0) {
+    return true;
+  }
+  std::vector<std::uint8_t> scratch;
+  PageNumber child = 0;
+  if (!page.entry(last, scratch, &child)) {
+    return false;
+  }
+  page.remove(last);
+  page.setTail(child);
+  return true;
+}
+
 }  // namespace
 
 PageView IndexTree::page(PageNumber number) const {
@@ -191,7 +210,7 @@ bool IndexTree::put(Path& path, std::size_t depth, Bytes entry) {
   IndexPageEditor page(bytes);
   const std::size_t offset = path.steps[depth].offset;
   if (page.insert(offset, entry)) {
-    return true;
+    return keepTail(page);
   }
   const auto entries = page.gather(offset, entry);
   if (!entries) {
@@ -199,7 +218,7 @@ bool IndexTree::put(Path& path, std::size_t depth, Bytes entry) {
   }
   if (entries->packedSize(0, entries->size()) <= indexLayout(pager_->version()).areaSize()) {
     page.write(*entries, 0, entries->size());
-    return true;
+    return keepTail(page);
   }
   return split(path, depth, entry);
 }
@@ -230,12 +249,9 @@ bool IndexTree::split(Path& path, std::size_t depth, Bytes entry) {
   }
   left.create(leaf, right.level(), table_);
   right.write(*entries, cut, entries->size());
-  if (leaf || cut == 1) {
-    left.write(*entries, 0, cut);
-  } else {
-    // T4: the last child on the left becomes the tail.
-    left.write(*entries, 0, cut - 1);
-    left.setTail(entries->child(cut - 1));
+  left.write(*entries, 0, cut);
+  if (!keepTail(left) || !keepTail(right)) {
+    return false;
   }
   left.setNext(step.page);
   left.setPrevious(right.previous());
@@ -383,18 +399,15 @@ bool IndexTree::removeChild(const Path& path, std::size_t depth) {
     return true;
   }
   // The greatest child has gone: another one is the greatest now.
-  const std::size_t last = node.before(node.end());
-  PageNumber child = 0;
   std::vector<std::uint8_t> space;
-  const auto found = node.entry(last, space, &child);
+  const auto found = node.entry(node.before(node.end()), space);
   if (!found) {
     return false;
   }
   const std::vector<std::uint8_t> key(found->key.begin(), found->key.end());
   const RowPointer row = found->row;
-  if (wasTail && last != 0) {
-    node.remove(last);
-    node.setTail(child);
+  if (!keepTail(node)) {
+    return false;
   }
   return mendGreatest({key, row});
 }

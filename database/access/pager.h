@@ -77,7 +77,7 @@ class Pager {
   struct Options {
     bool readOnly = false;
     /// What the host gave, UTF-8; empty for none.
-    std::string password;
+    std::string password = {};
     /// Pages kept in memory; more only while a transaction has changed more.
     std::uint32_t cachePages = 4096;
     /// Where the files are; the system's when null.

@@ -22,7 +22,9 @@ constexpr std::uint32_t databaseId = 0x10000000;
 constexpr std::uint32_t systemFlag = 0x80000000;
 constexpr std::uint32_t fullAccess = 0x000FFFFF;
 // The owner of everything, as the engine that the format comes from knows it.
-const Value::Bytes owner = {0xA6, 0x33};
+Value::Bytes owner() {
+  return {0xA6, 0x33};
+}
 
 NewColumn number(const char* name, ColumnType type = ColumnType::longInteger) {
   return {.name = name, .type = type};
@@ -139,7 +141,7 @@ bool addObject(const SystemTable& objects, const Object& object, double created,
                                     {"Type", static_cast<int>(object.kind)},
                                     {"DateCreate", Date{created}},
                                     {"DateUpdate", Date{created}},
-                                    {"Owner", owner},
+                                    {"Owner", owner()},
                                     {"Flags", asLong(object.flags)}};
   if (!properties.empty()) {
     fields.push_back({"LvProp", properties});
@@ -150,7 +152,7 @@ bool addObject(const SystemTable& objects, const Object& object, double created,
 bool addRights(const SystemTable& rights, std::uint32_t object, bool inheritable, std::string& reason) {
   return addRow(rights.table, rights.indexes,
                 {{"ObjectId", asLong(object)},
-                 {"SID", owner},
+                 {"SID", owner()},
                  {"ACM", asLong(fullAccess)},
                  {"FInheritable", inheritable}},
                 reason);

@@ -37,7 +37,14 @@ void appendUtf8(char32_t c, std::string& text) {
 }
 
 void appendLatin1AsUtf8(Bytes bytes, std::string& text) {
-  for (const std::uint8_t byte : bytes) {
+  // Most texts are plain ASCII, which is UTF-8 as it stands.
+  constexpr std::uint64_t highBits = 0x8080808080808080;
+  std::size_t plain = 0;
+  while (plain + 8 <= bytes.size() && (load64(bytes.data() + plain) & highBits) == 0) {
+    plain += 8;
+  }
+  text.append(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(plain));
+  for (const std::uint8_t byte : bytes.subspan(plain)) {
     if (byte < 0x80) {
       text.push_back(static_cast<char>(byte));
     } else {

@@ -16,6 +16,16 @@ std::size_t entriesOf(const fs::path& folder) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
+TEST(ReadFileStart, StopsAtTheLimitOrTheEnd) {
+  const TemporaryFolder folder;
+  replaceFile(folder / "a", "0123456789");
+  EXPECT_EQ(readFileStart(folder / "a", 4), "0123");
+  EXPECT_EQ(readFileStart(folder / "a", 10), "0123456789");
+  EXPECT_EQ(readFileStart(folder / "a", std::size_t{1} << 30), "0123456789");
+  EXPECT_EQ(readFileStart(folder / "missing", 4), std::nullopt);
+  EXPECT_EQ(readFileStart(folder.path(), 4), std::nullopt);
+}
+
 TEST(ReplaceFile, PutsAllPiecesAndLeavesNothingElse) {
   const TemporaryFolder folder;
   const auto file = folder / u"d\u00E9j\u00E0 vu.bin";

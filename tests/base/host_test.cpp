@@ -4,9 +4,12 @@
 
 #include "base/clock.h"
 #include "base/files.h"
+#include "tests/temporary_folder.h"
 
 namespace veltrano {
 namespace {
+
+using tests::TemporaryFolder;
 
 TEST(Host, NamesThisProgram) {
   EXPECT_EQ(hostApplicationName(), "base_test");
@@ -14,6 +17,19 @@ TEST(Host, NamesThisProgram) {
   ASSERT_TRUE(files);
   EXPECT_NE(
       std::count_if(files->begin(), files->end(), [](const auto& f) { return f.stem() == "base_test"; }), 0);
+}
+
+TEST(Host, FindsMetricsOfAnInstallationWhereNoneLieBesideTheProgram) {
+  EXPECT_EQ(metricsFolder(), libraryFolder());
+  const TemporaryFolder folder;
+  const auto shared = folder.path() / "share/veltranoframework/metrics";
+  setInstallation((folder.path() / "include/veltranoframework/base/installed.h").string().c_str());
+  std::filesystem::create_directories(shared);
+  EXPECT_EQ(metricsFolder(), libraryFolder()) << "an empty folder has no metrics";
+  ASSERT_TRUE(replaceFile(shared / "Courier.afm", ""));
+  // On Windows they always lie beside the library.
+  const bool portable = std::filesystem::path::preferred_separator == '/';
+  EXPECT_EQ(metricsFolder(), portable ? shared : libraryFolder());
 }
 
 TEST(Clock, TimeOfDayAndDateAgree) {

@@ -54,52 +54,44 @@ TEST(DibSection, MakesBareSectionsOfEitherDepth) {
   }
 }
 
-// One picture drawn over another with `draw`, on the section's own backing and on plain pixels: both must
-// agree.
-struct Drawing {
-  const char* label;
-  std::function<void(cDIBSection& target, const cDIBSection& source)> onSection;
-  std::function<void(const PixelSurface& target, const PixelSurface& source)> onPixels;
-};
-
 PixelSurface surface(const cDIBSection& dib) {
   return {dib.DIBSectionBitsPtr(), dib.Width(), dib.Height(), dib.BytesPerScanLine()};
 }
 
-Drawing blitOf(const char* label, int x, int y, int w, int h, int sx, int sy, unsigned operation) {
-  return {
-      label,
-      [=](auto& target, auto& source) { source.PaintPicture(target.hDC(), x, y, w, h, sx, sy, operation); },
-      [=](auto& target, auto& source) {
-        blitPixels(target, {x, y, w < 0 ? source.width : w, h < 0 ? source.height : h}, source, sx, sy,
-                   operation);
-      }};
-}
-
-Drawing stretchOf(const char* label, int x, int y, int w, int h) {
-  return {label, [=](auto& target, auto& source) { source.Stretch(target.hDC(), x, y, w, h); },
-          [=](auto& target, auto& source) {
-            stretchPixels(target, {x, y, w, h}, source, {0, 0, source.width, source.height},
-                          copySourceOperation, false);
-          }};
-}
-
+// 7 by 5 pixels drawn over 15 by 11, by the section's own backing and on plain pixels.
 TEST(DibSection, DrawsTheSameOnBothBackings) {
-  for (const Drawing& drawing :
-       {blitOf("whole", 0, 0, -1, -1, 0, 0, 0x00CC0020), blitOf("part", 3, 2, 4, 3, 1, 2, 0x00CC0020),
-        blitOf("off the left and top", -2, -3, -1, -1, 0, 0, 0x00CC0020),
-        blitOf("off the right and bottom", 12, 8, -1, -1, 0, 0, 0x00CC0020),
-        blitOf("beyond", 50, 50, -1, -1, 0, 0, 0x00CC0020), blitOf("nothing", 1, 1, 0, 0, 0, 0, 0x00CC0020),
-        blitOf("and", 1, 1, -1, -1, 0, 0, 0x008800C6), blitOf("or", 1, 1, -1, -1, 0, 0, 0x00EE0086),
-        blitOf("xor", 1, 1, -1, -1, 0, 0, 0x00660046), blitOf("inverted", 1, 1, -1, -1, 0, 0, 0x00330008),
-        stretchOf("same size", 2, 1, 7, 5), stretchOf("doubled", -3, 1, 14, 10),
-        stretchOf("empty", 2, 2, 0, 0), stretchOf("tripled, clipped", 4, 4, 21, 15)}) {
-    cDIBSection target = section(test::scenery(15, 11));
-    cDIBSection plain = section(test::scenery(15, 11));
+  constexpr unsigned copy = copySourceOperation;
+  struct {
+    const char* label;
+    int x, y, width, height, sourceX, sourceY;
+    unsigned operation;
+    bool stretched;
+  } const cases[] = {
+      {"whole", 0, 0, 7, 5, 0, 0, copy, false},
+      {"part", 3, 2, 4, 3, 1, 2, copy, false},
+      {"off the top left", -2, -3, 7, 5, 0, 0, copy, false},
+      {"off the bottom", 12, 8, 7, 5, 0, 0, copy, false},
+      {"beyond", 50, 50, 7, 5, 0, 0, copy, false},
+      {"nothing", 1, 1, 0, 0, 0, 0, copy, false},
+      {"and", 1, 1, 7, 5, 0, 0, 0x008800C6, false},
+      {"or", 1, 1, 7, 5, 0, 0, 0x00EE0086, false},
+      {"xor", 1, 1, 7, 5, 0, 0, 0x00660046, false},
+      {"inverted", 1, 1, 7, 5, 0, 0, 0x00330008, false},
+      {"doubled", -3, 1, 14, 10, 0, 0, copy, true},
+      {"tripled, clipped", 4, 4, 21, 15, 0, 0, copy, true},
+  };
+  for (const auto& c : cases) {
+    cDIBSection target = section(test::scenery(15, 11)), plain = section(test::scenery(15, 11));
     const cDIBSection source = section(noise(7, 5));
-    drawing.onSection(target, source);
-    drawing.onPixels(surface(plain), surface(source));
-    EXPECT_TRUE(contents(target) == contents(plain)) << drawing.label;
+    const PixelRectangle to{c.x, c.y, c.width, c.height};
+    if (c.stretched) {
+      source.Stretch(target.hDC(), c.x, c.y, c.width, c.height);
+      stretchPixels(surface(plain), to, surface(source), {0, 0, 7, 5}, c.operation, false);
+    } else {
+      source.PaintPicture(target.hDC(), c.x, c.y, c.width, c.height, c.sourceX, c.sourceY, c.operation);
+      blitPixels(surface(plain), to, surface(source), c.sourceX, c.sourceY, c.operation);
+    }
+    EXPECT_TRUE(contents(target) == contents(plain)) << c.label;
   }
 }
 
@@ -118,15 +110,11 @@ TEST(DibSection, BlitsWhatIsAskedFor) {
 }
 
 TEST(DibSection, CopiesOntoItselfWithoutSmearing) {
-  const PixelSurface pixels = {nullptr, 3, 4, 12};
-  std::uint8_t bytes[48];
-  for (int i = 0; i < 48; ++i)
-    bytes[i] = static_cast<std::uint8_t>(i / 12);  // the bottom row holds 0, the top row 3
-  PixelSurface own = pixels;
-  own.bits = bytes;
-  blitPixels(own, {0, 1, 3, 3}, own, 0, 0, copySourceOperation);  // down by one
-  for (const auto& [row, value] : {std::pair{0, 1}, {1, 2}, {2, 3}, {3, 3}})
-    EXPECT_EQ(bytes[std::size_t{12} * static_cast<std::size_t>(row)], value) << row;
+  cDIBSection dib = section(paint(3, 4, [](int, int y) { return Rgb{y, y, y}; }));
+  blitPixels(surface(dib), {0, 1, 3, 3}, surface(dib), 0, 0, copySourceOperation);  // down by one
+  EXPECT_TRUE(contents(dib) == paint(3, 4, [](int, int y) {
+                return Rgb{y, y, y} == Rgb{} ? Rgb{} : Rgb{y - 1, y - 1, y - 1};
+              }));
 }
 
 TEST(DibSection, AveragesWhenItShrinks) {
@@ -143,40 +131,29 @@ TEST(DibSection, AveragesWhenItShrinks) {
 }
 
 TEST(DibSection, SamplesPointsByTheDocumentedScale) {
-  // 799 / 400 = 1.9975: columns 0, 1 (1.9975), 3 (3.995), ... 797 (797.0025). Rows likewise, from the bottom.
-  const cDIBSection source = section(paint(800, 6, [](int x, int y) {
-    return Rgb{x % 256, x / 256, 5 - y};
-  }));  // blue: row from the bottom
-  const Image image = contents(source.Resample2(3, 400));
-  ASSERT_EQ(image.width, 400);
-  ASSERT_EQ(image.height, 3);
+  // 799 / 400 = 1.9975: columns 0, 1 (1.9975), 3 (3.995), ... 797 (797.0025).
+  const Image half = contents(section(paint(800, 6, [](int x, int) {
+                                return Rgb{x % 256, x / 256, 0};
+                              })).Resample2(3, 400));
+  ASSERT_EQ(half.pixels.size(), 1200U);
   for (const auto& [x, column] : {std::pair{0, 0}, {1, 1}, {2, 3}, {3, 5}, {200, 399}, {399, 797}}) {
-    EXPECT_EQ(image.at(x, 0).red + image.at(x, 0).green * 256, column) << x;
+    EXPECT_EQ(half.at(x, 0).red + half.at(x, 0).green * 256, column) << x;
   }
-  // 5 / 3 = 1.67: rows 0, 1 and 3 from the bottom.
-  for (const auto& [y, row] : {std::pair{2, 0}, {1, 1}, {0, 3}}) EXPECT_EQ(image.at(0, y).blue, row) << y;
-}
-
-TEST(DibSection, SamplesPointsToLargerAndOddSizes) {
-  const cDIBSection source = section(noise(5, 4));
-  const Image from = contents(source);
-  for (const auto& [width, height] : {std::pair{1, 1}, {1, 9}, {13, 1}, {12, 11}, {6, 4}, {5, 4}, {64, 64}}) {
-    const Image to = contents(source.Resample2(height, width));
-    ASSERT_EQ(to.pixels.size(), static_cast<std::size_t>(width * height));
-    const bool same = width == 5 && height == 4;
-    for (int y = 0; y < height; ++y) {
-      for (int x = 0; x < width; ++x) {
-        const int column =
-            same ? x : static_cast<int>(static_cast<float>(x) * (4.0F / static_cast<float>(width)));
-        const int row =
-            same ? y : static_cast<int>(static_cast<float>(y) * (3.0F / static_cast<float>(height)));
-        ASSERT_EQ(to.at(x, height - 1 - y), from.at(column, 3 - row))
-            << width << 'x' << height << ' ' << x << ',' << y;
-      }
-    }
-  }
-  for (const auto& [width, height] : {std::pair{0, 4}, {4, 0}, {-4, 4}}) {
-    EXPECT_EQ(source.Resample2(height, width).hDC(), 0U);
+  // Which column or row (from the bottom) each new one comes from; 3 * 0.33333334 is 1 in single precision.
+  for (const auto& [size, from] :
+       {std::pair{3, "000111"}, {5, "0"}, {4, "0123"}, {4, "00112"}, {2, "000"}, {10, "036"}}) {
+    const int newSize = static_cast<int>(std::string(from).size());
+    const cDIBSection source = section(paint(size, size, [size = size](int x, int y) {
+      return Rgb{x, 77, size - 1 - y};
+    }));
+    EXPECT_TRUE(contents(source.Resample2(newSize, newSize)) ==
+                paint(newSize, newSize,
+                      [&, from = from](int x, int y) {
+                        return Rgb{from[x] - '0', 77, from[newSize - 1 - y] - '0'};
+                      }))
+        << size << " to " << from;
+    EXPECT_EQ(source.Resample2(-1, 4).hDC(), 0U);
+    EXPECT_EQ(source.Resample2(4, 0).hDC(), 0U);
   }
 }
 

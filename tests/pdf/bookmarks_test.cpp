@@ -23,8 +23,9 @@ std::string treeOf(std::initializer_list<int> levels) {
       EXPECT_EQ(at(item).parent, parent);
       EXPECT_EQ(at(item).prev, prev);
       ++visited;
-      text += (prev < 0 ? "" : " ") + std::to_string(item);
-      if (at(item).first >= 0) text += "(" + self(self, at(item).first, item) + ")";
+      if (prev >= 0) text += ' ';
+      text.append(std::to_string(item));
+      if (at(item).first >= 0) text.append("(").append(self(self, at(item).first, item)).append(")");
       if (parent >= 0 && at(item).next < 0) {
         EXPECT_EQ(at(parent).last, item);
       }

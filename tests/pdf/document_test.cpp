@@ -14,17 +14,16 @@ using Errors = std::vector<std::string>;
 TEST(Settings, OfANewObject) {
   VeltranoPDF pdf;
   EXPECT_EQ(pdf.PDFGetUnit(), "cm");
-  EXPECT_EQ(pdf.PDFGetLeftMargin(), 1);
-  EXPECT_EQ(pdf.PDFGetTopMargin(), 1);
-  EXPECT_EQ(pdf.PDFGetRightMargin(), 1);
-  EXPECT_EQ(pdf.PDFGetBottomMargin(), 1);
+  for (const double margin :
+       {pdf.PDFGetLeftMargin(), pdf.PDFGetTopMargin(), pdf.PDFGetRightMargin(), pdf.PDFGetBottomMargin()}) {
+    EXPECT_EQ(margin, 1);
+  }
   EXPECT_EQ(pdf.PDFGetCellMargin(), 3);
   EXPECT_EQ(pdf.PDFGetPageWidth(), 595.28);
   EXPECT_EQ(pdf.PDFGetPageHeight(), 841.89);
   EXPECT_EQ(pdf.PDFGetX(), 1);
   EXPECT_EQ(pdf.PDFGetY(), 1);
-  EXPECT_TRUE(pdf.PDFGetZoomMode().isEmpty());
-  EXPECT_TRUE(pdf.PDFGetLayoutMode().isEmpty());
+  EXPECT_TRUE(pdf.PDFGetZoomMode().isEmpty() && pdf.PDFGetLayoutMode().isEmpty());
   EXPECT_EQ(pdf.PDFNbPage(), 0);
 }
 

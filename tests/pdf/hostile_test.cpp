@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <random>
 
@@ -68,92 +69,51 @@ TEST(Hostile, CallsInEveryOrder) {
                           1e300,
                           "#12x",
                           "text",
-                          Value::List{},
-                          Value::List{1, "b", Null(), Value::List{1}},
                           true,
-                          Value::Bytes{1},
-                          Value::Doubles{1, 2},
                           Date{1},
-                          Currency{5}};
+                          Currency{5},
+                          Value::List{},
+                          Value::List{1, "b", Value::List{1}},
+                          Value::Bytes{1},
+                          Value::Doubles{1, 2}};
   std::mt19937 random(20261121);
-  const auto any = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
-  const auto number = [&] { return numbers[any(std::size(numbers))]; };
+  const auto any = [&](std::size_t count) { return static_cast<int>(random() % count); };
+  const auto n = [&] { return numbers[any(std::size(numbers))]; };
   const auto value = [&] { return values[any(std::size(values))]; };
+  using Call = std::function<void(VeltranoPDF&)>;
+  const Call calls[] = {
+      [&](VeltranoPDF& pdf) { pdf.PDFBeginDoc(); },
+      [&](VeltranoPDF& pdf) { pdf.PDFNewPage(); },
+      [&](VeltranoPDF& pdf) { pdf.PDFEndPage(); },
+      [&](VeltranoPDF& pdf) { pdf.PDFEndDoc(); },
+      [&](VeltranoPDF& pdf) { pdf.PDFFormatPage(value()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFOrientation(any(4)); },
+      [&](VeltranoPDF& pdf) { pdf.PDFPageHeight(n()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFSetBookmark("b", any(5) - 1, n()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFFiligran("mark"); },
+      [&](VeltranoPDF& pdf) { pdf.PDFSetZoomMode(value()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFSetLineWidth(n()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFSetDrawColor(value()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFSetDrawMode(any(4)); },
+      [&](VeltranoPDF& pdf) { pdf.PDFDrawRectangle(n(), n(), n(), n(), value()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(n(), n(), n(), n(), value()); },
+      [&](VeltranoPDF& pdf) {
+        pdf.PDFDrawPolygon({value(), value(), Value::List{n(), n()}});
+      },
+      [&](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(n(), n(), n()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFTextOut("text", n(), n()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFCell("some text", n(), n(), n(), n(), value()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFLink(n(), n(), "here", "there"); },
+      [&](VeltranoPDF& pdf) { pdf.PDFSetUnit(any(4)); },
+      [&](VeltranoPDF& pdf) {
+        if (any(4) == 0) pdf.PDFInit();
+      },
+  };
   for (int round = 0; round < 40; ++round) {
     Document document;
-    VeltranoPDF& pdf = document.pdf;
-    for (int call = 0; call < 200; ++call) {
-      switch (any(22)) {
-        case 0:
-          pdf.PDFBeginDoc();
-          break;
-        case 1:
-          pdf.PDFNewPage();
-          break;
-        case 2:
-          pdf.PDFEndPage();
-          break;
-        case 3:
-          pdf.PDFEndDoc();
-          break;
-        case 4:
-          if (any(4) == 0) pdf.PDFInit();
-          break;
-        case 5:
-          pdf.PDFFormatPage(value());
-          break;
-        case 6:
-          pdf.PDFOrientation(any(4));
-          break;
-        case 7:
-          pdf.PDFPageHeight(number());
-          break;
-        case 8:
-          pdf.PDFSetBookmark("b", any(5) - 1, number());
-          break;
-        case 9:
-          pdf.PDFFiligran("mark");
-          break;
-        case 10:
-          pdf.PDFSetZoomMode(value());
-          break;
-        case 11:
-          pdf.PDFSetLineWidth(number());
-          break;
-        case 12:
-          pdf.PDFSetDrawColor(value());
-          break;
-        case 13:
-          pdf.PDFSetDrawMode(any(4));
-          break;
-        case 14:
-          pdf.PDFDrawRectangle(number(), number(), number(), number(), value());
-          break;
-        case 15:
-          pdf.PDFDrawEllipse(number(), number(), number(), number(), value());
-          break;
-        case 16:
-          pdf.PDFDrawPolygon({value(), value(), Value::List{number(), number()}});
-          break;
-        case 17:
-          pdf.PDFDrawLineHor(number(), number(), number());
-          break;
-        case 18:
-          pdf.PDFTextOut("text", number(), number());
-          break;
-        case 19:
-          pdf.PDFCell("some text", number(), number(), number(), number(), value());
-          break;
-        case 20:
-          pdf.PDFLink(number(), number(), "here", "there");
-          break;
-        default:
-          pdf.PDFSetUnit(any(4));
-          break;
-      }
-    }
-    pdf.PDFInit();
-    pdf.PDFBeginDoc();
+    for (int call = 0; call < 200; ++call) calls[any(std::size(calls))](document.pdf);
+    document.pdf.PDFInit();
+    document.pdf.PDFBeginDoc();
     const std::string file = document.finish();
     EXPECT_TRUE(file.starts_with("%PDF-1.0\r\n") && file.ends_with("%%EOF\r\n"));
     EXPECT_EQ(file.find("nan"), std::string::npos);

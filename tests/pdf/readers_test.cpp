@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
-#include <memory>
-
+#include "tests/pdf/outside_readers.h"
 #include "tests/pdf/pdf_testing.h"
 
 // What readers that others wrote make of our files: native only, where they are programs of the system.
@@ -12,23 +9,8 @@ namespace veltrano {
 namespace {
 
 using tests::Document;
-
-/// What `command` prints; it is run on `file`.
-std::string outputOf(const std::string& command, const std::filesystem::path& file) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(
-      popen((command + " '" + file.string() + "' 2>&1").c_str(), "r"), pclose);
-  std::string output;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe.get())) {
-    output.append(buffer.data(), count);
-  }
-  return output;
-}
-
-bool installed(const char* program) {
-  return std::system((std::string("command -v ") + program + " >/dev/null").c_str()) ==
-         0;  // NOLINT(cert-env33-c)
-}
+using tests::installed;
+using tests::outputOf;
 
 class Readers : public testing::Test {
  protected:
@@ -69,19 +51,12 @@ TEST_F(Readers, PopplerSeesPagesSizesAndInformation) {
 
 TEST_F(Readers, PopplerPaintsTheRectangleWhereItIs) {
   if (!installed("pdftoppm")) GTEST_SKIP() << "pdftoppm is not installed";
-  const std::string picture = outputOf("pdftoppm -r 72 -f 1 -l 1 -aa no", document_.file());
-  const auto start = picture.find("P6\n596 842\n255\n");
-  ASSERT_NE(start, std::string::npos) << picture.substr(0, 200);
-  const auto pixel = [&](int x, int y) {
-    return picture.substr(start + 15 + static_cast<std::size_t>(y * 596 + x) * 3, 3);
-  };
-  const std::string green("\x00\xFF\x00", 3);
-  const std::string white("\xFF\xFF\xFF");
-  for (const int x : {102, 250, 397}) {
-    for (const int y : {202, 225, 247}) EXPECT_EQ(pixel(x, y), green) << x << ' ' << y;
-    for (const int y : {197, 253}) EXPECT_EQ(pixel(x, y), white) << x << ' ' << y;
-  }
-  for (const int x : {97, 403}) EXPECT_EQ(pixel(x, 225), white) << x;
+  const tests::Picture page(document_.file());
+  ASSERT_TRUE(page.valid());
+  for (const int x : {102, 397})
+    EXPECT_EQ(page.pixel(x, 202) + page.pixel(x, 247), std::string("\0\xFF\0\0\xFF\0", 6));
+  for (const int y : {197, 253}) EXPECT_FALSE(page.hasInk(0, y, 595, y + 1)) << y;
+  EXPECT_FALSE(page.hasInk(0, 0, 98, 841) || page.hasInk(402, 0, 595, 841));
 }
 
 TEST_F(Readers, MupdfSeesTheOutline) {

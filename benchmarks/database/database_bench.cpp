@@ -1,0 +1,186 @@
+// The Access engine as a host drives it, on 100,000 rows of an integer key, a text of 40 characters, a double
+// and a date. Beside it: mdb-export on the same file, and SQLite with one transaction a row that is not
+// synced, which gives the guarantee that our Update gives (the process may die; the power may fail after
+// CloseTable only).
+
+#include <benchmark/benchmark.h>
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "database/access/create_database.h"
+#include "database/veltrano_mdb.h"
+
+namespace {
+
+using veltrano::Date;
+using veltrano::Value;
+using veltrano::VeltranoMDB;
+using veltrano::access::ColumnType;
+
+constexpr int rows = 100000;
+
+std::filesystem::path inTemporary(const char* name) {
+  return std::filesystem::temp_directory_path() / name;
+}
+
+/// 40 characters, another text for each row, in no order: the second index changes everywhere.
+std::string textOf(int row) {
+  std::string text = "Somebody's name and address, entry ";
+  text += std::to_string(100000 + row * 7919LL % rows).substr(1);
+  return text;
+}
+
+/// A file with the empty table "Rows": a primary key and an index on the text.
+std::string makeFile(const std::filesystem::path& file) {
+  std::filesystem::remove(file);
+  veltrano::access::NewTable table;
+  table.name = "Rows";
+  table.columns = {{.name = "ID", .type = ColumnType::longInteger},
+                   {.name = "Name", .type = ColumnType::text, .size = 40},
+                   {.name = "Amount", .type = ColumnType::real},
+                   {.name = "Moment", .type = ColumnType::dateTime}};
+  table.indexes = {{.name = "PrimaryKey", .columns = {{.name = "ID"}}, .primary = true},
+                   {.name = "ByName", .columns = {{.name = "Name"}}}};
+  std::string reason;
+  if (!veltrano::access::createDatabase(file, {}, reason) ||
+      !veltrano::access::createTable(file, table, reason)) {
+    std::fprintf(stderr, "%s\n", reason.c_str());
+    std::abort();
+  }
+  return file.string();
+}
+
+void addRows(VeltranoMDB& mdb) {
+  for (int row = 0; row < rows; ++row) {
+    mdb.AddNew();
+    mdb.WriteRecord("ID", row);
+    mdb.WriteRecord("Name", textOf(row));
+    mdb.WriteRecord("Amount", row * 1.25);
+    mdb.WriteRecord("Moment", Date{40000 + row / 16.0});
+    mdb.Update();
+  }
+}
+
+const std::string& fullFile() {
+  static const std::string name = [] {
+    const std::string made = makeFile(inTemporary("veltrano_bench_full.mdb"));
+    VeltranoMDB mdb;
+    mdb.OpenDB(made);
+    mdb.OpenTable("Rows");
+    addRows(mdb);
+    return made;
+  }();
+  return name;
+}
+
+void countRows(benchmark::State& state) {
+  state.counters["rows/s"] = benchmark::Counter(rows, benchmark::Counter::kIsIterationInvariantRate);
+}
+
+void addNewUpdate(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    const std::string file = makeFile(inTemporary("veltrano_bench_new.mdb"));
+    VeltranoMDB mdb;
+    mdb.OpenDB(file);
+    mdb.OpenTable("Rows");
+    state.ResumeTiming();
+    addRows(mdb);
+    mdb.CloseTable();
+    mdb.CloseDatabase();
+  }
+  countRows(state);
+}
+BENCHMARK(addNewUpdate)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void sqliteInsertUnsynced(benchmark::State& state) {
+  const auto file = inTemporary("veltrano_bench.sqlite");
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::filesystem::remove(file);
+    sqlite3* database = nullptr;
+    sqlite3_open(file.c_str(), &database);
+    sqlite3_exec(database,
+                 "pragma synchronous=off; create table Rows(ID integer primary key, Name text, Amount real,"
+                 " Moment real); create index ByName on Rows(Name)",
+                 nullptr, nullptr, nullptr);
+    sqlite3_stmt* insert = nullptr;
+    sqlite3_prepare_v2(database, "insert into Rows values(?,?,?,?)", -1, &insert, nullptr);
+    state.ResumeTiming();
+    for (int row = 0; row < rows; ++row) {
+      const std::string text = textOf(row);
+      sqlite3_bind_int(insert, 1, row);
+      sqlite3_bind_text(insert, 2, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+      sqlite3_bind_double(insert, 3, row * 1.25);
+      sqlite3_bind_double(insert, 4, 40000 + row / 16.0);
+      sqlite3_step(insert);
+      sqlite3_reset(insert);
+    }
+    sqlite3_finalize(insert);
+    sqlite3_close(database);
+  }
+  std::filesystem::remove(file);
+  countRows(state);
+}
+BENCHMARK(sqliteInsertUnsynced)->Unit(benchmark::kMillisecond)->UseRealTime()->Iterations(1);
+
+void readEveryField(benchmark::State& state) {
+  const std::string& file = fullFile();
+  VeltranoMDB mdb;
+  mdb.OpenDB(file);
+  mdb.OpenTable("Rows");
+  for (auto _ : state) {
+    int seen = 0;
+    for (mdb.MoveFirst(); !mdb.Eof(); mdb.MoveNext()) {
+      for (const char* field : {"ID", "Name", "Amount", "Moment"}) {
+        benchmark::DoNotOptimize(mdb.ReadRecord_String(field));
+      }
+      ++seen;
+    }
+    if (seen != rows) {
+      state.SkipWithError("rows are missing");
+    }
+  }
+  countRows(state);
+}
+BENCHMARK(readEveryField)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void mdbExport(benchmark::State& state) {
+  const std::string command = "mdb-export " + fullFile() + " Rows > /dev/null";
+  for (auto _ : state) {
+    if (std::system(command.c_str()) != 0) {
+      state.SkipWithError("mdb-export is missing (package mdbtools)");
+    }
+  }
+  countRows(state);
+}
+BENCHMARK(mdbExport)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// The last of all rows: FindRecord reads through the table.
+void findRecord(benchmark::State& state, const char* field, const std::string& value, std::int16_t exact) {
+  const std::string& file = fullFile();
+  VeltranoMDB mdb;
+  mdb.OpenDB(file);
+  mdb.OpenTable("Rows");
+  for (auto _ : state) {
+    if (!mdb.FindRecord(field, value, exact)) {
+      state.SkipWithError("not found");
+    }
+  }
+  countRows(state);
+}
+BENCHMARK_CAPTURE(findRecord, number, "ID", std::to_string(rows - 1), -1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(findRecord, date, "Moment", "2026-08-15 22:30:00", -1)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(findRecord, textWithoutCase, "Name", "SOMEBODY'S NAME AND ADDRESS, ENTRY 92081", 0)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+}  // namespace

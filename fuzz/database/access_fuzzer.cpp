@@ -1,0 +1,143 @@
+// Changes bytes of a good database and uses the file as a host would. The input is a list of changes, six
+// bytes each: u24 offset, u8 kind of change, u16 argument. So the fuzzer works on the structures instead of
+// finding the format's magic numbers first; a kind of change past the last one replaces the page by that of
+// another number.
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <map>
+
+#include "base/files.h"
+#include "database/access/create_database.h"
+#include "database/access/text_codec.h"
+#include "hostile.h"
+
+namespace {
+
+using namespace veltrano;
+using namespace veltrano::access;
+
+constexpr std::size_t pageSize = 4096;
+
+// Files in memory: no waiting for a disk.
+class MemoryFiles final : public FileSystem {
+ public:
+  std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
+                                         OpenFailure& failure) override {
+    if (mode != OpenMode::create && !contents.contains(file.string())) {
+      failure = OpenFailure::missing;
+      return nullptr;
+    }
+    return std::make_unique<File>(contents[file.string()]);
+  }
+  bool remove(const std::filesystem::path& file) override { return contents.erase(file.string()) != 0; }
+  bool lockFileInUse(const std::filesystem::path&) override { return false; }
+
+  std::map<std::string, std::string> contents;
+
+ private:
+  class File final : public RandomAccessFile {
+   public:
+    explicit File(std::string& content) : content_(content) {}
+    std::optional<std::size_t> readAt(std::uint64_t offset, MutableBytes target) override {
+      const std::size_t from = std::min<std::size_t>(offset, content_.size());
+      const std::size_t size = std::min(target.size(), content_.size() - from);
+      std::copy_n(content_.begin() + static_cast<std::ptrdiff_t>(from), size, target.begin());
+      return size;
+    }
+    bool writeAt(std::uint64_t offset, Bytes bytes) override {
+      content_.resize(std::max<std::size_t>(content_.size(), offset + bytes.size()));
+      std::copy(bytes.begin(), bytes.end(), content_.begin() + static_cast<std::ptrdiff_t>(offset));
+      return true;
+    }
+    std::optional<std::uint64_t> size() override { return content_.size(); }
+    bool resize(std::uint64_t size) override {
+      content_.resize(size);
+      return true;
+    }
+    bool sync() override { return true; }
+
+   private:
+    std::string& content_;
+  };
+};
+
+const std::filesystem::path& folder() {
+  static const auto path =
+      std::filesystem::temp_directory_path() / ("veltrano-access-fuzzer-" + std::to_string(::getpid()));
+  return path;
+}
+
+std::string makeGoodFile() {
+  std::filesystem::create_directories(folder());
+  const auto file = folder() / "good.mdb";
+  std::filesystem::remove(file);
+  std::string reason;
+  const NewTable table = {.name = "T",
+                          .columns = {{.name = "ID", .type = ColumnType::longInteger, .autoNumber = true},
+                                      {.name = "Name", .type = ColumnType::text, .size = 40},
+                                      {.name = "Notes", .type = ColumnType::memo},
+                                      {.name = "Picture", .type = ColumnType::ole},
+                                      {.name = "Price", .type = ColumnType::numeric},
+                                      {.name = "Flag", .type = ColumnType::boolean}},
+                          .indexes = {{.name = "P", .columns = {{"ID"}}, .primary = true},
+                                      {.name = "N", .columns = {{"Name"}, {"Price", false}}}}};
+  createDatabase(file, {.created = 40000}, reason);
+  createTable(file, table, reason);
+  auto opened = std::make_shared<OpenFile>();
+  opened->pager = Pager::open(file, {}, reason);
+  AccessRecordset recordset(opened, findTable(*opened->pager, "T", reason).value());
+  for (int i = 0; i < 50; ++i) {
+    recordset.addNew();
+    recordset.write("Name", "name " + std::to_string(i * 37 % 50));
+    recordset.write("Notes", std::string(static_cast<std::size_t>(i % 7 == 0 ? 9000 : i), 'n'));
+    recordset.write("Picture", std::string(static_cast<std::size_t>(i * 3), 'p'));
+    recordset.write("Price", i);
+    recordset.update();
+  }
+  recordset.close();
+  opened->pager.reset();
+  std::string good = readWholeFile(file).value();
+  std::filesystem::remove_all(folder());
+  return good;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const std::string good = makeGoodFile();
+  static MemoryFiles files;
+  std::string text;
+  storedTextToUtf8(Bytes(data, size), text);
+
+  std::string bad = good;
+  for (; size >= 6; data += 6, size -= 6) {
+    const std::size_t at = pageSize + load24(data) % (bad.size() - pageSize - 4);
+    const std::uint16_t argument = load16(data + 4);
+    auto* bytes = reinterpret_cast<std::uint8_t*>(bad.data());
+    switch (data[3] % 6) {
+      case 0:
+        bad[at] = static_cast<char>(argument);
+        break;
+      case 1:
+        store16(bytes + at, argument);
+        break;
+      case 2:
+        store32(bytes + at, argument);
+        break;
+      case 3:
+        bad[at - at % pageSize + argument % 64] = static_cast<char>(argument >> 8);
+        break;
+      case 4:
+        store32(bytes + at - at % pageSize + (argument % 16) * 4, argument >> 8);
+        break;
+      default:
+        bad.replace(at - at % pageSize, pageSize, good, argument % (good.size() / pageSize) * pageSize,
+                    pageSize);
+    }
+  }
+  files.contents = {{"bad.mdb", std::move(bad)}};
+  useHostileFile("bad.mdb", files);
+  return 0;
+}

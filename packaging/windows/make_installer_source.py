@@ -1,0 +1,175 @@
+#!/usr/bin/env python3
+"""Prints the source of an installer package for wixl.
+
+  make_installer_source.py x86|x64 VERSION FOLDER
+
+FOLDER is what the zip for Windows holds. The x64 package brings both DLLs, each registered for the hosts of its word
+size; the x86 package is for a 32-bit Windows and refuses to run on another. What is registered is what the DLL's own
+registration writes (server/registration.cpp), as rows that the installer puts there and takes away again;
+scripts/try-package.sh compares the two.
+"""
+
+import re
+import sys
+import uuid
+from pathlib import Path
+from xml.sax.saxutils import quoteattr
+
+ROOT = Path(__file__).resolve().parent.parent.parent
+# Fixed once: by it Windows knows that one version replaces another.
+UPGRADE_CODES = {"x86": "8ff4b051-3a61-43c1-827f-8b33f3e94e90", "x64": "d1db014a-5bd0-4ae8-84d3-4c67653bf765"}
+MARSHALLER = "{00020424-0000-0000-C000-000000000046}"
+LIBRARY_VERSION = "1.0"
+
+
+def braced(text):
+    return "{" + text.upper() + "}"
+
+
+def derived(*parts):
+    """An identifier that is the same each time for the same parts."""
+    return braced(str(uuid.uuid5(uuid.UUID(UPGRADE_CODES["x64"]), "/".join(parts))))
+
+
+class Contract:
+    """The identifiers of the type library and the classes that the server has."""
+
+    def __init__(self):
+        text = re.sub(r"^\s*//.*$", "", (ROOT / "server/veltrano.idl").read_text(), flags=re.M)
+        head = r"\[[^\[\]]*?uuid\(([\w-]+)\)[^\[\]]*?"
+        self.library = braced(re.search(head + r"\]\s*library", text).group(1))
+        identifiers = {name: braced(guid) for guid, name in re.findall(head + r"\]\s*coclass (\w+)", text)}
+        interfaces = {name: braced(guid) for guid, name in re.findall(head + r"\]\s*(?:disp)?interface (_\w+)", text)}
+        table = re.findall(r'&CLSID_(\w+).*?L"\w+",\s*L"([^"]*)"', (ROOT / "server/class_table.cpp").read_text())
+        self.classes = [(identifiers[name], name, description) for name, description in table]
+        self.interfaces = [(interfaces[face], face) for _, name, _ in self.classes
+                           for face in ("_" + name, "__" + name) if face in interfaces]
+
+    def entries(self, architecture, dll):
+        """(key, value name or None, text) of everything that the registration of one DLL writes."""
+        for clsid, name, description in self.classes:
+            program = f"VeltranoFrameWorkDLL.{name}"
+            for key in (program, f"{program}.1"):
+                yield key, None, description
+                yield f"{key}\\CLSID", None, clsid
+            yield f"{program}\\CurVer", None, f"{program}.1"
+            key = f"CLSID\\{clsid}"
+            yield key, None, description
+            yield f"{key}\\InprocServer32", None, dll
+            yield f"{key}\\InprocServer32", "ThreadingModel", "Apartment"
+            yield f"{key}\\ProgID", None, f"{program}.1"
+            yield f"{key}\\VersionIndependentProgID", None, program
+            yield f"{key}\\TypeLib", None, self.library
+            yield f"{key}\\Version", None, LIBRARY_VERSION
+            yield f"{key}\\Programmable", None, ""
+        for iid, name in self.interfaces:
+            key = f"Interface\\{iid}"
+            yield key, None, name
+            yield f"{key}\\ProxyStubClsid32", None, MARSHALLER
+            yield f"{key}\\TypeLib", None, self.library
+            yield f"{key}\\TypeLib", "Version", LIBRARY_VERSION
+        key = f"TypeLib\\{self.library}\\{LIBRARY_VERSION}"
+        yield key, None, "Veltrano FrameWork"
+        yield f"{key}\\0\\{'win64' if architecture == 'x64' else 'win32'}", None, dll
+        yield f"{key}\\FLAGS", None, "0"
+
+
+def identifier(path):
+    return re.sub(r"\W", "_", f"f_{path}")
+
+
+class Source:
+    def __init__(self, package, folder):
+        self.package, self.folder, self.contract = package, folder, Contract()
+        self.components = []
+
+    def component(self, name, win64, indent, lines):
+        self.components.append(name)
+        attribute = ' Win64="yes"' if win64 else ""
+        yield f'{indent}<Component Id="{name}" Guid="{derived(self.package, name)}"{attribute}>'
+        yield from lines
+        yield f"{indent}</Component>"
+
+    def files(self, folder, indent):
+        """Every file below a folder of the zip, a component a folder; the DLL's brings its registration."""
+        relative = folder.relative_to(self.folder).as_posix()
+        lines = []
+        for number, path in enumerate(sorted(path for path in folder.iterdir() if path.is_file())):
+            key = ' KeyPath="yes"' if number == 0 else ""
+            lines.append(f'{indent}  <File Id="{identifier(path.relative_to(self.folder))}" Name={quoteattr(path.name)} '
+                         f"Source={quoteattr(str(path.relative_to(self.folder)))}{key}/>")
+        if relative in ("x86", "x64"):
+            lines += self.registration(relative, indent + "  ")
+        if lines:
+            win64 = self.package == "x64" and folder.relative_to(self.folder).parts[0] != "x86"
+            yield from self.component(identifier("c_" + relative), win64, indent, lines)
+        for child in sorted(path for path in folder.iterdir() if path.is_dir()):
+            yield f'{indent}<Directory Id="{identifier("d_" + relative + "_" + child.name)}" Name={quoteattr(child.name)}>'
+            yield from self.files(child, indent + "  ")
+            yield f"{indent}</Directory>"
+
+    def registration(self, architecture, indent):
+        dll = f"[#{identifier(architecture + '/VeltranoFrameWorkDLL.dll')}]"
+        for key, name, value in self.contract.entries(architecture, dll):
+            named = f"Name={quoteattr(name)} " if name else ""
+            yield (f"{indent}<RegistryValue Root=\"HKLM\" Key={quoteattr('Software' + chr(92) + 'Classes' + chr(92) + key)} "
+                   f'{named}Type="string" Value={quoteattr(value)}/>')
+
+    def directory(self, root, name, folders):
+        yield f'      <Directory Id="{root}">'
+        yield f'        <Directory Id="{name}" Name="VeltranoFrameWork">'
+        if "." not in folders:
+            # No file lies here, so nothing else would take the folder away.
+            lines = [f'            <RemoveFolder Id="r_{name}" On="uninstall"/>']
+            yield from self.component("c_" + name, False, "          ", lines)
+        for folder in folders:
+            if folder == ".":
+                files = [path for path in sorted(self.folder.iterdir()) if path.is_file()]
+                lines = [f'            <File Id="{identifier(path.name)}" Name={quoteattr(path.name)} '
+                         f'Source={quoteattr(str(path.relative_to(self.folder)))}{" KeyPath=" + chr(34) + "yes" + chr(34) if number == 0 else ""}/>'
+                         for number, path in enumerate(files)]
+                yield from self.component("c_top", self.package == "x64", "          ", lines)
+            else:
+                yield f'          <Directory Id="{identifier("d_" + folder)}" Name="{folder}">'
+                yield from self.files(self.folder / folder, "            ")
+                yield "          </Directory>"
+        yield "        </Directory>"
+        yield "      </Directory>"
+
+    def text(self, version):
+        shared = [path.name for path in sorted(self.folder.iterdir()) if path.is_dir() and path.name not in ("x86", "x64")]
+        x64 = self.package == "x64"
+        condition = ("VersionNT64", "This is a 32-bit Windows: use the x86 package.") if x64 else (
+            "NOT VersionNT64", "This is a 64-bit Windows: use the x64 package, which brings both DLLs.")
+        yield '<?xml version="1.0" encoding="utf-8"?>'
+        yield '<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">'
+        yield (f'  <Product Id="{derived(self.package, version, "product")}" UpgradeCode="{braced(UPGRADE_CODES[self.package])}" '
+               f'Name="Veltrano FrameWork" Version="{version}" Manufacturer="VELTRANO Software Technologies" Language="1033">')
+        yield (f'    <Package InstallerVersion="200" Compressed="yes" InstallScope="perMachine" '
+               'Description="PDF, KML, settings, pictures, databases and event log for automation hosts"/>')
+        yield '    <Media Id="1" Cabinet="files.cab" EmbedCab="yes"/>'
+        yield '    <MajorUpgrade DowngradeErrorMessage="A newer version is installed."/>'
+        yield f'    <Condition Message={quoteattr(condition[1])}>{condition[0]}</Condition>'
+        yield '    <Property Id="ARPNOMODIFY" Value="1"/>'
+        yield '    <Directory Id="TARGETDIR" Name="SourceDir">'
+        if x64:
+            yield from self.directory("ProgramFiles64Folder", "INSTALLDIR", [".", "x64", *shared])
+            yield from self.directory("ProgramFilesFolder", "INSTALLDIR32", ["x86"])
+        else:
+            yield from self.directory("ProgramFilesFolder", "INSTALLDIR", [".", "x86", *shared])
+        yield "    </Directory>"
+        yield '    <Feature Id="Complete" Level="1" Title="Veltrano FrameWork">'
+        for component in self.components:
+            yield f'      <ComponentRef Id="{component}"/>'
+        yield "    </Feature>"
+        yield "  </Product>"
+        yield "</Wix>"
+
+
+def main():
+    package, version, folder = sys.argv[1:]
+    print("\n".join(Source(package, Path(folder).resolve()).text(version)))
+
+
+if __name__ == "__main__":
+    main()

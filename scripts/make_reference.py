@@ -1,0 +1,358 @@
+#!/usr/bin/env python3
+"""Makes the reference pages in docs/reference from the type library's source and the hand-written notes.
+
+  scripts/make_reference.py                 writes docs/reference/<class>.md
+  scripts/make_reference.py --check         says what is missing or out of date, and exits 1 then
+  scripts/make_reference.py --examples FOLDER
+                                            prints a VBScript that runs every example; its files lie in FOLDER
+
+Names, types, order, enumerations and the first sentence of each member come from server/veltrano.idl, defaults from
+server/defaults.cpp, everything else from docs/reference/notes/<class>.md. A note says of its member, one key a line,
+continued by lines that begin with two blanks:
+
+  <parameter>: units, range and meaning, for every parameter ("value" for what a property is set to)
+  result:      needed when the member has one
+  fallback:    what happens instead when something is wrong
+  event:       "text" when ..., once for each message
+  note:        anything else
+  example:     VBScript; "example not run:" when a script host has not what it needs
+"""
+
+import argparse
+import re
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+REFERENCE = ROOT / "docs" / "reference"
+
+TYPES = {
+    "BSTR": "String",
+    "short": "Integer",
+    "long": "Long",
+    "double": "Double",
+    "VARIANT": "Variant",
+    "VARIANT_BOOL": "Boolean",
+    "IPictureDisp": "IPictureDisp",
+    "SAFEARRAY(VARIANT)": "Variant",
+    "ADDRESS_NUMBER": "LongPtr",
+}
+KEYS = ("result", "fallback", "event", "note", "example", "example not run")
+
+
+class Parameter:
+    def __init__(self, name, kind, default, many):
+        self.name, self.kind, self.default, self.many = name, kind, default, many
+
+    def declaration(self):
+        if self.many:
+            return f"ParamArray {self.name}() As {self.kind}"
+        text = f"{self.name} As {self.kind}"
+        return text if self.default is None else f"[{text} = {self.default}]"
+
+
+class Member:
+    def __init__(self, name, help_text):
+        self.name, self.help = name, help_text
+        self.kinds, self.parameters, self.result = [], [], None
+
+    def declarations(self):
+        for kind in self.kinds:
+            if kind == "propput":
+                yield f"Property Let {self.name}(value As {self.value_type()})"
+            elif kind == "propget":
+                yield f"Property Get {self.name}() As {self.result}"
+            elif kind == "event":
+                yield f"Event {self.name}({self.arguments()})"
+            elif self.result:
+                yield f"Function {self.name}({self.arguments()}) As {self.result}"
+            else:
+                yield f"Sub {self.name}({self.arguments()})"
+
+    def arguments(self):
+        return ", ".join(parameter.declaration() for parameter in self.parameters)
+
+    def value_type(self):
+        return next(parameter.kind for parameter in self.parameters if parameter.name == "value")
+
+
+class Class:
+    def __init__(self, name, help_text):
+        self.name, self.help, self.members, self.events = name, help_text, [], []
+
+
+def attribute_block(text, start):
+    """The text within the brackets that open at `start`, and the position behind them."""
+    depth, quoted, position = 0, False, start
+    while True:
+        character = text[position]
+        if character == '"' and text[position - 1] != "\\":
+            quoted = not quoted
+        elif not quoted and character == "[":
+            depth += 1
+        elif not quoted and character == "]":
+            depth -= 1
+            if depth == 0:
+                return text[start + 1 : position], position + 1
+        position += 1
+
+
+def split_parameters(text):
+    """At the commas outside of brackets and parentheses."""
+    depth, part = 0, ""
+    for character in text:
+        depth += character in "[("
+        depth -= character in "])"
+        if character == "," and depth == 0:
+            yield part.strip()
+            part = ""
+        else:
+            part += character
+    if part.strip():
+        yield part.strip()
+
+
+def help_string(attributes):
+    found = re.search(r'helpstring\("((?:[^"\\]|\\.)*)"\)', attributes)
+    return found.group(1).replace('\\"', '"') if found else ""
+
+
+def read_defaults():
+    rows = re.findall(
+        r'\{&IID__(\w+), L"(\w+)", L"(\w+)", (-?[\d.]+), (nullptr|L"[^"]*")\}', (ROOT / "server/defaults.cpp").read_text()
+    )
+    return {(owner, member, name): number if text == "nullptr" else text[1:] for owner, member, name, number, text in rows}
+
+
+def read_parameter(text, owner, member, defaults):
+    """(Parameter, True) for a result, (Parameter, False) for an argument."""
+    attributes, end = attribute_block(text, 0)
+    found = re.match(r"\s*(.+?)\s*(\**)\s*(\w+)$", text[end:])
+    kind = TYPES.get(found.group(1), found.group(1))
+    name = "value" if found.group(3) == "newValue" else found.group(3)
+    default = defaults.get((owner, member, name))
+    if kind == "Boolean" and default is not None:
+        default = "True" if default == "-1" else "False"
+    return Parameter(name, kind, default, "SAFEARRAY" in found.group(1)), "retval" in attributes
+
+
+def read_members(body, owner, defaults, event=False):
+    members, position = [], 0
+    while (start := body.find("[id(", position)) >= 0:
+        attributes, end = attribute_block(body, start)
+        position = body.index(";", end)
+        declaration = " ".join(body[end:position].split())
+        name, arguments = re.match(r"\w+ (\w+)\((.*)\)$", declaration).groups()
+        # A property that can be read and set is declared twice.
+        member = next((known for known in members if known.name == name), None)
+        if member is None:
+            member = Member(name, help_string(attributes))
+            members.append(member)
+        kind = re.search(r"\b(propget|propput)\b", attributes)
+        member.kinds.append("event" if event else kind.group(1) if kind else "method")
+        for text in split_parameters(arguments):
+            parameter, is_result = read_parameter(text, owner, name, defaults)
+            if is_result:
+                member.result = parameter.kind
+            else:
+                member.parameters.append(parameter)
+    return members
+
+
+def read_library():
+    """The classes, and the enumerations as name: (help text, [(constant, value, meaning)])."""
+    text = (ROOT / "server/veltrano.idl").read_text()
+    enumerations = {}
+    for attributes, name, body in re.findall(r"typedef \[(.*?)\]\s*enum (\w+) \{(.*?)\}", text, re.S):
+        rows = re.findall(r"^\s*(\w+) = (\d+),?\s*//\s*(.*)$", body, re.M)
+        enumerations[name] = (help_string(attributes), rows)
+    code = re.sub(r"^\s*//.*$", "", text, flags=re.M)
+    defaults = read_defaults()
+    classes = {}
+    for attributes, name in re.findall(r"\[([^\[\]]*?)\]\s*coclass (\w+)", code):
+        classes[name] = Class(name, help_string(attributes))
+    for found in re.finditer(r"(?:dispinterface|interface) (_+)(\w+)(?: : IDispatch)?\s*\{(.*?)\n    \};", code, re.S):
+        underscores, name, body = found.groups()
+        members = read_members(body, name, defaults, event=underscores == "__")
+        if underscores == "__":
+            classes[name].events = members
+        else:
+            classes[name].members = members
+    return classes, enumerations
+
+
+class Notes:
+    """A notes file: what stands before the members, and a list of (key, text) for each of them."""
+
+    def __init__(self, path):
+        head, *sections = re.split(r"^## (?=\w+$)", path.read_text(), flags=re.M)
+        self.object = re.search(r"^object: (\w+)$", head, re.M).group(1)
+        header = re.search(r"^header: (\S+)$", head, re.M).group(1)
+        self.header = None if header == "-" else header
+        self.introduction = re.sub(r"^(# .*|object: .*|header: .*)\n+", "", head, flags=re.M).strip()
+        self.members = {}
+        for section in sections:
+            name, _, body = section.partition("\n")
+            self.members[name.strip()] = self.entries(path, body)
+
+    @staticmethod
+    def entries(path, body):
+        entries = []
+        for line in body.splitlines():
+            if line.startswith("  ") and entries:
+                entries[-1][1].append(line[2:])
+            elif found := re.match(r"([\w ]+): (.*)$", line):
+                entries.append((found.group(1), [found.group(2)]))
+            elif line.strip():
+                sys.exit(f"{path}: neither a key nor the continuation of one: {line}")
+        return entries
+
+
+def problems_of(cls, notes):
+    """What the notes lack, or have too much of."""
+    members = cls.members + cls.events
+    for name in notes.members.keys() - {member.name for member in members}:
+        yield f"{cls.name}: a note on {name}, which the type library does not have"
+    for member in members:
+        entries = notes.members.get(member.name)
+        if entries is None:
+            yield f"{cls.name}.{member.name}: no note"
+            continue
+        given = [key for key, _ in entries]
+        wanted = {parameter.name for parameter in member.parameters} | ({"result"} if member.result else set())
+        for key in sorted(wanted - set(given)):
+            yield f"{cls.name}.{member.name}: nothing is said of {key}"
+        for key in sorted(set(given) - wanted - set(KEYS) | ({"result"} & set(given) - wanted)):
+            yield f"{cls.name}.{member.name}: there is no {key}"
+        if not {"example", "example not run"} & set(given):
+            yield f"{cls.name}.{member.name}: no example"
+        if not member.help:
+            yield f"{cls.name}.{member.name}: no help text in the type library"
+
+
+def prose(lines):
+    return " ".join(line.strip() for line in lines)
+
+
+def fenced(lines):
+    return ["```vb", *lines, "```", ""]
+
+
+def member_section(member, entries):
+    out = [f"### {member.name}", "", member.help, "", *fenced(list(member.declarations()))]
+    texts = {key: prose(lines) for key, lines in entries if key != "event"}
+    if member.parameters:
+        out += ["| argument | type | default | meaning |", "|---|---|---|---|"]
+        for parameter in member.parameters:
+            default = "" if parameter.default is None else f"`{parameter.default}`"
+            out.append(f"| `{parameter.name}` | {parameter.kind} | {default} | {texts[parameter.name]} |")
+        out.append("")
+    if member.result:
+        out += [f"**Result** ({member.result}): {texts['result']}", ""]
+    if "fallback" in texts:
+        out += [f"**Fallback:** {texts['fallback']}", ""]
+    for key, lines in entries:
+        if key == "event":
+            text, when = re.match(r'"([^"]*)"\s*(.*)$', prose(lines)).groups()
+            out += [f'**Event** `"{text}"` {when}.', ""]
+    if "note" in texts:
+        out += [texts["note"], ""]
+    for key, lines in entries:
+        if key.startswith("example"):
+            out += fenced(lines)
+    return out
+
+
+def anchor(name):
+    return f"[`{name}`](#{name.lower()})"
+
+
+def event_table(cls, notes):
+    """Every message and the members that raise it, in the order of the members."""
+    raised = {}
+    for member in cls.members:
+        for key, lines in notes.members[member.name]:
+            if key == "event":
+                raised.setdefault(re.match(r'"([^"]*)"', lines[0]).group(1), []).append(anchor(member.name))
+    return ["| message | raised by |", "|---|---|",
+            *(f'| `"{text}"` | {", ".join(members)} |' for text, members in raised.items()), ""]
+
+
+def page(cls, notes, enumerations):
+    out = [f"# {cls.name}", "", "<!-- Made by scripts/make_reference.py from server/veltrano.idl and "
+           f"docs/reference/notes/{cls.name}.md: change those. -->", "", f"{cls.help}.", "",
+           f"- automation: `CreateObject(\"VeltranoFrameWorkDLL.{cls.name}\")`"]
+    if notes.header:
+        out.append(f"- C++ on Linux: `#include \"{notes.header}\"`, class `veltrano::{cls.name}`; texts are `std::string`, "
+                   "file names `std::filesystem::path`")
+    out += ["", notes.introduction, ""]
+    if cls.members:
+        out += ["## Members", "", "| member | |", "|---|---|"]
+        out += [f"| {anchor(member.name)} | {member.help} |" for member in cls.members]
+        out.append("")
+    used = {parameter.kind for member in cls.members for parameter in member.parameters}
+    mentioned = set(re.findall(r"`(\w+)`", notes.introduction + str(notes.members)))
+    names = [name for name in enumerations if name in used | mentioned]
+    if cls.name == "VeltranoPDF":
+        names = [name for name in enumerations if name != "EventTypes"]
+    if names:
+        out += ["## Enumerations", "", "Script hosts do not know the names: write the numbers, or declare constants.", ""]
+        for name in names:
+            help_text, rows = enumerations[name]
+            out += [f"### {name}", "", f"{help_text}.", "", "| name | value | |", "|---|---|---|"]
+            out += [f"| `{constant}` | {value} | {meaning} |" for constant, value, meaning in rows]
+            out.append("")
+    if cls.events:
+        out += ["## Events", ""]
+        for member in cls.events:
+            out += member_section(member, notes.members[member.name])
+        out += event_table(cls, notes)
+    if cls.members:
+        out += ["## Each member", ""]
+        for member in cls.members:
+            out += member_section(member, notes.members[member.name])
+    return "\n".join(out).rstrip() + "\n"
+
+
+def examples_script(classes, notes, folder):
+    """Each example on a new object, announced by its name, and "done" at the end: script hosts hide errors."""
+    out = []
+    for name, cls in classes.items():
+        for member in cls.members:
+            for key, lines in notes[name].members[member.name]:
+                if key == "example":
+                    out += [f'WScript.Echo "{name}.{member.name}"',
+                            f'Set {notes[name].object} = CreateObject("VeltranoFrameWorkDLL.{name}")', *lines]
+    out.append('WScript.Echo "done"')
+    return "\r\n".join(out).replace("C:\\Temp", folder) + "\r\n"
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--check", action="store_true")
+    parser.add_argument("--examples", metavar="FOLDER")
+    options = parser.parse_args()
+    classes, enumerations = read_library()
+    notes = {name: Notes(REFERENCE / "notes" / f"{name}.md") for name in classes}
+    problems = [problem for name, cls in classes.items() for problem in problems_of(cls, notes[name])]
+    if problems:
+        sys.exit("\n".join(problems))
+    if options.examples:
+        sys.stdout.write(examples_script(classes, notes, options.examples))
+        return
+    stale = []
+    for name, cls in classes.items():
+        path, text = REFERENCE / f"{name}.md", page(cls, notes[name], enumerations)
+        if path.exists() and path.read_text() == text:
+            continue
+        stale.append(path.relative_to(ROOT))
+        if not options.check:
+            path.write_text(text)
+    if options.check and stale:
+        sys.exit("out of date, run scripts/make_reference.py: " + ", ".join(map(str, stale)))
+    members = sum(len(cls.members) + len(cls.events) for cls in classes.values())
+    print(f"{len(classes)} classes, {members} members" + (f"; written: {len(stale)} pages" if stale else ""))
+
+
+if __name__ == "__main__":
+    main()

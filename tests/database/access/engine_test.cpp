@@ -1,0 +1,397 @@
+#include "database/access/access_engine.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "base/files.h"
+#include "database/access/catalog.h"
+#include "database/text_matcher.h"
+#include "harness.h"
+
+namespace veltrano::access {
+namespace {
+
+std::string utf8(const std::filesystem::path& path) {
+  const auto text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+std::unique_ptr<Database> open(const std::filesystem::path& file, std::optional<std::string> password = {}) {
+  std::string reason;
+  const auto connect =
+      password ? std::optional(std::string(passwordConnectPrefix) + *password) : std::nullopt;
+  return makeAccessEngine()->openDatabase(utf8(file), connect, reason);
+}
+
+std::string read(Recordset& recordset, const std::string& field) {
+  std::string text = "not replaced";
+  return recordset.readText(field, text) ? text : "(" + text + ")";
+}
+
+// ID counts, Name is required and short, Note has a default, Code is unique.
+NewTable smallTable() {
+  return {.name = "Peo\xC5\xBCle",
+          .columns = {{.name = "ID", .type = ColumnType::longInteger, .autoNumber = true},
+                      {.name = "Name", .type = ColumnType::text, .size = 5, .required = true},
+                      {.name = "Note",
+                       .type = ColumnType::memo,
+                       .allowZeroLength = false,
+                       .defaultValue = "=\"new\""},
+                      {.name = "Code", .type = ColumnType::text, .size = 10},
+                      {.name = "Tiny", .type = ColumnType::byte},
+                      {.name = "Mark", .type = ColumnType::guid, .autoNumber = true}},
+          .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
+                      {.name = "Code", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true}}};
+}
+
+class Engine : public testing::Test {
+ protected:
+  void SetUp() override {
+    makeDatabase(folder_ / "a.mdb", {smallTable()});
+    database_ = open(folder_ / "a.mdb");
+    ASSERT_TRUE(database_);
+    people_ = database_->openTable("PEO\xC5\xBBLE");
+    ASSERT_TRUE(people_);
+  }
+  bool add(const std::string& name, const std::string& code) {
+    people_->addNew();
+    people_->write("name", name);
+    people_->write("Code", code);
+    return people_->update();
+  }
+  std::string names() {
+    std::string all;
+    for (people_->moveFirst(); people_->atEnd() == false; people_->moveNext()) {
+      all += read(*people_, "ID") + read(*people_, "Name") + " ";
+    }
+    return all;
+  }
+  void reopen() {
+    people_.reset();
+    database_.reset();
+    database_ = open(folder_ / "a.mdb");
+    people_ = database_->openTable("Peo\xC5\xBCle");
+  }
+
+  Folder folder_;
+  std::unique_ptr<Database> database_;
+  std::unique_ptr<Recordset> people_;
+};
+
+TEST_F(Engine, EmptyTableIsAtItsEnd) {
+  EXPECT_EQ(people_->atEnd(), true);
+  EXPECT_FALSE(people_->moveFirst());
+  EXPECT_FALSE(people_->moveLast());
+  EXPECT_FALSE(people_->moveNext());
+  EXPECT_FALSE(people_->edit());
+  EXPECT_FALSE(people_->remove());
+  EXPECT_FALSE(people_->update());
+  EXPECT_FALSE(people_->write("Name", "x"));
+  EXPECT_EQ(read(*people_, "Name"), "()");
+  EXPECT_FALSE(people_->find("Name", TextMatcher("x", CaseRule::exact)));
+}
+
+TEST_F(Engine, AddingLeavesTheCurrentRecord) {
+  EXPECT_TRUE(add("a", "1"));
+  EXPECT_EQ(people_->atEnd(), true);  // where it was before
+  people_->moveFirst();
+  people_->addNew();
+  EXPECT_EQ(read(*people_, "Name"), "()");
+  EXPECT_EQ(read(*people_, "ID"), "2");
+  EXPECT_EQ(read(*people_, "Note"), "new");
+  EXPECT_EQ(read(*people_, "Mark").size(), 38U);
+  people_->write("Name", "b");
+  EXPECT_EQ(read(*people_, "Name"), "b");
+  EXPECT_TRUE(people_->update());
+  EXPECT_EQ(read(*people_, "Name"), "a");
+  EXPECT_FALSE(people_->update());  // nothing is under way any more
+  EXPECT_EQ(names(), "1a 2b ");
+}
+
+TEST_F(Engine, MovingDropsTheEdit) {
+  add("a", "1");
+  add("b", "2");
+  people_->moveFirst();
+  people_->edit();
+  people_->write("Name", "x");
+  EXPECT_EQ(read(*people_, "Name"), "x");
+  people_->moveNext();
+  EXPECT_FALSE(people_->update());
+  people_->addNew();
+  people_->write("Name", "y");
+  people_->moveLast();
+  EXPECT_FALSE(people_->update());
+  EXPECT_EQ(names(), "1a 2b ");
+}
+
+TEST_F(Engine, DeletedRecordStaysCurrentUntilTheNextMove) {
+  add("a", "1");
+  add("b", "2");
+  add("c", "3");
+  people_->moveFirst();
+  people_->moveNext();
+  EXPECT_TRUE(people_->remove());
+  EXPECT_EQ(people_->atEnd(), false);
+  EXPECT_EQ(read(*people_, "Name"), "()");
+  EXPECT_FALSE(people_->edit());
+  EXPECT_FALSE(people_->remove());
+  people_->moveNext();
+  EXPECT_EQ(read(*people_, "Name"), "c");
+  EXPECT_TRUE(people_->remove());
+  EXPECT_TRUE(people_->moveNext());
+  EXPECT_EQ(people_->atEnd(), true);
+  EXPECT_EQ(names(), "1a ");
+  add("d", "4");
+  EXPECT_EQ(names(), "1a 4d ");  // the numbers of the deleted ones are not given again
+}
+
+TEST_F(Engine, RefusedWritesChangeNothing) {
+  add("a", "1");
+  add("b", "2");
+  people_->moveFirst();
+  people_->edit();
+  EXPECT_TRUE(people_->write("Code", "9"));
+  const std::vector<std::pair<const char*, Value>> refused = {
+      {"Name", "sixsix"}, {"Note", ""},     {"Tiny", 256}, {"Tiny", "x"},
+      {"ID", 7},          {"Missing", "x"}, {"Mark", "x"}, {"Name", Value(Opaque{})}};
+  for (const auto& [field, value] : refused) {
+    EXPECT_FALSE(people_->write(field, value)) << field;
+  }
+  // The refused fields leave the others of the edit alive.
+  EXPECT_TRUE(people_->update());
+  EXPECT_EQ(read(*people_, "Code"), "9");
+
+  people_->edit();
+  people_->write("Name", Null{});
+  EXPECT_FALSE(people_->update()) << "a required field is null";
+  people_->edit();
+  people_->write("Code", "2");
+  EXPECT_FALSE(people_->update()) << "the code is taken";
+  people_->write("Code", "3");
+  EXPECT_TRUE(people_->update()) << "the edit lives on after a refusal";
+  EXPECT_FALSE(add("", "2"));
+  people_->addNew();
+  EXPECT_FALSE(people_->update()) << "no name";
+  EXPECT_EQ(names(), "1a 2b ");
+  EXPECT_EQ(read(*people_, "ID"), "()");
+  add("c", "5");
+  EXPECT_EQ(names(), "1a 2b 3c ");
+}
+
+TEST_F(Engine, ChangedKeyIsNotMetAgain) {
+  makeDatabase(folder_ / "b.mdb", {{.name = "T",
+                                    .columns = {{.name = "ID", .type = ColumnType::longInteger}},
+                                    .indexes = {{.name = "P", .columns = {{"ID"}}, .primary = true}}}});
+  const auto database = open(folder_ / "b.mdb");
+  const auto table = database->openTable("t");
+  for (const int id : {1, 2, 3}) {
+    table->addNew();
+    table->write("ID", id);
+    table->update();
+  }
+  int met = 0;
+  for (table->moveFirst(); table->atEnd() == false && met < 10; table->moveNext(), ++met) {
+    table->edit();
+    table->write("ID", 100 + met);
+    EXPECT_TRUE(table->update());
+  }
+  EXPECT_EQ(met, 3);
+}
+
+TEST_F(Engine, TwoRecordsetsOfOneFileSeeEachOther) {
+  add("a", "1");
+  add("b", "2");
+  const auto other = database_->openTable("peo\xC5\xBCle");
+  people_->moveFirst();
+  EXPECT_EQ(read(*other, "Name"), "a");
+  people_->edit();
+  people_->write("Name", "new");
+  people_->update();
+  EXPECT_EQ(read(*other, "Name"), "new");
+  other->edit();
+  people_->remove();
+  EXPECT_FALSE(other->update());
+  EXPECT_EQ(read(*other, "Name"), "()");
+  other->moveNext();
+  EXPECT_EQ(read(*other, "Name"), "b");
+}
+
+TEST_F(Engine, ClosedObjectsOnlyFail) {
+  add("a", "1");
+  const auto second = database_->openTable("peo\xC5\xBCle");
+  EXPECT_TRUE(people_->close());
+  EXPECT_FALSE(people_->close());
+  EXPECT_TRUE(database_->close());
+  EXPECT_FALSE(database_->close());
+  EXPECT_FALSE(database_->openTable("peo\xC5\xBCle"));
+  for (Recordset* recordset : {people_.get(), second.get()}) {
+    EXPECT_EQ(recordset->atEnd(), std::nullopt);
+    EXPECT_FALSE(recordset->moveFirst() || recordset->moveLast() || recordset->moveNext() ||
+                 recordset->edit() || recordset->addNew() || recordset->update() || recordset->remove() ||
+                 recordset->write("Name", "x") || recordset->find("Name", TextMatcher("a", CaseRule::exact)));
+    EXPECT_EQ(read(*recordset, "Name"), "()");
+  }
+}
+
+TEST_F(Engine, FindComparesAsAsked) {
+  add("Sm\xC3\xADth", "1");
+  add("x", "2");
+  const auto found = [&](const char* field, const char* text, CaseRule rule) {
+    people_->moveFirst();
+    return people_->find(field, TextMatcher(text, rule)) ? read(*people_, "ID") : "none";
+  };
+  EXPECT_EQ(found("name", "SM\xC3\x8DTH", CaseRule::lowered), "1");
+  EXPECT_EQ(found("Name", "SM\xC3\x8DTH", CaseRule::exact), "none");
+  EXPECT_EQ(people_->atEnd(), true);
+  EXPECT_EQ(found("ID", "2", CaseRule::exact), "2");
+  EXPECT_EQ(found("Note", "NEW", CaseRule::lowered), "1");
+  EXPECT_EQ(found("Tiny", "", CaseRule::exact), "none") << "a null equals nothing";
+  EXPECT_EQ(found("Missing", "x", CaseRule::exact), "none");
+}
+
+TEST_F(Engine, SecondOpenerIsRefused) {
+  EXPECT_FALSE(open(folder_ / "a.mdb"));
+  reopen();
+  EXPECT_TRUE(people_);
+}
+
+TEST_F(Engine, OtherProgramsLockFileIsRespected) {
+  people_.reset();
+  database_.reset();
+  // Held open, as the other program does; some systems take a lock file that nobody holds for left over.
+  std::ofstream lock(folder_ / "a.ldb", std::ios::binary);
+  lock << std::string(64, 'x') << std::flush;
+  EXPECT_FALSE(open(folder_ / "a.mdb"));
+  lock.close();
+  std::filesystem::remove(folder_ / "a.ldb");
+  EXPECT_TRUE(open(folder_ / "a.mdb"));
+}
+
+TEST_F(Engine, ReadOnlyFileIsReadOnly) {
+  add("a", "1");
+  people_.reset();
+  database_.reset();
+  const std::string before = readWholeFile(folder_ / "a.mdb").value();
+  Pager::Options options;
+  options.readOnly = true;  // as a file that cannot be opened for writing is opened
+  auto file = std::make_shared<OpenFile>();
+  std::string reason;
+  file->pager = Pager::open(folder_ / "a.mdb", options, reason);
+  ASSERT_TRUE(file->pager) << reason;
+  {
+    AccessRecordset recordset(file, findTable(*file->pager, smallTable().name, reason).value());
+    EXPECT_EQ(read(recordset, "Name"), "a");
+    EXPECT_FALSE(recordset.edit() || recordset.addNew() || recordset.remove());
+  }
+  file.reset();
+  EXPECT_EQ(readWholeFile(folder_ / "a.mdb"), before);
+}
+
+TEST(Passwords, MustBeExactlyRight) {
+  const Folder folder;
+  makeDatabase(folder / "p.mdb", {smallTable()}, {.password = "Zaq1\xC3\xA9", .pageKey = 77});
+  makeDatabase(folder / "n.mdb", {smallTable()});
+  EXPECT_TRUE(open(folder / "p.mdb", "Zaq1\xC3\xA9"));
+  EXPECT_FALSE(open(folder / "p.mdb", "zaq1\xC3\xA9"));
+  EXPECT_FALSE(open(folder / "p.mdb", "Zaq1"));
+  EXPECT_FALSE(open(folder / "p.mdb"));
+  EXPECT_FALSE(open(folder / "n.mdb", "x"));
+  EXPECT_TRUE(open(folder / "n.mdb"));
+}
+
+TEST(BadFiles, AreRefused) {
+  const Folder folder;
+  std::filesystem::create_directory(folder / "folder.mdb");
+  makeDatabase(folder / "good.mdb", {});
+  const std::string good = readWholeFile(folder / "good.mdb").value();
+  const auto changed = [&](std::size_t at, const std::string& bytes) {
+    std::string copy = good;
+    return copy.replace(at, bytes.size(), bytes);
+  };
+  const std::vector<std::pair<const char*, std::string>> files = {
+      {"empty.mdb", ""},
+      {"text.mdb", "Dear Sir or Madam"},
+      {"short.mdb", good.substr(0, 1000)},
+      {"header-only.mdb", good.substr(0, 3000)},
+      {"money.mdb", changed(4, std::string("MSISAM Database", 16))},
+      {"version7.mdb", changed(4, std::string("Standard ACE DB\0\x07", 17))},
+      // The mask of the header's key is XORed in: any change of an .accdb's key means "encrypted".
+      {"encrypted.accdb", changed(4, std::string("Standard ACE DB\0\x03", 17)).replace(0x3E, 1, "x")}};
+  for (const auto& [name, content] : files) {
+    replaceFile(folder / name, content);
+    EXPECT_FALSE(open(folder / name)) << name;
+    EXPECT_EQ(readWholeFile(folder / name), content) << name;
+  }
+  EXPECT_FALSE(open(folder / "missing.mdb"));
+  EXPECT_FALSE(std::filesystem::exists(folder / "missing.mdb"));
+  EXPECT_FALSE(open(folder / "folder.mdb"));
+  const auto database = open(folder / "good.mdb");
+  ASSERT_TRUE(database);
+  EXPECT_FALSE(database->openTable("Tables")) << "a container";
+  EXPECT_FALSE(database->openTable("missing"));
+  EXPECT_TRUE(database->openTable("msysOBJECTS"));
+}
+
+TEST(Creation, RefusesWhatIsNotValid) {
+  const Folder folder;
+  std::string reason;
+  makeDatabase(folder / "a.mdb", {smallTable()});
+  EXPECT_FALSE(createDatabase(folder / "a.mdb", {}, reason)) << "it exists";
+  EXPECT_FALSE(createDatabase(folder / "missing" / "b.mdb", {}, reason));
+  const NewColumn id = {.name = "ID", .type = ColumnType::longInteger};
+  const std::vector<NewTable> bad = {
+      smallTable(),
+      {.name = "", .columns = {id}},
+      {.name = "a.b", .columns = {id}},
+      {.name = "T"},
+      {.name = "T", .columns = {id, id}},
+      {.name = "T", .columns = std::vector<NewColumn>(256, id)},
+      {.name = "T", .columns = {{.name = "t", .size = 256}}},
+      {.name = "T", .columns = {{.name = "d", .type = ColumnType::numeric, .precision = 29}}},
+      {.name = "T", .columns = {{.name = "c", .type = ColumnType::complex}}},
+      {.name = "T", .columns = {id}, .indexes = {{.name = "i", .columns = {{"other"}}}}},
+      {.name = "T", .columns = {id}, .indexes = {{.name = "i"}}},
+      {.name = "T",
+       .columns = {{.name = "o", .type = ColumnType::ole}},
+       .indexes = {{.name = "i", .columns = {{"o"}}}}},
+  };
+  const std::string before = readWholeFile(folder / "a.mdb").value();
+  for (std::size_t i = 0; i < bad.size(); ++i) {
+    EXPECT_FALSE(createTable(folder / "a.mdb", bad[i], reason)) << "table " << i;
+  }
+  EXPECT_EQ(readWholeFile(folder / "a.mdb"), before);
+}
+
+TEST(Creation, TakesAsManyColumnsAsTheFormatHas) {
+  const Folder folder;
+  NewTable wide = {.name = "Wide"};
+  for (int i = 0; i < 255; ++i) {
+    const auto type = i % 3 == 0 ? ColumnType::memo : i % 3 == 1 ? ColumnType::boolean : ColumnType::text;
+    wide.columns.push_back({.name = "Column number " + std::to_string(i), .type = type});
+  }
+  for (int i = 0; i < 32; ++i) {
+    wide.indexes.push_back(
+        {.name = "Index " + std::to_string(i), .columns = {{"column number " + std::to_string(i * 3 + 1)}}});
+  }
+  makeDatabase(folder / "a.mdb", {wide});
+  {
+    const auto database = open(folder / "a.mdb");
+    const auto table = database->openTable("wide");
+    ASSERT_TRUE(table);
+    table->addNew();
+    EXPECT_TRUE(table->write("Column number 254", std::string(200, 'x')));
+    EXPECT_TRUE(table->write("Column number 252", std::string(3000, 'x')));
+    EXPECT_TRUE(table->write("Column number 253", true));
+    EXPECT_TRUE(table->update()) << table->lastError();
+    table->moveFirst();
+    EXPECT_EQ(read(*table, "Column number 252").size(), 3000U);
+    EXPECT_EQ(read(*table, "Column number 253"), "True");
+    EXPECT_EQ(read(*table, "Column number 1"), "False");
+    EXPECT_EQ(read(*table, "Column number 2"), "()");
+  }
+  EXPECT_EQ(OpenedFile(folder / "a.mdb").check(), "");
+}
+
+}  // namespace
+}  // namespace veltrano::access

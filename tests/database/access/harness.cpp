@@ -1,0 +1,304 @@
+#include "harness.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+
+#include "database/access/catalog.h"
+#include "database/access/check.h"
+#include "database/text_matcher.h"
+
+namespace veltrano::access {
+
+Folder::Folder() {
+  static std::atomic<int> serial = 0;
+  const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+  path_ = std::filesystem::temp_directory_path() /
+          ("veltrano-access-" + std::to_string(now) + "-" + std::to_string(++serial));
+  std::filesystem::create_directories(path_);
+}
+
+Folder::~Folder() {
+  std::error_code error;
+  std::filesystem::remove_all(path_, error);
+}
+
+NewTable peopleTable() {
+  return {.name = "People",
+          .columns = {{.name = "ID", .type = ColumnType::longInteger},
+                      {.name = "Name", .type = ColumnType::text, .size = 60},
+                      {.name = "Plain", .type = ColumnType::text, .size = 60, .compressed = false},
+                      {.name = "Code", .type = ColumnType::text, .size = 12},
+                      {.name = "Notes", .type = ColumnType::memo},
+                      {.name = "Picture", .type = ColumnType::ole},
+                      {.name = "Raw", .type = ColumnType::binary, .size = 40},
+                      {.name = "Born", .type = ColumnType::dateTime},
+                      {.name = "Amount", .type = ColumnType::currency},
+                      {.name = "Ratio", .type = ColumnType::real},
+                      {.name = "Small", .type = ColumnType::single},
+                      {.name = "Price", .type = ColumnType::numeric, .precision = 12, .scale = 3},
+                      {.name = "Flag", .type = ColumnType::boolean},
+                      {.name = "Tiny", .type = ColumnType::byte},
+                      {.name = "Count", .type = ColumnType::integer},
+                      {.name = "Mark", .type = ColumnType::guid}},
+          .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
+                      {.name = "ByName", .columns = {{"Name"}, {"Born", false}}},
+                      {.name = "ByCode", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true},
+                      {.name = "ByNotes", .columns = {{"Notes", false}}},
+                      {.name = "ByPrice", .columns = {{"Price"}, {"Flag"}, {"Mark"}, {"Raw"}}}}};
+}
+
+NewTable plainTable() {
+  NewTable table = peopleTable();
+  table.name = "Plain";
+  table.indexes.clear();
+  return table;
+}
+
+void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
+                  const NewDatabase& options) {
+  std::string reason;
+  ASSERT_TRUE(createDatabase(file, options, reason)) << reason;
+  for (const NewTable& table : tables) {
+    ASSERT_TRUE(createTable(file, table, reason, options.password)) << reason;
+  }
+}
+
+OpenedFile::OpenedFile(const std::filesystem::path& file, FileSystem* files, std::uint32_t cachePages)
+    : file_(std::make_shared<OpenFile>()) {
+  Pager::Options options;
+  options.files = files;
+  options.cachePages = cachePages;
+  file_->pager = Pager::open(file, options, reason_);
+}
+
+OpenedFile::~OpenedFile() {
+  while (!file_->recordsets.empty()) {
+    file_->recordsets.back()->close();
+  }
+}
+
+std::unique_ptr<AccessRecordset> OpenedFile::table(const std::string& name) {
+  auto definition = findTable(pager(), name, reason_);
+  return definition ? std::make_unique<AccessRecordset>(file_, std::move(*definition)) : nullptr;
+}
+
+std::string OpenedFile::check() const {
+  return checkDatabase(pager(), CheckCounters::yes);
+}
+
+std::vector<Record> readAll(AccessRecordset& recordset) {
+  std::vector<Record> records;
+  std::string text;
+  recordset.moveFirst();
+  while (recordset.atEnd() == false) {
+    Record record;
+    for (const NewColumn& column : peopleTable().columns) {
+      record[column.name] = recordset.readText(column.name, text) ? std::optional(text) : std::nullopt;
+    }
+    records.push_back(std::move(record));
+    recordset.moveNext();
+  }
+  return records;
+}
+
+std::string difference(std::vector<Record> found, const Model& model, bool ordered) {
+  if (!ordered) {
+    std::sort(found.begin(), found.end(), [](const Record& a, const Record& b) {
+      return std::stoi(*a.at("ID")) < std::stoi(*b.at("ID"));
+    });
+  }
+  if (found.size() != model.size()) {
+    return std::to_string(found.size()) + " records instead of " + std::to_string(model.size());
+  }
+  const auto shown = [](const std::optional<std::string>& value) {
+    return value ? "'" + value->substr(0, 60) + "' (" + std::to_string(value->size()) + ")"
+                 : std::string("null");
+  };
+  auto at = found.begin();
+  for (const auto& [id, record] : model) {
+    for (const auto& [name, value] : record) {
+      if (at->at(name) != value) {
+        return std::to_string(id) + "." + name + ": " + shown(at->at(name)) + " instead of " + shown(value);
+      }
+    }
+    ++at;
+  }
+  return "";
+}
+
+// Letters of one, two, three and four bytes in UTF-8; upper and lower case; the ends of what may be
+// compressed.
+std::string RandomWork::randomText(int most) {
+  static const std::array<const char*, 16> letters = {"a",
+                                                      "B",
+                                                      "c",
+                                                      "z",
+                                                      "0",
+                                                      "-",
+                                                      " x",
+                                                      "'",
+                                                      "\xC3\xA9",
+                                                      "\xC3\xBF",
+                                                      "\xC3\x9F",
+                                                      "\xC5\xBB",
+                                                      "\xCE\xA9",
+                                                      "\xE2\x82\xAC",
+                                                      "\xE3\x81\x82",
+                                                      "\xF0\x9F\x98\x80"};
+  const int kinds = number(3) == 0 ? static_cast<int>(letters.size()) : 8;
+  std::string text;
+  for (int length = number(most + 1); length > 0; --length) {
+    text += letters[static_cast<std::size_t>(number(kinds))];
+  }
+  return text;
+}
+
+// A value as the text that is written, and that must be read again.
+std::optional<std::string> RandomWork::randomValue(const NewColumn& column) {
+  static const std::array<const char*, 4> fractions = {"", ".25", ".5", ".75"};
+  const auto fraction = [&] { return fractions[static_cast<std::size_t>(number(4))]; };
+  if (column.type != ColumnType::boolean && number(6) == 0) {
+    return std::nullopt;
+  }
+  switch (column.type) {
+    case ColumnType::text:
+      return column.name == "Code" ? "c" + std::to_string(number(400)) : randomText(column.size / 2);
+    case ColumnType::memo: {
+      const std::array<int, 4> lengths = {20, 60, 3000, 9000};
+      return randomText(lengths[static_cast<std::size_t>(number(4))]);
+    }
+    case ColumnType::ole:
+    case ColumnType::binary:
+      return std::string(static_cast<std::size_t>(number(column.type == ColumnType::ole ? 9000 : 40) + 1),
+                         static_cast<char>('a' + number(26)));
+    case ColumnType::dateTime:
+      return std::to_string(1000 + number(1900)) + "-02-1" + std::to_string(number(10)) + " 04:05:0" +
+             std::to_string(number(10));
+    case ColumnType::numeric:
+    case ColumnType::currency:
+    case ColumnType::real:
+    case ColumnType::single:
+      return (number(2) == 0 ? "-" : "") + std::to_string(1 + number(9999)) + fraction();
+    case ColumnType::boolean:
+      return number(2) == 0 ? "True" : "False";
+    case ColumnType::byte:
+      return std::to_string(number(256));
+    case ColumnType::guid:
+      return "{0011223" + std::to_string(number(10)) + "-4455-6677-8899-AABBCCDDEEF" +
+             std::to_string(number(10)) + "}";
+    default:
+      return std::to_string(number(20000) - 10000);
+  }
+}
+
+void RandomWork::assignSome(AccessRecordset& recordset, Record& record) {
+  for (const NewColumn& column : peopleTable().columns) {
+    if (column.name == "ID" || number(3) == 0) {
+      continue;
+    }
+    const auto value = randomValue(column);
+    recordset.write(column.name, value ? Value(*value) : Value(Null{}));
+    record[column.name] = value;
+  }
+}
+
+int RandomWork::randomId(const Model& before) {
+  int id = number(4000) - 2000;
+  while (!repeatsIds && before.contains(id)) {
+    ++id;
+  }
+  return id;
+}
+
+bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& after) {
+  after = before;
+  const int kind = number(10);
+  added_ = kind < 5 || before.empty();
+  if (added_) {
+    const int id = randomId(before);
+    Record record;
+    for (const NewColumn& column : peopleTable().columns) {
+      record[column.name] =
+          column.type == ColumnType::boolean ? std::optional<std::string>("False") : std::nullopt;
+    }
+    record["ID"] = std::to_string(id);
+    recordset.addNew();
+    recordset.write("ID", Value(id));
+    assignSome(recordset, record);
+    after[id] = std::move(record);
+    return recordset.update();
+  }
+  const auto chosen = std::next(before.begin(), number(static_cast<int>(before.size())));
+  recordset.moveFirst();
+  EXPECT_TRUE(recordset.find("ID", TextMatcher(std::to_string(chosen->first), CaseRule::exact)));
+  if (kind < 7) {
+    after.erase(chosen->first);
+    return recordset.remove();
+  }
+  recordset.edit();
+  Record record = chosen->second;
+  assignSome(recordset, record);
+  if (number(4) == 0) {
+    const int id = randomId(before);
+    recordset.write("ID", Value(id));
+    record["ID"] = std::to_string(id);
+    after.erase(chosen->first);
+    after[id] = std::move(record);
+  } else {
+    after[chosen->first] = std::move(record);
+  }
+  return recordset.update();
+}
+
+namespace {
+
+class FailingFile final : public RandomAccessFile {
+ public:
+  FailingFile(FailingFiles& files, std::unique_ptr<RandomAccessFile> file)
+      : files_(files), file_(std::move(file)) {}
+
+  std::optional<std::size_t> readAt(std::uint64_t offset, MutableBytes target) override {
+    return file_->readAt(offset, target);
+  }
+  bool writeAt(std::uint64_t offset, Bytes bytes) override {
+    if (files_.dead()) {
+      return false;
+    }
+    if (files_.countWrite()) {
+      file_->writeAt(offset, bytes.first(bytes.size() / 2));
+      return false;
+    }
+    const bool grows = offset + bytes.size() > file_->size();
+    return !(files_.failed() && grows) && file_->writeAt(offset, bytes);
+  }
+  std::optional<std::uint64_t> size() override { return file_->size(); }
+  bool resize(std::uint64_t size) override {
+    return !files_.dead() && !files_.countWrite() && file_->resize(size);
+  }
+  // Waiting for the disk would take most of the tests' time.
+  bool sync() override { return !files_.dead(); }
+
+ private:
+  FailingFiles& files_;
+  std::unique_ptr<RandomAccessFile> file_;
+};
+
+}  // namespace
+
+std::unique_ptr<RandomAccessFile> FailingFiles::open(const std::filesystem::path& file, OpenMode mode,
+                                                     OpenFailure& failure) {
+  auto opened = systemFiles().open(file, mode, failure);
+  return opened ? std::make_unique<FailingFile>(*this, std::move(opened)) : nullptr;
+}
+
+bool FailingFiles::remove(const std::filesystem::path& file) {
+  return !dead() && systemFiles().remove(file);
+}
+bool FailingFiles::lockFileInUse(const std::filesystem::path& lockFile) {
+  return systemFiles().lockFileInUse(lockFile);
+}
+
+}  // namespace veltrano::access

@@ -1,0 +1,130 @@
+#ifndef VELTRANO_TESTS_DATABASE_ACCESS_HARNESS_H
+#define VELTRANO_TESTS_DATABASE_ACCESS_HARNESS_H
+
+// What the engine's tests share: files that go away, a table with a column of every type, random changes to
+// it next to a model in memory, and a file system that dies or fills up when it is told to.
+
+#include <array>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "database/access/access_recordset.h"
+#include "database/access/create_database.h"
+#include "database/access/file.h"
+
+namespace veltrano::access {
+
+/// A folder for one test, removed afterwards.
+class Folder {
+ public:
+  Folder();
+  ~Folder();
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  [[nodiscard]] std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+/// "People": a column of every type that files can be made with. ID is the primary key, Code unique, Name and
+/// Notes indexed.
+NewTable peopleTable();
+/// The same without any index: kept in storage order.
+NewTable plainTable();
+
+/// Makes a database with these tables; fails the test if that fails.
+void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
+                  const NewDatabase& options = {});
+
+/// An open file, and what its soundness is.
+class OpenedFile {
+ public:
+  /// `opened` is false when the file was refused.
+  explicit OpenedFile(const std::filesystem::path& file, FileSystem* files = nullptr,
+                      std::uint32_t cachePages = 4096);
+  OpenedFile(const OpenedFile&) = delete;
+  OpenedFile& operator=(const OpenedFile&) = delete;
+  ~OpenedFile();
+
+  [[nodiscard]] bool opened() const { return file_->pager != nullptr; }
+  [[nodiscard]] const std::string& reason() const { return reason_; }
+  [[nodiscard]] Pager& pager() const { return *file_->pager; }
+  std::unique_ptr<AccessRecordset> table(const std::string& name);
+  /// "" for a sound file.
+  [[nodiscard]] std::string check() const;
+
+ private:
+  std::shared_ptr<OpenFile> file_;
+  std::string reason_;
+};
+
+/// A record as a host reads it; nothing for a null.
+using Record = std::map<std::string, std::optional<std::string>>;
+/// Records by their ID.
+using Model = std::map<int, Record>;
+
+/// All records of a table as a host reads them, in the recordset's order.
+std::vector<Record> readAll(AccessRecordset& recordset);
+
+/// The first difference between what a recordset gave and a model, "" if there is none. `ordered`: also the
+/// order must be that of the model's keys.
+std::string difference(std::vector<Record> found, const Model& model, bool ordered);
+
+/// Random changes to the table of peopleTable or plainTable, the same to the model.
+class RandomWork {
+ public:
+  explicit RandomWork(unsigned seed) : random_(seed) {}
+
+  /// Whether an ID that is in use may be tried again; a table without a primary key would take it.
+  bool repeatsIds = true;
+
+  /// One change, tried on the recordset; `after` is what the model is if it worked. Answers what update or
+  /// remove did.
+  bool step(AccessRecordset& recordset, const Model& before, Model& after);
+  /// Whether the last step added a record.
+  [[nodiscard]] bool added() const { return added_; }
+  int number(int below) { return static_cast<int>(random_() % static_cast<unsigned>(below)); }
+
+ private:
+  int randomId(const Model& before);
+  std::string randomText(int most);
+  std::optional<std::string> randomValue(const NewColumn& column);
+  void assignSome(AccessRecordset& recordset, Record& record);
+
+  std::mt19937 random_;
+  bool added_ = false;
+};
+
+/// The system's files, until the given number of writes is reached.
+class FailingFiles : public FileSystem {
+ public:
+  enum class Failure {
+    death,     ///< that write is done in part, and nothing is written or removed afterwards
+    diskFull,  ///< that write is done in part, and then files can no longer grow
+  };
+  FailingFiles(Failure failure, int writes) : failure_(failure), writesLeft_(writes) {}
+
+  std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
+                                         OpenFailure& failure) override;
+  bool remove(const std::filesystem::path& file) override;
+  bool lockFileInUse(const std::filesystem::path& lockFile) override;
+
+  [[nodiscard]] bool failed() const { return writesLeft_ < 0; }
+  [[nodiscard]] bool dead() const { return failed() && failure_ == Failure::death; }
+  /// Counts a write; true when it is the one that fails.
+  bool countWrite() { return --writesLeft_ == -1; }
+
+ private:
+  Failure failure_;
+  int writesLeft_;
+};
+
+}  // namespace veltrano::access
+
+#endif

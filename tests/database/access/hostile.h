@@ -1,0 +1,62 @@
+#ifndef VELTRANO_TESTS_DATABASE_ACCESS_HOSTILE_H
+#define VELTRANO_TESTS_DATABASE_ACCESS_HOSTILE_H
+
+// What a host could do with a file that wants to do harm: for the tests and the fuzz target.
+
+#include <filesystem>
+#include <string>
+
+#include "database/access/access_recordset.h"
+#include "database/access/catalog.h"
+#include "database/access/check.h"
+#include "database/text_matcher.h"
+
+namespace veltrano::access {
+
+/// Reads everything in the file that can be read, then changes what can be changed. `files` should not wait
+/// for the disk.
+inline void useHostileFile(const std::filesystem::path& path, FileSystem& files) {
+  auto file = std::make_shared<OpenFile>();
+  std::string reason;
+  file->pager = Pager::open(path, {.files = &files}, reason);
+  const auto catalog = file->pager ? readCatalog(*file->pager) : std::nullopt;
+  if (!catalog) {
+    return;
+  }
+  checkDatabase(*file->pager, CheckCounters::yes);
+  constexpr std::size_t mostTables = 20;
+  constexpr int mostRecords = 2000;
+  for (std::size_t i = 0; i < catalog->size() && i < mostTables; ++i) {
+    auto definition = findTable(*file->pager, (*catalog)[i].name, reason);
+    if (!definition) {
+      continue;
+    }
+    const std::vector<Column> columns = definition->columns;
+    AccessRecordset recordset(file, std::move(*definition));
+    std::string text;
+    int records = 0;
+    for (recordset.moveFirst(); recordset.atEnd() == false && records < mostRecords; ++records) {
+      for (const Column& column : columns) {
+        recordset.readText(column.name, text);
+      }
+      recordset.moveNext();
+    }
+    recordset.moveLast();
+    for (int change = 0; change < 3 && !columns.empty(); ++change) {
+      recordset.moveFirst();
+      recordset.find(columns.front().name, TextMatcher("1", CaseRule::lowered));
+      recordset.moveFirst();
+      change == 0 ? recordset.addNew() : recordset.edit();
+      for (const Column& column : columns) {
+        recordset.write(column.name, Value(column.isLongValue() ? std::string(change == 0 ? 5000 : 70, 'x')
+                                                                : std::string("1")));
+      }
+      recordset.update();
+      recordset.remove();
+    }
+  }
+}
+
+}  // namespace veltrano::access
+
+#endif

@@ -1,0 +1,291 @@
+#include "database/access/index_tree.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <random>
+#include <set>
+
+#include "database/access/catalog.h"
+#include "database/access/create_database.h"
+#include "database/access/index_check.h"
+#include "database/access/index_cursor.h"
+#include "database/access/usage_map.h"
+
+namespace veltrano::access {
+namespace {
+
+struct ModelOrder {
+  bool operator()(const OwnedEntry& left, const OwnedEntry& right) const {
+    const auto [l, r] = std::mismatch(left.key.begin(), left.key.end(), right.key.begin(), right.key.end());
+    if (r == right.key.end()) {
+      return l == left.key.end() && left.row < right.row;
+    }
+    return l == left.key.end() || *l < *r;
+  }
+};
+using Model = std::set<OwnedEntry, ModelOrder>;
+
+/// The index of an empty table in a new file, inside a transaction, and what must be in it.
+class IndexTreeTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    file_ = std::filesystem::temp_directory_path() / "veltrano_index_tree_test.mdb";
+    std::filesystem::remove(file_);
+    std::string reason;
+    ASSERT_TRUE(createDatabase(file_, {}, reason)) << reason;
+    ASSERT_TRUE(
+        createTable(file_,
+                    {.name = "Empty",
+                     .columns = {{.name = "ID", .type = ColumnType::longInteger}},
+                     .indexes = {{.name = "PrimaryKey", .columns = {{.name = "ID"}}, .primary = true}}},
+                    reason))
+        << reason;
+    pager_ = Pager::open(file_, {}, reason);
+    ASSERT_TRUE(pager_) << reason;
+    const auto table = findTable(*pager_, "Empty", reason);
+    ASSERT_TRUE(table) << reason;
+    table_ = table->page;
+    index_ = table->indexes.at(0);
+    ASSERT_TRUE(pager_->begin());
+  }
+  void TearDown() override {
+    pager_.reset();
+    std::filesystem::remove(file_);
+  }
+
+  IndexTree tree() { return {*pager_, table_, index_}; }
+
+  void insert(OwnedEntry entry) {
+    const auto place = model_.lower_bound(entry);
+    const bool expectNew = (place == model_.end() || place->key != entry.key) &&
+                           (place == model_.begin() || std::prev(place)->key != entry.key);
+    bool newKey = false;
+    ASSERT_EQ(tree().insert(entry.view(), newKey), !model_.contains(entry));
+    if (model_.insert(std::move(entry)).second) {
+      ASSERT_EQ(newKey, expectNew);
+    }
+  }
+  void remove(const OwnedEntry& entry) { ASSERT_EQ(tree().remove(entry.view()), model_.erase(entry) == 1); }
+
+  /// The tree is sound and holds what the model holds.
+  void check() {
+    std::vector<OwnedEntry> entries;
+    ASSERT_EQ(checkIndex(*pager_, table_, index_, entries), "");
+    ASSERT_EQ(entries.size(), model_.size());
+    auto expected = model_.begin();
+    for (const OwnedEntry& entry : entries) {
+      ASSERT_EQ(compareEntries(entry.view(), expected->view()), 0);
+      ++expected;
+    }
+  }
+  [[nodiscard]] int pagesOfIndex() const {
+    const UsageMap owned(*pager_, index_.ownedPages);
+    int count = 0;
+    for (auto page = owned.next(0); page; page = owned.next(*page + 1)) {
+      ++count;
+    }
+    return count;
+  }
+
+  std::filesystem::path file_;
+  std::unique_ptr<Pager> pager_;
+  PageNumber table_ = 0;
+  Index index_;
+  Model model_;
+};
+
+/// A long integer's key.
+OwnedEntry numberEntry(std::uint32_t number, std::uint32_t row) {
+  OwnedEntry entry{{0x7F, 0, 0, 0, 0}, {row >> 8, static_cast<std::uint8_t>(row)}};
+  storeBig32(&entry.key[1], number ^ 0x80000000);
+  return entry;
+}
+
+TEST_F(IndexTreeTest, FillsPagesWithAscendingKeys) {
+  constexpr std::uint32_t count = 30000;
+  for (std::uint32_t i = 0; i < count; ++i) {
+    ASSERT_NO_FATAL_FAILURE(insert(numberEntry(i, i + 1000)));
+  }
+  ASSERT_NO_FATAL_FAILURE(check());
+  // An entry takes 9 bytes, 7 or less behind a prefix of 2: more than 500 in 3616 bytes, were every page
+  // full.
+  EXPECT_LT(pagesOfIndex(), static_cast<int>(count) / 500 + 5);
+  for (std::uint32_t i = 0; i < count; i += 2) {
+    ASSERT_NO_FATAL_FAILURE(remove(numberEntry(i, i + 1000)));
+  }
+  ASSERT_NO_FATAL_FAILURE(check());
+}
+
+TEST_F(IndexTreeTest, FillsPagesWithDescendingKeys) {
+  for (std::uint32_t i = 20000; i > 0; --i) {
+    ASSERT_NO_FATAL_FAILURE(insert(numberEntry(i, i + 1000)));
+  }
+  ASSERT_NO_FATAL_FAILURE(check());
+  EXPECT_LT(pagesOfIndex(), 20000 / 360 + 5);
+}
+
+class Random {
+ public:
+  explicit Random(std::uint32_t seed) : engine_(seed) {}
+  std::uint32_t below(std::uint32_t limit) { return static_cast<std::uint32_t>(engine_() % limit); }
+
+ private:
+  std::mt19937 engine_;
+};
+
+struct Pattern {
+  const char* name;
+  int operations;
+  std::function<std::vector<std::uint8_t>(Random&)> makeKey;
+};
+
+std::vector<std::uint8_t> randomBytes(Random& random, std::size_t size, std::uint32_t values) {
+  std::vector<std::uint8_t> bytes(size);
+  for (auto& byte : bytes) {
+    byte = static_cast<std::uint8_t>(random.below(values));
+  }
+  return bytes;
+}
+
+const Pattern patterns[] = {
+    {"few different keys", 3000, [](Random& random) { return randomBytes(random, 2, 3); }},
+    {"short and prefixes of each other", 3000,
+     [](Random& random) { return randomBytes(random, random.below(12), 2); }},
+    {"alike for long, then different", 2000,
+     [](Random& random) {
+       std::vector<std::uint8_t> key(100 + random.below(3) * 20, 0x42);
+       const auto tail = randomBytes(random, 6, 256);
+       key.insert(key.end(), tail.begin(), tail.end());
+       return key;
+     }},
+    {"as long as they may be: three to a page, a deep tree", 1500,
+     [](Random& random) { return randomBytes(random, longestKey - random.below(300), 250); }},
+    {"of every length", 2000,
+     [](Random& random) {
+       return randomBytes(random, random.below(static_cast<std::uint32_t>(longestKey)), 256);
+     }},
+};
+
+TEST_F(IndexTreeTest, MatchesAModelThroughRandomChanges) {
+  for (const unsigned seed : {1U, 2U}) {
+    for (const Pattern& pattern : patterns) {
+      SCOPED_TRACE(std::string(pattern.name) + ", seed " + std::to_string(seed));
+      Random random(seed);
+      // Grows, then shrinks to nothing.
+      for (int i = 0; i < pattern.operations * 2; ++i) {
+        const bool growing = i < pattern.operations;
+        const bool adds = random.below(4) != 0 ? growing : !growing;
+        if (adds) {
+          const std::uint32_t row = 1000 + random.below(5000);
+          ASSERT_NO_FATAL_FAILURE(
+              insert({pattern.makeKey(random), {row >> 8, static_cast<std::uint8_t>(row)}}));
+        } else if (!model_.empty()) {
+          const auto from = model_.lower_bound({pattern.makeKey(random), {}});
+          ASSERT_NO_FATAL_FAILURE(remove(OwnedEntry(from == model_.end() ? *model_.rbegin() : *from)));
+        }
+        const auto key = pattern.makeKey(random);
+        const auto found = model_.lower_bound({key, {}});
+        ASSERT_EQ(tree().containsKey(key), found != model_.end() && found->key == key);
+        if (i % 500 == 0) {
+          ASSERT_NO_FATAL_FAILURE(check());
+        }
+      }
+      ASSERT_NO_FATAL_FAILURE(check());
+      while (!model_.empty()) {
+        ASSERT_NO_FATAL_FAILURE(remove(OwnedEntry(*model_.begin())));
+      }
+      ASSERT_NO_FATAL_FAILURE(check());
+      EXPECT_EQ(pagesOfIndex(), 1) << "the root alone must be left";
+    }
+  }
+}
+
+TEST_F(IndexTreeTest, RefusesWhatIsNotThereOrTooLong) {
+  bool newKey = false;
+  EXPECT_FALSE(tree().remove(numberEntry(1, 1).view()));
+  ASSERT_NO_FATAL_FAILURE(insert(numberEntry(1, 1)));
+  EXPECT_FALSE(tree().remove(numberEntry(1, 2).view()));
+  EXPECT_FALSE(tree().insert(numberEntry(1, 1).view(), newKey));
+  const OwnedEntry tooLong{std::vector<std::uint8_t>(longestKey + 1, 7), {4, 0}};
+  EXPECT_FALSE(tree().insert(tooLong.view(), newKey));
+  ASSERT_NO_FATAL_FAILURE(check());
+}
+
+TEST_F(IndexTreeTest, CursorKeepsItsPlaceThroughChanges) {
+  for (std::uint32_t i = 0; i < 3000; ++i) {
+    ASSERT_NO_FATAL_FAILURE(insert(numberEntry(i * 10, 1000 + i)));
+  }
+  const IndexTree walked = tree();
+  IndexCursor cursor(walked, *pager_);
+  Random random(7);
+  // Forward over every tenth number, with neighbours coming and going, the current entry among them.
+  ASSERT_TRUE(cursor.first());
+  for (std::uint32_t i = 0; i < 3000; ++i) {
+    ASSERT_EQ(cursor.entry().row, numberEntry(i * 10, 1000 + i).row) << i;
+    ASSERT_NO_FATAL_FAILURE(remove(numberEntry(i * 10, 1000 + i)));
+    if (i >= 50) {
+      ASSERT_NO_FATAL_FAILURE(insert(numberEntry((i - 50) * 10, 1000 + i - 50)));
+    }
+    ASSERT_EQ(cursor.next(), i < 2999);
+  }
+  EXPECT_FALSE(cursor.valid());
+  EXPECT_FALSE(cursor.damaged());
+  // And back, while entries in front of it disappear.
+  ASSERT_TRUE(cursor.last());
+  auto expected = model_.rbegin();
+  for (; expected != model_.rend(); ++expected) {
+    ASSERT_EQ(compareEntries(cursor.entry(), expected->view()), 0);
+    ASSERT_EQ(cursor.previous(), std::next(expected) != model_.rend());
+  }
+  ASSERT_TRUE(cursor.seek(numberEntry(101, 0).view()));
+  EXPECT_EQ(compareEntries(cursor.entry(), numberEntry(110, 1011).view()), 0);
+  EXPECT_FALSE(cursor.seek(numberEntry(1U << 20, 0).view()));
+}
+
+TEST_F(IndexTreeTest, EndsOnDamagedTrees) {
+  for (std::uint32_t i = 0; i < 2000; ++i) {
+    ASSERT_NO_FATAL_FAILURE(insert(numberEntry(i, 1000 + i)));
+  }
+  ASSERT_TRUE(pager_->commit());
+  // Any damage may make steps fail, but each ends, inside the page.
+  Random random(11);
+  const UsageMap owned(*pager_, index_.ownedPages);
+  for (int round = 0; round < 400; ++round) {
+    ASSERT_TRUE(pager_->begin());
+    for (auto page = owned.next(0); page; page = owned.next(*page + 1)) {
+      const MutableBytes bytes = pager_->edit(*page);
+      for (int i = 0; i < 3; ++i) {
+        const std::size_t at =
+            random.below(2) != 0 ? random.below(32) : random.below(static_cast<std::uint32_t>(bytes.size()));
+        bytes[at] = static_cast<std::uint8_t>(random.below(3) != 0 ? random.below(64) : random.below(256));
+      }
+    }
+    const IndexTree walked = tree();
+    IndexCursor cursor(walked, *pager_);
+    int steps = 0;
+    for (bool more = cursor.first(); more && steps < 10000; ++steps) {
+      more = cursor.next();
+    }
+    for (bool more = cursor.last(); more && steps < 20000; ++steps) {
+      more = cursor.previous();
+    }
+    bool newKey = false;
+    for (std::uint32_t i = 0; i < 50; ++i) {
+      const OwnedEntry entry = numberEntry(random.below(2500), 1000 + i);
+      (void)tree().containsKey(entry.key);
+      (void)tree().insert(entry.view(), newKey);
+      (void)tree().remove(numberEntry(i, 1000 + i).view());
+    }
+    std::vector<OwnedEntry> entries;
+    checkIndex(*pager_, table_, index_, entries);
+    pager_->rollback();
+  }
+  ASSERT_TRUE(pager_->begin());
+  ASSERT_NO_FATAL_FAILURE(check());
+}
+
+}  // namespace
+}  // namespace veltrano::access
