@@ -142,6 +142,30 @@ TEST(Registered, ForOneUserTouchesThatUserAlone) {
   ASSERT_EQ(S_OK, dll.call("DllRegisterServer"));
 }
 
+TEST(Registered, LeavesWhatTheOtherBitnessNeeds) {
+  const Dll dll;
+  dll.call("DllUnregisterServer");
+  const Snapshot before = registrySnapshot();
+  // What the DLL of the other bitness has registered for itself, as far as it matters here.
+  const REGSAM otherView = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+  const std::wstring classes = L"Software\\Classes\\CLSID";
+  const std::wstring clsid = L"{5F1B6A11-2817-4F83-ACD0-8E3236C2F6A2}";
+  HKEY key = nullptr;
+  RegCreateKeyExW(HKEY_LOCAL_MACHINE, (classes + L"\\" + clsid + L"\\InprocServer32").c_str(), 0, nullptr, 0,
+                  KEY_WRITE | otherView, nullptr, &key, nullptr);
+  RegCloseKey(key);
+  dll.call("DllRegisterServer");
+  ASSERT_EQ(S_OK, dll.call("DllUnregisterServer"));
+  CLSID found = {};
+  EXPECT_EQ(S_OK, CLSIDFromProgID(L"VeltranoFrameWorkDLL.VeltranoPDF", &found));
+  RegOpenKeyExW(HKEY_LOCAL_MACHINE, classes.c_str(), 0, KEY_ALL_ACCESS | otherView, &key);
+  RegDeleteTreeW(key, clsid.c_str());
+  RegCloseKey(key);
+  ASSERT_EQ(S_OK, dll.call("DllUnregisterServer"));
+  EXPECT_EQ(std::vector<std::wstring>(), differences(before, registrySnapshot()));
+  ASSERT_EQ(S_OK, dll.call("DllRegisterServer"));
+}
+
 TEST(Registered, OffersItsTypeLibrary) {
   ComPointer<ITypeLib> library;
   EXPECT_EQ(S_OK, LoadRegTypeLib(LIBID_VeltranoFrameWorkDLL, 1, 0, 0, library.out()));
