@@ -10,7 +10,7 @@ native=(g++ cmake ninja-build ccache pkg-config git python3 util-linux
 windows=(wine wine32:i386 wine64 libwine-dev g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools
          libz-mingw-w64-dev googletest nasm dpkg-dev)
 packages=(wixl zip unzip)
-benchmarks=(libbenchmark-dev libhpdf-dev libkml-dev libpixman-1-dev libiniparser-dev libsimpleini-dev)
+benchmarks=(libbenchmark-dev libhpdf-dev libkml-dev libpixman-1-dev libiniparser-dev libsimpleini-dev libsqlite3-dev)
 
 wanted=()
 for group in "$@"; do
