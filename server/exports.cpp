@@ -58,8 +58,8 @@ STDAPI DllCanUnloadNow() {
   if (server::moduleLocks() != 0) {
     return S_FALSE;
   }
-  // The engine may hold objects of another library, which must be let go while calls are still allowed: not while
-  // the system unloads this one. No database object is left that could use it.
+  // The engine may hold objects of another library, which must be let go while calls are still allowed: not
+  // while the system unloads this one. No database object is left that could use it.
   veltrano::releaseSharedDatabaseEngine();
   return S_OK;
 }
