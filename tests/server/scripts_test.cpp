@@ -99,6 +99,14 @@ TEST(Scripts, JScriptMakesTheDocumentOfTheLibrary) {
   EXPECT_EQ(nativeDocument(folder), withoutDate(readFile(folder / L"script.pdf")));
 }
 
+// A list has one element more than names, an empty folder gives no list at all, what is missing a list of
+// none.
+TEST(Scripts, TellListsFromEmptyValues) {
+  const Folder folder(L"with a blank");
+  EXPECT_EQ("new array -1; folders array 1 last []; keys array 1 last []; missing array -1; emptied empty",
+            runScript("lists.vbs", folder));
+}
+
 TEST(Scripts, UseEveryClass) {
   const Folder folder(L"with a blank");
   EXPECT_EQ("Width Height 2 -1 Value False 2,1,3", runScript("classes.vbs", folder));
