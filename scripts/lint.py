@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks formatting (clang-format) and faults (clang-tidy) of the project's sources.
+"""Checks formatting (clang-format), layers and faults (clang-tidy) of the project's sources.
 
     scripts/lint.py BUILD_FOLDER
 
@@ -13,6 +13,7 @@ import hashlib
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
 
@@ -25,6 +26,22 @@ def tracked(*patterns):
     output = subprocess.run(["git", "-C", ROOT, "ls-files", "-z", "--cached", "--others", "--exclude-standard", "--",
                              *patterns], check=True, capture_output=True, text=True).stdout
     return [ROOT / name for name in output.split("\0") if name and (ROOT / name).exists()]
+
+
+def against_the_layers():
+    """base/ includes no feature, a feature no other one, and only the server's and the systems' files name Windows."""
+    wrong = False
+    for source in tracked(*[f"{folder}/*.{ending}" for folder in TIDIED for ending in ("cpp", "h")]):
+        name = source.relative_to(ROOT)
+        allowed = {"base", name.parts[0]}
+        of_a_system = "_windows" in source.stem or "_posix" in source.stem
+        for number, line in enumerate(source.read_text(encoding="utf-8").splitlines(), 1):
+            ours = re.match(r'#include "([a-z]+)/', line)
+            system = re.match(r"#include <(windows|oleauto|objbase|unistd|fcntl|sys/[a-z]+)\.h>", line)
+            if (ours and ours[1] not in allowed) or (system and not of_a_system):
+                wrong = True
+                print(f"{name}:{number}: against the layers: {line}")
+    return wrong
 
 
 def badly_formatted():
@@ -88,9 +105,8 @@ def faulty(build):
 
 def main():
     build = pathlib.Path(sys.argv[1]).resolve()
-    ugly = badly_formatted()
-    wrong = faulty(build)
-    sys.exit(1 if ugly or wrong else 0)
+    failures = [badly_formatted(), against_the_layers(), faulty(build)]
+    sys.exit(1 if any(failures) else 0)
 
 
 if __name__ == "__main__":
