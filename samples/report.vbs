@@ -139,8 +139,8 @@ Function TableHead(page)
     TableCell "Date", 15, 28, 24, LEFT_ALIGNED
     TableCell "Customer", 39, 28, 42, LEFT_ALIGNED
     TableCell "City", 81, 28, 34, LEFT_ALIGNED
-    TableCell "Article", 115, 28, 38, LEFT_ALIGNED
-    TableCell "Pieces", 153, 28, 12, CENTER
+    TableCell "Article", 115, 28, 34, LEFT_ALIGNED
+    TableCell "Pieces", 149, 28, 16, CENTER
     TableCell "Amount", 165, 28, 30, RIGHT_ALIGNED
     pdf.PDFSetFill = False
     pdf.PDFSetTextColor = "#000000"
@@ -158,8 +158,8 @@ Function Row(fields, y, number)
     TableCell fields(0), 15, y, 24, LEFT_ALIGNED
     TableCell fields(1), 39, y, 42, LEFT_ALIGNED
     TableCell fields(2), 81, y, 34, LEFT_ALIGNED
-    TableCell fields(3), 115, y, 38, LEFT_ALIGNED
-    TableCell fields(4), 153, y, 12, CENTER
+    TableCell fields(3), 115, y, 34, LEFT_ALIGNED
+    TableCell fields(4), 149, y, 16, CENTER
     TableCell Money(amount), 165, y, 30, RIGHT_ALIGNED
     pdf.PDFSetFill = False
     Row = amount
