@@ -47,6 +47,7 @@ NewTable peopleTable() {
                       {.name = "ByName", .columns = {{"Name"}, {"Born", false}}},
                       {.name = "ByCode", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true},
                       {.name = "ByNotes", .columns = {{"Notes", false}}},
+                      {.name = "ByAmount", .columns = {{"Amount", false}}, .ignoreNulls = true},
                       {.name = "ByPrice", .columns = {{"Price"}, {"Flag"}, {"Mark"}, {"Raw"}}}}};
 }
 
