@@ -76,7 +76,7 @@ STDMETHODIMP KmlObject::CreatePathPoint(double* X, double* y, double* Altitude) 
 }
 
 STDMETHODIMP KmlObject::CreatePathString(double* X, double* y, double* Altitude, BSTR* result) {
-  return run("CreatePathString",
+  return run("CreatePathString", result,
              [&] { answer(result, kml_.CreatePathString(number(X), number(y), number(Altitude))); });
 }
 
