@@ -68,12 +68,9 @@ class AccessSharing : public testing::Test {
 
 TEST_F(AccessSharing, TwoObjectsSeeEachOthersChanges) {
   ASSERT_TRUE(second_.OpenTable("A"));
-  EXPECT_EQ(second_.ReadRecord_String("N"), "1");
   first_.Delete();
   EXPECT_EQ(second_.ReadRecord_String("N"), "") << "deleted by the other";
-  second_.MoveNext();
-  EXPECT_EQ(second_.ReadRecord_String("N"), "2");
-  second_.MoveNext();
+  second_.MoveLast();
   add(first_, 7);
   second_.MoveNext();
   EXPECT_EQ(second_.ReadRecord_String("N"), "7");
