@@ -77,6 +77,8 @@ std::string VeltranoJPG::SaveJPEGFromRAMToMemoryResampled(std::string_view Image
                                              size)) {
     JPEGWidth = mIntelJPEGLibrary::lastJpegWidth();
     JPEGHeight = mIntelJPEGLibrary::lastJpegHeight();
+  } else {
+    dib.ClearUp();  // a part of a picture is not taken for one
   }
   fixSize(dib, FixWidth, FixHeight);
   return mIntelJPEGLibrary::saveDibToJpegString(dib, JPEGQuality);

@@ -55,7 +55,8 @@ class VeltranoJPG {
   bool LoadJPEGFromRAM2PictureXY(GraphicsHandle Dest_hDC, std::uintptr_t ArrayPointer, std::int32_t ArraySize,
                                  std::int32_t x1, std::int32_t Y1, std::int32_t X, std::int32_t y);
 
-  /// JPEG bytes to JPEG bytes, resized. The budget of SaveJPEGToMemory holds.
+  /// JPEG bytes to JPEG bytes, resized. The budget of SaveJPEGToMemory holds. One character for bytes that
+  /// are damaged or no JPEG.
   std::string SaveJPEGFromRAMToMemoryResampled(std::string_view ImageToSave,
                                                std::int32_t JPEGQuality = defaultQuality,
                                                std::int32_t FixWidth = 0, std::int32_t FixHeight = 0);

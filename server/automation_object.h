@@ -122,6 +122,22 @@ class AutomationObject : public Interface, public IProvideClassInfo2, public ISu
 
   const VARIANT* takeKeptKind() { return core_.takeKeptKind(); }
 
+  /// For a member with a result: it is an empty one when the body does not come to answer, since hosts free
+  /// what they find there.
+  template <class Result, class Body>
+  HRESULT run(const char* member, Result* result, Body&& body) {
+    return run(member, [&] {
+      try {
+        body();
+      } catch (...) {
+        if (result != nullptr) {
+          *result = Result{};
+        }
+        throw;
+      }
+    });
+  }
+
   /// Runs a member's body. Hosts never see a failure: exhausted memory ends the member with what it has done.
   template <class Body>
   HRESULT run(const char* member, Body&& body) {

@@ -252,6 +252,9 @@ std::u16string_view characters(BSTR text) {
 std::string ansi(const BSTR* text) {
   return text != nullptr ? utf16ToAnsi(characters(*text)) : std::string();
 }
+std::string ansi(const BSTR* text, const char* omitted) {
+  return text != nullptr && *text != nullptr ? ansi(text) : std::string(omitted);
+}
 std::string utf8(const BSTR* text) {
   return text != nullptr ? utf16ToUtf8(characters(*text)) : std::string();
 }

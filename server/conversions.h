@@ -25,6 +25,9 @@ enum class TextForm { ansi, utf8 };
 std::u16string_view characters(BSTR text);
 
 std::string ansi(const BSTR* text);
+/// The same with a default that is not empty. A null text counts as omitted: early-bound hosts hand one over
+/// for an argument left out, since the type library cannot name the default of a text by reference.
+std::string ansi(const BSTR* text, const char* omitted);
 std::string utf8(const BSTR* text);
 std::filesystem::path path(const BSTR* text);
 

@@ -14,7 +14,7 @@ void answer(BSTR* result, const std::string& text) {
 }  // namespace
 
 STDMETHODIMP IniObject::GetIniValue(BSTR* filename, BSTR* Key, BSTR* Default, BSTR* result) {
-  return run("GetIniValue",
+  return run("GetIniValue", result,
              [&] { answer(result, ini_.GetIniValue(path(filename), ansi(Key), ansi(Default))); });
 }
 
@@ -23,16 +23,17 @@ STDMETHODIMP IniObject::SetIniValue(BSTR* filename, BSTR* Key, BSTR* Value) {
 }
 
 STDMETHODIMP IniObject::ChangeValue(BSTR* xFileBuffer, BSTR* Key, BSTR* Value, BSTR* result) {
-  return run("ChangeValue",
+  return run("ChangeValue", result,
              [&] { answer(result, ini_.ChangeValue(ansi(xFileBuffer), ansi(Key), ansi(Value))); });
 }
 
 STDMETHODIMP IniObject::GetValue(BSTR* xFileBuffer, BSTR* Key, BSTR* Default, BSTR* result) {
-  return run("GetValue", [&] { answer(result, ini_.GetValue(ansi(xFileBuffer), ansi(Key), ansi(Default))); });
+  return run("GetValue", result,
+             [&] { answer(result, ini_.GetValue(ansi(xFileBuffer), ansi(Key), ansi(Default))); });
 }
 
 STDMETHODIMP IniObject::OpenFile(BSTR* xFilename, BSTR* result) {
-  return run("OpenFile", [&] { answer(result, ini_.OpenFile(path(xFilename))); });
+  return run("OpenFile", result, [&] { answer(result, ini_.OpenFile(path(xFilename))); });
 }
 
 STDMETHODIMP IniObject::CloseFile(BSTR* filename, BSTR* xText) {

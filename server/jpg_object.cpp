@@ -23,7 +23,7 @@ long quality(const long* value) {
 }  // namespace
 
 STDMETHODIMP JpgObject::get_JPEGWidth(long* result) {
-  return run("JPEGWidth", [&] { answer(result, long{jpg_.JPEGWidth}); });
+  return run("JPEGWidth", result, [&] { answer(result, long{jpg_.JPEGWidth}); });
 }
 
 STDMETHODIMP JpgObject::put_JPEGWidth(long* newValue) {
@@ -31,7 +31,7 @@ STDMETHODIMP JpgObject::put_JPEGWidth(long* newValue) {
 }
 
 STDMETHODIMP JpgObject::get_JPEGHeight(long* result) {
-  return run("JPEGHeight", [&] { answer(result, long{jpg_.JPEGHeight}); });
+  return run("JPEGHeight", result, [&] { answer(result, long{jpg_.JPEGHeight}); });
 }
 
 STDMETHODIMP JpgObject::put_JPEGHeight(long* newValue) {
@@ -48,7 +48,7 @@ STDMETHODIMP JpgObject::SaveJPEG(IPictureDisp** ImageToSave, BSTR* xFilename, lo
 
 STDMETHODIMP JpgObject::SaveJPEGToMemory(IPictureDisp** ImageToSave, long* JPEGQuality, long* FixWidth,
                                          long* FixHeight, BSTR* result) {
-  return run("SaveJPEGToMemory", [&] {
+  return run("SaveJPEGToMemory", result, [&] {
     answer(result, jpg_.SaveJPEGToMemory(picture(ImageToSave), quality(JPEGQuality), number(FixWidth),
                                          number(FixHeight)));
   });
@@ -56,7 +56,7 @@ STDMETHODIMP JpgObject::SaveJPEGToMemory(IPictureDisp** ImageToSave, long* JPEGQ
 
 STDMETHODIMP JpgObject::LoadJPEGFromRAMToPicture(AddressNumber* ArrayPointer, long* ArraySize, long* X,
                                                  long* y, IPictureDisp** result) {
-  return run("LoadJPEGFromRAMToPicture", [&] {
+  return run("LoadJPEGFromRAMToPicture", result, [&] {
     // Nothing to convert: the result is no picture, whatever comes in.
     static_cast<void>(
         jpg_.LoadJPEGFromRAMToPicture(address(ArrayPointer), number(ArraySize), number(X), number(y)));
@@ -66,7 +66,7 @@ STDMETHODIMP JpgObject::LoadJPEGFromRAMToPicture(AddressNumber* ArrayPointer, lo
 
 STDMETHODIMP JpgObject::LoadJPEGFromRAM2Picture(AddressNumber* Dest_hDC, AddressNumber* ArrayPointer,
                                                 long* ArraySize, long* X, long* y, VARIANT_BOOL* result) {
-  return run("LoadJPEGFromRAM2Picture", [&] {
+  return run("LoadJPEGFromRAM2Picture", result, [&] {
     answer(result, jpg_.LoadJPEGFromRAM2Picture(address(Dest_hDC), address(ArrayPointer), number(ArraySize),
                                                 number(X), number(y)));
   });
@@ -75,7 +75,7 @@ STDMETHODIMP JpgObject::LoadJPEGFromRAM2Picture(AddressNumber* Dest_hDC, Address
 STDMETHODIMP JpgObject::LoadJPEGFromRAM2PictureXY(AddressNumber* Dest_hDC, AddressNumber* ArrayPointer,
                                                   long* ArraySize, long* x1, long* Y1, long* X, long* y,
                                                   VARIANT_BOOL* result) {
-  return run("LoadJPEGFromRAM2PictureXY", [&] {
+  return run("LoadJPEGFromRAM2PictureXY", result, [&] {
     answer(result, jpg_.LoadJPEGFromRAM2PictureXY(address(Dest_hDC), address(ArrayPointer), number(ArraySize),
                                                   number(x1), number(Y1), number(X), number(y)));
   });
@@ -83,7 +83,7 @@ STDMETHODIMP JpgObject::LoadJPEGFromRAM2PictureXY(AddressNumber* Dest_hDC, Addre
 
 STDMETHODIMP JpgObject::SaveJPEGFromRAMToMemoryResampled(BSTR* ImageToSave, long* JPEGQuality, long* FixWidth,
                                                          long* FixHeight, BSTR* result) {
-  return run("SaveJPEGFromRAMToMemoryResampled", [&] {
+  return run("SaveJPEGFromRAMToMemoryResampled", result, [&] {
     answer(result, jpg_.SaveJPEGFromRAMToMemoryResampled(ansi(ImageToSave), quality(JPEGQuality),
                                                          number(FixWidth), number(FixHeight)));
   });
@@ -91,7 +91,7 @@ STDMETHODIMP JpgObject::SaveJPEGFromRAMToMemoryResampled(BSTR* ImageToSave, long
 
 STDMETHODIMP JpgObject::SaveJPEGToMemoryResampled(BSTR* ImageToSave, long* JPEGQuality, long* FixWidth,
                                                   long* FixHeight, BSTR* result) {
-  return run("SaveJPEGToMemoryResampled", [&] {
+  return run("SaveJPEGToMemoryResampled", result, [&] {
     answer(result, jpg_.SaveJPEGToMemoryResampled(path(ImageToSave), quality(JPEGQuality), number(FixWidth),
                                                   number(FixHeight)));
   });
@@ -99,7 +99,7 @@ STDMETHODIMP JpgObject::SaveJPEGToMemoryResampled(BSTR* ImageToSave, long* JPEGQ
 
 STDMETHODIMP JpgObject::SaveJPEGResampled(BSTR* ImageToSave, BSTR* TargetFile, long* JPEGQuality,
                                           long* FixWidth, long* FixHeight, VARIANT* result) {
-  return run("SaveJPEGResampled", [&] {
+  return run("SaveJPEGResampled", result, [&] {
     jpg_.SaveJPEGResampled(path(ImageToSave), path(TargetFile), quality(JPEGQuality), number(FixWidth),
                            number(FixHeight));
     server::answer(result, Value(), TextForm::ansi);

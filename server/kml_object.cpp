@@ -11,6 +11,9 @@ void answer(BSTR* result, const std::string& text) {
   server::answer(result, text, TextForm::ansi);
 }
 
+constexpr const char* defaultVisibility = "0";
+constexpr const char* defaultShape = "rectangle";
+
 }  // namespace
 
 STDMETHODIMP KmlObject::CreateKML(BSTR* filename, VARIANT* Description, BSTR* ExtendedData,
@@ -40,7 +43,7 @@ STDMETHODIMP KmlObject::CreateCameraOverlay(BSTR* filename, double* X, double* y
                                             BSTR* pName, BSTR* visibility, BSTR* shape) {
   return run("CreateCameraOverlay", [&] {
     kml_.CreateCameraOverlay(ansi(filename), number(X), number(y), number(Altitude), ansi(pName),
-                             ansi(visibility), ansi(shape));
+                             ansi(visibility, defaultVisibility), ansi(shape, defaultShape));
   });
 }
 
@@ -48,7 +51,7 @@ STDMETHODIMP KmlObject::CreateGroundOverlay(BSTR* filename, double* X, double* y
                                             BSTR* pName, BSTR* HTMLDescription, BSTR* shape, BSTR* Heading) {
   return run("CreateGroundOverlay", [&] {
     kml_.CreateGroundOverlay(ansi(filename), number(X), number(y), number(Altitude), ansi(pName),
-                             ansi(HTMLDescription), ansi(shape), ansi(Heading));
+                             ansi(HTMLDescription), ansi(shape, defaultShape), ansi(Heading));
   });
 }
 
@@ -56,7 +59,7 @@ STDMETHODIMP KmlObject::CreateStreetView(BSTR* filename, double* X, double* y, d
                                          BSTR* HTMLDescription, BSTR* shape, BSTR* Heading) {
   return run("CreateStreetView", [&] {
     kml_.CreateStreetView(ansi(filename), number(X), number(y), number(Altitude), ansi(pName),
-                          ansi(HTMLDescription), ansi(shape), ansi(Heading));
+                          ansi(HTMLDescription), ansi(shape, defaultShape), ansi(Heading));
   });
 }
 
@@ -73,7 +76,7 @@ STDMETHODIMP KmlObject::CreatePathPoint(double* X, double* y, double* Altitude) 
 }
 
 STDMETHODIMP KmlObject::CreatePathString(double* X, double* y, double* Altitude, BSTR* result) {
-  return run("CreatePathString",
+  return run("CreatePathString", result,
              [&] { answer(result, kml_.CreatePathString(number(X), number(y), number(Altitude))); });
 }
 

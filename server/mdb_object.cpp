@@ -7,20 +7,21 @@
 namespace veltrano::server {
 
 STDMETHODIMP MdbObject::OpenDB(BSTR* filename, BSTR* Username, BSTR* Password, VARIANT_BOOL* result) {
-  return run("OpenDB", [&] { answer(result, mdb_.OpenDB(utf8(filename), utf8(Username), utf8(Password))); });
+  return run("OpenDB", result,
+             [&] { answer(result, mdb_.OpenDB(utf8(filename), utf8(Username), utf8(Password))); });
 }
 
 STDMETHODIMP MdbObject::OpenTable(BSTR* Table, VARIANT_BOOL* result) {
-  return run("OpenTable", [&] { answer(result, mdb_.OpenTable(utf8(Table))); });
+  return run("OpenTable", result, [&] { answer(result, mdb_.OpenTable(utf8(Table))); });
 }
 
 STDMETHODIMP MdbObject::WriteRecord(BSTR* Field, VARIANT* Value, VARIANT_BOOL* result) {
-  return run("WriteRecord",
+  return run("WriteRecord", result,
              [&] { answer(result, mdb_.WriteRecord(utf8(Field), value(Value, TextForm::utf8))); });
 }
 
 STDMETHODIMP MdbObject::ReadRecord_String(BSTR* xField, BSTR* result) {
-  return run("ReadRecord_String",
+  return run("ReadRecord_String", result,
              [&] { answer(result, mdb_.ReadRecord_String(utf8(xField)), TextForm::utf8); });
 }
 
@@ -49,7 +50,7 @@ STDMETHODIMP MdbObject::AddNew() {
 }
 
 STDMETHODIMP MdbObject::EOF(VARIANT_BOOL* result) {
-  return run("EOF", [&] { answer(result, mdb_.Eof()); });
+  return run("EOF", result, [&] { answer(result, mdb_.Eof()); });
 }
 
 STDMETHODIMP MdbObject::Update() {
@@ -58,7 +59,7 @@ STDMETHODIMP MdbObject::Update() {
 
 STDMETHODIMP MdbObject::FindRecord(BSTR* Field, BSTR* Value, VARIANT_BOOL* CaseSensivite,
                                    VARIANT_BOOL* result) {
-  return run("FindRecord",
+  return run("FindRecord", result,
              [&] { answer(result, mdb_.FindRecord(utf8(Field), utf8(Value), number(CaseSensivite))); });
 }
 

@@ -71,7 +71,7 @@ STDMETHODIMP PdfObject::put_PDFSetZoomMode(::PDFZoomMd* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetZoomMode(VARIANT* result) {
-  return run("PDFGetZoomMode", [&] { answer(result, pdf_.PDFGetZoomMode()); });
+  return run("PDFGetZoomMode", result, [&] { answer(result, pdf_.PDFGetZoomMode()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFUseThumbs(VARIANT_BOOL* newValue) {
@@ -87,7 +87,7 @@ STDMETHODIMP PdfObject::put_PDFSetLayoutMode(::PDFLayoutMd* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetLayoutMode(VARIANT* result) {
-  return run("PDFGetLayoutMode", [&] { answer(result, pdf_.PDFGetLayoutMode()); });
+  return run("PDFGetLayoutMode", result, [&] { answer(result, pdf_.PDFGetLayoutMode()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetUnit(::PDFUnitStr* newValue) {
@@ -95,7 +95,7 @@ STDMETHODIMP PdfObject::put_PDFSetUnit(::PDFUnitStr* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetUnit(BSTR* result) {
-  return run("PDFGetUnit", [&] { answer(result, pdf_.PDFGetUnit()); });
+  return run("PDFGetUnit", result, [&] { answer(result, pdf_.PDFGetUnit()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFOrientation(::PDFOrientationStr* newValue) {
@@ -107,11 +107,11 @@ STDMETHODIMP PdfObject::put_PDFFormatPage(VARIANT* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFPageNumber(short* result) {
-  return run("PDFPageNumber", [&] { answer(result, pdf_.PDFPageNumber()); });
+  return run("PDFPageNumber", result, [&] { answer(result, pdf_.PDFPageNumber()); });
 }
 
 STDMETHODIMP PdfObject::get_PDFNbPage(short* result) {
-  return run("PDFNbPage", [&] { answer(result, pdf_.PDFNbPage()); });
+  return run("PDFNbPage", result, [&] { answer(result, pdf_.PDFNbPage()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFProducer(BSTR* newValue) {
@@ -143,7 +143,7 @@ STDMETHODIMP PdfObject::put_PDFFileName(BSTR* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetFileName(BSTR* result) {
-  return run("PDFGetFileName", [&] { answer(result, pdf_.PDFGetFileName()); });
+  return run("PDFGetFileName", result, [&] { answer(result, pdf_.PDFGetFileName()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFConfirm(VARIANT_BOOL* newValue) {
@@ -163,7 +163,7 @@ STDMETHODIMP PdfObject::put_PDFPageHeight(double* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetPageHeight(double* result) {
-  return run("PDFGetPageHeight", [&] { answer(result, pdf_.PDFGetPageHeight()); });
+  return run("PDFGetPageHeight", result, [&] { answer(result, pdf_.PDFGetPageHeight()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFPageWidth(double* newValue) {
@@ -171,7 +171,7 @@ STDMETHODIMP PdfObject::put_PDFPageWidth(double* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetPageWidth(double* result) {
-  return run("PDFGetPageWidth", [&] { answer(result, pdf_.PDFGetPageWidth()); });
+  return run("PDFGetPageWidth", result, [&] { answer(result, pdf_.PDFGetPageWidth()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetLeftMargin(double* newValue) {
@@ -179,7 +179,7 @@ STDMETHODIMP PdfObject::put_PDFSetLeftMargin(double* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetLeftMargin(double* result) {
-  return run("PDFGetLeftMargin", [&] { answer(result, pdf_.PDFGetLeftMargin()); });
+  return run("PDFGetLeftMargin", result, [&] { answer(result, pdf_.PDFGetLeftMargin()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetRightMargin(double* newValue) {
@@ -187,7 +187,7 @@ STDMETHODIMP PdfObject::put_PDFSetRightMargin(double* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetRightMargin(double* result) {
-  return run("PDFGetRightMargin", [&] { answer(result, pdf_.PDFGetRightMargin()); });
+  return run("PDFGetRightMargin", result, [&] { answer(result, pdf_.PDFGetRightMargin()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetTopMargin(double* newValue) {
@@ -195,7 +195,7 @@ STDMETHODIMP PdfObject::put_PDFSetTopMargin(double* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetTopMargin(double* result) {
-  return run("PDFGetTopMargin", [&] { answer(result, pdf_.PDFGetTopMargin()); });
+  return run("PDFGetTopMargin", result, [&] { answer(result, pdf_.PDFGetTopMargin()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetBottomMargin(double* newValue) {
@@ -203,7 +203,7 @@ STDMETHODIMP PdfObject::put_PDFSetBottomMargin(double* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetBottomMargin(double* result) {
-  return run("PDFGetBottomMargin", [&] { answer(result, pdf_.PDFGetBottomMargin()); });
+  return run("PDFGetBottomMargin", result, [&] { answer(result, pdf_.PDFGetBottomMargin()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetCellMargin(double* newValue) {
@@ -211,7 +211,7 @@ STDMETHODIMP PdfObject::put_PDFSetCellMargin(double* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetCellMargin(double* result) {
-  return run("PDFGetCellMargin", [&] { answer(result, pdf_.PDFGetCellMargin()); });
+  return run("PDFGetCellMargin", result, [&] { answer(result, pdf_.PDFGetCellMargin()); });
 }
 
 STDMETHODIMP PdfObject::PDFSetMargins(short* in_left, short* in_top, short* in_right, short* in_bottom) {
@@ -222,11 +222,11 @@ STDMETHODIMP PdfObject::PDFSetMargins(short* in_left, short* in_top, short* in_r
 }
 
 STDMETHODIMP PdfObject::get_PDFGetX(short* result) {
-  return run("PDFGetX", [&] { answer(result, pdf_.PDFGetX()); });
+  return run("PDFGetX", result, [&] { answer(result, pdf_.PDFGetX()); });
 }
 
 STDMETHODIMP PdfObject::get_PDFGetY(short* result) {
-  return run("PDFGetY", [&] { answer(result, pdf_.PDFGetY()); });
+  return run("PDFGetY", result, [&] { answer(result, pdf_.PDFGetY()); });
 }
 
 STDMETHODIMP PdfObject::PDFBeginDoc() {
@@ -246,7 +246,7 @@ STDMETHODIMP PdfObject::PDFEndDoc() {
 }
 
 STDMETHODIMP PdfObject::PDFSetBookmark(BSTR* str_Text, short* iLevel, double* y, VARIANT* result) {
-  return run("PDFSetBookmark",
+  return run("PDFSetBookmark", result,
              [&] { answer(result, pdf_.PDFSetBookmark(ansi(str_Text), number(iLevel), number(y, -1.0))); });
 }
 
@@ -260,7 +260,7 @@ STDMETHODIMP PdfObject::PDFSetFont(::PDFFontNme* str_Fontname, short* in_FontSiz
 }
 
 STDMETHODIMP PdfObject::PDFGetStringWidth(BSTR* str_Txt, BSTR* str_FName, short* in_FSize, double* result) {
-  return run("PDFGetStringWidth", [&] {
+  return run("PDFGetStringWidth", result, [&] {
     answer(result, pdf_.PDFGetStringWidth(ansi(str_Txt), ansi(str_FName), number(in_FSize)));
   });
 }
@@ -270,7 +270,7 @@ STDMETHODIMP PdfObject::put_PDFSetTextColor(VARIANT* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetTextColor(BSTR* result) {
-  return run("PDFGetTextColor", [&] { answer(result, pdf_.PDFGetTextColor()); });
+  return run("PDFGetTextColor", result, [&] { answer(result, pdf_.PDFGetTextColor()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetLineColor(VARIANT* newValue) {
@@ -278,7 +278,7 @@ STDMETHODIMP PdfObject::put_PDFSetLineColor(VARIANT* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetLineColor(BSTR* result) {
-  return run("PDFGetLineColor", [&] { answer(result, pdf_.PDFGetLineColor()); });
+  return run("PDFGetLineColor", result, [&] { answer(result, pdf_.PDFGetLineColor()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetDrawColor(VARIANT* newValue) {
@@ -286,7 +286,7 @@ STDMETHODIMP PdfObject::put_PDFSetDrawColor(VARIANT* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetDrawColor(BSTR* result) {
-  return run("PDFGetDrawColor", [&] { answer(result, pdf_.PDFGetDrawColor()); });
+  return run("PDFGetDrawColor", result, [&] { answer(result, pdf_.PDFGetDrawColor()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetLineWidth(double* newValue) {
@@ -306,7 +306,7 @@ STDMETHODIMP PdfObject::put_PDFSetAlignement(::PDFAlignValue* newValue) {
 }
 
 STDMETHODIMP PdfObject::get_PDFGetAlignement(BSTR* result) {
-  return run("PDFGetAlignement", [&] { answer(result, pdf_.PDFGetAlignement()); });
+  return run("PDFGetAlignement", result, [&] { answer(result, pdf_.PDFGetAlignement()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetBorder(::PDFBorderValue* newValue) {
@@ -358,7 +358,7 @@ STDMETHODIMP PdfObject::PDFLink(double* X, double* y, BSTR* str_Text, BSTR* str_
 }
 
 STDMETHODIMP PdfObject::get_PDFTextHeight(double* result) {
-  return run("PDFTextHeight", [&] { answer(result, pdf_.PDFTextHeight()); });
+  return run("PDFTextHeight", result, [&] { answer(result, pdf_.PDFTextHeight()); });
 }
 
 STDMETHODIMP PdfObject::put_PDFSetRotation(double* newValue) {
@@ -366,11 +366,11 @@ STDMETHODIMP PdfObject::put_PDFSetRotation(double* newValue) {
 }
 
 STDMETHODIMP PdfObject::PDFImageWidth(BSTR* pFileName, double* result) {
-  return run("PDFImageWidth", [&] { answer(result, pdf_.PDFImageWidth(path(pFileName))); });
+  return run("PDFImageWidth", result, [&] { answer(result, pdf_.PDFImageWidth(path(pFileName))); });
 }
 
 STDMETHODIMP PdfObject::PDFImageHeight(BSTR* pFileName, double* result) {
-  return run("PDFImageHeight", [&] { answer(result, pdf_.PDFImageHeight(path(pFileName))); });
+  return run("PDFImageHeight", result, [&] { answer(result, pdf_.PDFImageHeight(path(pFileName))); });
 }
 
 STDMETHODIMP PdfObject::PDFInit() {

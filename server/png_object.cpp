@@ -10,7 +10,7 @@ STDMETHODIMP PngObject::Init(BSTR* xInitString) {
 }
 
 STDMETHODIMP PngObject::SavePNG(IPictureDisp** pct, BSTR* sPNGFileName, VARIANT_BOOL* result) {
-  return run("SavePNG", [&] { answer(result, png_.SavePNG(picture(pct), path(sPNGFileName))); });
+  return run("SavePNG", result, [&] { answer(result, png_.SavePNG(picture(pct), path(sPNGFileName))); });
 }
 
 }  // namespace veltrano::server

@@ -30,17 +30,17 @@ STDMETHODIMP XmlObject::XML_SaveSetting(BSTR* Folder, BSTR* Key, BSTR* Value) {
 }
 
 STDMETHODIMP XmlObject::XML_GetSetting(BSTR* Folder, BSTR* Key, BSTR* Default, BSTR* result) {
-  return run("XML_GetSetting", [&] {
+  return run("XML_GetSetting", result, [&] {
     server::answer(result, xml_.XML_GetSetting(utf8(Folder), utf8(Key), utf8(Default)), TextForm::utf8);
   });
 }
 
 STDMETHODIMP XmlObject::XML_EnumFolders(VARIANT* result) {
-  return run("XML_EnumFolders", [&] { answer(result, xml_.XML_EnumFolders()); });
+  return run("XML_EnumFolders", result, [&] { answer(result, xml_.XML_EnumFolders()); });
 }
 
 STDMETHODIMP XmlObject::XML_EnumKeys(BSTR* Folder, VARIANT* result) {
-  return run("XML_EnumKeys", [&] { answer(result, xml_.XML_EnumKeys(utf8(Folder))); });
+  return run("XML_EnumKeys", result, [&] { answer(result, xml_.XML_EnumKeys(utf8(Folder))); });
 }
 
 STDMETHODIMP XmlObject::XML_DeleteSetting(BSTR* xFilename, BSTR* Folder, BSTR* Key) {

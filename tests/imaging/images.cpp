@@ -9,6 +9,8 @@
 
 #include <jpeglib.h>
 
+#include "base/files.h"
+
 namespace veltrano::test {
 
 Image paint(int width, int height, const Painter& painter) {
@@ -72,7 +74,8 @@ double psnr(const Image& a, const Image& b) {
 Image readPng(const std::filesystem::path& file) {
   png_image png{};
   png.version = PNG_IMAGE_VERSION;
-  if (png_image_begin_read_from_file(&png, file.string().c_str()) == 0) return {};
+  const std::string data = readWholeFile(file).value_or(std::string());
+  if (png_image_begin_read_from_memory(&png, data.data(), data.size()) == 0) return {};
   png.format = PNG_FORMAT_RGB;
   std::vector<std::uint8_t> bytes(PNG_IMAGE_SIZE(png));
   if (png_image_finish_read(&png, nullptr, bytes.data(), 0, nullptr) == 0) return {};
@@ -143,23 +146,6 @@ std::filesystem::path fullDisk() {
 #else
   return "/dev/full";
 #endif
-}
-
-Folder::Folder() {
-  const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-  path_ = std::filesystem::temp_directory_path() /
-          ("veltrano " + std::string(test->test_suite_name()) + test->name());
-  std::filesystem::remove_all(path_);
-  std::filesystem::create_directories(path_);
-}
-
-Folder::~Folder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
-int Folder::files() const {
-  return static_cast<int>(std::distance(std::filesystem::directory_iterator(path_), {}));
 }
 
 }  // namespace veltrano::test

@@ -11,6 +11,7 @@
 
 #include "imaging/dib_section.h"
 #include "imaging/picture.h"
+#include "tests/temporary_folder.h"
 
 namespace veltrano::test {
 
@@ -53,18 +54,13 @@ std::string flatInksJpeg(const std::uint8_t (&inks)[4], bool adobe, bool ycck);
 /// A file that can be opened but has no room; no file at all where the system has none such.
 std::filesystem::path fullDisk();
 
-/// A folder of the running test's own, removed at its end.
-class Folder {
+/// A folder of the test's own.
+class Folder : public tests::TemporaryFolder {
  public:
-  Folder();
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  ~Folder();
-  [[nodiscard]] std::filesystem::path file(const char* name) const { return path_ / name; }
-  [[nodiscard]] int files() const;
-
- private:
-  std::filesystem::path path_;
+  [[nodiscard]] std::filesystem::path file(const char* name) const { return path() / name; }
+  [[nodiscard]] int files() const {
+    return static_cast<int>(std::distance(std::filesystem::directory_iterator(path()), {}));
+  }
 };
 
 }  // namespace veltrano::test

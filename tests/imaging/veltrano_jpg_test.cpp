@@ -76,6 +76,8 @@ TEST_F(VeltranoJpg, SavesNothingFromNothing) {
   EXPECT_EQ(folder_.files(), 1);
   EXPECT_EQ(jpg_.SaveJPEGToMemory(Picture()).size(), 1U);
   EXPECT_EQ(jpg_.SaveJPEGFromRAMToMemoryResampled("no JPEG").size(), 1U);
+  EXPECT_EQ(jpg_.SaveJPEGFromRAMToMemoryResampled(jpeg_.substr(0, jpeg_.size() - 100)).size(), 1U)
+      << "a part of a picture";
   EXPECT_EQ(jpg_.SaveJPEGToMemoryResampled(folder_.file("missing.jpg")).size(), 1U);
   EXPECT_EQ(jpg_.LoadJPEGFromRAMToPicture(address_, size_, 1, 1).bits(), nullptr);
 }

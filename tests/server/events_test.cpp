@@ -64,27 +64,23 @@ TEST_F(Events, LetASinkDisconnectAllInTheEvent) {
 }
 
 TEST_F(Events, LetASinkReleaseTheObjectInTheEvent) {
-  RecordingSink sink;
-  auto connection = std::make_unique<Connection>(*pdf_.get(), sink);
-  sink.inEvent = [&] {
-    connection.reset();
-    pdf_ = {};
-  };
-  _VeltranoPDF* borrowed = pdf_.get();
-  raise(*borrowed);
-  EXPECT_EQ(1U, sink.messages.size());
-  EXPECT_EQ(S_OK, dll_.canUnloadNow());
-}
-
-TEST_F(Events, LetASinkReleaseTheObjectInALateBoundCall) {
-  RecordingSink sink;
-  auto connection = std::make_unique<Connection>(*pdf_.get(), sink);
-  sink.inEvent = [&] {
-    connection.reset();
-    pdf_ = {};
-  };
-  EXPECT_EQ(S_OK, putProperty(*pdf_.get(), L"PDFSetUnit", Argument(9)).status);
-  EXPECT_EQ(S_OK, dll_.canUnloadNow());
+  for (const bool lateBound : {false, true}) {
+    pdf_ = dll_.createPdf();
+    RecordingSink sink;
+    auto connection = std::make_unique<Connection>(*pdf_.get(), sink);
+    sink.inEvent = [&] {
+      connection.reset();
+      pdf_ = {};
+    };
+    _VeltranoPDF* borrowed = pdf_.get();
+    if (lateBound) {
+      EXPECT_EQ(S_OK, putProperty(*borrowed, L"PDFSetUnit", Argument(9)).status);
+    } else {
+      raise(*borrowed);
+    }
+    EXPECT_EQ(1U, sink.messages.size());
+    EXPECT_EQ(S_OK, dll_.canUnloadNow());
+  }
 }
 
 TEST_F(Events, LetASinkCallTheObject) {

@@ -103,6 +103,30 @@ TEST_F(LateBinding, GivesOmittedArgumentsTheirDefaults) {
   EXPECT_EQ(L"", callMethod(*ini_.get(), L"GetValue", {Argument(L""), Argument(L"k")}).result.text());
 }
 
+// An early-bound host hands over null for a text that it leaves out: an empty element is no valid KML.
+TEST_F(LateBinding, GivesNullTextsTheirDefaultsOnTheVtable) {
+  Folder folder;
+  Text file((folder / L"k.kml").wstring());
+  Text text(L"t");
+  Text empty;
+  BSTR null = nullptr;
+  double number = 1;
+  VARIANT nothing = {};
+  kml_->CreateKML(&file, &nothing, nullptr, nullptr);
+  kml_->CreateCameraOverlay(&text, &number, &number, &number, &text, &null, nullptr);
+  kml_->CreateStreetView(&text, &number, &number, &number, &text, &text, &null, nullptr);
+  kml_->CreateCameraOverlay(&text, &number, &number, &number, &text, &empty, &empty);
+  kml_->CloseKML();
+  std::string told;
+  const std::string kml = readFile(folder / L"k.kml");
+  for (const char* element : {"<visibility>", "<shape>"}) {
+    for (std::size_t at = 0; (at = kml.find(element, at)) != std::string::npos; ++at) {
+      told += kml.substr(at, kml.find('/', at) - at);
+    }
+  }
+  EXPECT_EQ("<visibility>0<<visibility><<shape>rectangle<<shape>rectangle<<shape><", told);
+}
+
 TEST_F(LateBinding, TakesNamedArguments) {
   const Outcome margins = callNamed(*pdf_.get(), L"PDFSetMargins", {Argument(1), Argument(2), Argument(9)},
                                     {L"IN_TOP", L"in_bottom"});

@@ -6,6 +6,7 @@
 
 #include "fake_objects.h"
 #include "host.h"
+#include "server/automation_object.h"
 #include "server/class_table.h"
 
 namespace veltrano::tests {
@@ -94,6 +95,25 @@ TEST(Objects, RefuseAggregationAndUnknownClasses) {
   factory->LockServer(FALSE);
   factory = {};
   EXPECT_EQ(S_OK, dll.canUnloadNow());
+}
+
+/// A member for which the memory is not enough.
+class Failing final : public server::AutomationObject<_VeltranoGIS> {
+ public:
+  using AutomationObject::AutomationObject;
+  HRESULT member(BSTR* result) {
+    return run("Failing", result, [] { throw std::bad_alloc(); });
+  }
+};
+
+TEST(Objects, AnswerEmptyWhenTheyFail) {
+  ComPointer<IDispatch> owner;
+  auto* const object = new Failing(server::classTable().back());
+  *owner.out() = object;
+  BSTR result = reinterpret_cast<BSTR>(&owner);  // what an uninitialised variable of the host holds
+  EXPECT_EQ(S_OK, object->member(&result));
+  EXPECT_EQ(nullptr, result);
+  EXPECT_EQ(S_OK, object->member(nullptr));
 }
 
 /// Bytes that this process has reserved and committed.

@@ -3,27 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 
 #include "database/access/catalog.h"
 #include "database/access/check.h"
 #include "database/text_matcher.h"
 
 namespace veltrano::access {
-
-Folder::Folder() {
-  static std::atomic<int> serial = 0;
-  const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-  path_ = std::filesystem::temp_directory_path() /
-          ("veltrano-access-" + std::to_string(now) + "-" + std::to_string(++serial));
-  std::filesystem::create_directories(path_);
-}
-
-Folder::~Folder() {
-  std::error_code error;
-  std::filesystem::remove_all(path_, error);
-}
 
 NewTable peopleTable() {
   return {.name = "People",
@@ -47,6 +32,7 @@ NewTable peopleTable() {
                       {.name = "ByName", .columns = {{"Name"}, {"Born", false}}},
                       {.name = "ByCode", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true},
                       {.name = "ByNotes", .columns = {{"Notes", false}}},
+                      {.name = "ByAmount", .columns = {{"Amount", false}}, .ignoreNulls = true},
                       {.name = "ByPrice", .columns = {{"Price"}, {"Flag"}, {"Mark"}, {"Raw"}}}}};
 }
 

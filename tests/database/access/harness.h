@@ -16,21 +16,11 @@
 #include "database/access/access_recordset.h"
 #include "database/access/create_database.h"
 #include "database/access/file.h"
+#include "tests/temporary_folder.h"
 
 namespace veltrano::access {
 
-/// A folder for one test, removed afterwards.
-class Folder {
- public:
-  Folder();
-  ~Folder();
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  [[nodiscard]] std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-
- private:
-  std::filesystem::path path_;
-};
+using Folder = tests::TemporaryFolder;
 
 /// "People": a column of every type that files can be made with. ID is the primary key, Code unique, Name and
 /// Notes indexed.

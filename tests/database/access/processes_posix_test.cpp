@@ -75,7 +75,7 @@ TEST(Mdbtools, ReadsEveryColumnType) {
     recordset->write("Notes", longerText);
     recordset->update();
   }
-  const std::string file = (folder / "a.mdb").string();
+  const std::string file = "'" + (folder / "a.mdb").string() + "'";
   EXPECT_EQ(outputOf("mdb-tables -1 " + file), "People\nOther\n");
   EXPECT_EQ(outputOf("mdb-count " + file + " People"), "3\n");
   EXPECT_EQ(
