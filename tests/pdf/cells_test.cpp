@@ -70,11 +70,11 @@ TEST(LineBreaking, JustifyingSpace) {
   EXPECT_EQ(justifyingSpace("a b", std::nan(""), 50), 0);
 }
 
-/// The content of a cell at (100, 200), Helvetica 10, in points.
+/// The content of a cell at (100, 200), Helvetica, in points.
 std::string cell(std::string_view text, std::int32_t alignment, std::int32_t border, double width,
-                 double height, bool fill = false) {
+                 double height, bool fill = false, std::int16_t size = 10) {
   return contentOf([&](VeltranoPDF& pdf) {
-    pdf.PDFSetFont(FONT_ARIAL, 10);
+    pdf.PDFSetFont(FONT_ARIAL, size);
     pdf.PDFSetAlignement(alignment);
     pdf.PDFSetBorder(border);
     pdf.PDFSetFill(fill);
@@ -98,6 +98,8 @@ TEST(Cells, Offsets) {
             std::string::npos);  // (80 - 23) / 2
   // "Été" is 667 + 278 + 556 wide, 15.01 at 10.
   EXPECT_NE(cell("\xC9t\xE9", ALIGN_RIGHT, 0, 80, 20).find("\r\n162.00 628.89 Td"), std::string::npos);
+  // 7.495 is 7.50 by its decimal digits, though its double lies below: less 1.998 that is nearer to 6 than 5.
+  EXPECT_NE(cell("i", ALIGN_RIGHT, 0, 10.495, 20, false, 9).find("\r\n106.00 629.19 Td"), std::string::npos);
   // Beyond 16 bits there is no offset.
   EXPECT_NE(cell("Hello", ALIGN_RIGHT, 0, 40000, 20).find("\r\n100.00 628.89 Td"), std::string::npos);
 }
