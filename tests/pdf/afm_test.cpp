@@ -6,6 +6,7 @@
 
 #include "base/files.h"
 #include "base/host.h"
+#include "pdf/metrics_cache.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {
