@@ -116,14 +116,13 @@ TEST(Cells, EdgesMeetAtTheirCorners) {
 }
 
 TEST(Cells, LinesStackWithinTheCell) {
-  // Two lines in 20 points: as close as their size, but not closer.
-  const std::string two = cell("a\r\nb", ALIGN_LEFT, 0, 80, 20);
-  EXPECT_NE(two.find("633.89 Td"), std::string::npos);
-  EXPECT_NE(two.find("623.89 Td"), std::string::npos);
-  // More than fit begin at the top and go on below.
-  const std::string four = cell("a\r\nb\r\nc\r\nd", ALIGN_LEFT, 0, 80, 20);
-  EXPECT_NE(four.find("633.89 Td"), std::string::npos);
-  EXPECT_NE(four.find("603.89 Td"), std::string::npos);
+  // Two lines in 20 points: as close as their size, but not closer. More begin at the top and go on below.
+  for (const auto& [text, last] :
+       {std::pair{"a\r\nb", "623.89 Td"}, std::pair{"a\r\nb\r\nc\r\nd", "603.89 Td"}}) {
+    const std::string content = cell(text, ALIGN_LEFT, 0, 80, 20);
+    EXPECT_NE(content.find("633.89 Td"), std::string::npos);
+    EXPECT_NE(content.find(last), std::string::npos);
+  }
 }
 
 TEST(Cells, JustifiedLinesReachBothMargins) {
