@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/numbers.h"
 #include "pdf/content_line.h"
 #include "pdf/line_breaking.h"
 #include "pdf/text_operators.h"
@@ -19,6 +20,14 @@ struct VeltranoPDF::CellFrame {
   double firstTop = 0;  ///< from the cell's top down to the first line
   const FontMetrics& metrics;
 
+  /// Puts the lines in the middle of the cell, 1.2 sizes apart, closer when the cell would otherwise be too
+  /// low for them, but never less than one size; more of them than it has room for begin at its top.
+  void stack(std::size_t lines, int fontSize) {
+    const double size = std::abs(static_cast<double>(fontSize));
+    const auto count = static_cast<double>(lines);
+    leading = std::clamp(height / count, size, size * 1.2);
+    firstTop = std::max(0.0, (height - leading * count) / 2);
+  }
   /// From the cell's top down to a line of text.
   [[nodiscard]] double lineTop(std::size_t index) const {
     return firstTop + leading * static_cast<double>(index);
@@ -27,15 +36,9 @@ struct VeltranoPDF::CellFrame {
 
 namespace {
 
-/// Lines are 1.2 sizes apart, closer when the cell would otherwise be too low for them, but never less than
-/// one size.
-double leadingFor(std::size_t lines, double size, double height) {
-  return std::clamp(height / static_cast<double>(lines), size, size * 1.2);
-}
-
-/// "###0.00" read back.
+/// "###0.00" read back: by the decimal digits, so that 7.495 gives 7.5 as it does on the page.
 double hundredths(double value) {
-  return std::round(value * 100) / 100;
+  return parseNumber(formatPdfNumber(value, 2)).value_or(value);
 }
 
 }  // namespace
@@ -157,33 +160,28 @@ void VeltranoPDF::appendCellLine(const CellFrame& frame, const TextLine& line, s
   appendColorEnd();
 }
 
-void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double width, double height,
-                          const Value& link) {
-  constexpr std::int16_t usualSize = 10;
-  if (fonts_.fontSize == 0) {
-    fonts_.fontSize = usualSize;
-  }
-  const double k = geometry_.scaleFactor;
-  const FontMetrics& metrics = fonts_.currentMetrics();
-  CellFrame frame{geometry_.xPoints(x),
-                  geometry_.yPoints(y),
-                  width * k,
-                  height * k,
-                  graphics_.lineWidth * k,
-                  0,
-                  0,
-                  metrics};
-  // Left-aligned text begins two margins from the edge and ends one from the other; the others keep one at
-  // both.
+// Left-aligned and justified text begins two margins from the edge and ends one from the other; the others
+// keep one at both.
+std::vector<TextLine> VeltranoPDF::breakCellText(const CellFrame& frame, std::string_view text) const {
   const bool both = graphics_.alignment == Alignment::right || graphics_.alignment == Alignment::center;
   const double margins = (both ? 2.0 : 3.0) * geometry_.cellMargin;
-  const auto textLines = breakText(text, {metrics.widths, fonts_.fontSize / 1000.0, frame.width - margins});
+  return breakText(text, {frame.metrics.widths, fonts_.fontSize / 1000.0, frame.width - margins});
+}
 
-  // The lines stand in the middle of the cell; more of them than it has room for begin at its top.
-  const double size = std::abs(static_cast<double>(fonts_.fontSize));
-  const auto count = static_cast<double>(textLines.size());
-  frame.leading = leadingFor(textLines.size(), size, frame.height);
-  frame.firstTop = std::max(0.0, (frame.height - frame.leading * count) / 2);
+void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double width, double height,
+                          const Value& link) {
+  if (fonts_.fontSize == 0) {
+    fonts_.fontSize = FontState::usualSize;
+  }
+  const double k = geometry_.scaleFactor;
+  CellFrame frame{.left = geometry_.xPoints(x),
+                  .top = geometry_.yPoints(y),
+                  .width = width * k,
+                  .height = height * k,
+                  .lineWidth = graphics_.lineWidth * k,
+                  .metrics = fonts_.currentMetrics()};
+  const std::vector<TextLine> textLines = breakCellText(frame, text);
+  frame.stack(textLines.size(), fonts_.fontSize);
 
   // A cell that leads somewhere shows it, as a linked text does.
   const auto* target = link.as<std::string>();

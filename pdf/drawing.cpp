@@ -92,34 +92,27 @@ void VeltranoPDF::appendLineWidth(std::string_view operators) {
       .end();
 }
 
-void VeltranoPDF::PDFDrawLineHor(double x, double y, double width) {
+void VeltranoPDF::drawStraightLine(std::string_view marker, double x1, double y1, double x2, double y2) {
   std::string& content = assembly_.pageContent;
   const PageGeometry& page = geometry_;
   copyLineColorToFill();
-  appendLine(content, "%DEBUT_LNH/%");
+  ContentLine(content).text("%DEBUT_").text(marker).text("/%").end();
   appendLine(content, graphics_.lineDashOp);
-  ContentLine(content).point(page.xPoints(x), page.yPoints(y)).text(" m").end();
-  ContentLine(content).point(page.xPoints(x + width), page.yPoints(y)).text(" l").end();
+  ContentLine(content).point(page.xPoints(x1), page.yPoints(y1)).text(" m").end();
+  ContentLine(content).point(page.xPoints(x2), page.yPoints(y2)).text(" l").end();
   appendLine(content, graphics_.lineColorOp);
   appendLineWidth(" w S");
-  appendLine(content, "%FIN_LNH/%");
-  geometry_.currentX = x + width;
-  geometry_.currentY = y;
+  ContentLine(content).text("%FIN_").text(marker).text("/%").end();
+  geometry_.currentX = x2;
+  geometry_.currentY = y2;
+}
+
+void VeltranoPDF::PDFDrawLineHor(double x, double y, double width) {
+  drawStraightLine("LNH", x, y, x + width, y);
 }
 
 void VeltranoPDF::PDFDrawLineVer(double x, double y, double height) {
-  std::string& content = assembly_.pageContent;
-  const PageGeometry& page = geometry_;
-  copyLineColorToFill();
-  appendLine(content, "%DEBUT_LNV/%");
-  appendLine(content, graphics_.lineDashOp);
-  ContentLine(content).point(page.xPoints(x), page.yPoints(y)).text(" m").end();
-  ContentLine(content).point(page.xPoints(x), page.yPoints(y + height)).text(" l").end();
-  appendLine(content, graphics_.lineColorOp);
-  appendLineWidth(" w S");
-  appendLine(content, "%FIN_LNV/%");
-  geometry_.currentX = x;
-  geometry_.currentY = y + height;
+  drawStraightLine("LNV", x, y, x, y + height);
 }
 
 // Unlike the two above, a free line has no dash and leaves the fill colour alone; hosts rely on the
@@ -163,20 +156,13 @@ void VeltranoPDF::placeShapeLink(const Value& link, const LinkShape& shape) {
   placeLink(link, shape, std::floor(shape.x + 5), std::floor(shape.y + shape.height / 2));
 }
 
-// The arguments are the bounding box. The outline starts at the middle of the right side and goes up, over
-// the top: counter-clockwise as seen on the page.
-void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height, const Value& link) {
-  if (height == 0) height = width;
-  std::string& content = assembly_.pageContent;
-  appendPaintColors();
-  appendLine(content, graphics_.lineDashOp);
-  appendLine(content, graphics_.lineColorOp);
-  appendLineWidth(" w ");
-
+// The box is in user units. The outline starts at the middle of its right side and goes up, over the top:
+// counter-clockwise as seen on the page.
+void VeltranoPDF::appendEllipse(double x, double y, double width, double height) {
   constexpr double tangent = 0.55;  // of the half width or height: close enough to a circle's 0.5523
-  const double k = geometry_.scaleFactor;
-  const double halfWidth = width * k / 2;
-  const double halfHeight = height * k / 2;
+  std::string& content = assembly_.pageContent;
+  const double halfWidth = width * geometry_.scaleFactor / 2;
+  const double halfHeight = height * geometry_.scaleFactor / 2;
   const double centreX = geometry_.xPoints(x) + halfWidth;
   const double centreY = geometry_.yPoints(y) - halfHeight;
   // Unit vectors from the centre to the four midpoints, in the order of travel.
@@ -196,6 +182,16 @@ void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height
         .text(" c")
         .end();
   }
+}
+
+void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height, const Value& link) {
+  if (height == 0) height = width;
+  std::string& content = assembly_.pageContent;
+  appendPaintColors();
+  appendLine(content, graphics_.lineDashOp);
+  appendLine(content, graphics_.lineColorOp);
+  appendLineWidth(" w ");
+  appendEllipse(x, y, width, height);
   appendLine(content, closedPaintOperator(graphics_.drawMode));
 
   const auto* target = link.as<std::string>();

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "pdf/afm_file.h"
+#include "pdf/metrics_cache.h"
 
 namespace veltrano {
 
@@ -30,7 +30,8 @@ struct FontState {
   std::vector<std::string> fontTable;  ///< base-font names; the resource of entry i is "/F" followed by i + 1
   std::string currentFontFamily;
   std::string currentFontName;
-  std::int16_t fontSize = 0;  ///< points; 0 is not set
+  std::int16_t fontSize = 0;  ///< points; 0 is not set, and whoever writes a text then sets the usual size
+  static constexpr std::int16_t usualSize = 10;
   std::int32_t fontCounter = 0;
   std::int16_t fontSerial = 0;
   bool italicFlag = false;

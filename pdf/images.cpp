@@ -139,8 +139,6 @@ void VeltranoPDF::PDFImage(const std::filesystem::path& file, double x, double y
       .text(integerText(static_cast<std::int64_t>(images_.imageCount)))
       .text(" Do Q")
       .end();
-  images_.lastImageWidth = width;
-  images_.lastImageHeight = height;
   placeLink(link, {LinkKind::image, x, y, width, height}, x, y);
   // Products with the points of a unit, unlike everywhere else: hosts rely on it.
   geometry_.currentX = (x + width) * k;

@@ -28,8 +28,6 @@ struct ImageTable {
   /// from size queries.
   std::size_t imageCount = 0;
   std::vector<ImageRecord> images;
-  double lastImageWidth = 0;   ///< user units
-  double lastImageHeight = 0;  ///< user units
 };
 
 /// Writes image `number` (counted from 1) as the next object.

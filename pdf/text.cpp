@@ -67,7 +67,6 @@ void VeltranoPDF::appendTextOperators(std::string_view text) {
 }
 
 void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
-  constexpr std::int16_t usualSize = 10;
   if (x == 0) {
     x = settledX();
   }
@@ -75,7 +74,7 @@ void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
     y = geometry_.currentY;
   }
   if (fonts_.fontSize == 0) {
-    fonts_.fontSize = usualSize;
+    fonts_.fontSize = FontState::usualSize;
   }
   const double left = geometry_.xPoints(x);
   const double baseline = geometry_.yPoints(y);
@@ -85,12 +84,6 @@ void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
   // start.
   const bool rotated = fonts_.rotation != 0;
   const TextDirection direction = rotated ? TextDirection::fromDegrees(-fonts_.rotation) : TextDirection();
-  std::string underline;
-  if (fonts_.underlineFlag && !text.empty()) {
-    const FontMetrics& metrics = fonts_.currentMetrics();
-    appendUnderline(underline, metrics, fonts_.fontSize, left, baseline, metrics.width(text, fonts_.fontSize),
-                    direction);
-  }
 
   std::string& content = assembly_.pageContent;
   appendLine(content, "%DEBUT_TEXT/%");
@@ -102,7 +95,11 @@ void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
     line.point(left, baseline).text(" Td").end();
   }
   appendTextOperators(text);
-  content.append(underline);
+  if (fonts_.underlineFlag && !text.empty()) {
+    const FontMetrics& metrics = fonts_.currentMetrics();
+    appendUnderline(content, metrics, fonts_.fontSize, left, baseline, metrics.width(text, fonts_.fontSize),
+                    direction);
+  }
   appendColorEnd();
   appendLine(content, "%FIN_TEXT/%");
 

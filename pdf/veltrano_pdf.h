@@ -28,6 +28,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "base/value.h"
 #include "pdf/assembly.h"
@@ -59,8 +60,7 @@ class VeltranoPDF {
   /// call any member of this object and replace itself; it must not destroy the object.
   std::function<void(std::string_view message)> onError;
 
-  // ---- Document settings
-  // -------------------------------------------------------------------------------------------
+  // Document settings
 
   /// Back to the state of a new object, except for the title, the file name, the bookmarks, the metrics
   /// folder, the viewer settings and the current font; an open document is given up. Loads the fonts of the
@@ -101,8 +101,7 @@ class VeltranoPDF {
   /// PDFViewerCst; the digits of the number combine, so 12 is two preferences. The last set wins.
   void PDFSetViewerPreferences(std::int32_t preference);
 
-  // ---- Page geometry
-  // -----------------------------------------------------------------------------------------------
+  // Page geometry
 
   /// PDFUnitStr. "Incorrect Unit" and centimetres for others. Converts nothing that is stored.
   void PDFSetUnit(std::int32_t unit);
@@ -138,8 +137,7 @@ class VeltranoPDF {
   [[nodiscard]] std::int16_t PDFGetX();
   [[nodiscard]] std::int16_t PDFGetY() const;
 
-  // ---- Assembly
-  // ----------------------------------------------------------------------------------------------------
+  // Assembly
 
   /// Starts a document and its first page.
   void PDFBeginDoc();
@@ -155,14 +153,12 @@ class VeltranoPDF {
   [[nodiscard]] std::int16_t PDFPageNumber() const;
   [[nodiscard]] std::int16_t PDFNbPage() const;
 
-  // ---- Bookmarks
-  // ---------------------------------------------------------------------------------------------------
+  // Bookmarks
 
   /// Marks `y` on the page being written; -1 is the current position. Always returns an empty value.
   Value PDFSetBookmark(std::string_view text, std::int32_t level = 0, double y = -1);
 
-  // ---- Fonts
-  // -------------------------------------------------------------------------------------------------------
+  // Fonts
 
   /// Adds the fonts whose metrics `folder` holds and makes it the metrics folder when it holds any.
   void PDFLoadAfm(const std::filesystem::path& folder);
@@ -172,8 +168,7 @@ class VeltranoPDF {
   [[nodiscard]] double PDFGetStringWidth(std::string_view text, std::string_view fontName = {},
                                          std::int16_t size = 0);
 
-  // ---- Graphics state
-  // ----------------------------------------------------------------------------------------------
+  // Graphics state
 
   /// A colour is a number (PDFColorValue), "#RRGGBB" or a list of red, green and blue from 0 to 255. A text
   /// of another form is black and reported: "Invalid Text Color", "Invalid Line Color", "Invalide Draw
@@ -199,9 +194,7 @@ class VeltranoPDF {
   /// Whether cells are filled.
   void PDFSetFill(bool fill);
 
-  // ---- Drawing
-  // ----------------------------------------------------------------------------------------------------- A
-  // link that is no text raises "Unable to include this link"; an empty one is none.
+  // Drawing. A link that is no text raises "Unable to include this link"; an empty one is none.
 
   /// Also turns the fill colour into the line colour, as hosts rely on; so does PDFDrawLineVer.
   void PDFDrawLineHor(double x, double y, double width);
@@ -214,8 +207,7 @@ class VeltranoPDF {
   /// Closed; each point is a list of x and y.
   void PDFDrawPolygon(const Value::List& points);
 
-  // ---- Text, cells, links
-  // ------------------------------------------------------------------------------------------
+  // Text, cells, links
 
   /// Writes one line of text with its baseline at y; 0 is the current position.
   void PDFTextOut(std::string_view text, double x = 0, double y = 0);
@@ -229,9 +221,7 @@ class VeltranoPDF {
   /// Degrees, counter-clockwise.
   void PDFSetRotation(double angle);
 
-  // ---- Images
-  // ------------------------------------------------------------------------------------------------------
-  // Only names that end in "jpg" or "jpeg", exactly so, are taken; the test is on the path as it is given.
+  // Images. Names must end in "jpg" or "jpeg", exactly so; the path is looked at as it is given.
 
   /// In pixels; 0 when the file is refused.
   [[nodiscard]] double PDFImageWidth(const std::filesystem::path& file);
@@ -268,6 +258,9 @@ class VeltranoPDF {
 
   // Drawing (drawing.cpp).
   void copyLineColorToFill();
+  /// A line that leaves its colour as the fill colour and the current position at its end; `marker` names it.
+  void drawStraightLine(std::string_view marker, double x1, double y1, double x2, double y2);
+  void appendEllipse(double x, double y, double width, double height);
   void appendPaintColors();
   void appendLineWidth(std::string_view operators);
   void placeShapeLink(const Value& link, const LinkShape& shape);
@@ -286,6 +279,7 @@ class VeltranoPDF {
 
   // Cells (cells.cpp).
   struct CellFrame;
+  [[nodiscard]] std::vector<TextLine> breakCellText(const CellFrame& frame, std::string_view text) const;
   void appendCellLine(const CellFrame& frame, const TextLine& line, std::size_t index);
   void appendCellBox(const CellFrame& frame, std::size_t index);
   void appendCellEdges(const CellFrame& frame);

@@ -7,8 +7,8 @@
 #include <sstream>
 #include <string>
 
-#include "pdf/afm_file.h"
 #include "pdf/line_breaking.h"
+#include "pdf/metrics_cache.h"
 #include "pdf/veltrano_pdf.h"
 
 namespace veltrano {

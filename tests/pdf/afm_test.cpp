@@ -6,6 +6,7 @@
 
 #include "base/files.h"
 #include "base/host.h"
+#include "pdf/metrics_cache.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {
@@ -27,11 +28,6 @@ struct Reading {
 
 constexpr Reading readings[] = {
     {"plain", "StartCharMetrics 3\nC 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;\nEndCharMetrics\n", 1, 2, 4},
-    {"with names and boxes, as files really are",
-     "StartCharMetrics 2\r\nC 65 ; WX 667 ; N A ; B 14 0 654 718 ;\r\nC 66 ; WX 667 ; N B ; B 74 -1 627 718 "
-     ";\r\n"
-     "EndCharMetrics\r\n",
-     667, 667, 0},
     {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", 1, 2, 0},
     {"an unencoded character ends it",
      "StartCharMetrics\nC 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2\nEndCharMetrics", 1, 0, 0},
@@ -56,8 +52,6 @@ constexpr Reading readings[] = {
      0, 2, 0},
     {"the line after a second start is taken as it is",
      "StartCharMetrics\nC 65 ; WX 1\nStartCharMetrics\nC 66 ; WX 2\nC 67 ; WX 4\nEndCharMetrics", 1, 2, 4},
-    {"the start in the last line", "StartCharMetrics 65 ; WX 3", 0, 0, 0},
-    {"nothing", "", 0, 0, 0},
 };
 
 TEST(Afm, ReadsByThePositionsOfTheFields) {
@@ -116,15 +110,6 @@ TEST(ShippedMetrics, MeasureByTheCodesOfWindows1252) {
       EXPECT_GT(cache.metrics(libraryFolder(), font).widths[code], 0) << font << ' ' << code;
     }
   }
-}
-
-TEST(ShippedMetrics, UnderlineComesFromTheHeader) {
-  MetricsCache cache;
-  const FontMetrics& metrics = cache.metrics(libraryFolder(), "Times-Roman");
-  EXPECT_EQ(metrics.underlinePosition(), -100);
-  EXPECT_EQ(metrics.underlineThickness(), 50);
-  EXPECT_EQ(metrics.descender(), -217);
-  EXPECT_EQ(FontMetrics().underlineThickness(), 50);
 }
 
 std::string afmWithWidth(int width) {

@@ -12,7 +12,6 @@ using tests::lines;
 using tests::objectText;
 using tests::objectWith;
 using tests::pageContent;
-using tests::sameBytes;
 
 constexpr std::string_view a4Box = "/MediaBox [ 0 0 595.28 841.89]\r\n";
 
@@ -64,11 +63,10 @@ TEST(Assembly, PositionsAreTwoCharactersShortForEachObject) {
   const int catalog = static_cast<int>(objects);
   EXPECT_NE(objectText(file, catalog).find("/Type /Catalog"), std::string::npos) << "the last object";
   const std::string size = std::to_string(objects + 1);
-  EXPECT_TRUE(sameBytes(
-      file.substr(table),
-      lines({"xref", "0 " + size}) + entries +
-          lines({"trailer", "<< /Size " + size, "/Root " + std::to_string(catalog) + " 0 R", "/Info 1 0 R",
-                 ">>", "startxref", std::to_string(table - 2 * (objects + 1)), "%%EOF"})));
+  EXPECT_EQ(file.substr(table), lines({"xref", "0 " + size}) + entries +
+                                    lines({"trailer", "<< /Size " + size,
+                                           "/Root " + std::to_string(catalog) + " 0 R", "/Info 1 0 R", ">>",
+                                           "startxref", std::to_string(table - 2 * (objects + 1)), "%%EOF"}));
 }
 
 TEST(Assembly, EveryPageKeepsItsOwnSizeAndContent) {
@@ -144,8 +142,6 @@ TEST(Assembly, CatalogFollowsTheViewerSettings) {
        "/OpenAction [3 0 R /XYZ null null 1]\r\n" + single + end},
       {[](VeltranoPDF& pdf) { pdf.PDFSetZoomMode(ZOOM_DEFAULT); },
        "/OpenAction [3 0 R /XYZ null null 0.03]\r\n" + single + end},
-      {[](VeltranoPDF& pdf) { pdf.PDFSetZoomMode(150); },
-       "/OpenAction [3 0 R /XYZ null null 1.50]\r\n" + single + end},
       {[](VeltranoPDF& pdf) { pdf.PDFSetLayoutMode(LAYOUT_CONTINOUS); },
        fit + "/PageLayout /OneColumn\r\n" + end},
       {[](VeltranoPDF& pdf) { pdf.PDFSetLayoutMode(LAYOUT_TWO); },
@@ -236,11 +232,8 @@ TEST(Watermark, IsDrawnOnEachFurtherPageAndAtTheEnd) {
   const std::string file = document.finish();
   const auto marks = [&](int page) {
     const std::string content = pageContent(file, page);
-    int count = 0;
-    for (auto at = content.find("(DRAFT) Tj"); at != std::string::npos;
-         at = content.find("(DRAFT) Tj", at + 1))
-      ++count;
-    return count;
+    const std::regex mark(R"(\(DRAFT\) Tj)");
+    return std::distance(std::sregex_iterator(content.begin(), content.end(), mark), std::sregex_iterator());
   };
   EXPECT_EQ(marks(1), 0);
   EXPECT_EQ(marks(2), 2);

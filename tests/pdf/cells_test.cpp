@@ -11,7 +11,6 @@ namespace {
 
 using tests::contentOf;
 using tests::lines;
-using tests::sameBytes;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
@@ -70,11 +69,11 @@ TEST(LineBreaking, JustifyingSpace) {
   EXPECT_EQ(justifyingSpace("a b", std::nan(""), 50), 0);
 }
 
-/// The content of a cell at (100, 200), Helvetica 10, in points.
+/// The content of a cell at (100, 200), Helvetica, in points.
 std::string cell(std::string_view text, std::int32_t alignment, std::int32_t border, double width,
-                 double height, bool fill = false) {
+                 double height, bool fill = false, std::int16_t size = 10) {
   return contentOf([&](VeltranoPDF& pdf) {
-    pdf.PDFSetFont(FONT_ARIAL, 10);
+    pdf.PDFSetFont(FONT_ARIAL, size);
     pdf.PDFSetAlignement(alignment);
     pdf.PDFSetBorder(border);
     pdf.PDFSetFill(fill);
@@ -84,12 +83,12 @@ std::string cell(std::string_view text, std::int32_t alignment, std::int32_t bor
 
 TEST(Cells, Operators) {
   // 80 - 3 - 22.78 is 54.22; the baseline is 3 below the middle of the cell.
-  EXPECT_TRUE(sameBytes(cell("Hello", ALIGN_RIGHT, BORDER_ALL, 80, 20),
-                        lines({"%DEBUT_CELL/%", "0 g", "100.00 621.89 80.00 20.00 re S\r", "q 0 g ", "BT",
-                               "154.00 628.89 Td", "/F8 10 Tf", "(Hello) Tj", "ET", "Q", "%FIN_CELL/%"})));
-  EXPECT_TRUE(sameBytes(cell("Hello", ALIGN_FJUSTIFY, BORDER_NONE, 80, 20),
-                        lines({"%DEBUT_CELL/%", "0 g", "0.00 Tw", "q 0 g ", "BT", "106.00 628.89 Td",
-                               "/F8 10 Tf", "(Hello) Tj", "ET", "Q", "0 Tw", "%FIN_CELL/%"})));
+  EXPECT_EQ(cell("Hello", ALIGN_RIGHT, BORDER_ALL, 80, 20),
+            lines({"%DEBUT_CELL/%", "0 g", "100.00 621.89 80.00 20.00 re S\r", "q 0 g ", "BT",
+                   "154.00 628.89 Td", "/F8 10 Tf", "(Hello) Tj", "ET", "Q", "%FIN_CELL/%"}));
+  EXPECT_EQ(cell("Hello", ALIGN_FJUSTIFY, BORDER_NONE, 80, 20),
+            lines({"%DEBUT_CELL/%", "0 g", "0.00 Tw", "q 0 g ", "BT", "106.00 628.89 Td", "/F8 10 Tf",
+                   "(Hello) Tj", "ET", "Q", "0 Tw", "%FIN_CELL/%"}));
 }
 
 TEST(Cells, Offsets) {
@@ -98,32 +97,10 @@ TEST(Cells, Offsets) {
             std::string::npos);  // (80 - 23) / 2
   // "Été" is 667 + 278 + 556 wide, 15.01 at 10.
   EXPECT_NE(cell("\xC9t\xE9", ALIGN_RIGHT, 0, 80, 20).find("\r\n162.00 628.89 Td"), std::string::npos);
+  // 7.495 is 7.50 by its decimal digits, though its double lies below: less 1.998 that is nearer to 6 than 5.
+  EXPECT_NE(cell("i", ALIGN_RIGHT, 0, 10.495, 20, false, 9).find("\r\n106.00 629.19 Td"), std::string::npos);
   // Beyond 16 bits there is no offset.
   EXPECT_NE(cell("Hello", ALIGN_RIGHT, 0, 40000, 20).find("\r\n100.00 628.89 Td"), std::string::npos);
-}
-
-TEST(Cells, FillOfALaterLineLeavesTextAndBorder) {
-  EXPECT_TRUE(sameBytes(cell("a\r\n", ALIGN_LEFT, BORDER_ALL, 80, 40, true),
-                        lines({"%DEBUT_CELL/%",
-                               "0 g",
-                               "100.00 601.89 80.00 40.00 re B\r",
-                               "q 0 g ",
-                               "BT",
-                               "106.00 624.89 Td",
-                               "/F8 10 Tf",
-                               "(a) Tj",
-                               "ET",
-                               "Q",
-                               "0 g",
-                               "100.28 602.17 79.43 19.72 re f\r",
-                               "q 0 g ",
-                               "BT",
-                               "106.00 612.89 Td",
-                               "/F8 10 Tf",
-                               "() Tj",
-                               "ET",
-                               "Q",
-                               "%FIN_CELL/%"})));
 }
 
 TEST(Cells, EdgesMeetAtTheirCorners) {
@@ -139,14 +116,13 @@ TEST(Cells, EdgesMeetAtTheirCorners) {
 }
 
 TEST(Cells, LinesStackWithinTheCell) {
-  // Two lines in 20 points: as close as their size, but not closer.
-  const std::string two = cell("a\r\nb", ALIGN_LEFT, 0, 80, 20);
-  EXPECT_NE(two.find("633.89 Td"), std::string::npos);
-  EXPECT_NE(two.find("623.89 Td"), std::string::npos);
-  // More than fit begin at the top and go on below.
-  const std::string four = cell("a\r\nb\r\nc\r\nd", ALIGN_LEFT, 0, 80, 20);
-  EXPECT_NE(four.find("633.89 Td"), std::string::npos);
-  EXPECT_NE(four.find("603.89 Td"), std::string::npos);
+  // Two lines in 20 points: as close as their size, but not closer. More begin at the top and go on below.
+  for (const auto& [text, last] :
+       {std::pair{"a\r\nb", "623.89 Td"}, std::pair{"a\r\nb\r\nc\r\nd", "603.89 Td"}}) {
+    const std::string content = cell(text, ALIGN_LEFT, 0, 80, 20);
+    EXPECT_NE(content.find("633.89 Td"), std::string::npos);
+    EXPECT_NE(content.find(last), std::string::npos);
+  }
 }
 
 TEST(Cells, JustifiedLinesReachBothMargins) {

@@ -101,11 +101,9 @@ TEST(Fonts, LoadingAFolder) {
 
 TEST(Fonts, AFolderNamedLikeMetricsHoldsOnlyFonts) {
   Document document;
-  const auto folder = document.folder / "fonts.afm";
-  std::filesystem::create_directory(folder);
-  replaceFile(folder / "a", "x");
-  replaceFile(folder / "readme.txt", "x");
-  document.pdf.PDFLoadAfm(folder);
+  std::filesystem::create_directory(document.folder / "fonts.afm");
+  for (const char* name : {"fonts.afm/a", "fonts.afm/readme.txt"}) replaceFile(document.folder / name, "x");
+  document.pdf.PDFLoadAfm(document.folder / "fonts.afm");
   document.pdf.PDFBeginDoc();
   const std::string file = document.finish();
   EXPECT_NE(file.find("/BaseFont /Courier-Bold\r\n"), std::string::npos);  // "a" is too short to give a name

@@ -29,23 +29,17 @@ TEST(Colors, OfEveryForm) {
     const char* expected;
   } rows[] = {
       {"#FF8000", "1.000 0.502 0.000 rg"},
-      {"#ff8000", "1.000 0.502 0.000 rg"},
-      {"#FFF", "0.000 0.000 1.000 rg"},  // "00#FFF": the pair "#F" is none
-      {"#", "0.000 0.000 0.000 rg"},
+      {"#FFF", "0.000 0.000 1.000 rg"},       // "00#FFF": the pair "#F" is none
       {"#12FF8000", "1.000 0.502 0.000 rg"},  // the last six count
-      {"#GG00FF", "0.000 0.000 1.000 rg"},
       {COLOR_ROUGE, "1.000 0.000 0.000 rg"},
-      {COLOR_BLEU, "0.000 0.000 1.000 rg"},
       {COLOR_JAUNE, "1.000 1.000 0.000 rg"},
       {255.9, "1.000 0.000 0.000 rg"},
       {-1, "1.000 1.000 1.000 rg"},
       {1e10, "0.000 0.000 0.000 rg"},
       {std::numeric_limits<double>::quiet_NaN(), "0.000 0.000 0.000 rg"},
-      {Value(), "0.000 0.000 0.000 rg"},
       {Null(), "0.000 0.000 0.000 rg"},
       {Value::List{0, 0, 255}, "0.000 0.000 1.000 rg"},
       {Value::List{"128", 127.5, -51}, "0.502 0.502 -0.200 rg"},
-      {Value::List{510}, "2.000 0.000 0.000 rg"},
       {Value::List{70000, Opaque(), 255}, "0.000 0.000 1.000 rg"},
       {Value::Doubles{255, 0, 255}, "1.000 0.000 1.000 rg"},
   };
@@ -92,24 +86,17 @@ TEST(LineStyle, PatternsAreWholePointsOfTheUnitOfThen) {
 
 TEST(GraphicsState, ReportsWhatItRefuses) {
   Document document;
-  VeltranoPDF& pdf = document.pdf;
-  pdf.PDFSetLineStyle(4);
-  pdf.PDFSetDrawMode(3);
-  pdf.PDFSetAlignement(ALIGN_RIGHT);
-  pdf.PDFSetAlignement(9);
+  document.pdf.PDFSetLineStyle(4);
+  document.pdf.PDFSetDrawMode(3);
+  std::string names = document.pdf.PDFGetAlignement();
+  for (const int alignment :
+       std::initializer_list<int>{ALIGN_CENTER, ALIGN_LEFT, ALIGN_RIGHT, 9, ALIGN_FJUSTIFY}) {
+    document.pdf.PDFSetAlignement(alignment);
+    names.append(" ").append(document.pdf.PDFGetAlignement());
+  }
+  EXPECT_EQ(names, "Left Center Left Right Left Left");
   EXPECT_EQ(document.takeErrors(),
             (Errors{"Incorrect Line Style", "Incorrect Draw line", "Invalid Alignment Code"}));
-  EXPECT_EQ(pdf.PDFGetAlignement(), "Left");
-}
-
-TEST(GraphicsState, AlignmentNames) {
-  VeltranoPDF pdf;
-  std::string names = pdf.PDFGetAlignement();
-  for (const int alignment : {ALIGN_CENTER, ALIGN_LEFT, ALIGN_RIGHT, ALIGN_FJUSTIFY}) {
-    pdf.PDFSetAlignement(alignment);
-    names.append(" ").append(pdf.PDFGetAlignement());
-  }
-  EXPECT_EQ(names, "Left Center Left Right Left");
 }
 
 TEST(GraphicsState, HandlerMayUseTheObjectAndReplaceItself) {

@@ -16,16 +16,6 @@ using tests::lines;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-TEST(Hostile, NumberThatIsNoneTakesOnlyItsOwnLine) {
-  const auto drawn = [](double x) {
-    return contentOf([x](VeltranoPDF& pdf) { pdf.PDFDrawLine(x, 0, 5, 5); });
-  };
-  const std::string expected = lines({"%DEBUT_LN/%", "5.00 836.89 l", "0 G", "0.57 w S", "%FIN_LN/%"});
-  EXPECT_EQ(drawn(std::nan("")), expected);
-  EXPECT_EQ(drawn(-infinity), expected);
-  EXPECT_EQ(drawn(1e308 * 10), expected);
-}
-
 TEST(Hostile, PageWithoutHeightTakesTheOtherLines) {
   const auto content = contentOf([](VeltranoPDF& pdf) {
     pdf.PDFPageHeight(std::nan(""));

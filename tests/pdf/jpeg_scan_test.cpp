@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "tests/pdf/jpeg_testing.h"
 
 namespace veltrano {
@@ -16,45 +18,20 @@ JpegScan scan(std::string_view file) {
   return scanJpeg(file, {});
 }
 
-TEST(JpegScanTest, MarkersAndWordsCountFromOne) {
-  const std::string file = bytes({0xFF, 0x0D, 0xA0});
-  EXPECT_EQ(markerAt(file, 1), "FF0D");
-  EXPECT_EQ(wordAt(file, 2), 0x0DA0U);
-  EXPECT_EQ(markerAt(file, 3), "");
-  EXPECT_EQ(wordAt(file, 0), std::nullopt);
-}
-
-struct Frame {
-  int marker;
-  int components;
-  const char* colourSpace;
-  int bits;
-  int width;
-};
-
 TEST(JpegScanTest, FrameHeaders) {
-  constexpr Frame table[] = {
-      {0xC0, 1, "DeviceGray", 8, 640},
-      {0xC0, 3, "DeviceRGB", 8, 640},
-      {0xC1, 3, "DeviceRGB", 8, 640},
-      {0xC2, 3, "DeviceRGB", 8, 640},
-      {0xC0, 4, "DeviceCMYK", 8, 640},
-      {0xC3, 3, "DeviceRGB", 8, 640},
-      {0xC5, 3, "DeviceRGB", 8, 640},
-      {0xC6, 3, "DeviceRGB", 8, 640},
-      {0xC7, 3, "DeviceRGB", 8, 640},
-      {0xC0, 2, "", 16, 640},
-      {0xC4, 3, "", 8, 0},
-      {0xC8, 3, "", 8, 0},
-      {0xCF, 3, "", 8, 0},
-  };
-  for (const Frame& row : table) {
-    const auto header = scan(jpeg({app0(1), frame(row.marker, 640, 480, row.components)})).header;
-    ASSERT_TRUE(header) << row.marker;
-    EXPECT_EQ(header->width, row.width) << row.marker;
-    EXPECT_EQ(header->height, row.width == 0 ? 0 : 480) << row.marker;
-    EXPECT_EQ(header->colourSpace, row.colourSpace) << row.marker << ' ' << row.components;
-    EXPECT_EQ(header->bitsPerComponent, row.bits) << row.marker << ' ' << row.components;
+  for (int marker = 0xC0; marker <= 0xCF; ++marker) {
+    const auto header = scan(jpeg({app0(1), frame(marker, 640, 480, 3)})).header;
+    ASSERT_TRUE(header) << marker;
+    const bool known = marker <= 0xC7 && marker != 0xC4;
+    EXPECT_EQ(header->width, known ? 640 : 0) << marker;
+    EXPECT_EQ(header->height, known ? 480 : 0) << marker;
+  }
+  const std::tuple<int, const char*, int> rows[] = {
+      {1, "DeviceGray", 8}, {2, "", 16}, {3, "DeviceRGB", 8}, {4, "DeviceCMYK", 8}};
+  for (const auto& [components, colourSpace, bits] : rows) {
+    const auto header = scan(jpeg({frame(0xC2, 640, 480, components)})).header;
+    EXPECT_EQ(header->colourSpace, colourSpace);
+    EXPECT_EQ(header->bitsPerComponent, bits);
   }
 }
 
@@ -63,15 +40,12 @@ TEST(JpegScanTest, DensityUnits) {
   EXPECT_EQ(scan(jpeg({app0(0)})).header->densityUnit, "Dots");
   EXPECT_EQ(scan(jpeg({app0(1)})).header->densityUnit, "Dots/inch (DPI)");
   EXPECT_EQ(scan(jpeg({app0(2)})).header->densityUnit, "Dots/cm");
-  EXPECT_EQ(scan(jpeg({app0(3)})).message, "JPEG format invalid. Pass 3");
 }
 
 TEST(JpegScanTest, SizeAndEnds) {
   const std::string file = jpeg({frame(0xC0, 9, 9, 3)}, 250);
   EXPECT_TRUE(scan(file).header);
-  EXPECT_EQ(scan(jpeg({frame(0xC0, 9, 9, 3)}, 249)).message, "JPEG format invalid");
   EXPECT_EQ(scan("").message, "JPEG format invalid");
-  EXPECT_EQ(scan(file + "x").message, "JPEG format invalid. Pass 2");
   EXPECT_EQ(scan("x" + file).message, "JPEG format invalid. Pass 2");
 }
 

@@ -24,20 +24,6 @@ inline std::string lines(std::initializer_list<std::string_view> all) {
   return text;
 }
 
-/// Byte for byte; names the first difference.
-inline testing::AssertionResult sameBytes(std::string_view actual, std::string_view expected) {
-  if (actual == expected) return testing::AssertionSuccess();
-  std::size_t at = 0;
-  while (at < actual.size() && at < expected.size() && actual[at] == expected[at]) ++at;
-  const auto context = [at](std::string_view text) {
-    const std::size_t from = at < 40 ? 0 : at - 40;
-    return testing::PrintToString(std::string(text.substr(from, 80)));
-  };
-  return testing::AssertionFailure() << "first difference at byte " << at << " of " << actual.size() << " ("
-                                     << expected.size() << " expected)\n  actual   " << context(actual)
-                                     << "\n  expected " << context(expected);
-}
-
 /// A file of the folder of golden files.
 inline std::string golden(std::string_view name) {
   return readWholeFile(std::filesystem::path(VELTRANO_GOLDEN_FOLDER) / name).value_or("no golden file");

@@ -12,16 +12,6 @@ namespace {
 using tests::contentOf;
 using tests::Document;
 using tests::lines;
-using tests::sameBytes;
-
-TEST(Text, Operators) {
-  const auto content = contentOf([](VeltranoPDF& pdf) {
-    pdf.PDFSetFont(FONT_ARIAL, 12);
-    pdf.PDFTextOut("Hello", 100, 200);
-  });
-  EXPECT_TRUE(sameBytes(content, lines({"q 0 g ", "%DEBUT_TEXT/%", "BT", "100.00 641.89 Td", "/F8 12 Tf",
-                                        "(Hello) Tj", "ET", "Q", "%FIN_TEXT/%"})));
-}
 
 TEST(Text, UnderlineSpansOneTextAtTheFontsOwnPlace) {
   const auto content = contentOf([](VeltranoPDF& pdf) {
