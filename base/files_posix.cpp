@@ -288,8 +288,9 @@ std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file) {
 
 std::int64_t fileClockNow() {
   timespec now = {};
-  // The very clock that the system stamps files with, and the cheaper one.
-  ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
+  // Not the cheaper coarse clock: some systems stamp files by the fine one, and a file changed just before
+  // would seem to be changed later.
+  ::clock_gettime(CLOCK_REALTIME, &now);
   return nanoseconds(now);
 }
 
