@@ -40,7 +40,10 @@ class Contract:
         self.library = braced(re.search(head + r"\]\s*library", text).group(1))
         identifiers = {name: braced(guid) for guid, name in re.findall(head + r"\]\s*coclass (\w+)", text)}
         interfaces = {name: braced(guid) for guid, name in re.findall(head + r"\]\s*(?:disp)?interface (_\w+)", text)}
-        table = re.findall(r'&CLSID_(\w+).*?L"\w+",\s*L"([^"]*)"', (ROOT / "server/class_table.cpp").read_text())
+        table = re.findall(r'&CLSID_(\w+).*?L"\w+",\s*L"([^"]*)"', (ROOT / "server/class_table.cpp").read_text(),
+                           flags=re.S)
+        if {name for name, _ in table} != set(identifiers):
+            raise SystemExit("make_installer_source: server/class_table.cpp and server/veltrano.idl name other classes")
         self.classes = [(identifiers[name], name, description) for name, description in table]
         self.interfaces = [(interfaces[face], face) for _, name, _ in self.classes
                            for face in ("_" + name, "__" + name) if face in interfaces]
