@@ -31,27 +31,13 @@ bool isTextual(ColumnType type) {
 std::uint16_t lengthOf(const NewColumn& column) {
   switch (column.type) {
     case ColumnType::boolean:
-    case ColumnType::byte:
       return 1;
-    case ColumnType::integer:
-      return 2;
-    case ColumnType::longInteger:
-    case ColumnType::single:
-      return 4;
-    case ColumnType::currency:
-    case ColumnType::real:
-    case ColumnType::dateTime:
-      return 8;
-    case ColumnType::guid:
-      return 16;
-    case ColumnType::numeric:
-      return 17;
     case ColumnType::text:
       return static_cast<std::uint16_t>(2 * column.size);
     case ColumnType::binary:
       return column.size;
     default:
-      return 0;
+      return sizeOfType(column.type);
   }
 }
 

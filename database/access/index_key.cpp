@@ -92,36 +92,9 @@ void appendNumeric(Key& key, Bytes value, bool ascending, bool jet) {
   key.insert(key.end(), number.begin(), number.end());
 }
 
-/// The bytes that a stored value of a type has at least.
+/// The bytes that a stored value of a type has at least; a boolean's is one byte here, as StoredValue has it.
 std::size_t leastSize(ColumnType type) {
-  switch (type) {
-    case ColumnType::boolean:
-    case ColumnType::byte:
-      return 1;
-    case ColumnType::integer:
-      return 2;
-    case ColumnType::longInteger:
-    case ColumnType::single:
-    case ColumnType::complex:
-      return 4;
-    case ColumnType::currency:
-    case ColumnType::real:
-    case ColumnType::dateTime:
-    case ColumnType::bigInteger:
-      return 8;
-    case ColumnType::guid:
-      return 16;
-    case ColumnType::numeric:
-      return 17;
-    case ColumnType::extendedDate:
-      return 42;
-    case ColumnType::binary:
-    case ColumnType::text:
-    case ColumnType::memo:
-    case ColumnType::ole:
-      break;
-  }
-  return 0;
+  return type == ColumnType::boolean ? 1 : sizeOfType(type);
 }
 
 bool hasKey(ColumnType type) {

@@ -110,33 +110,6 @@ std::string readName(Cursor& cursor, const Pager& pager, const Offsets& offsets)
   return name;
 }
 
-// Bytes of a value of a type of one size; 0 for the others.
-std::uint16_t sizeOfType(ColumnType type) {
-  switch (type) {
-    case ColumnType::byte:
-      return 1;
-    case ColumnType::integer:
-      return 2;
-    case ColumnType::longInteger:
-    case ColumnType::single:
-    case ColumnType::complex:
-      return 4;
-    case ColumnType::currency:
-    case ColumnType::real:
-    case ColumnType::dateTime:
-    case ColumnType::bigInteger:
-      return 8;
-    case ColumnType::guid:
-      return 16;
-    case ColumnType::numeric:
-      return 17;
-    case ColumnType::extendedDate:
-      return 42;
-    default:
-      return 0;
-  }
-}
-
 // Column record, Jet 3 and Jet 4:
 //   0  0  1  type                               9 11  2  text: language of the order
 //   1  5  2  number                             - 14  1  text: version of the order
@@ -274,6 +247,32 @@ void readLongValueMaps(Cursor& cursor, TableDefinition& table) {
 }
 
 }  // namespace
+
+std::uint16_t sizeOfType(ColumnType type) {
+  switch (type) {
+    case ColumnType::byte:
+      return 1;
+    case ColumnType::integer:
+      return 2;
+    case ColumnType::longInteger:
+    case ColumnType::single:
+    case ColumnType::complex:
+      return 4;
+    case ColumnType::currency:
+    case ColumnType::real:
+    case ColumnType::dateTime:
+    case ColumnType::bigInteger:
+      return 8;
+    case ColumnType::guid:
+      return 16;
+    case ColumnType::numeric:
+      return 17;
+    case ColumnType::extendedDate:
+      return 42;
+    default:
+      return 0;
+  }
+}
 
 const Column* TableDefinition::find(std::string_view wanted) const {
   for (const Column& column : columns) {

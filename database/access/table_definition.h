@@ -37,6 +37,10 @@ enum class ColumnType : std::uint8_t {
   extendedDate = 0x14,  ///< 42 characters
 };
 
+/// Bytes of a value of a type that has one size in a row; 0 for booleans, which lie in the null mask, and for
+/// types of varying size.
+std::uint16_t sizeOfType(ColumnType type);
+
 /// The stored value of one column of one row, as index keys are made of it. `data` is, by type:
 ///  - boolean: one byte, 0 or 1 (never null);
 ///  - text, memo: the text in UTF-16LE, not compressed (Jet 3: in the code page);
