@@ -1,0 +1,27 @@
+#ifndef VELTRANO_KML_MARKUP_H
+#define VELTRANO_KML_MARKUP_H
+
+// Texts that the writer itself puts into markup. Those of the caller are written as they are.
+
+#include <string>
+#include <string_view>
+
+namespace veltrano {
+
+/// The ANSI text as character data in ASCII: markup characters and letters beyond ASCII as references, since
+/// the file's bytes are not what its declaration says, and without the control characters that XML refuses.
+std::string characterData(std::string_view ansi);
+
+/// `text` with every occurrence of `what` replaced by `with`; none of them is copied before it is written.
+struct Replaced {
+  std::string_view text;
+  std::string_view what;
+  std::string_view with;
+};
+
+void appendPiece(std::string& target, std::string_view piece);
+void appendPiece(std::string& target, const Replaced& piece);
+
+}  // namespace veltrano
+
+#endif
