@@ -21,12 +21,15 @@ class SettingsDocument {
 
   enum class LoadResult {
     loaded,
-    empty,       ///< the file is missing, malformed or in an unknown encoding
-    outOfMemory  ///< the document is empty too
+    unreadable,  ///< the file is missing, or is there and cannot be read
+    malformed,   ///< or in an unknown encoding
+    outOfMemory
   };
-  /// Replaces the document by the file's, or by an empty one.
+  /// Replaces the document by the file's; by an empty one in all cases but the first.
   LoadResult load(const std::filesystem::path& file);
-  /// Replaces the file, whole or not at all. False also when there is nothing to save.
+  /// Replaces the file, whole or not at all. False also when there is nothing to save, and when the last load
+  /// found a file that it could not read (another program had locked it, the memory was not enough): what
+  /// that holds would be lost.
   bool save(const std::filesystem::path& file) const;
 
   /// The element "XML" at the top, or an empty node.
@@ -35,12 +38,15 @@ class SettingsDocument {
   pugi::xml_node createRoot();
 
  private:
+  LoadResult read(const std::filesystem::path& file);
   LoadResult parse(std::string bytes);
+  void clear();
 
   /// The document points into it.
   std::string buffer_;
   pugi::xml_document document_;
   XmlForm form_;
+  bool outOfReach_ = false;
 };
 
 }  // namespace veltrano

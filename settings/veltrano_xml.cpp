@@ -1,7 +1,5 @@
 #include "settings/veltrano_xml.h"
 
-#include <new>
-
 #include "base/trace.h"
 #include "settings/settings_document.h"
 #include "settings/settings_nodes.h"
@@ -34,12 +32,7 @@ VeltranoXML::~VeltranoXML() = default;
 void VeltranoXML::XML_Open(const std::filesystem::path& xFilename) {
   fileName_ = xFilename;
   // A later success does not reset the flag: only a saved setting does.
-  try {
-    loadFailed_ |= document_->load(xFilename) == SettingsDocument::LoadResult::outOfMemory;
-  } catch (const std::bad_alloc&) {
-    loadFailed_ = true;
-    document_ = std::make_unique<SettingsDocument>();
-  }
+  loadFailed_ |= document_->load(xFilename) == SettingsDocument::LoadResult::outOfMemory;
 }
 
 void VeltranoXML::XML_Save() {
