@@ -53,6 +53,7 @@ SettingsDocument::LoadResult SettingsDocument::read(const std::filesystem::path&
 }
 
 void SettingsDocument::clear() {
+  index_.forget();
   document_.reset();
   form_ = XmlForm();
   outOfReach_ = false;

@@ -8,6 +8,7 @@
 
 #include <pugixml.hpp>
 
+#include "settings/child_index.h"
 #include "settings/xml_encoding.h"
 
 namespace veltrano {
@@ -34,6 +35,8 @@ class SettingsDocument {
 
   /// The element "XML" at the top, or an empty node.
   [[nodiscard]] pugi::xml_node root() const;
+  /// Of the children of elements in this document.
+  ChildIndex& index() { return index_; }
   /// Appends a root to a document that has no element. An empty node when it has one.
   pugi::xml_node createRoot();
 
@@ -45,6 +48,7 @@ class SettingsDocument {
   /// The document points into it.
   std::string buffer_;
   pugi::xml_document document_;
+  ChildIndex index_;
   XmlForm form_;
   bool outOfReach_ = false;
 };
