@@ -35,10 +35,6 @@ std::string characterData(std::string_view ansi) {
   return result;
 }
 
-void appendPiece(std::string& target, std::string_view piece) {
-  target.append(piece);
-}
-
 void appendPiece(std::string& target, const Replaced& piece) {
   std::string_view rest = piece.text;
   for (std::size_t at = 0; (at = rest.find(piece.what)) != std::string_view::npos;

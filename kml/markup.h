@@ -3,6 +3,7 @@
 
 // Texts that the writer itself puts into markup. Those of the caller are written as they are.
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -19,7 +20,14 @@ struct Replaced {
   std::string_view with;
 };
 
-void appendPiece(std::string& target, std::string_view piece);
+inline void appendPiece(std::string& target, std::string_view piece) {
+  target.append(piece);
+}
+/// Literals, whose length need not be counted.
+template <std::size_t size>
+void appendPiece(std::string& target, const char (&literal)[size]) {
+  target.append(literal, size - 1);
+}
 void appendPiece(std::string& target, const Replaced& piece);
 
 }  // namespace veltrano
