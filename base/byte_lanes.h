@@ -5,6 +5,7 @@
 // The compilers turn these types into the processor's vector instructions, or into plain code where it has
 // none.
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -46,6 +47,16 @@ class ByteLanes {
   [[nodiscard]] bool any() const {
     const Halves halves = split();
     return (halves.low | halves.high) != 0;
+  }
+  /// Number of the first lane that is not zero; some lane is.
+  [[nodiscard]] std::size_t firstHit() const {
+    const Halves halves = split();
+    const auto lane = [](std::uint64_t half) {
+      const int bits =
+          std::endian::native == std::endian::little ? std::countr_zero(half) : std::countl_zero(half);
+      return static_cast<std::size_t>(bits) / 8;
+    };
+    return halves.low != 0 ? lane(halves.low) : 8 + lane(halves.high);
   }
   /// Of the lanes' numbers.
   [[nodiscard]] std::size_t sum() const {

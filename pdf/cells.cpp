@@ -200,6 +200,7 @@ void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double widt
   // As after a rectangle: at the lower left corner.
   geometry_.currentX = x;
   geometry_.currentY = y + height;
+  fonts_.metrics.callEnds();
 }
 
 }  // namespace veltrano

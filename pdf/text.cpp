@@ -15,11 +15,11 @@ double VeltranoPDF::settledX() {
   }
   pending.waiting = false;
   // A file that changed only after the text was written has no say.
-  const bool changedLater = fonts_.metrics.changedAfter(fonts_.afmPath, pending.fontName, pending.writtenAt);
+  const bool changedLater = fonts_.metrics.changedAfter(pending.fontName, pending.writtenAt);
   const FontMetrics* known =
-      changedLater ? fonts_.metrics.knownMetrics(fonts_.afmPath, pending.fontName) : nullptr;
+      changedLater ? fonts_.metrics.knownMetrics(pending.fontName) : nullptr;
   const FontMetrics& metrics =
-      known != nullptr ? *known : fonts_.metrics.metrics(fonts_.afmPath, pending.fontName);
+      known != nullptr ? *known : fonts_.metrics.metrics(pending.fontName);
   geometry_.currentX = pending.start + metrics.width(pending.text, pending.size);
   return geometry_.currentX;
 }
@@ -33,7 +33,7 @@ void VeltranoPDF::advanceBehind(std::string_view text, double x) {
     geometry_.currentX = x;
     return;
   }
-  pending.waiting = fonts_.metrics.knownMetrics(fonts_.afmPath, fonts_.currentFontName) != nullptr;
+  pending.waiting = fonts_.metrics.knownMetrics(fonts_.currentFontName) != nullptr;
   if (!pending.waiting) {
     geometry_.currentX = x + fonts_.currentMetrics().width(text, fonts_.fontSize);
     return;
