@@ -4,6 +4,7 @@
 // Many bytes looked at in one step, for the few loops over whole files that must run as fast as memory. The
 // compilers turn these types into the processor's vector instructions, or into plain code where it has none.
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -31,6 +32,7 @@ class Lanes {
   friend Lanes operator&(Lanes a, Lanes b) { return Lanes(a.lanes_ & b.lanes_); }
   friend Lanes operator|(Lanes a, Lanes b) { return Lanes(a.lanes_ | b.lanes_); }
   friend Lanes operator|(Lanes a, char b) { return Lanes(a.lanes_ | static_cast<unsigned char>(b)); }
+  friend Lanes operator^(Lanes a, Lanes b) { return Lanes(a.lanes_ ^ b.lanes_); }
   friend Lanes operator^(Lanes a, char b) { return Lanes(a.lanes_ ^ static_cast<unsigned char>(b)); }
   friend Lanes operator~(Lanes a) { return Lanes(~a.lanes_); }
   /// Of each lane: the smaller byte.
@@ -55,6 +57,19 @@ class Lanes {
       }
     }
     return words.all[0] != 0;
+  }
+  /// One bit of each lane that has all bits or none, the first lane's being the lowest.
+  [[nodiscard]] std::uint64_t bits() const {
+    // Leaves another bit of each byte; their sum in the product's highest byte holds all of them.
+    constexpr bool little = std::endian::native == std::endian::little;
+    constexpr std::uint64_t diagonal = little ? 0x8040201008040201 : 0x0102040810204080;
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    const Words words = split();
+    std::uint64_t result = 0;
+    for (std::size_t i = 0; i < wordCount; ++i) {
+      result |= (((words.all[i] & diagonal) * ones) >> 56U) << (8 * i);
+    }
+    return result;
   }
   /// Of the lanes' numbers.
   [[nodiscard]] std::size_t sum() const {
