@@ -67,7 +67,7 @@ bool IniKey::standsAt(std::string_view text, std::size_t begin) const {
   return true;
 }
 
-std::optional<IniLine> IniKey::findLine(std::string_view text, std::size_t from) const {
+std::optional<IniLine> IniKey::findLine(std::string_view text, std::size_t from, std::size_t to) const {
   const auto lineAt = [&](std::size_t begin) {
     const std::size_t value = begin + lowered_.size();
     return IniLine{begin, value, lineEnd(text, value)};
@@ -76,11 +76,11 @@ std::optional<IniLine> IniKey::findLine(std::string_view text, std::size_t from)
   if (lowered_.find("\r\n") != std::string::npos || text.size() < lowered_.size()) {
     return std::nullopt;
   }
-  if (isLineBegin(text, from) && standsAt(text, from)) {
+  if (from < to && isLineBegin(text, from) && standsAt(text, from)) {
     return lineAt(from);
   }
-  // Behind the last place where the key finds room.
-  const std::size_t end = text.size() - lowered_.size() + 1;
+  // No line begins where the key finds no room.
+  const std::size_t end = std::min(to, text.size() - lowered_.size() + 1);
   const auto indexOfPlace = [&](const void* place) {
     return static_cast<std::size_t>(static_cast<const char*>(place) - text.data());
   };

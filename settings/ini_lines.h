@@ -25,8 +25,9 @@ class IniKey {
   /// `scan` is one of usableIniKeyScans().
   explicit IniKey(std::string_view key, IniKeyScan scan = usableIniKeyScans().back());
 
-  /// The first line of the key at or after `from`, which must be the begin or end of a line of `text`.
-  [[nodiscard]] std::optional<IniLine> findLine(std::string_view text, std::size_t from = 0) const;
+  /// The first line of the key in `text` that begins at or after `from` and before `to`.
+  [[nodiscard]] std::optional<IniLine> findLine(std::string_view text, std::size_t from = 0,
+                                                std::size_t to = std::string_view::npos) const;
 
  private:
   [[nodiscard]] bool standsAt(std::string_view text, std::size_t begin) const;
