@@ -51,6 +51,9 @@ class Lanes {
   /// True when a bit is set.
   [[nodiscard]] bool any() const {
     Words words = split();
+    if constexpr (wordCount == 2) {  // the compilers make far more of a loop here
+      return (words.all[0] | words.all[1]) != 0;
+    }
     for (std::size_t half = wordCount / 2; half > 0; half /= 2) {
       for (std::size_t i = 0; i < half; ++i) {
         words.all[i] |= words.all[half + i];
@@ -73,13 +76,14 @@ class Lanes {
   }
   /// Number of the first lane that is not zero; some lane is.
   [[nodiscard]] std::size_t firstHit() const {
-    const Halves halves = split();
-    const auto lane = [](std::uint64_t half) {
-      const int bits =
-          std::endian::native == std::endian::little ? std::countr_zero(half) : std::countl_zero(half);
-      return static_cast<std::size_t>(bits) / 8;
-    };
-    return halves.low != 0 ? lane(halves.low) : 8 + lane(halves.high);
+    const Words words = split();
+    std::size_t i = 0;
+    while (words.all[i] == 0) {
+      ++i;
+    }
+    constexpr bool little = std::endian::native == std::endian::little;
+    const int bits = little ? std::countr_zero(words.all[i]) : std::countl_zero(words.all[i]);
+    return 8 * i + static_cast<std::size_t>(bits) / 8;
   }
   /// Of the lanes' numbers.
   [[nodiscard]] std::size_t sum() const {
