@@ -125,7 +125,7 @@ double VeltranoPDF::cellTextOffset(const CellFrame& frame, double textWidth) con
 }
 
 void VeltranoPDF::appendCellLine(const CellFrame& frame, const TextLine& line, std::size_t index) {
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   if (!graphics_.fillColorOp.empty()) {
     appendLine(content, graphics_.fillColorOp);
   }
@@ -200,6 +200,7 @@ void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double widt
   // As after a rectangle: at the lower left corner.
   geometry_.currentX = x;
   geometry_.currentY = y + height;
+  fonts_.metrics.callEnds();
 }
 
 }  // namespace veltrano

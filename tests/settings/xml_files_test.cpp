@@ -109,6 +109,8 @@ TEST_F(XmlFiles, WhatIsNotWellFormedLoadsAsEmptyAndStays) {
       "<XML></xml>",
       "<XML/><XML/>",
       "<XML/>text",
+      "&#32;<XML/>",
+      "<XML/>&#32;",
       "text<XML/>",
       "<!-- only -->",
       "<XML>&nbsp;</XML>",
