@@ -1,4 +1,6 @@
+#include <cstddef>
 #include <mutex>
+#include <new>
 
 #include "database/database_engine.h"
 #include "database/preferred_engine.h"
@@ -9,14 +11,16 @@ namespace {
 
 /// The lock is recursive because making a COM object may run messages of the host, which may call us again.
 /// Never destroyed: destructors of static objects run while the system unloads the library, and then no call
-/// into another library is allowed.
+/// into another library is allowed. It lies in the library's own data, so that nothing is left when that
+/// goes.
 struct Shared {
   std::recursive_mutex mutex;
   std::unique_ptr<DatabaseEngine> engine;
 };
 
 Shared& shared() {
-  static auto* const instance = new Shared;
+  alignas(Shared) static std::byte place[sizeof(Shared)];
+  static auto* const instance = new (place) Shared;
   return *instance;
 }
 

@@ -11,8 +11,8 @@ namespace veltrano::server {
 
 namespace {
 
-/// Objects whose default property is an object again, and so on, end here.
-constexpr int deepestObject = 8;
+/// Objects whose default property is an object again, and variables that refer to variables, end here.
+constexpr int deepest = 8;
 
 bool isOmitted(const VARIANT& given) {
   return given.vt == VT_ERROR && given.scode == DISP_E_PARAMNOTFOUND;
@@ -20,6 +20,16 @@ bool isOmitted(const VARIANT& given) {
 
 bool isObject(VARTYPE type) {
   return type == VT_DISPATCH || type == VT_UNKNOWN;
+}
+
+/// The variable that the host's argument is or refers to: a script's procedure hands on, by reference, what
+/// it was handed by reference. Null when a reference leads nowhere.
+VARIANT* variableOf(VARIANT& given) {
+  VARIANT* variable = &given;
+  for (int depth = 0; variable != nullptr && variable->vt == (VT_BYREF | VT_VARIANT); ++depth) {
+    variable = depth < deepest ? variable->pvarVal : nullptr;
+  }
+  return variable;
 }
 
 /// The value that a variant by reference refers to, still owned by it. False for a null reference.
@@ -75,21 +85,24 @@ bool dereference(const VARIANT& reference, VARIANT& value) {
 }
 
 /// A copy of what a variant holds or refers to. The system's own function follows null references.
-HRESULT copyReferred(VARIANT& target, const VARIANT& source) {
-  const VARIANT* referred = &source;
-  if (source.vt == (VT_BYREF | VT_VARIANT)) {
-    referred = source.pvarVal;
-  }
+HRESULT copyReferred(VARIANT& target, VARIANT& source) {
+  VARIANT* const referred = variableOf(source);
   if (referred == nullptr || ((referred->vt & VT_BYREF) != 0 && referred->byref == nullptr)) {
     return DISP_E_TYPEMISMATCH;
   }
-  return VariantCopyInd(&target, const_cast<VARIANT*>(referred));
+  return VariantCopyInd(&target, referred);
 }
 
 /// Failures of the system's conversions, as a dispatcher reports them.
 HRESULT conversionResult(HRESULT result) {
   return SUCCEEDED(result) || result == DISP_E_OVERFLOW || result == E_OUTOFMEMORY ? result
                                                                                    : DISP_E_TYPEMISMATCH;
+}
+
+/// What has no whole number: the system makes a different one of it in each bitness.
+bool isNotANumber(const VARIANT& source) {
+  return (source.vt == VT_R8 && std::isnan(source.dblVal)) ||
+         (source.vt == VT_R4 && std::isnan(source.fltVal));
 }
 
 HRESULT changeType(VARIANT& target, const VARIANT& source, LCID locale, VARTYPE type) {
@@ -154,15 +167,11 @@ HRESULT Argument::takeDefault(const Parameter& parameter) {
 
 HRESULT Argument::take(VARIANT& given, const Parameter& parameter, LCID locale) {
   const VARTYPE type = parameter.type;
-  VARIANT* source = &given;
-  bool isVariable = false;
-  if (given.vt == (VT_BYREF | VT_VARIANT)) {
-    if (given.pvarVal == nullptr) {
-      return DISP_E_TYPEMISMATCH;
-    }
-    source = given.pvarVal;
-    isVariable = true;
+  VARIANT* const source = variableOf(given);
+  if (source == nullptr) {
+    return DISP_E_TYPEMISMATCH;
   }
+  bool isVariable = source != &given;
   if (isOmitted(*source)) {
     return takeDefault(parameter);
   }
@@ -228,6 +237,9 @@ HRESULT Argument::coerce(const VARIANT& source, VARTYPE type, LCID locale) {
         newText(std::string_view(reinterpret_cast<const char*>(data->data()), data->size()), TextForm::ansi);
     return S_OK;
   }
+  if (isNotANumber(source) && (type == VT_I2 || type == VT_I4)) {
+    return DISP_E_OVERFLOW;
+  }
   const HRESULT result = changeType(storage_, source, locale, type);
   return result == DISP_E_OVERFLOW && coercePattern(source, type, locale) ? S_OK : result;
 }
@@ -261,7 +273,7 @@ HRESULT Argument::coerceObject(IUnknown* object, VARTYPE type, LCID locale) {
     return DISP_E_TYPEMISMATCH;
   }
   object->AddRef();
-  for (int depth = 0; depth < deepestObject; ++depth) {
+  for (int depth = 0; depth < deepest; ++depth) {
     OwnedVariant property;
     if (!objectValue(held->punkVal, property.get())) {
       return DISP_E_TYPEMISMATCH;

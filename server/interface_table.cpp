@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <mutex>
 
 #include "server/module.h"
@@ -84,12 +85,18 @@ bool keepsKind(const ClassEntry& entry, DISPID member, std::size_t parameter) {
 const InterfaceTable* InterfaceTable::of(const ClassEntry& entry) {
   static std::mutex mutex;
   static std::vector<std::unique_ptr<InterfaceTable>> tables(classTable().size());
+  static std::vector<std::atomic<const InterfaceTable*>> made(classTable().size());
   const auto index = static_cast<std::size_t>(&entry - classTable().data());
+  // Every late-bound call asks: the lock is for the first one.
+  if (const InterfaceTable* const known = made[index]) {
+    return known;
+  }
   const std::lock_guard lock(mutex);
   if (tables[index] == nullptr) {
     ComPointer<ITypeLib> library;
     if (SUCCEEDED(loadTypeLibrary(library))) {
       tables[index] = read(entry, *library.get());
+      made[index] = tables[index].get();
     }
   }
   return tables[index].get();

@@ -99,18 +99,7 @@ Argument plausible(VARTYPE type, const std::filesystem::path& file) {
 }
 
 HRESULT invoke(IDispatch& object, const server::Member& member, std::vector<Argument> arguments) {
-  std::vector<VARIANT> reversed;
-  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
-    reversed.push_back(*argument->get());
-  }
-  DISPID put = DISPID_PROPERTYPUT;
-  const bool isPut = member.kind == INVOKE_PROPERTYPUT;
-  DISPPARAMS parameters = {reversed.data(), isPut ? &put : nullptr, static_cast<UINT>(reversed.size()),
-                           isPut ? 1U : 0U};
-  Argument result;
-  UINT wrong = 0;
-  return object.Invoke(member.id, IID_NULL, LOCALE_USER_DEFAULT, static_cast<WORD>(member.kind), &parameters,
-                       result.get(), nullptr, &wrong);
+  return callMember(object, member.id, arguments, static_cast<WORD>(member.kind)).status;
 }
 
 /// Numbers handed over as addresses cannot be checked, so they are not made up here.
@@ -180,31 +169,17 @@ TEST_P(EveryMember, SurvivesAbsurdArguments) {
   EXPECT_EQ(S_OK, dll_.canUnloadNow()) << "an object was left behind";
 }
 
-template <std::size_t>
-using Pointer = void*;
-
-template <std::size_t... Index>
-HRESULT callSlot(IDispatch& object, unsigned slot, void* argument, std::index_sequence<Index...>) {
-  using Function = HRESULT(STDMETHODCALLTYPE*)(IDispatch*, Pointer<Index>...);
-  void* function = (*reinterpret_cast<void***>(&object))[slot];
-  return reinterpret_cast<Function>(function)(&object, (static_cast<void>(Index), argument)...);
-}
-
-template <std::size_t... Count>
-HRESULT callSlot(IDispatch& object, unsigned slot, std::size_t count, void* argument,
-                 std::index_sequence<Count...>) {
-  HRESULT result = E_UNEXPECTED;
-  static_cast<void>(((count == Count &&
-                      (result = callSlot(object, slot, argument, std::make_index_sequence<Count>()), true)) ||
-                     ...));
-  return result;
-}
-
-/// Early bound: every parameter is a pointer.
+/// Early bound, as the system calls it: every parameter is a pointer.
 HRESULT callVtable(IDispatch& object, const server::Member& member, void* argument) {
+  Argument pointer = Argument::ofType(sizeof argument == 8 ? VT_I8 : VT_I4);
+  pointer->byref = argument;
   const std::size_t count = member.parameters.size() + (member.result != VT_EMPTY ? 1 : 0);
-  return callSlot(object, member.slot, count, argument,
-                  std::make_index_sequence<server::InterfaceTable::mostParameters + 1>());
+  std::vector<VARTYPE> types(count, pointer->vt);
+  std::vector<VARIANT*> arguments(count, pointer.get());
+  Argument result;
+  const HRESULT called = DispCallFunc(&object, member.slot * sizeof(void*), CC_STDCALL, VT_ERROR,
+                                      static_cast<UINT>(count), types.data(), arguments.data(), result.get());
+  return FAILED(called) ? called : result->scode;
 }
 
 TEST_P(EveryMember, SurvivesNullPointersAndZeroesOnTheVtable) {

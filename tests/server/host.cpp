@@ -31,19 +31,7 @@ Outcome invoke(IDispatch& object, const std::vector<const wchar_t*>& names, std:
   if (FAILED(outcome.status)) {
     return outcome;
   }
-  std::vector<DISPID> named(ids.rbegin(), ids.rend() - 1);
-  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
-    named = {DISPID_PROPERTYPUT};
-  }
-  std::vector<VARIANT> reversed;
-  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
-    reversed.push_back(*argument->get());
-  }
-  DISPPARAMS parameters = {reversed.data(), named.data(), static_cast<UINT>(reversed.size()),
-                           static_cast<UINT>(named.size())};
-  outcome.status = object.Invoke(ids[0], IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
-                                 outcome.result.get(), nullptr, &outcome.wrong);
-  return outcome;
+  return callMember(object, ids[0], arguments, flags, {ids.rbegin(), ids.rend() - 1});
 }
 
 }  // namespace
@@ -148,6 +136,23 @@ std::wstring Argument::text() const {
     return L"<" + std::to_wstring(value_.vt) + L">";
   }
   return {converted->bstrVal, SysStringLen(converted->bstrVal)};
+}
+
+Outcome callMember(IDispatch& object, DISPID id, std::vector<Argument>& arguments, WORD flags,
+                   std::vector<DISPID> named) {
+  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
+    named = {DISPID_PROPERTYPUT};
+  }
+  std::vector<VARIANT> reversed;
+  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
+    reversed.push_back(*argument->get());
+  }
+  DISPPARAMS parameters = {reversed.data(), named.data(), static_cast<UINT>(reversed.size()),
+                           static_cast<UINT>(named.size())};
+  Outcome outcome;
+  outcome.status = object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, outcome.result.get(),
+                                 nullptr, &outcome.wrong);
+  return outcome;
 }
 
 Outcome callMethod(IDispatch& object, const wchar_t* member, std::vector<Argument> arguments) {

@@ -96,7 +96,11 @@ struct Outcome {
   Argument result;
 };
 
-/// Calls a member by its name, arguments in their natural order.
+/// Calls a member, arguments in their natural order; the last `named.size()` are for the parameters given
+/// there, from the last to the first.
+Outcome callMember(IDispatch& object, DISPID id, std::vector<Argument>& arguments, WORD flags,
+                   std::vector<DISPID> named = {});
+/// The same by name.
 Outcome callMethod(IDispatch& object, const wchar_t* member, std::vector<Argument> arguments = {});
 Outcome getProperty(IDispatch& object, const wchar_t* member);
 Outcome putProperty(IDispatch& object, const wchar_t* member, Argument value,

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "fake_objects.h"
 #include "host.h"
 
@@ -51,6 +53,14 @@ TEST_F(LateBinding, CoercesEveryKindToANumber) {
   EXPECT_EQ(L"0,0,1.5\r\n", altitude(currency));
   EXPECT_EQ(L"0,0,7\r\n", altitude(Argument::reference(variable)));
   EXPECT_EQ(L"0,0,7\r\n", altitude(shortReference));
+  // A script's procedure hands on what it was handed.
+  Argument handedOn = Argument::reference(variable);
+  EXPECT_EQ(L"0,0,7\r\n", altitude(Argument::reference(*handedOn.get())));
+  // A host's mistake: the reference of a variable to itself.
+  VARIANT circle;
+  circle.vt = VT_BYREF | VT_VARIANT;
+  circle.pvarVal = &circle;
+  EXPECT_EQ(L"error 0", altitude(Argument::reference(circle)));
   EXPECT_EQ(VT_I2, variable.vt) << "a variable that the member left alone must keep its type";
 }
 
@@ -79,6 +89,8 @@ TEST_F(LateBinding, SaysWhichArgumentHasNoCoercion) {
   EXPECT_EQ(2U, first.wrong);
   EXPECT_EQ(DISP_E_OVERFLOW,
             callMethod(*pdf_.get(), L"PDFSetMargins", {Argument(70000), Argument(1)}).status);
+  EXPECT_EQ(DISP_E_OVERFLOW,
+            callMethod(*pdf_.get(), L"PDFSetMargins", {Argument(std::nan("")), Argument(1)}).status);
 }
 
 TEST_F(LateBinding, ChecksTheNumberOfArguments) {
