@@ -78,7 +78,8 @@ TEST(Fonts, LoadingAFolder) {
   VeltranoPDF& pdf = document.pdf;
   const auto& folder = document.folder;
   const std::string metrics = "StartCharMetrics\nC 65 ; WX 100\nEndCharMetrics";
-  for (const char* name : {"Zebra.afm", "Alpha.AFM", "notes.txt", "Middle.afm.bak"}) {
+  for (const char* name :
+       {"Zebra.afm", "Alpha.AFM", "notes.txt", "Middle.afm.bak", "Zebra #2 (1)[{%}].afm"}) {
     replaceFile(folder / name, metrics);
   }
   pdf.PDFLoadAfm(folder / "missing");
@@ -94,8 +95,10 @@ TEST(Fonts, LoadingAFolder) {
   };
   EXPECT_TRUE(fontNamed("Alpha", 1));
   EXPECT_TRUE(fontNamed("Middle.afm", 2));  // the last four characters go, whatever they are
-  EXPECT_TRUE(fontNamed("Zebra", 3));
-  EXPECT_TRUE(fontNamed("Courier", 4));  // the table is only written over
+  // A blank or a bracket would end the name.
+  EXPECT_TRUE(fontNamed("Zebra#20#232#20#281#29#5B#7B#25#7D#5D", 3));
+  EXPECT_TRUE(fontNamed("Zebra", 4));
+  EXPECT_TRUE(fontNamed("Helvetica-Bold", 5));  // the table is only written over
   EXPECT_TRUE(fontNamed("ZapfDingbats", 16));
 }
 
