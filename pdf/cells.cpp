@@ -198,8 +198,7 @@ void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double widt
 
   placeLink(link, {LinkKind::cell, x, y, width, height}, x, y);
   // As after a rectangle: at the lower left corner.
-  geometry_.currentX = x;
-  geometry_.currentY = y + height;
+  moveTo(x, y + height);
 }
 
 }  // namespace veltrano

@@ -27,6 +27,33 @@ TEST(Hostile, PageWithoutHeightTakesTheOtherLines) {
                             "[] 0 d", "0.57 w S", "%FIN_RECT/%", "0 G", "[] 0 d", "0 G", "0.57 w ", "s"}));
 }
 
+TEST(Hostile, ACoordinateThatIsNoneLeavesThePositionOfBefore) {
+  for (const double none : {std::nan(""), infinity, -infinity}) {
+    const std::function<void(VeltranoPDF&)> calls[] = {
+        [&](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(none, none, 5); },
+        [&](VeltranoPDF& pdf) { pdf.PDFDrawLine(none, none, none, none); },
+        [&](VeltranoPDF& pdf) { pdf.PDFDrawRectangle(none, 1, 5, none, "t"); },
+        [&](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(none, none, 5, 5, "t"); },
+        [&](VeltranoPDF& pdf) { pdf.PDFCell("x", none, none, 5, 5, "t"); },
+        [&](VeltranoPDF& pdf) { pdf.PDFTextOut("x", none, none); },
+        [&](VeltranoPDF& pdf) { pdf.PDFLink(none, none, "x", "t"); },
+    };
+    int number = 0;
+    for (const auto& call : calls) {
+      SCOPED_TRACE(number++);
+      Document document;
+      document.pdf.PDFBeginDoc();
+      document.pdf.PDFSetFont(FONT_COURIER, 10);
+      document.pdf.PDFTextOut("Hello", 20, 30);  // 30 points wide
+      call(document.pdf);
+      EXPECT_EQ(document.pdf.PDFGetX(), 50);
+      EXPECT_EQ(document.pdf.PDFGetY(), 40);
+      document.pdf.PDFTextOut("behind");
+      EXPECT_NE(document.finish().find("BT\r\n50.00 801.89 Td\r\n"), std::string::npos);
+    }
+  }
+}
+
 TEST(Hostile, PageWithoutSizeIsStillAPage) {
   Document document;
   document.pdf.PDFBeginDoc();
