@@ -29,6 +29,7 @@ struct Reading {
 
 constexpr Reading readings[] = {
     {"plain", "StartCharMetrics 3\nC 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;\nEndCharMetrics\n", 1, 2, 4},
+    {"CR LF", "StartCharMetrics\r\nC 65 ; WX 12\r\nC 66 ; WX 2\r\nEndCharMetrics\r\n", 12, 2, 0},
     {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", 1, 2, 0},
     {"an unencoded character ends it",
      "StartCharMetrics\nC 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2\nEndCharMetrics", 1, 0, 0},

@@ -87,28 +87,17 @@ TEST(Cells, Offsets) {
     std::int16_t size;
     const char* place;
   } rows[] = {
-      {"Hello", ALIGN_CENTER, 80, 10, "128.00 628.89 Td"},           // (80 - 23) / 2
-      {"\xC9t\xE9", ALIGN_RIGHT, 80, 10, "162.00 628.89 Td"},        // 667 + 278 + 556 is 15.01 at 10
-      {"i", ALIGN_RIGHT, 10.495, 9, "106.00 629.19 Td"},             // 7.495 counts as 7.50, less 1.998
-      {"Hello", ALIGN_RIGHT, 40000, 10, "100.00 628.89 Td"},         // no offset beyond 16 bits
-      {"a\r\nb", ALIGN_LEFT, 80, 10, "106.00 623.89 Td"},            // as close as the size, but not closer
+      {"Hello", ALIGN_CENTER, 80, 10, "128.00 628.89 Td"},     // (80 - 23) / 2
+      {"\xC9t\xE9", ALIGN_RIGHT, 80, 10, "162.00 628.89 Td"},  // 667 + 278 + 556 is 15.01 at 10
+      {"i", ALIGN_RIGHT, 10.495, 9, "106.00 629.19 Td"},       // 7.495 counts as 7.50, less 1.998
+      {"Hello", ALIGN_RIGHT, 30, 10, "104.00 628.89 Td"},      // one line: a margin at each side, not three
+      {"Hello", ALIGN_RIGHT, 40000, 10, "100.00 628.89 Td"},   // no offset beyond 16 bits
+      {"a\r\nb", ALIGN_LEFT, 80, 10, "106.00 623.89 Td"},      // as close as the size, but not closer
       {"a\r\nb\r\nc\r\nd", ALIGN_LEFT, 80, 10, "106.00 603.89 Td"},  // from the top on, and further down
   };
   for (const auto& row : rows) {
     EXPECT_TRUE(holds(cell(row.text, row.alignment, row.width, 20, row.size), row.place)) << row.text;
   }
-}
-
-TEST(Cells, UseUpBorderAndUnderline) {
-  const auto content = contentOf([](VeltranoPDF& pdf) {
-    pdf.PDFSetFont(FONT_ARIAL, 0, 3);
-    pdf.PDFSetBorder(BORDER_ALL);
-    pdf.PDFCell("Hello", 100, 200, 80, 20);
-    pdf.PDFCell("Hello", 100, 300, 80, 20);
-  });
-  EXPECT_TRUE(holds(content, "/F8 10 Tf\r\n(Hello) Tj\r\nET\r\n106.00 627.64 22.78 0.50 re f\r\nQ\r\n"));
-  EXPECT_EQ(tests::countOf(content, "re f"), 1U);
-  EXPECT_EQ(tests::countOf(content, "re S"), 1U);
 }
 
 TEST(Cells, AnyNumbersEnd) {

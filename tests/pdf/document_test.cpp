@@ -86,38 +86,32 @@ TEST(Settings, UnitsAndViewerSettingsFallBack) {
 }
 
 TEST(Settings, PageFormatsAreCodesOrSizes) {
-  const Size a4(595.28, 841.89);
-  const char* const none = "";
-  const char* const invalidCode = "Invalid Page Code Format";
-  const char* const incorrect = "Incorrect Page Code";
-  const struct {
-    Value given;
-    Size size;
-    std::string error;
-  } rows[] = {
-      {FORMAT_A4, a4, none},
-      {FORMAT_A3, {841.89, 1190.55}, none},
-      {FORMAT_A5, {420.94, 595.28}, none},
-      {FORMAT_LETTER, {612, 792}, none},
-      {FORMAT_LEGAL, {612, 1008}, none},
-      {5, a4, invalidCode},
-      {-1, a4, invalidCode},
-      {std::int64_t{1} << 40, a4, invalidCode},
-      {Value::Doubles{300, 400}, {300, 400}, none},
-      {Value::Doubles{300}, {300, 10}, none},
-      {Value::List{300, 400.5}, {300, 400.5}, none},
-      {Value::List{"300", 400}, a4, incorrect},
-      {Value::List{300, "400"}, a4, incorrect},
-      {1.0, a4, incorrect},
-      {true, a4, incorrect},
-  };
-  for (const auto& row : rows) {
-    Document document;
-    document.pdf.PDFPageWidth(10);
-    document.pdf.PDFPageHeight(10);
-    document.pdf.PDFFormatPage(row.given);
-    EXPECT_EQ(sizeOf(document.pdf), row.size);
-    EXPECT_EQ(document.takeErrors(), row.error.empty() ? Errors{} : Errors{row.error});
+  const std::pair<Value, Size> accepted[] = {{FORMAT_A4, {595.28, 841.89}},
+                                             {FORMAT_A3, {841.89, 1190.55}},
+                                             {FORMAT_A5, {420.94, 595.28}},
+                                             {FORMAT_LETTER, {612, 792}},
+                                             {FORMAT_LEGAL, {612, 1008}},
+                                             {Value::Doubles{300, 400}, {300, 400}},
+                                             {Value::List{300, 400.5}, {300, 400.5}},
+                                             {Value::Doubles{9}, {9, 400.5}}};
+  Document document;
+  for (const auto& [format, size] : accepted) {
+    document.pdf.PDFFormatPage(format);
+    EXPECT_EQ(sizeOf(document.pdf), size);
+  }
+  EXPECT_EQ(document.takeErrors(), Errors{});
+  const std::pair<Value, const char*> refused[] = {{5, "Invalid Page Code Format"},
+                                                   {-1, "Invalid Page Code Format"},
+                                                   {std::int64_t{1} << 40, "Invalid Page Code Format"},
+                                                   {Value::List{"300", 400}, "Incorrect Page Code"},
+                                                   {Value::List{300, "400"}, "Incorrect Page Code"},
+                                                   {1.0, "Incorrect Page Code"},
+                                                   {true, "Incorrect Page Code"}};
+  for (const auto& [format, message] : refused) {
+    document.pdf.PDFFormatPage(FORMAT_A3);
+    document.pdf.PDFFormatPage(format);
+    EXPECT_EQ(sizeOf(document.pdf), Size(595.28, 841.89));
+    EXPECT_EQ(document.takeErrors(), Errors{message});
   }
 }
 

@@ -45,26 +45,18 @@ TEST(Colors, OfEveryForm) {
 }
 
 TEST(LineStyle, PatternsAreWholePointsOfTheUnitOfThen) {
-  const struct {
-    int unit;
-    int style;
-    const char* expected;
-  } rows[] = {
-      {UNIT_MM, pPDF_SOLID, "[] 0 d"},
-      {UNIT_MM, pPDF_DASH, "[45 22 ] 0 d"},
-      {UNIT_MM, pPDF_DASHDOT, "[22 19 5 19 ] 0 d"},
-      {UNIT_CM, pPDF_DASHDOTDOT, "[226 113 56 113 56 113 ] 0 d"},
-      {UNIT_PT, pPDF_DASH, "[16 8 ] 0 d"},
-      {UNIT_PT, 4, ""},
-  };
-  for (const auto& row : rows) {
-    const std::string content = contentOf([&](VeltranoPDF& pdf) {
-      pdf.PDFSetUnit(row.unit);
-      pdf.PDFSetLineStyle(row.style);
+  const std::pair<int, const char*> rows[] = {{pPDF_DASH, "[453 226 ] 0 d"},
+                                              {pPDF_DASHDOT, "[226 198 56 198 ] 0 d"},
+                                              {pPDF_DASHDOTDOT, "[226 113 56 113 56 113 ] 0 d"},
+                                              {4, ""}};
+  for (const auto& [style, expected] : rows) {
+    const std::string content = contentOf([given = style](VeltranoPDF& pdf) {
+      pdf.PDFSetUnit(UNIT_CM);
+      pdf.PDFSetLineStyle(given);
       pdf.PDFSetUnit(UNIT_PT);
       pdf.PDFDrawLineHor(1, 2, 3);
     });
-    EXPECT_TRUE(content.starts_with("%DEBUT_LNH/%\r\n" + std::string(row.expected) + "\r\n1.00 ")) << content;
+    EXPECT_TRUE(content.starts_with("%DEBUT_LNH/%\r\n" + std::string(expected) + "\r\n1.00 ")) << content;
   }
 }
 

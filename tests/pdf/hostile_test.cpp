@@ -33,26 +33,21 @@ TEST(Hostile, PageWithoutSizeTakesTheLinesThatNeedNone) {
 TEST(Hostile, ACoordinateThatIsNoneLeavesThePositionOfBefore) {
   for (const double none : {std::nan(""), infinity, -infinity}) {
     const std::function<void(VeltranoPDF&)> calls[] = {
-        [&](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(none, none, 5); },
-        [&](VeltranoPDF& pdf) { pdf.PDFDrawLine(none, none, none, none); },
-        [&](VeltranoPDF& pdf) { pdf.PDFDrawRectangle(none, 1, 5, none, "t"); },
-        [&](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(none, none, 5, 5, "t"); },
-        [&](VeltranoPDF& pdf) { pdf.PDFCell("x", none, none, 5, 5, "t"); },
-        [&](VeltranoPDF& pdf) { pdf.PDFTextOut("x", none, none); },
-        [&](VeltranoPDF& pdf) { pdf.PDFLink(none, none, "x", "t"); },
+        [=](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(none, none, 5); },
+        [=](VeltranoPDF& pdf) { pdf.PDFDrawLine(none, none, none, none); },
+        [=](VeltranoPDF& pdf) { pdf.PDFDrawRectangle(none, 1, 5, none, "t"); },
+        [=](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(none, none, 5, 5, "t"); },
+        [=](VeltranoPDF& pdf) { pdf.PDFCell("x", none, none, 5, 5, "t"); },
+        [=](VeltranoPDF& pdf) { pdf.PDFLink(none, none, "x", "t"); },
     };
-    int number = 0;
     for (const auto& call : calls) {
-      SCOPED_TRACE(number++);
-      Document document;
-      document.pdf.PDFBeginDoc();
-      document.pdf.PDFSetFont(FONT_COURIER, 10);
-      document.pdf.PDFTextOut("Hello", 20, 30);  // 30 points wide
-      call(document.pdf);
-      EXPECT_EQ(document.pdf.PDFGetX(), 50);
-      EXPECT_EQ(document.pdf.PDFGetY(), 40);
-      document.pdf.PDFTextOut("behind");
-      EXPECT_NE(document.finish().find("BT\r\n50.00 801.89 Td\r\n"), std::string::npos);
+      const std::string content = tests::contentOf([&](VeltranoPDF& pdf) {
+        pdf.PDFSetFont(FONT_COURIER, 10);
+        pdf.PDFTextOut("Hello", 20, 30);  // 30 points wide
+        call(pdf);
+        pdf.PDFTextOut("behind");
+      });
+      EXPECT_TRUE(tests::holds(content, "BT\r\n50.00 801.89 Td\r\n"));
     }
   }
 }

@@ -50,7 +50,7 @@ void writeTexts(VeltranoPDF& pdf) {
 void writeCells(VeltranoPDF& pdf) {
   pdf.PDFSetDrawColor("#0000FF");
   pdf.PDFSetTextColor(COLOR_NOIR);  // a rectangle has left it white
-  pdf.PDFSetFont(FONT_ARIAL, 10);
+  pdf.PDFSetFont(FONT_ARIAL, 0);    // becomes 10
   pdf.PDFSetAlignement(ALIGN_RIGHT);
   pdf.PDFSetBorder(BORDER_ALL);
   pdf.PDFCell("Hello", 100, 300, 80, 20);
