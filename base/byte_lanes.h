@@ -1,83 +1,127 @@
 #ifndef VELTRANO_BASE_BYTE_LANES_H
 #define VELTRANO_BASE_BYTE_LANES_H
 
-// Sixteen bytes looked at in one step, for the few loops over whole files that must run as fast as memory.
-// The compilers turn these types into the processor's vector instructions, or into plain code where it has
-// none.
+// Many bytes looked at in one step, for the few loops over whole files that must run as fast as memory. The
+// compilers turn these types into the processor's vector instructions, or into plain code where it has none.
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 namespace veltrano {
 
-class ByteLanes {
+/// More than 16 bytes are wider than the instructions that every processor has. A source file that uses them
+/// is compiled for the processors that have them, and must hold no other inline function or template that a
+/// file compiled for all could have too: the linker would keep either copy.
+template <std::size_t width>
+class Lanes {
  public:
-  static constexpr std::size_t count = 16;
+  static constexpr std::size_t count = width;
 
-  ByteLanes() = default;
+  Lanes() = default;
   /// The `count` bytes at `bytes`.
-  explicit ByteLanes(const char* bytes) { std::memcpy(&lanes_, bytes, count); }
+  explicit Lanes(const char* bytes) { std::memcpy(&lanes_, bytes, count); }
 
   // Of each lane: all bits if it is so, otherwise none.
-  friend ByteLanes operator==(ByteLanes a, char b) { return mask(a.lanes_ == static_cast<unsigned char>(b)); }
-  friend ByteLanes operator<(ByteLanes a, char b) { return mask(a.lanes_ < static_cast<unsigned char>(b)); }
+  friend Lanes operator==(Lanes a, char b) { return mask(a.lanes_ == static_cast<unsigned char>(b)); }
+  friend Lanes operator<(Lanes a, char b) { return mask(a.lanes_ < static_cast<unsigned char>(b)); }
   /// Bytes from 0x80 up.
-  [[nodiscard]] ByteLanes beyondAscii() const { return mask(lanes_ >= 0x80); }
+  [[nodiscard]] Lanes beyondAscii() const { return mask(lanes_ >= 0x80); }
 
-  friend ByteLanes operator&(ByteLanes a, ByteLanes b) { return ByteLanes(a.lanes_ & b.lanes_); }
-  friend ByteLanes operator|(ByteLanes a, ByteLanes b) { return ByteLanes(a.lanes_ | b.lanes_); }
-  friend ByteLanes operator|(ByteLanes a, char b) {
-    return ByteLanes(a.lanes_ | static_cast<unsigned char>(b));
-  }
-  friend ByteLanes operator~(ByteLanes a) { return ByteLanes(~a.lanes_); }
+  friend Lanes operator&(Lanes a, Lanes b) { return Lanes(a.lanes_ & b.lanes_); }
+  friend Lanes operator|(Lanes a, Lanes b) { return Lanes(a.lanes_ | b.lanes_); }
+  friend Lanes operator|(Lanes a, char b) { return Lanes(a.lanes_ | static_cast<unsigned char>(b)); }
+  friend Lanes operator^(Lanes a, Lanes b) { return Lanes(a.lanes_ ^ b.lanes_); }
+  friend Lanes operator^(Lanes a, char b) { return Lanes(a.lanes_ ^ static_cast<unsigned char>(b)); }
+  friend Lanes operator~(Lanes a) { return Lanes(~a.lanes_); }
+  /// Of each lane: the smaller byte.
+  friend Lanes smaller(Lanes a, Lanes b) { return Lanes(a.lanes_ < b.lanes_ ? a.lanes_ : b.lanes_); }
 
-  ByteLanes& operator|=(ByteLanes other) {
+  Lanes& operator|=(Lanes other) {
     lanes_ |= other.lanes_;
     return *this;
   }
   /// Counts, in each lane, how often `hits` had all bits there; up to 31 times, for sum() to be right.
-  ByteLanes& countHits(ByteLanes hits) {
+  Lanes& countHits(Lanes hits) {
     lanes_ -= hits.lanes_;
     return *this;
   }
 
   /// True when a bit is set.
   [[nodiscard]] bool any() const {
-    const Halves halves = split();
-    return (halves.low | halves.high) != 0;
+    Words words = split();
+    if constexpr (wordCount == 2) {  // the compilers make far more of a loop here
+      return (words.all[0] | words.all[1]) != 0;
+    }
+    for (std::size_t half = wordCount / 2; half > 0; half /= 2) {
+      for (std::size_t i = 0; i < half; ++i) {
+        words.all[i] |= words.all[half + i];
+      }
+    }
+    return words.all[0] != 0;
+  }
+  /// One bit of each lane that has all bits or none, the first lane's being the lowest.
+  [[nodiscard]] std::uint64_t bits() const {
+    // Leaves another bit of each byte; their sum in the product's highest byte holds all of them.
+    constexpr bool little = std::endian::native == std::endian::little;
+    constexpr std::uint64_t diagonal = little ? 0x8040201008040201 : 0x0102040810204080;
+    constexpr std::uint64_t ones = 0x0101010101010101;
+    const Words words = split();
+    std::uint64_t result = 0;
+    for (std::size_t i = 0; i < wordCount; ++i) {
+      result |= (((words.all[i] & diagonal) * ones) >> 56U) << (8 * i);
+    }
+    return result;
+  }
+  /// Number of the first lane that is not zero; some lane is.
+  [[nodiscard]] std::size_t firstHit() const {
+    const Words words = split();
+    std::size_t i = 0;
+    while (words.all[i] == 0) {
+      ++i;
+    }
+    constexpr bool little = std::endian::native == std::endian::little;
+    const int bits = little ? std::countr_zero(words.all[i]) : std::countl_zero(words.all[i]);
+    return 8 * i + static_cast<std::size_t>(bits) / 8;
   }
   /// Of the lanes' numbers.
   [[nodiscard]] std::size_t sum() const {
     // The product's highest byte is the sum of all bytes.
     constexpr std::uint64_t ones = 0x0101010101010101;
-    const Halves halves = split();
-    return static_cast<std::size_t>((halves.low * ones) >> 56U) +
-           static_cast<std::size_t>((halves.high * ones) >> 56U);
+    const Words words = split();
+    std::size_t result = 0;
+    for (const std::uint64_t word : words.all) {
+      result += static_cast<std::size_t>((word * ones) >> 56U);
+    }
+    return result;
   }
 
  private:
-  using Lanes = unsigned char __attribute__((vector_size(count)));
-  struct Halves {
-    std::uint64_t low;
-    std::uint64_t high;
+  using Vector [[gnu::vector_size(width)]] = unsigned char;
+  static constexpr std::size_t wordCount = width / sizeof(std::uint64_t);
+  struct Words {
+    std::uint64_t all[wordCount];
   };
 
-  explicit ByteLanes(Lanes lanes) : lanes_(lanes) {}
+  explicit Lanes(Vector lanes) : lanes_(lanes) {}
 
   template <typename Comparison>
-  static ByteLanes mask(Comparison comparison) {
-    return ByteLanes(reinterpret_cast<Lanes>(comparison));
+  static Lanes mask(Comparison comparison) {
+    return Lanes(reinterpret_cast<Vector>(comparison));
   }
 
-  [[nodiscard]] Halves split() const {
-    Halves halves;
-    std::memcpy(&halves, &lanes_, sizeof halves);
-    return halves;
+  [[nodiscard]] Words split() const {
+    Words words;
+    std::memcpy(&words, &lanes_, sizeof words);
+    return words;
   }
 
-  Lanes lanes_ = {};
+  Vector lanes_ = {};
 };
+
+/// What every processor has.
+using ByteLanes = Lanes<16>;
 
 }  // namespace veltrano
 

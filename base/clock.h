@@ -17,8 +17,8 @@ struct LocalTime {
 
 LocalTime localTime();
 
-/// Seconds since local midnight with their fraction, in single precision as the host runtime's timer has
-/// them.
+/// Seconds since local midnight in steps of a hundredth, in single precision as the host runtime's timer has
+/// them: what is derived from it is the same within a hundredth.
 float secondsSinceMidnight();
 
 }  // namespace veltrano

@@ -23,7 +23,9 @@ float secondsSinceMidnight() {
     return 0;
   }
   const int seconds = (local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec;
-  return static_cast<float>(seconds + static_cast<double>(now.tv_usec) / 1e6);
+  constexpr int microsecondsOfAHundredth = 10'000;
+  const auto hundredths = static_cast<int>(now.tv_usec / microsecondsOfAHundredth);
+  return static_cast<float>(seconds + hundredths / 100.0);
 }
 
 }  // namespace veltrano

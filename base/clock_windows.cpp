@@ -14,7 +14,9 @@ float secondsSinceMidnight() {
   SYSTEMTIME now = {};
   GetLocalTime(&now);
   const int seconds = (now.wHour * 60 + now.wMinute) * 60 + now.wSecond;
-  return static_cast<float>(seconds + now.wMilliseconds / 1000.0);
+  constexpr int millisecondsOfAHundredth = 10;
+  const int hundredths = now.wMilliseconds / millisecondsOfAHundredth;
+  return static_cast<float>(seconds + hundredths / 100.0);
 }
 
 }  // namespace veltrano

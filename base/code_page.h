@@ -16,6 +16,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -30,6 +31,11 @@ extern const CodePageTable windows1252;
 extern const CodePageTable windows1250;
 /// Windows-1251, Cyrillic.
 extern const CodePageTable windows1251;
+
+/// The single-byte code page of that name ("ISO-8859-15", "windows-1253", "KOI8-R"; case does not matter) as
+/// the system knows it; zero stands for codes that it leaves unassigned. Nothing when the system does not
+/// know it, or when its lower half is not ASCII or its characters take more bytes than one.
+std::optional<CodePageTable> codePageNamed(std::string_view name);
 
 /// Chooses the code page of the process where the system has none of its own. On Windows it does nothing:
 /// there the system's setting holds. Not to be called while another thread converts text.

@@ -1,4 +1,8 @@
+#include <iconv.h>
+
 #include <algorithm>
+#include <bit>
+#include <cerrno>
 #include <unordered_map>
 
 #include "base/code_page.h"
@@ -68,7 +72,68 @@ ActivePage& activePage() {
   return page;
 }
 
+/// The system's converter of one encoding to UTF-16.
+class Converter {
+ public:
+  explicit Converter(const std::string& from)
+      : handle_(
+            iconv_open(std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE", from.c_str())) {}
+  Converter(const Converter&) = delete;
+  Converter& operator=(const Converter&) = delete;
+  ~Converter() {
+    if (*this) {
+      iconv_close(handle_);
+    }
+  }
+  explicit operator bool() const { return handle_ != invalid(); }
+
+  /// The one character that the byte stands for, zero when it stands for none. Nothing when more bytes would
+  /// have to follow, or when the byte stands for anything else.
+  std::optional<char16_t> character(unsigned char code) {
+    auto byte = static_cast<char>(code);
+    char16_t result = 0;
+    char* from = &byte;
+    char* to = reinterpret_cast<char*>(&result);
+    std::size_t inputLeft = 1;
+    std::size_t outputLeft = sizeof result;
+    if (iconv(handle_, &from, &inputLeft, &to, &outputLeft) != 0) {
+      const bool unassigned = errno == EILSEQ;
+      iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+      return unassigned ? std::optional<char16_t>(u'\0') : std::nullopt;
+    }
+    return outputLeft == 0 ? std::optional(result) : std::nullopt;
+  }
+
+ private:
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): what iconv_open answers.
+  static iconv_t invalid() { return reinterpret_cast<iconv_t>(-1); }
+
+  iconv_t handle_;
+};
+
 }  // namespace
+
+std::optional<CodePageTable> codePageNamed(std::string_view name) {
+  // The system would read more than a name from others ("//TRANSLIT").
+  const bool plain = std::all_of(name.begin(), name.end(), [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
+  });
+  if (name.empty() || !plain) {
+    return std::nullopt;
+  }
+  Converter converter((std::string(name)));
+  CodePageTable table{};
+  for (unsigned code = 0; code < 256; ++code) {
+    const auto character = converter ? converter.character(static_cast<unsigned char>(code)) : std::nullopt;
+    if (!character || (code < 128 && *character != code)) {
+      return std::nullopt;
+    }
+    if (code >= 128) {
+      table[code - 128U] = *character;
+    }
+  }
+  return table;
+}
 
 void setCodePage(const CodePageTable& table) {
   activePage().use(table);

@@ -27,9 +27,6 @@ enum class Durability {
 /// meanwhile.
 std::optional<std::string> readWholeFile(const std::filesystem::path& file);
 
-/// The first `limit` bytes of the file, or all of a shorter one; otherwise as readWholeFile.
-std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit);
-
 /// Hands the file's bytes to `take`, piece by piece, until it returns false; a piece is valid during the call
 /// only. False when the file is missing, a folder or could not be read up to there. Others may use the file
 /// meanwhile.
@@ -84,6 +81,15 @@ struct FileIdentity {
 
 /// Nothing when there is no such regular file.
 std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file);
+
+/// The start of a file, and its identity from before the reading.
+struct IdentifiedText {
+  FileIdentity identity;
+  std::string text;
+};
+/// The first `limit` bytes of the file, or all of a shorter one. Nothing when there is no such regular file
+/// or it is unreadable. Others may read the file meanwhile.
+std::optional<IdentifiedText> readIdentified(const std::filesystem::path& file, std::size_t limit);
 
 /// Now, on the clock of FileIdentity.
 std::int64_t fileClockNow();

@@ -139,6 +139,11 @@ class PosixOutput final : public RawOutput {
   FileDescriptor file_;
 };
 
+FileIdentity identityOf(const struct stat& status) {
+  return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
+          nanoseconds(status.st_mtim), nanoseconds(status.st_ctim)};
+}
+
 }  // namespace
 
 std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
@@ -176,25 +181,24 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
   return content;
 }
 
-std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit) {
-  const FileDescriptor descriptor = openFile(file, O_RDONLY);
-  // A short limit is taken as it is: asking for the size costs as much as reading.
-  constexpr std::size_t shortLimit = std::size_t{64} << 10;
+std::optional<IdentifiedText> readIdentified(const std::filesystem::path& file, std::size_t limit) {
+  // Opening must not wait for the other end of a pipe.
+  const FileDescriptor descriptor = openFile(file, O_RDONLY | O_NONBLOCK);
   struct stat status = {};
-  if (!descriptor || (limit > shortLimit && ::fstat(descriptor.get(), &status) != 0)) {
-    traceError("readFileStart", file);
+  if (!descriptor || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    traceError("readIdentified", file);
     return std::nullopt;
   }
-  std::string content;
-  content.resize(limit > shortLimit ? std::min(limit, static_cast<std::size_t>(status.st_size)) : limit);
+  IdentifiedText start{identityOf(status), {}};
+  start.text.resize(std::min(limit, static_cast<std::size_t>(status.st_size)));
   std::size_t length = 0;
-  while (length < content.size()) {
-    const ssize_t count = ::read(descriptor.get(), content.data() + length, content.size() - length);
+  while (length < start.text.size()) {
+    const ssize_t count = ::read(descriptor.get(), start.text.data() + length, start.text.size() - length);
     if (count < 0 && errno == EINTR) {
       continue;
     }
     if (count < 0) {
-      traceError("readFileStart", file);
+      traceError("readIdentified", file);
       return std::nullopt;
     }
     if (count == 0) {
@@ -202,8 +206,8 @@ std::optional<std::string> readFileStart(const std::filesystem::path& file, std:
     }
     length += static_cast<std::size_t>(count);
   }
-  content.resize(length);
-  return content;
+  start.text.resize(length);
+  return start;
 }
 
 bool readFileInPieces(const std::filesystem::path& file,
@@ -282,8 +286,7 @@ std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file) {
   if (::stat(file.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
     return std::nullopt;
   }
-  return FileIdentity{status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
-                      nanoseconds(status.st_mtim), nanoseconds(status.st_ctim)};
+  return identityOf(status);
 }
 
 std::int64_t fileClockNow() {

@@ -139,18 +139,16 @@ class WindowsOutput final : public RawOutput {
 
 }  // namespace
 
-std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
-  return readFileStart(file, PTRDIFF_MAX);
-}
+namespace {
 
-std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit) {
+std::optional<std::string> readStart(const std::filesystem::path& file, std::size_t limit) {
   const FileHandle handle =
       openFile(file, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING,
                FILE_FLAG_SEQUENTIAL_SCAN);
   LARGE_INTEGER size = {};
   if (!handle || GetFileSizeEx(handle.get(), &size) == 0 ||
       static_cast<std::uint64_t>(size.QuadPart) > static_cast<std::uint64_t>(PTRDIFF_MAX)) {
-    traceError("readFileStart", file);
+    traceError("readStart", file);
     return std::nullopt;
   }
   std::string content(std::min(limit, static_cast<std::size_t>(size.QuadPart)), '\0');
@@ -159,7 +157,7 @@ std::optional<std::string> readFileStart(const std::filesystem::path& file, std:
     const auto wanted = static_cast<DWORD>(std::min<std::size_t>(content.size() - length, largestTransfer));
     DWORD count = 0;
     if (ReadFile(handle.get(), content.data() + length, wanted, &count, nullptr) == 0) {
-      traceError("readFileStart", file);
+      traceError("readStart", file);
       return std::nullopt;
     }
     if (count == 0) {
@@ -169,6 +167,18 @@ std::optional<std::string> readFileStart(const std::filesystem::path& file, std:
   }
   content.resize(length);
   return content;
+}
+
+}  // namespace
+
+std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
+  return readStart(file, PTRDIFF_MAX);
+}
+
+std::optional<IdentifiedText> readIdentified(const std::filesystem::path& file, std::size_t limit) {
+  const auto identity = fileIdentity(file);
+  auto text = identity ? readStart(file, limit) : std::nullopt;
+  return text ? std::optional(IdentifiedText{*identity, *std::move(text)}) : std::nullopt;
 }
 
 bool readFileInPieces(const std::filesystem::path& file,

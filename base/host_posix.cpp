@@ -17,6 +17,11 @@ std::filesystem::path executable() {
 }
 
 bool holdsMetrics(const std::filesystem::path& folder) {
+  // Every object asks at its start, and a look for one name is far cheaper than a list of all.
+  std::error_code error;
+  if (std::filesystem::exists(folder / "Helvetica.afm", error)) {
+    return true;
+  }
   const auto files = listFiles(folder);
   return files && std::ranges::any_of(*files, [](const auto& file) { return file.extension() == ".afm"; });
 }

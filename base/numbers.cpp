@@ -122,13 +122,40 @@ char* writeBackwards(char* end, Unsigned value) {
   return end;
 }
 
-// The common case of formatPdfNumber: few decimals, page-sized magnitudes, and no tie near. The product's
-// error and that of the 15-digit rounding together stay below 1e-5 here, so a fraction that is further than
-// `tieMargin` from one half decides the rounding as the decimal digits would. Writes before `end` and returns
-// where it begins, null when undecided. The number of decimals is a constant: dividing by a variable is what
-// would cost most.
+char* writePair(char* target, std::uint32_t value) {
+  std::memcpy(target, &digitPairs[std::size_t{2} * value], 2);
+  return target + 2;
+}
+
+char* writeOneOrTwo(char* target, std::uint32_t value) {
+  if (value >= 10) {
+    return writePair(target, value);
+  }
+  *target = static_cast<char>('0' + value);
+  return target + 1;
+}
+
+// Returns where the digits end.
+template <typename Unsigned>
+char* writeDigits(char* target, Unsigned value) {
+  if (value < 100) {
+    return writeOneOrTwo(target, static_cast<std::uint32_t>(value));
+  }
+  if (value < 10000) {
+    const auto few = static_cast<std::uint32_t>(value);
+    return writePair(writeOneOrTwo(target, few / 100), few % 100);
+  }
+  std::array<char, 20> digits;
+  char* const end = digits.data() + digits.size();
+  return std::copy(writeBackwards(end, value), end, target);
+}
+
+// The common case of writePdfNumber: few decimals, page-sized magnitudes, and no tie near. The product's
+// error and that of the 15-digit rounding together stay below 1e-5 here, so a value that is further than
+// `tieMargin` from a tie is rounded as its decimal digits would be. Returns where the text ends, null when
+// undecided. The number of decimals is a constant: dividing by a variable is what would cost most.
 template <int decimals>
-char* formatQuicklyBefore(char* end, double value) {
+char* writeQuickly(char* target, double value) {
   constexpr double largestScaled = 1e9;
   constexpr double tieMargin = 1e-4;
   constexpr auto unit = static_cast<std::uint32_t>(smallPowersOfTen[static_cast<std::size_t>(decimals)]);
@@ -136,38 +163,37 @@ char* formatQuicklyBefore(char* end, double value) {
   if (!(scaled < largestScaled)) {
     return nullptr;
   }
-  auto whole = static_cast<std::uint32_t>(static_cast<std::int64_t>(scaled));
-  const double fraction = scaled - whole;
-  if (std::fabs(fraction - 0.5) < tieMargin) {
+  // Lround would take as long as all the rest, and where it differs the tie is near.
+  const auto whole = static_cast<std::uint32_t>(
+      static_cast<std::int32_t>(scaled + 0.5));  // NOLINT(bugprone-incorrect-roundings)
+  if (std::fabs(scaled - whole) > 0.5 - tieMargin) {
     return nullptr;
   }
-  whole += static_cast<std::uint32_t>(fraction > 0.5);
-  std::uint32_t decimalsLeft = whole % unit;
-  char* begin = end;
-  if constexpr (decimals % 2 == 1) {
-    *--begin = static_cast<char>('0' + decimalsLeft % 10);
-    decimalsLeft /= 10;
-  }
-  if constexpr (decimals > 1) {
-    begin -= 2;
-    std::memcpy(begin, &digitPairs[std::size_t{2} * decimalsLeft], 2);
-  }
-  *--begin = '.';
-  begin = writeBackwards(begin, whole / unit);
   if (value < 0 && whole != 0) {
-    *--begin = '-';
+    *target++ = '-';
   }
-  return begin;
+  target = writeDigits(target, whole / unit);
+  *target++ = '.';
+  const std::uint32_t fraction = whole % unit;
+  if constexpr (decimals == 1) {
+    *target++ = static_cast<char>('0' + fraction);
+    return target;
+  } else if constexpr (decimals == 2) {
+    return writePair(target, fraction);
+  } else {
+    *target++ = static_cast<char>('0' + fraction / 100);
+    return writePair(target, fraction % 100);
+  }
 }
 
-char* formatQuickly(char* end, double value, int decimals) {
+char* writeQuickly(char* target, double value, int decimals) {
   switch (decimals) {
     case 1:
-      return formatQuicklyBefore<1>(end, value);
+      return writeQuickly<1>(target, value);
     case 2:
-      return formatQuicklyBefore<2>(end, value);
+      return writeQuickly<2>(target, value);
     case 3:
-      return formatQuicklyBefore<3>(end, value);
+      return writeQuickly<3>(target, value);
     default:
       return nullptr;
   }
@@ -257,6 +283,30 @@ NumberText generalText(const DecimalDigits& number, bool negative, int significa
   return text;
 }
 
+// Kept apart so that the common case need not set up its stack.
+[[gnu::noinline]] char* writeDigitByDigit(char* target, double value, int decimals) {
+  if (!std::isfinite(value)) {
+    return target;
+  }
+  decimals = std::clamp(decimals, 0, 15);
+  DecimalDigits number = significantDigits(std::fabs(value), 15);
+  roundDigits(number, number.pointAfter + decimals);
+  if (value < 0 && number.count > 0) {
+    *target++ = '-';
+  }
+  if (number.count == 0 || number.pointAfter <= 0) {
+    *target++ = '0';
+  }
+  for (int i = 0; i < number.pointAfter && number.count > 0; ++i) {
+    *target++ = digitAt(number, i);
+  }
+  *target++ = '.';
+  for (int i = 0; i < decimals; ++i) {
+    *target++ = number.count == 0 ? '0' : digitAt(number, number.pointAfter + i);
+  }
+  return target;
+}
+
 // Ties to even, whatever rounding mode the host has set.
 double roundHalfEven(double value) {
   const double down = std::floor(value);
@@ -277,44 +327,15 @@ void NumberText::append(std::string_view text) {
   length_ += text.size();
 }
 
-NumberText formatPdfNumber(double value, int decimals) {
-  NumberText text;
-  if (!std::isfinite(value)) {
-    return text;
-  }
-  decimals = std::clamp(decimals, 0, 15);
-  std::array<char, 24> quick;
-  char* const end = quick.data() + quick.size();
-  if (const char* begin = formatQuickly(end, value, decimals)) {
-    text.append({begin, static_cast<std::size_t>(end - begin)});
-    return text;
-  }
-  DecimalDigits number = significantDigits(std::fabs(value), 15);
-  roundDigits(number, number.pointAfter + decimals);
-  if (value < 0 && number.count > 0) {
-    text.push('-');
-  }
-  if (number.count == 0 || number.pointAfter <= 0) {
-    text.push('0');
-  }
-  for (int i = 0; i < number.pointAfter && number.count > 0; ++i) {
-    text.push(digitAt(number, i));
-  }
-  text.push('.');
-  for (int i = 0; i < decimals; ++i) {
-    text.push(number.count == 0 ? '0' : digitAt(number, number.pointAfter + i));
-  }
-  return text;
+char* writePdfNumber(char* target, double value, int decimals) {
+  char* const end = writeQuickly(target, value, decimals);
+  return end != nullptr ? end : writeDigitByDigit(target, value, decimals);
 }
 
-void appendPdfNumber(std::string& target, double value, int decimals) {
-  std::array<char, 24> quick;
-  char* const end = quick.data() + quick.size();
-  if (const char* begin = formatQuickly(end, value, decimals)) {
-    target.append(begin, static_cast<std::size_t>(end - begin));
-  } else {
-    target.append(formatPdfNumber(value, decimals).view());
-  }
+NumberText formatPdfNumber(double value, int decimals) {
+  NumberText text;
+  text.length_ = static_cast<std::size_t>(writePdfNumber(text.digits_, value, decimals) - text.digits_);
+  return text;
 }
 
 NumberText generalNumberText(double value) {
@@ -330,17 +351,18 @@ NumberText singleNumberText(float value) {
                               : NumberText{};
 }
 
-NumberText integerText(std::int64_t value) {
-  std::array<char, 24> digits;
-  char* const end = digits.data() + digits.size();
-  const auto magnitude =
-      value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-  char* begin = writeBackwards(end, magnitude);
+char* writeInteger(char* target, std::int64_t value) {
+  auto magnitude = static_cast<std::uint64_t>(value);
   if (value < 0) {
-    *--begin = '-';
+    *target++ = '-';
+    magnitude = 0 - magnitude;
   }
+  return writeDigits(target, magnitude);
+}
+
+NumberText integerText(std::int64_t value) {
   NumberText text;
-  text.append({begin, static_cast<std::size_t>(end - begin)});
+  text.length_ = static_cast<std::size_t>(writeInteger(text.digits_, value) - text.digits_);
   return text;
 }
 

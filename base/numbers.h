@@ -19,6 +19,8 @@ namespace veltrano {
 /// Text of a number, held in place. Long enough for every finite double with up to 15 decimals.
 class NumberText {
  public:
+  static constexpr std::size_t capacity = 352;
+
   [[nodiscard]] std::string_view view() const { return {digits_, length_}; }
   operator std::string_view() const { return view(); }  // NOLINT: meant to stand for the text
 
@@ -26,7 +28,9 @@ class NumberText {
   void append(std::string_view text);
 
  private:
-  static constexpr std::size_t capacity = 352;
+  friend NumberText formatPdfNumber(double value, int decimals);
+  friend NumberText integerText(std::int64_t value);
+
   std::size_t length_ = 0;
   char digits_[capacity];
 };
@@ -36,8 +40,10 @@ class NumberText {
 /// it. Not a number and the infinities give an empty text: the statement that writes them fails.
 NumberText formatPdfNumber(double value, int decimals);
 
-/// Appends formatPdfNumber(value, decimals) to `target`; appends nothing for a value that is not finite.
-void appendPdfNumber(std::string& target, double value, int decimals);
+/// Writes the same to `target`, which has room for `longestPdfNumber` characters; returns where the text
+/// ends.
+char* writePdfNumber(char* target, double value, int decimals);
+inline constexpr std::size_t longestPdfNumber = NumberText::capacity;
 
 /// The runtime's general number text: up to 15 significant digits, no trailing zeros, exponent form ("1E-05",
 /// "1E+15", at least two exponent digits) from 1E+15 up and below 0.0001, minus zero as "0". Empty when not
@@ -49,6 +55,10 @@ NumberText singleNumberText(float value);
 
 /// Decimal text of a whole number.
 NumberText integerText(std::int64_t value);
+
+/// Writes the same to `target`, which has room for `longestInteger` characters; returns where the text ends.
+char* writeInteger(char* target, std::int64_t value);
+inline constexpr std::size_t longestInteger = 20;
 
 /// Rounds to the nearest whole number, ties to even, into 16 bits (2.5 gives 2, 3.5 gives 4). Nothing when
 /// the value is not a number or the result does not fit: the host's runtime calls that an overflow.

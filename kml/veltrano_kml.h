@@ -8,9 +8,9 @@
 // latitude and y the longitude, in degrees, altitudes are in metres; files have longitude, latitude,
 // altitude. Flags are true only when they are -1.
 //
-// Nothing is kept of the document but the path buffer. A line whose number is not finite is left out, and so
-// is everything written while no file is open. What was written reaches the file at CloseKML, or when the
-// object goes away. Not to be used by two threads at once.
+// Nothing is kept of the document but the path buffer. A line whose number is not finite or whose text the
+// memory cannot hold is left out, and so is everything written while no file is open. What was written
+// reaches the file at CloseKML, or when the object goes away. Not to be used by two threads at once.
 
 #include <cstdint>
 #include <filesystem>
@@ -67,7 +67,8 @@ class VeltranoKML {
   void CloseKML();
 
  private:
-  /// Lines of the member at work, gathered so that the file is asked once; reused from call to call.
+  /// Lines of the member at work, gathered so that the file is asked once; reused from call to call, unless
+  /// they were long.
   std::string lines_;
   std::optional<OutputFile> file_;
   /// Files that a later CreateKML left behind open.
@@ -77,6 +78,7 @@ class VeltranoKML {
 
   template <typename... Pieces>
   void line(const Pieces&... pieces);
+  void remember(const CoordinateTriple& point);
   void numberLine(std::string_view before, double number, std::string_view after);
   void pointLine(const CoordinateTriple& point);
   void camera(std::string_view altitude, std::string_view heading, double X, double y);

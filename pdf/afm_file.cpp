@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "base/byte_lanes.h"
 #include "base/numbers.h"
 
 namespace veltrano {
@@ -16,41 +17,26 @@ constexpr std::string_view endMark = "EndCharMetrics";
 /// Ends the code of a glyph without one; nothing behind it can be measured.
 constexpr std::string_view unencodedMark = "-1 ;";
 
-/// First position at or after `from` for which `matches`, which may look at `reach` bytes from there. Blocks
-/// without a branch let the compiler compare many bytes at once: this runs over all of the metrics, and
-/// reading a changed file again must cost little.
-template <typename Matches>
-std::size_t findBlockwise(std::string_view text, std::size_t from, std::size_t reach, Matches matches) {
-  constexpr std::size_t block = 64;
-  const char* const data = text.data();
-  std::size_t i = from;
-  for (; i + block + reach <= text.size(); i += block) {
-    unsigned char found = 0;
-    for (std::size_t k = 0; k < block; ++k) {
-      found |= static_cast<unsigned char>(matches(data + i + k));
-    }
-    if (found != 0) {
-      break;
-    }
-  }
-  for (; i + reach <= text.size(); ++i) {
-    if (matches(data + i)) {
-      return i;
-    }
-  }
-  return std::string_view::npos;
-}
-
+/// First unencoded mark at or after `from`. This runs over all of the metrics, and reading a changed file
+/// again must cost little: its two outer characters, compared many at once, rule out nearly every place.
 std::size_t findUnencoded(std::string_view text, std::size_t from) {
-  for (;; ++from) {
-    // The two outer characters are rare enough together; the rest is compared once they are found.
-    from = findBlockwise(text, from, unencodedMark.size(), [](const char* at) {
-      return static_cast<bool>(static_cast<int>(at[0] == '-') & static_cast<int>(at[3] == ';'));
-    });
-    if (from == std::string_view::npos || text.substr(from, unencodedMark.size()) == unencodedMark) {
-      return from;
+  constexpr std::size_t block = 4 * ByteLanes::count;
+  constexpr std::size_t last = unencodedMark.size() - 1;
+  while (from + block + last <= text.size()) {
+    ByteLanes candidates;
+    for (std::size_t i = from; i < from + block; i += ByteLanes::count) {
+      const char* const at = text.data() + i;
+      candidates |= (ByteLanes(at) == unencodedMark.front()) & (ByteLanes(at + last) == unencodedMark.back());
     }
+    if (candidates.any()) {
+      const std::size_t found = text.substr(0, from + block + last).find(unencodedMark, from);
+      if (found != std::string_view::npos) {
+        return found;
+      }
+    }
+    from += block;
   }
+  return text.find(unencodedMark, from);
 }
 
 /// The words of one field of a line; a field ends at ";".
@@ -178,11 +164,19 @@ class CharacterTable {
   std::int32_t previous_ = 0;
 };
 
+/// Position of the next line feed, the text's length when there is none. Lines of metrics are short, so that
+/// the call of a searching function would take longer than the search.
 std::size_t lineEnd(std::string_view text, std::size_t position) {
-  const void* const found =
-      position < text.size() ? std::memchr(text.data() + position, '\n', text.size() - position) : nullptr;
-  return found == nullptr ? text.size()
-                          : static_cast<std::size_t>(static_cast<const char*>(found) - text.data());
+  for (; position + ByteLanes::count <= text.size(); position += ByteLanes::count) {
+    const ByteLanes feeds = ByteLanes(text.data() + position) == '\n';
+    if (feeds.any()) {
+      return position + feeds.firstHit();
+    }
+  }
+  while (position < text.size() && text[position] != '\n') {
+    ++position;
+  }
+  return position;
 }
 
 std::size_t lineStart(std::string_view text, std::size_t position) {

@@ -98,7 +98,7 @@ void VeltranoPDF::closePage() {
   writer.line(" >>");
   const std::uint64_t streamHeaderLength = writer.length();
   writer.line("stream");
-  writer.lines(assembly_.pageContent);
+  writer.lines(assembly_.pageContent.view());
   assembly_.pageContent.clear();
   writer.line("endstream");
   const std::uint64_t objectLength = writer.end();

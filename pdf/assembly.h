@@ -8,9 +8,9 @@
 // PDFInit leads to idle from everywhere; PDFBeginDoc on an open document starts the numbering anew.
 
 #include <cstddef>
-#include <string>
 #include <vector>
 
+#include "pdf/content_text.h"
 #include "pdf/object_writer.h"
 #include "pdf/page_geometry.h"
 
@@ -26,7 +26,7 @@ struct PageRecord {
 struct Assembly {
   ObjectWriter writer;
   bool open = false;
-  std::string pageContent;  ///< lines of the page being drawn; drawing outside a document waits here
+  ContentText pageContent;  ///< lines of the page being drawn; drawing outside a document waits here
   std::vector<PageRecord> pages;
   /// Pages begun: PDFPageNumber. Kept when PDFInit empties the lists, as hosts see it.
   int pageCount = 0;

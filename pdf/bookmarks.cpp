@@ -54,7 +54,7 @@ void VeltranoPDF::writeOutline() {
   const auto writeLink = [&](std::string_view key, int item) {
     if (item >= 0) writer.line({key, decimal(firstObject + item), " 0 R"});
   };
-  std::string destination;
+  ContentText destination;
   int firstTop = -1;
   int lastTop = -1;
   for (int i = 0; i < static_cast<int>(items.size()); ++i) {
@@ -79,7 +79,7 @@ void VeltranoPDF::writeOutline() {
         .number(height - bookmark.y * geometry_.scaleFactor)
         .text(" null]")
         .end();
-    writer.lines(destination);
+    writer.lines(destination.view());
     writer.line("/Count 0>>");  // every item is closed, whatever hangs below it
     writer.end();
 

@@ -126,7 +126,7 @@ double VeltranoPDF::cellTextOffset(const CellFrame& frame, double textWidth) con
 }
 
 void VeltranoPDF::appendCellLine(const CellFrame& frame, const TextLine& line, std::size_t index) {
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   if (!graphics_.fillColorOp.empty()) {
     appendLine(content, graphics_.fillColorOp);
   }
@@ -200,6 +200,7 @@ void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double widt
   placeLink(link, {LinkKind::cell, x, y, width, height}, x, y);
   // As after a rectangle: at the lower left corner.
   moveTo(x, y + height);
+  fonts_.metrics.callEnds();
 }
 
 }  // namespace veltrano

@@ -7,16 +7,17 @@
 //   ContentLine(content).point(x, y).text(" m").end();
 
 #include <cmath>
-#include <string>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
-#include "base/numbers.h"
+#include "pdf/content_text.h"
 
 namespace veltrano {
 
 class ContentLine {
  public:
-  explicit ContentLine(std::string& content) : content_(content), start_(content.size()) {}
+  explicit ContentLine(ContentText& content) : content_(content), start_(content.size()) {}
 
   ContentLine& text(std::string_view text) {
     content_.append(text);
@@ -25,7 +26,7 @@ class ContentLine {
   /// Two decimals.
   ContentLine& number(double value) {
     failed_ |= !std::isfinite(value);
-    appendPdfNumber(content_, value, 2);
+    content_.appendNumber(value, 2);
     return *this;
   }
   /// "x y"
@@ -35,15 +36,15 @@ class ContentLine {
   ContentLine& direction(double cosine, double sine) {
     failed_ |= !std::isfinite(cosine) || !std::isfinite(sine);
     for (const double value : {cosine, sine, -sine, cosine}) {
-      appendPdfNumber(content_, value, 3);
-      content_.push_back(' ');
+      content_.appendNumber(value, 3);
+      content_.append(" ");
     }
     return *this;
   }
   /// Ends the line with CR LF, or takes it back. False when it was taken back.
   bool end() {
     if (failed_) {
-      content_.resize(start_);
+      content_.truncate(start_);
       return false;
     }
     content_.append("\r\n");
@@ -51,14 +52,15 @@ class ContentLine {
   }
 
  private:
-  std::string& content_;
-  std::string::size_type start_;
+  ContentText& content_;
+  std::size_t start_;
   bool failed_ = false;
 };
 
 /// Appends `line` and CR LF.
-inline void appendLine(std::string& content, std::string_view line) {
-  content.append(line).append("\r\n");
+inline void appendLine(ContentText& content, std::string_view line) {
+  content.append(line);
+  content.append("\r\n");
 }
 
 }  // namespace veltrano

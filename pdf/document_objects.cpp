@@ -51,7 +51,7 @@ void writeOpenAction(ObjectWriter& writer, const Value& zoomMode) {
   if (!zoom) return;
   const auto is = [&](std::int32_t mode) { return *zoom == mode; };
   // Object 3 is the length of the first page's content; the action has always named it.
-  std::string line;
+  ContentText line;
   ContentLine action(line);
   action.text("/OpenAction [3 0 R ");
   if (is(ZOOM_FULLPAGE)) {
@@ -64,7 +64,7 @@ void writeOpenAction(ObjectWriter& writer, const Value& zoomMode) {
     action.text("/XYZ null null ").number(*zoom / 100).text("]");
   }
   action.end();
-  writer.lines(line);
+  writer.lines(line.view());
 }
 
 void writeLayout(ObjectWriter& writer, const Value& layoutMode) {
@@ -99,7 +99,7 @@ void writeViewerPreferences(ObjectWriter& writer, std::int32_t preference) {
 
 /// The rectangle covers the link; one whose numbers cannot be written is left out.
 void writeAnnotation(ObjectWriter& writer, const LinkEntry& link) {
-  std::string line;
+  ContentText line;
   ContentLine(line)
       .text("<</Type /Annot /Subtype /Link /Rect [")
       .point(link.left, link.top - link.height)
@@ -109,7 +109,7 @@ void writeAnnotation(ObjectWriter& writer, const LinkEntry& link) {
       .text(escapeLinkTarget(link.target))
       .text(")>>>>")
       .end();
-  writer.lines(line);
+  writer.lines(line.view());
 }
 
 }  // namespace
@@ -192,7 +192,7 @@ void VeltranoPDF::writeImages() {
 void VeltranoPDF::writePages() {
   ObjectWriter& writer = assembly_.writer;
   auto link = links_.links.cbegin();  // in the order of the pages they were made on
-  std::string mediaBox;
+  ContentText mediaBox;
   for (std::size_t i = 0; i < assembly_.pages.size(); ++i) {
     const PageRecord& page = assembly_.pages[i];
     writer.begin();
@@ -204,7 +204,7 @@ void VeltranoPDF::writePages() {
         .point(page.format.width, page.format.height)
         .text("]")
         .end();
-    writer.lines(mediaBox);
+    writer.lines(mediaBox.view());
     writer.line({"/Resources ", decimal(assembly_.resourcesObject), " 0 R"});
     const auto onThisPage = [&] {
       return link != links_.links.cend() && link->page == static_cast<int>(i + 1);

@@ -7,7 +7,7 @@ namespace veltrano {
 
 void VeltranoPDF::PDFPathConfiguration(const std::filesystem::path& folder) {
   settledX();  // measures by the folder of before
-  fonts_.afmPath = folder;
+  fonts_.metrics.setFolder(folder);
 }
 
 void VeltranoPDF::PDFProducer(std::string_view text) {

@@ -80,7 +80,7 @@ void VeltranoPDF::copyLineColorToFill() {
 }
 
 void VeltranoPDF::appendPaintColors() {
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   if (graphics_.drawMode != DrawMode::outline) appendLine(content, graphics_.fillColorOp);
   if (graphics_.drawMode != DrawMode::fill) appendLine(content, graphics_.lineColorOp);
 }
@@ -93,7 +93,7 @@ void VeltranoPDF::appendLineWidth(std::string_view operators) {
 }
 
 void VeltranoPDF::drawStraightLine(std::string_view marker, double x1, double y1, double x2, double y2) {
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   const PageGeometry& page = geometry_;
   copyLineColorToFill();
   ContentLine(content).text("%DEBUT_").text(marker).text("/%").end();
@@ -117,7 +117,7 @@ void VeltranoPDF::PDFDrawLineVer(double x, double y, double height) {
 // Unlike the two above, a free line has no dash and leaves the fill colour alone; hosts rely on the
 // difference.
 void VeltranoPDF::PDFDrawLine(double x1, double y1, double x2, double y2) {
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   const PageGeometry& page = geometry_;
   appendLine(content, "%DEBUT_LN/%");
   ContentLine(content).point(page.xPoints(x1), page.yPoints(y1)).text(" m").end();
@@ -129,7 +129,7 @@ void VeltranoPDF::PDFDrawLine(double x1, double y1, double x2, double y2) {
 }
 
 void VeltranoPDF::PDFDrawRectangle(double x, double y, double width, double height, const Value& link) {
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   const double k = geometry_.scaleFactor;
   appendLine(content, "%DEBUT_RECT/%");
   appendPaintColors();
@@ -157,7 +157,7 @@ void VeltranoPDF::placeShapeLink(const Value& link, const LinkShape& shape) {
 // counter-clockwise as seen on the page.
 void VeltranoPDF::appendEllipse(double x, double y, double width, double height) {
   constexpr double tangent = 0.55;  // of the half width or height: close enough to a circle's 0.5523
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   const double halfWidth = width * geometry_.scaleFactor / 2;
   const double halfHeight = height * geometry_.scaleFactor / 2;
   const double centreX = geometry_.xPoints(x) + halfWidth;
@@ -183,7 +183,7 @@ void VeltranoPDF::appendEllipse(double x, double y, double width, double height)
 
 void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height, const Value& link) {
   if (height == 0) height = width;
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   appendPaintColors();
   appendLine(content, graphics_.lineDashOp);
   appendLine(content, graphics_.lineColorOp);
@@ -200,7 +200,7 @@ void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height
 }
 
 void VeltranoPDF::PDFDrawPolygon(const Value::List& points) {
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   appendLine(content, "%DEBUT_POLY/%");
   appendLine(content, graphics_.lineDashOp);
   appendPaintColors();

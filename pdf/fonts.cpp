@@ -74,7 +74,7 @@ void VeltranoPDF::PDFLoadAfm(const std::filesystem::path& folder) {
     }
   }
   if (count > 0) {
-    fonts_.afmPath = folder;
+    fonts_.metrics.setFolder(folder);
   }
   findFontNumber();
 }
@@ -108,7 +108,9 @@ void VeltranoPDF::PDFSetFont(std::int32_t font, std::int16_t size, std::int32_t 
 double VeltranoPDF::PDFGetStringWidth(std::string_view text, std::string_view fontName, std::int16_t size) {
   settledX();  // by the metrics known, before they are read again
   const std::string_view font = fontName.empty() ? std::string_view(fonts_.currentFontName) : fontName;
-  return fonts_.metrics.metrics(fonts_.afmPath, font).width(text, size);
+  const double width = fonts_.metrics.metrics(font).width(text, size);
+  fonts_.metrics.callEnds();
+  return width;
 }
 
 }  // namespace veltrano

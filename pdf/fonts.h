@@ -4,7 +4,6 @@
 // The fonts that the metrics folder offers, the current font and how text is set in it.
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -25,7 +24,6 @@ struct PendingAdvance {
 };
 
 struct FontState {
-  std::filesystem::path afmPath;
   std::vector<std::string> fontTable;  ///< base-font names; the resource of entry i is "/F" followed by i + 1
   std::string currentFontFamily;
   std::string currentFontName;
@@ -43,7 +41,7 @@ struct FontState {
   MetricsCache metrics;
   PendingAdvance pendingAdvance;
 
-  [[nodiscard]] const FontMetrics& currentMetrics() { return metrics.metrics(afmPath, currentFontName); }
+  [[nodiscard]] const FontMetrics& currentMetrics() { return metrics.metrics(currentFontName); }
 };
 
 }  // namespace veltrano

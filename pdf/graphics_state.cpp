@@ -40,9 +40,13 @@ Color parseHexColor(std::string_view text) {
 
 /// The bytes of a colour number. Black when it is no number of 32 bits.
 Color splitColor(const Value& value) {
-  const auto number = value.toDouble();
-  const auto whole = number ? roundToInt32(std::floor(*number)) : std::nullopt;
-  const auto bits = static_cast<std::uint32_t>(whole.value_or(0));
+  std::int64_t whole = 0;
+  if (const auto* integer = value.as<std::int64_t>()) {
+    whole = *integer;
+  } else if (const auto number = value.toDouble()) {
+    whole = roundToInt32(std::floor(*number)).value_or(0);
+  }
+  const auto bits = whole == static_cast<std::int32_t>(whole) ? static_cast<std::uint32_t>(whole) : 0U;
   return {static_cast<int>(bits & 0xFF), static_cast<int>(bits >> 8 & 0xFF),
           static_cast<int>(bits >> 16 & 0xFF)};
 }
@@ -74,15 +78,14 @@ Color readColor(const Value& value) {
   return splitColor(value);
 }
 
-/// "1.000 0.502 0.000 rg"
-std::string buildColorOp(const Color& color, std::string_view colorOperator) {
-  std::string op;
+/// Makes `op` "1.000 0.502 0.000 rg".
+void setColorOp(std::string& op, const Color& color, std::string_view colorOperator) {
+  op.clear();  // keeps its memory: every linked shape sets a colour
   for (const int component : color) {
-    appendPdfNumber(op, component / 255.0, 3);
+    op += formatPdfNumber(component / 255.0, 3).view();
     op += ' ';
   }
   op += colorOperator;
-  return op;
 }
 
 /// "[45 22 ] 0 d", the blank before the bracket included; lengths in user units, of which whole points are
@@ -112,18 +115,18 @@ Border combinedBorder(std::int32_t digits) {
 
 void VeltranoPDF::PDFSetTextColor(const Value& color) {
   if (isMisspelled(color)) raise("Invalid Text Color");
-  graphics_.textColorOp = buildColorOp(readColor(color), "rg");
+  setColorOp(graphics_.textColorOp, readColor(color), "rg");
 }
 
 void VeltranoPDF::PDFSetLineColor(const Value& color) {
   if (isMisspelled(color)) raise("Invalid Line Color");
-  graphics_.lineColorOp = buildColorOp(readColor(color), "RG");
+  setColorOp(graphics_.lineColorOp, readColor(color), "RG");
 }
 
 void VeltranoPDF::PDFSetDrawColor(const Value& color) {
   // Hosts compare the message as it is spelled.
   if (isMisspelled(color)) raise("Invalide Draw Color");
-  graphics_.fillColorOp = buildColorOp(readColor(color), "rg");
+  setColorOp(graphics_.fillColorOp, readColor(color), "rg");
 }
 
 std::string VeltranoPDF::PDFGetTextColor() const {

@@ -127,7 +127,7 @@ void VeltranoPDF::PDFImage(const std::filesystem::path& file, double x, double y
   ++images_.imageCount;
 
   // One piece less would leave the graphics state saved for the rest of the page: both lines or none.
-  std::string& content = assembly_.pageContent;
+  ContentText& content = assembly_.pageContent;
   ContentLine(content)
       .text("q\r\n")
       .number(width * k)

@@ -88,7 +88,7 @@ void VeltranoPDF::PDFLink(double x, double y, std::string_view text, std::string
     const double startY = y == 0 ? geometry_.currentY : y;
     PDFTextOut(text, startX, startY);
     // The underline has just been measured.
-    const FontMetrics* known = fonts_.metrics.knownMetrics(fonts_.afmPath, fonts_.currentFontName);
+    const FontMetrics* known = fonts_.metrics.knownMetrics(fonts_.currentFontName);
     const FontMetrics& metrics = known != nullptr ? *known : fonts_.currentMetrics();
     area = textArea(metrics, geometry_.xPoints(startX), geometry_.yPoints(startY),
                     metrics.width(text, fonts_.fontSize), fonts_.fontSize,

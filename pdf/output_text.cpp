@@ -1,42 +1,43 @@
 #include "pdf/output_text.h"
 
-#include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace veltrano {
 
-void OutputText::addBlock() {
-  blocks_.push_back(allocateBlock(blockSize_));
-  next_ = blocks_.back().get();
-  room_ = blockSize_;
-  blockSize_ = std::min(blockSize_ * blockGrowth, largestBlockSize);
+void OutputText::closePiece() {
+  if (openPiece().empty()) return;
+  closedPieces_.push_back(openPiece());
+  closedSize_ += openPiece().size();
+  open_ = next_;
 }
 
-void OutputText::append(std::string_view text) {
+void OutputText::appendInBlocks(std::string_view text) {
   while (!text.empty()) {
-    if (room_ == 0) addBlock();
-    const std::size_t length = std::min(text.size(), room_);
-    // The newest piece grows as long as nothing shared has come in between.
-    const bool adjacent = !pieces_.empty() && pieces_.back().data() + pieces_.back().size() == next_;
-    if (adjacent) {
-      pieces_.back() = {pieces_.back().data(), pieces_.back().size() + length};
-    } else {
-      pieces_.emplace_back(next_, length);
+    if (next_ == end_) {
+      closePiece();
+      blocks_.push_back(allocateBlock(blockSize_));
+      open_ = next_ = blocks_.back().get();
+      end_ = next_ + blockSize_;
+      blockSize_ = std::min(blockSize_ * blockGrowth, largestBlockSize);
     }
-    std::memcpy(next_, text.data(), length);
-    next_ += length;
-    room_ -= length;
-    size_ += length;
+    const std::size_t length = std::min(text.size(), static_cast<std::size_t>(end_ - next_));
+    next_ = std::copy_n(text.data(), length, next_);
     text.remove_prefix(length);
   }
 }
 
 void OutputText::appendShared(std::shared_ptr<const std::string> bytes) {
   if (bytes == nullptr || bytes->empty()) return;
+  closePiece();
   shared_.push_back(std::move(bytes));
-  pieces_.emplace_back(*shared_.back());
-  size_ += shared_.back()->size();
+  closedPieces_.emplace_back(*shared_.back());
+  closedSize_ += shared_.back()->size();
+}
+
+std::vector<std::string_view> OutputText::pieces() const {
+  std::vector<std::string_view> pieces = closedPieces_;
+  if (!openPiece().empty()) pieces.push_back(openPiece());
+  return pieces;
 }
 
 void OutputText::clear() {

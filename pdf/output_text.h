@@ -5,10 +5,10 @@
 // length costs its own size in memory and nothing is copied twice. Large byte strings (images) are referred
 // to.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,25 +19,37 @@ namespace veltrano {
 
 class OutputText {
  public:
-  void append(std::string_view text);
+  void append(std::string_view text) {
+    if (text.size() > static_cast<std::size_t>(end_ - next_)) [[unlikely]] {
+      appendInBlocks(text);
+      return;
+    }
+    next_ = std::copy_n(text.data(), text.size(), next_);
+  }
   /// Refers to `bytes` instead of copying them; keeps them alive.
   void appendShared(std::shared_ptr<const std::string> bytes);
 
-  [[nodiscard]] std::uint64_t size() const { return size_; }
-  /// The text in order. Valid until the next change.
-  [[nodiscard]] std::span<const std::string_view> pieces() const { return pieces_; }
+  [[nodiscard]] std::uint64_t size() const { return closedSize_ + openPiece().size(); }
+  /// The text in order. The views are valid until the next change.
+  [[nodiscard]] std::vector<std::string_view> pieces() const;
   void clear();
 
  private:
-  void addBlock();
+  void appendInBlocks(std::string_view text);
+  /// What was appended to the newest block since something shared has come in between.
+  [[nodiscard]] std::string_view openPiece() const {
+    return {open_, static_cast<std::size_t>(next_ - open_)};
+  }
+  void closePiece();
 
   std::vector<MemoryBlock> blocks_;
   std::vector<std::shared_ptr<const std::string>> shared_;
-  std::vector<std::string_view> pieces_;
+  std::vector<std::string_view> closedPieces_;
+  std::uint64_t closedSize_ = 0;
+  char* open_ = nullptr;
   char* next_ = nullptr;  ///< where the newest block goes on
-  std::size_t room_ = 0;  ///< and how much of it is left
+  char* end_ = nullptr;
   std::size_t blockSize_ = firstBlockSize;
-  std::uint64_t size_ = 0;
 
   /// Blocks grow up to a size at which neither their number nor the unused rest of the last one matters. By
   /// more than doubling: a heap gives a document's memory back to the system, to be fetched anew for the next

@@ -14,11 +14,9 @@ double VeltranoPDF::settledX() {
   }
   pending.waiting = false;
   // A file that changed only after the text was written has no say.
-  const bool changedLater = fonts_.metrics.changedAfter(fonts_.afmPath, pending.fontName, pending.writtenAt);
-  const FontMetrics* known =
-      changedLater ? fonts_.metrics.knownMetrics(fonts_.afmPath, pending.fontName) : nullptr;
-  const FontMetrics& metrics =
-      known != nullptr ? *known : fonts_.metrics.metrics(fonts_.afmPath, pending.fontName);
+  const bool changedLater = fonts_.metrics.changedAfter(pending.fontName, pending.writtenAt);
+  const FontMetrics* known = changedLater ? fonts_.metrics.knownMetrics(pending.fontName) : nullptr;
+  const FontMetrics& metrics = known != nullptr ? *known : fonts_.metrics.metrics(pending.fontName);
   geometry_.currentX += metrics.width(pending.text, pending.size);
   return geometry_.currentX;
 }
@@ -41,7 +39,7 @@ void VeltranoPDF::advanceBehind(std::string_view text, double x, double y) {
     return;
   }
   PendingAdvance& pending = fonts_.pendingAdvance;
-  pending.waiting = fonts_.metrics.knownMetrics(fonts_.afmPath, fonts_.currentFontName) != nullptr;
+  pending.waiting = fonts_.metrics.knownMetrics(fonts_.currentFontName) != nullptr;
   if (!pending.waiting) {
     geometry_.currentX += fonts_.currentMetrics().width(text, fonts_.fontSize);
     return;
@@ -65,9 +63,12 @@ void VeltranoPDF::appendColorEnd() {
 }
 
 void VeltranoPDF::appendTextOperators(std::string_view text) {
-  std::string& content = assembly_.pageContent;
-  content.append("/F").append(integerText(fonts_.fontNumber).view());
-  content.append(" ").append(integerText(fonts_.fontSize).view()).append(" Tf\r\n(");
+  ContentText& content = assembly_.pageContent;
+  content.append("/F");
+  content.appendInteger(fonts_.fontNumber);
+  content.append(" ");
+  content.appendInteger(fonts_.fontSize);
+  content.append(" Tf\r\n(");
   appendEscapedText(content, text);
   content.append(") Tj\r\nET\r\n");
 }
@@ -91,9 +92,8 @@ void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
   const bool rotated = fonts_.rotation != 0;
   const TextDirection direction = rotated ? TextDirection::fromDegrees(-fonts_.rotation) : TextDirection();
 
-  std::string& content = assembly_.pageContent;
-  appendLine(content, "%DEBUT_TEXT/%");
-  appendLine(content, "BT");
+  ContentText& content = assembly_.pageContent;
+  content.append("%DEBUT_TEXT/%\r\nBT\r\n");
   ContentLine line(content);
   if (rotated) {
     line.direction(direction.cosine, direction.sine).point(left, baseline).text(" Tm").end();

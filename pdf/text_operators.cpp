@@ -4,34 +4,44 @@
 #include <cmath>
 #include <numbers>
 
+#include "base/byte_lanes.h"
 #include "pdf/afm_file.h"
 #include "pdf/content_line.h"
 
 namespace veltrano {
 
-void appendEscapedText(std::string& target, std::string_view text) {
-  unsigned char special = 0;
-  for (const char c : text) {
-    special |= static_cast<unsigned char>(c == '\\') | static_cast<unsigned char>(c == '(') |
-               static_cast<unsigned char>(c == ')');
+namespace {
+
+bool isSpecial(char c) {
+  return c == '\\' || c == '(' || c == ')';
+}
+
+/// Nearly every text has nothing to escape, and asking that must not cost more than copying it.
+bool hasSpecial(std::string_view text) {
+  for (; text.size() >= ByteLanes::count; text.remove_prefix(ByteLanes::count)) {
+    const ByteLanes lanes(text.data());
+    if (((lanes == '\\') | (lanes == '(') | (lanes == ')')).any()) {
+      return true;
+    }
   }
-  if (special == 0) {
+  return std::any_of(text.begin(), text.end(), isSpecial);
+}
+
+}  // namespace
+
+void appendEscapedText(ContentText& target, std::string_view text) {
+  if (!hasSpecial(text)) {
     target.append(text);
     return;
   }
-  for (const char c : text) {
-    switch (c) {
-      case '\\':
-        target.append("\\\\\\\\");
-        break;
-      case '(':
-        target.append("\\(");
-        break;
-      case ')':
-        target.append("\\)");
-        break;
-      default:
-        target.push_back(c);
+  while (!text.empty()) {
+    const auto plain =
+        static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isSpecial) - text.begin());
+    target.append(text.substr(0, plain));
+    text.remove_prefix(plain);
+    if (!text.empty()) {
+      target.append(text.front() == '\\' ? "\\\\\\\\" : text.front() == '(' ? "\\(" : "\\)");
+      text.remove_prefix(1);
     }
   }
 }
@@ -46,7 +56,7 @@ TextDirection TextDirection::fromDegrees(double degrees) {
   return {std::cos(radians), std::sin(radians)};
 }
 
-void appendUnderline(std::string& target, const FontMetrics& metrics, int size, double x, double y,
+void appendUnderline(ContentText& target, const FontMetrics& metrics, int size, double x, double y,
                      double width, TextDirection direction) {
   if (!(width > 0)) {
     return;

@@ -17,8 +17,8 @@ void VeltranoPDF::raise(std::string_view message) {
 }
 
 void VeltranoPDF::PDFInit() {
-  if (fonts_.afmPath.empty()) fonts_.afmPath = metricsFolder();
-  PDFLoadAfm(fonts_.afmPath);
+  if (fonts_.metrics.folder().empty()) fonts_.metrics.setFolder(metricsFolder());
+  PDFLoadAfm(fonts_.metrics.folder());
 
   const int pageCount = assembly_.pageCount;
   assembly_ = Assembly();

@@ -10,9 +10,13 @@ aDiaeresis = Chr(228)
 oDiaeresis = Chr(246)
 cCedilla = Chr(231)
 
+If WScript.Arguments.Count < 1 Then
+    WScript.Echo "usage: cscript //nologo contacts.vbs OUTPUT_FOLDER"
+    WScript.Quit 1
+End If
 Dim mdb
 Set mdb = CreateObject("VeltranoFrameWorkDLL.VeltranoMDB")
-If Not mdb.OpenDB(WScript.Arguments(0) & "\contacts.mdb") Then Fail "the database does not open"
+If Not mdb.OpenDB(WScript.Arguments(0) & "\contacts.mdb") Then Fail "contacts.mdb does not open; make_contacts makes it"
 If Not mdb.OpenTable("Contacts") Then Fail "there is no table of contacts"
 WScript.Echo CountRecords() & " people are there"
 

@@ -3,6 +3,10 @@
 Option Explicit
 
 Dim samples, output, photo, jpg
+If WScript.Arguments.Count < 2 Then
+    WScript.Echo "usage: cscript //nologo pictures.vbs SAMPLES_FOLDER OUTPUT_FOLDER"
+    WScript.Quit 1
+End If
 samples = WScript.Arguments(0)
 output = WScript.Arguments(1)
 photo = samples & "\photo.jpg"

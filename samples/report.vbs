@@ -13,6 +13,10 @@ Const NO_BORDER = 0, ALL_EDGES = 1
 Const OUTLINE = 0, FILLED = 1, FILLED_OUTLINE = 2
 
 Dim samples, output, pdf
+If WScript.Arguments.Count < 2 Then
+    WScript.Echo "usage: cscript //nologo report.vbs SAMPLES_FOLDER OUTPUT_FOLDER"
+    WScript.Quit 1
+End If
 samples = WScript.Arguments(0)
 output = WScript.Arguments(1)
 

@@ -4,6 +4,10 @@
 Option Explicit
 
 Dim samples, output
+If WScript.Arguments.Count < 2 Then
+    WScript.Echo "usage: cscript //nologo tour.vbs SAMPLES_FOLDER OUTPUT_FOLDER"
+    WScript.Quit 1
+End If
 samples = WScript.Arguments(0)
 output = WScript.Arguments(1)
 
@@ -60,8 +64,11 @@ Sub Tour()
     kml.CreateStreetView "photo.jpg", 45.900650, 6.139210, 447.1, "Bathing beach", _
                          "<a href=""%streetview_id"">Look around</a>", "rectangle", "210"
     kml.CreateCameraOverlay "photo.jpg", 45.907820, 6.139740, 531.4, "From the viewpoint", "1"
-    kml.CreateGroundOverlay "photo.jpg", 45.899260, 6.129520, 448.2, "Quay", ""
+    ' This member alone takes the longitude first.
+    kml.CreateGroundOverlay "photo.jpg", 6.129520, 45.899260, 448.2, "Quay", ""
     kml.CloseKML
+    ' The overlays name their picture without a folder: it lies beside the file.
+    CreateObject("Scripting.FileSystemObject").CopyFile samples & "\photo.jpg", output & "\photo.jpg"
     WScript.Echo "tour.kml: " & points & " points of the track"
 End Sub
 

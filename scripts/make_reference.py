@@ -16,6 +16,9 @@ continued by lines that begin with two blanks:
   event:       "text" when ..., once for each message
   note:        anything else
   example:     VBScript; "example not run:" when a script host has not what it needs
+
+Before the members stands "object:", the name of the object in the examples, "header:", where C++ finds the class, and
+"texts:", the encoding of its texts there if it is not the ANSI code page; then what is said of the class as a whole.
 """
 
 import argparse
@@ -189,7 +192,9 @@ class Notes:
         self.object = re.search(r"^object: (\w+)$", head, re.M).group(1)
         header = re.search(r"^header: (\S+)$", head, re.M).group(1)
         self.header = None if header == "-" else header
-        self.introduction = re.sub(r"^(# .*|object: .*|header: .*)\n+", "", head, flags=re.M).strip()
+        texts = re.search(r"^texts: (\S+)$", head, re.M)
+        self.texts = texts.group(1) if texts else "the ANSI code page (Windows-1252 unless `setCodePage` chose another)"
+        self.introduction = re.sub(r"^(# .*|object: .*|header: .*|texts: .*)\n+", "", head, flags=re.M).strip()
         self.members = {}
         for section in sections:
             name, _, body = section.partition("\n")
@@ -283,8 +288,8 @@ def page(cls, notes, enumerations):
            f"docs/reference/notes/{cls.name}.md: change those. -->", "", f"{cls.help}.", "",
            f"- automation: `CreateObject(\"VeltranoFrameWorkDLL.{cls.name}\")`"]
     if notes.header:
-        out.append(f"- C++ on Linux: `#include \"{notes.header}\"`, class `veltrano::{cls.name}`; texts are `std::string`, "
-                   "file names `std::filesystem::path`")
+        out.append(f"- C++ on Linux: `#include \"{notes.header}\"`, class `veltrano::{cls.name}`; texts are `std::string` "
+                   f"in {notes.texts}, file names `std::filesystem::path`")
     out += ["", notes.introduction, ""]
     if cls.members:
         out += ["## Members", "", "| member | |", "|---|---|"]
@@ -308,16 +313,20 @@ def page(cls, notes, enumerations):
             out += member_section(member, notes.members[member.name])
         out += event_table(cls, notes)
     if cls.members:
-        out += ["## Each member", ""]
+        out += ["## Each member", "", f"The examples go on with `{notes.object}`, the object of the example at the top.", ""]
         for member in cls.members:
             out += member_section(member, notes.members[member.name])
     return "\n".join(out).rstrip() + "\n"
 
 
 def examples_script(classes, notes, folder):
-    """Each example on a new object, announced by its name, and "done" at the end: script hosts hide errors."""
+    """Each example, those of members on a new object, announced by its name, and "done" at the end: script hosts hide
+    errors. Those at the top of a page that begin with a remark on their language are for other hosts."""
     out = []
     for name, cls in classes.items():
+        for example in re.findall(r"^```vb\n(.*?)^```", notes[name].introduction, re.M | re.S):
+            if not example.startswith("' VBA"):
+                out += [f'WScript.Echo "{name}"', *example.splitlines()]
         for member in cls.members:
             for key, lines in notes[name].members[member.name]:
                 if key == "example":

@@ -1,17 +1,15 @@
 #include "settings/ini_lines.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstring>
+#include <iterator>
 
-#include "base/byte_lanes.h"
 #include "base/code_page.h"
 
 namespace veltrano {
 
 namespace {
-
-// So many line begins are ruled out at a time; a multiple of what the processor compares at once.
-constexpr std::size_t blockSize = 128;
 
 unsigned char indexOf(char c) {
   return static_cast<unsigned char>(c);
@@ -42,13 +40,16 @@ std::optional<char> caseBitOf(char lowered) {
 
 }  // namespace
 
-IniKey::IniKey(std::string_view key) : lowered_(ansiLower(key) + '=') {
-  probes_.fill({key.size(), '=', '\0'});
+IniKey::IniKey(std::string_view key, IniKeyScan scan)
+    : lowered_(ansiLower(key) + '='),
+      probes_{key.size(), {key.size(), '=', '\0'}, {key.size(), '=', '\0'}},
+      scan_(scan) {
   // The last characters tell keys apart best ("Server1", "Server2").
+  IniProbe* const probes[] = {&probes_.first, &probes_.second};
   std::size_t found = 0;
-  for (std::size_t i = key.size(); i-- > 0 && found < probes_.size();) {
+  for (std::size_t i = key.size(); i-- > 0 && found < std::size(probes);) {
     if (const auto bit = caseBitOf(lowered_[i])) {
-      probes_[found++] = {i, static_cast<char>(lowered_[i] | *bit), *bit};
+      *probes[found++] = {i, static_cast<char>(lowered_[i] | *bit), *bit};
     }
   }
 }
@@ -66,53 +67,38 @@ bool IniKey::standsAt(std::string_view text, std::size_t begin) const {
   return true;
 }
 
-/// False when no line of the key begins at block + 1 to block + blockSize. Three characters of a line are
-/// enough to rule out nearly all others, and as many bytes as the processor can compare at once make the
-/// search as fast as memory, however short the lines are.
-bool IniKey::mayBeginIn(const char* block) const {
-  const char* const sign = block + lowered_.size();
-  const char* const first = block + 1 + probes_[0].offset;
-  const char* const second = block + 1 + probes_[1].offset;
-  ByteLanes candidates;
-  for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
-    candidates |= (ByteLanes(sign + i) == '=') &
-                  ((ByteLanes(first + i) | probes_[0].caseBit) == probes_[0].lower) &
-                  ((ByteLanes(second + i) | probes_[1].caseBit) == probes_[1].lower);
-  }
-  return candidates.any();
-}
-
-std::optional<IniLine> IniKey::findLine(std::string_view text, std::size_t from) const {
+std::optional<IniLine> IniKey::findLine(std::string_view text, std::size_t from, std::size_t to) const {
   const auto lineAt = [&](std::size_t begin) {
     const std::size_t value = begin + lowered_.size();
     return IniLine{begin, value, lineEnd(text, value)};
   };
   // A key that holds a line end is on no line.
-  if (lowered_.find("\r\n") != std::string::npos || text.empty()) {
+  if (lowered_.find("\r\n") != std::string::npos || text.size() < lowered_.size()) {
     return std::nullopt;
   }
-  if (isLineBegin(text, from) && standsAt(text, from)) {
+  if (from < to && isLineBegin(text, from) && standsAt(text, from)) {
     return lineAt(from);
   }
-  for (std::size_t at = from; at < text.size();) {
-    // `at` is where a line feed may stand; the line then begins behind it.
-    const bool wholeBlock = text.size() - at > blockSize + lowered_.size();
-    if (wholeBlock && !mayBeginIn(text.data() + at)) {
-      at += blockSize;
-      continue;
-    }
-    const std::size_t end = wholeBlock ? at + blockSize : text.size();
-    while (at < end) {
-      const void* const feed = std::memchr(text.data() + at, '\n', end - at);
+  // No line begins where the key finds no room.
+  const std::size_t end = std::min(to, text.size() - lowered_.size() + 1);
+  const auto indexOfPlace = [&](const void* place) {
+    return static_cast<std::size_t>(static_cast<const char*>(place) - text.data());
+  };
+  for (std::size_t begin = from + 1; begin < end;) {
+    begin = indexOfPlace(scan_(text.data() + begin, text.data() + end, probes_));
+    const std::size_t windowEnd = std::min(begin + iniWindow, end);
+    while (begin < windowEnd) {
+      const void* const feed = std::memchr(text.data() + begin - 1, '\n', windowEnd - begin);
       if (feed == nullptr) {
         break;
       }
-      at = static_cast<std::size_t>(static_cast<const char*>(feed) - text.data()) + 1;
-      if (isLineBegin(text, at) && standsAt(text, at)) {
-        return lineAt(at);
+      begin = indexOfPlace(feed) + 1;
+      if (isLineBegin(text, begin) && standsAt(text, begin)) {
+        return lineAt(begin);
       }
+      ++begin;
     }
-    at = end;
+    begin = windowEnd;
   }
   return std::nullopt;
 }

@@ -3,11 +3,12 @@
 
 // Finding "key=value" lines in ANSI text whose lines end at CR LF.
 
-#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+
+#include "settings/ini_key_scan.h"
 
 namespace veltrano {
 
@@ -21,25 +22,20 @@ struct IniLine {
 /// Finds the lines of one key, without regard to the case of letters in the ANSI code page.
 class IniKey {
  public:
-  explicit IniKey(std::string_view key);
+  /// `scan` is one of usableIniKeyScans().
+  explicit IniKey(std::string_view key, IniKeyScan scan = usableIniKeyScans().back());
 
-  /// The first line of the key at or after `from`, which must be the begin or end of a line of `text`.
-  [[nodiscard]] std::optional<IniLine> findLine(std::string_view text, std::size_t from = 0) const;
+  /// The first line of the key in `text` that begins at or after `from` and before `to`.
+  [[nodiscard]] std::optional<IniLine> findLine(std::string_view text, std::size_t from = 0,
+                                                std::size_t to = std::string_view::npos) const;
 
  private:
   [[nodiscard]] bool standsAt(std::string_view text, std::size_t begin) const;
-  [[nodiscard]] bool mayBeginIn(const char* block) const;
-
-  /// What a byte in a line of the key must be once the bit that tells its cases apart is set.
-  struct Probe {
-    std::size_t offset;
-    char lower;
-    char caseBit;
-  };
 
   /// The key in lower case and "=".
   std::string lowered_;
-  std::array<Probe, 2> probes_;
+  IniProbes probes_;
+  IniKeyScan scan_;
 };
 
 }  // namespace veltrano

@@ -1,6 +1,7 @@
 #include "settings/settings_document.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "base/files.h"
@@ -32,29 +33,42 @@ bool isDocument(const pugi::xml_document& document) {
 }  // namespace
 
 SettingsDocument::LoadResult SettingsDocument::load(const std::filesystem::path& file) {
-  document_.reset();
-  form_ = XmlForm();
-  auto bytes = readWholeFile(file);
-  const bool readable = bytes.has_value();
-  const LoadResult result = readable ? parse(*std::move(bytes)) : LoadResult::empty;
+  clear();
+  const LoadResult result = read(file);
   if (result != LoadResult::loaded) {
-    document_.reset();
-    form_ = XmlForm();
-    traceSkipped("XML_Open", readable ? "the file is malformed" : "the file cannot be read");
+    clear();
+    std::error_code ignored;
+    outOfReach_ = result == LoadResult::outOfMemory ||
+                  (result == LoadResult::unreadable && std::filesystem::exists(file, ignored));
+    traceSkipped("XML_Open", "the file is not a settings file or cannot be read");
   }
   return result;
+}
+
+SettingsDocument::LoadResult SettingsDocument::read(const std::filesystem::path& file) try {
+  auto bytes = readWholeFile(file);
+  return bytes ? parse(*std::move(bytes)) : LoadResult::unreadable;
+} catch (const std::bad_alloc&) {
+  return LoadResult::outOfMemory;
+}
+
+void SettingsDocument::clear() {
+  index_.forget();
+  document_.reset();
+  form_ = XmlForm();
+  outOfReach_ = false;
 }
 
 SettingsDocument::LoadResult SettingsDocument::parse(std::string bytes) {
   auto decoded = decodeXml(std::move(bytes));
   if (!decoded) {
-    return LoadResult::empty;
+    return LoadResult::malformed;
   }
   form_ = std::move(decoded->form);
   buffer_ = std::move(decoded->text);
   const std::size_t behindDeclaration = form_.declaration.size();
   if (!isAcceptableXml(std::string_view(buffer_).substr(behindDeclaration))) {
-    return LoadResult::empty;
+    return LoadResult::malformed;
   }
   // The parser puts a zero over the last byte: it gets the one that ends the string, or it would lose a line
   // end.
@@ -64,11 +78,11 @@ SettingsDocument::LoadResult SettingsDocument::parse(std::string bytes) {
   if (result.status == pugi::status_out_of_memory) {
     return LoadResult::outOfMemory;
   }
-  return result && isDocument(document_) ? LoadResult::loaded : LoadResult::empty;
+  return result && isDocument(document_) ? LoadResult::loaded : LoadResult::malformed;
 }
 
 bool SettingsDocument::save(const std::filesystem::path& file) const {
-  if (!document_.document_element()) {
+  if (outOfReach_ || !document_.document_element()) {
     return false;
   }
   // A little is changed as a rule.

@@ -1,21 +1,15 @@
 #include "settings/settings_nodes.h"
 
+#include <algorithm>
+
 #include "base/trace.h"
+#include "settings/child_index.h"
 #include "settings/xml_characters.h"
 #include "settings/xml_well_formed.h"
 
 namespace veltrano {
 
 namespace {
-
-/// The parser's own look-up by name would also take an instruction of that name.
-pugi::xml_node childElement(const pugi::xml_node& parent, const char* name) {
-  pugi::xml_node child = parent.child(name);
-  while (child && child.type() != pugi::node_element) {
-    child = child.next_sibling(name);
-  }
-  return child;
-}
 
 /// Evaluates the expression, which may be no XPath at all or give a number.
 pugi::xpath_node select(const pugi::xml_node& from, const std::string& expression) try {
@@ -112,13 +106,13 @@ bool isLayout(const pugi::xml_node& node) {
          (node.previous_sibling() || node.next_sibling());
 }
 
-pugi::xpath_node lookUp(const pugi::xml_node& from, std::string_view expression) {
+pugi::xpath_node lookUp(const pugi::xml_node& from, std::string_view expression, ChildIndex& index) {
   if (!from) {
     return {};
   }
   const std::string text(expression);
   if (isQualifiedName(expression)) {
-    const pugi::xml_node child = childElement(from, text.c_str());
+    const pugi::xml_node child = index.find(from, text.c_str());
     return child ? pugi::xpath_node(child) : pugi::xpath_node();
   }
   // The evaluator would take the part before a zero character for the whole.
@@ -174,7 +168,13 @@ std::vector<std::string> childNames(const pugi::xml_node& node) {
   return names;
 }
 
-void removeChild(pugi::xml_node parent, const pugi::xpath_node& node) {
+bool hasChildElements(const pugi::xml_node& node) {
+  const auto children = node.children();
+  return std::any_of(children.begin(), children.end(),
+                     [](const pugi::xml_node& child) { return child.type() == pugi::node_element; });
+}
+
+void removeChild(pugi::xml_node parent, const pugi::xpath_node& node, ChildIndex& index) {
   const pugi::xml_node child = node.node();
   if (!child || child.parent() != parent) {
     return;
@@ -184,6 +184,7 @@ void removeChild(pugi::xml_node parent, const pugi::xpath_node& node) {
   if (isLayout(before) && isLayout(child.next_sibling())) {
     parent.remove_child(before);
   }
+  index.removing(child);
   parent.remove_child(child);
 }
 

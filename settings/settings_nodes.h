@@ -12,13 +12,15 @@
 
 namespace veltrano {
 
+class ChildIndex;
+
 /// True for white space between elements: it is kept in the file and is no child node to anybody. The only
 /// text of an element is its value, be it blank.
 bool isLayout(const pugi::xml_node& node);
 
 /// The first node in document order that the XPath expression selects, seen from `from`; an empty one when
 /// there is none or `expression` is none. Plain element names take a direct path to the same result.
-pugi::xpath_node lookUp(const pugi::xml_node& from, std::string_view expression);
+pugi::xpath_node lookUp(const pugi::xml_node& from, std::string_view expression, ChildIndex& index);
 
 /// True when an element of this name can be made below `parent`: the name is valid, its prefix declared
 /// there, and the document not too deep already.
@@ -36,8 +38,10 @@ void setText(const pugi::xpath_node& node, std::string_view text);
 /// that have no name.
 std::vector<std::string> childNames(const pugi::xml_node& node);
 
+bool hasChildElements(const pugi::xml_node& node);
+
 /// Removes a child of `parent`; does nothing when `node` is none.
-void removeChild(pugi::xml_node parent, const pugi::xpath_node& node);
+void removeChild(pugi::xml_node parent, const pugi::xpath_node& node, ChildIndex& index);
 
 }  // namespace veltrano
 

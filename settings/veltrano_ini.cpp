@@ -1,5 +1,6 @@
 #include "settings/veltrano_ini.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -12,6 +13,7 @@ namespace veltrano {
 namespace {
 
 constexpr std::string_view lineBreak = "\r\n";
+constexpr std::size_t pieceSize = std::size_t{256} * 1024;
 
 /// Looks for a key in a text that arrives in pieces, holding no more of it than one line.
 class PiecewiseSearch {
@@ -96,15 +98,18 @@ std::string VeltranoINI::ChangeValue(std::string_view xFileBuffer, std::string_v
   std::string result;
   result.reserve(xFileBuffer.size() + lineBreak.size() + Key.size() + 1 + Value.size());
   const auto appendLine = [&] { result.append(Key).append(1, '=').append(Value); };
-  std::size_t kept = 0;
   bool found = false;
-  for (auto line = key.findLine(xFileBuffer); line; line = key.findLine(xFileBuffer, line->end)) {
-    result.append(xFileBuffer.substr(kept, line->begin - kept));
-    appendLine();
-    kept = line->end;
-    found = true;
+  // By pieces, so that what was searched is still in the processor's cache when it is copied.
+  for (std::size_t at = 0; at < xFileBuffer.size();) {
+    const std::size_t pieceEnd = std::min(at + pieceSize, xFileBuffer.size());
+    const auto line = key.findLine(xFileBuffer, at, pieceEnd);
+    result.append(xFileBuffer.substr(at, (line ? line->begin : pieceEnd) - at));
+    if (line) {
+      appendLine();
+      found = true;
+    }
+    at = line ? line->end : pieceEnd;
   }
-  result.append(xFileBuffer.substr(kept));
   if (!found) {
     // Also when the text ends with a line break or is empty: an empty line comes before the new one then.
     result.append(lineBreak);

@@ -1,7 +1,5 @@
 #include "settings/veltrano_xml.h"
 
-#include <new>
-
 #include "base/trace.h"
 #include "settings/settings_document.h"
 #include "settings/settings_nodes.h"
@@ -34,12 +32,7 @@ VeltranoXML::~VeltranoXML() = default;
 void VeltranoXML::XML_Open(const std::filesystem::path& xFilename) {
   fileName_ = xFilename;
   // A later success does not reset the flag: only a saved setting does.
-  try {
-    loadFailed_ |= document_->load(xFilename) == SettingsDocument::LoadResult::outOfMemory;
-  } catch (const std::bad_alloc&) {
-    loadFailed_ = true;
-    document_ = std::make_unique<SettingsDocument>();
-  }
+  loadFailed_ |= document_->load(xFilename) == SettingsDocument::LoadResult::outOfMemory;
 }
 
 void VeltranoXML::XML_Save() {
@@ -51,9 +44,12 @@ void VeltranoXML::XML_Save() {
 void VeltranoXML::XML_SaveSetting(std::string_view Folder, std::string_view Key, std::string_view Value) {
   loadFailed_ = false;
   pugi::xml_node root = document_->root();
-  const pugi::xpath_node folder = root ? lookUp(root, Folder) : pugi::xpath_node();
-  const pugi::xpath_node key = folder ? lookUp(folder.node(), Key) : pugi::xpath_node();
+  const pugi::xpath_node folder = root ? lookUp(root, Folder, document_->index()) : pugi::xpath_node();
+  const pugi::xpath_node key = folder ? lookUp(folder.node(), Key, document_->index()) : pugi::xpath_node();
   if (key) {
+    if (hasChildElements(key.node())) {
+      document_->index().forget();
+    }
     setText(key, Value);
     return;
   }
@@ -68,15 +64,21 @@ void VeltranoXML::XML_SaveSetting(std::string_view Folder, std::string_view Key,
     traceSkipped("XML_SaveSetting", "no such element can be made");
     return;
   }
-  const pugi::xml_node parent = folder ? folder.node() : createElement(root, Folder);
-  setText(createElement(parent, Key), Value);
+  const auto create = [this](pugi::xml_node parent, std::string_view name) {
+    const pugi::xml_node element = createElement(parent, name);
+    document_->index().added(element);
+    return element;
+  };
+  const pugi::xml_node parent = folder ? folder.node() : create(root, Folder);
+  setText(create(parent, Key), Value);
 }
 
 std::string VeltranoXML::XML_GetSetting(std::string_view Folder, std::string_view Key,
                                         std::string_view Default) {
   const pugi::xml_node root = document_->root();
-  const pugi::xpath_node folder = loadFailed_ || !root ? pugi::xpath_node() : lookUp(root, Folder);
-  const pugi::xpath_node key = folder ? lookUp(folder.node(), Key) : pugi::xpath_node();
+  const pugi::xpath_node folder =
+      loadFailed_ || !root ? pugi::xpath_node() : lookUp(root, Folder, document_->index());
+  const pugi::xpath_node key = folder ? lookUp(folder.node(), Key, document_->index()) : pugi::xpath_node();
   return key ? textOf(key) : std::string(Default);
 }
 
@@ -87,7 +89,8 @@ SettingNames VeltranoXML::XML_EnumFolders() {
 
 SettingNames VeltranoXML::XML_EnumKeys(std::string_view Folder) {
   const pugi::xml_node root = document_->root();
-  const pugi::xpath_node folder = loadFailed_ || !root ? pugi::xpath_node() : lookUp(root, Folder);
+  const pugi::xpath_node folder =
+      loadFailed_ || !root ? pugi::xpath_node() : lookUp(root, Folder, document_->index());
   return folder ? namesOfChildren(folder.node()) : unallocatedArray();
 }
 
@@ -97,11 +100,11 @@ void VeltranoXML::XML_DeleteSetting(const std::filesystem::path& /*xFilename*/, 
   if (loadFailed_ || !root) {
     return;
   }
-  const pugi::xpath_node folder = lookUp(root, Folder);
+  const pugi::xpath_node folder = lookUp(root, Folder, document_->index());
   if (Key.empty()) {
-    removeChild(root, folder);
+    removeChild(root, folder, document_->index());
   } else if (folder) {
-    removeChild(folder.node(), lookUp(folder.node(), Key));
+    removeChild(folder.node(), lookUp(folder.node(), Key, document_->index()), document_->index());
   }
 }
 

@@ -41,7 +41,9 @@ class VeltranoXML {
   /// behave as if there were no settings, until XML_SaveSetting.
   void XML_Open(const std::filesystem::path& xFilename);
   /// Puts the settings in place of the opened file, whole or not at all. Does nothing when no file was opened
-  /// or there is no root element: a malformed file stays as it is until a setting was saved.
+  /// or there is no root element: a malformed file stays as it is until a setting was saved. One that was
+  /// there and could not be read at XML_Open (another program had locked it, the
+  /// memory was not enough) stays in any case.
   void XML_Save();
   void XML_SaveSetting(std::string_view Folder, std::string_view Key, std::string_view Value);
   std::string XML_GetSetting(std::string_view Folder, std::string_view Key, std::string_view Default = {});

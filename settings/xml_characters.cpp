@@ -13,17 +13,93 @@ unsigned char byteAt(std::string_view text, std::size_t i) {
   return static_cast<unsigned char>(text[i]);
 }
 
-/// How many bytes at the begin of `text` are ASCII characters that a document may hold; some may be missed.
-std::size_t plainLength(std::string_view text) {
-  std::size_t length = 0;
-  for (; text.size() - length >= ByteLanes::count; length += ByteLanes::count) {
-    const ByteLanes c(text.data() + length);
-    const ByteLanes blank = (c == '\t') | (c == '\n') | (c == '\r');
-    if ((((c < ' ') & ~blank) | c.beyondAscii()).any()) {
-      break;
+bool isContinuation(unsigned char byte) {
+  return (byte & 0xC0U) == 0x80;
+}
+
+ByteLanes forbiddenControls(const ByteLanes& c) {
+  return (c < ' ') & ~((c == '\t') | (c == '\n') | (c == '\r'));
+}
+
+// Of each byte: whether it is wrong behind the three bytes before it, which are looked at too.
+
+/// Whether characters begin and go on where they must.
+ByteLanes wrongLengths(const char* bytes) {
+  const ByteLanes c(bytes);
+  const ByteLanes continues = c.beyondAscii() & (c < '\xC0');
+  const ByteLanes mayNotContinue =
+      (ByteLanes(bytes - 1) < '\xC0') & (ByteLanes(bytes - 2) < '\xE0') & (ByteLanes(bytes - 3) < '\xF0');
+  const ByteLanes wastesBytes = (c == '\xC0') | (c == '\xC1');
+  return ~(continues ^ mayNotContinue) | wastesBytes;
+}
+
+/// What else can be wrong with characters of three or four bytes.
+ByteLanes wrongLongCharacters(const char* bytes) {
+  const ByteLanes c(bytes);
+  const ByteLanes last(bytes - 1);
+  const ByteLanes wastesBytes = ((last == '\xE0') & (c < '\xA0')) | ((last == '\xF0') & (c < '\x90'));
+  const ByteLanes surrogate = (last == '\xED') & ~(c < '\xA0');
+  const ByteLanes tooLarge = ((last == '\xF4') & ~(c < '\x90')) | ~(last < '\xF5');
+  const ByteLanes noCharacter = (ByteLanes(bytes - 2) == '\xEF') & (last == '\xBF') & ~(c < '\xBE');
+  return wastesBytes | surrogate | tooLarge | noCharacter;
+}
+
+constexpr std::size_t blockSize = 128;
+
+/// Judges a block behind at least three bytes of the text. Of a character that goes on behind the block, only
+/// what the block holds of it.
+bool isXmlBlock(const char* block) {
+  const ByteLanes before(block - 3);
+  ByteLanes beyondAscii = before.beyondAscii();
+  ByteLanes longLeads = ~(before < '\xE0');
+  ByteLanes controls;
+  for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
+    const ByteLanes c(block + i);
+    beyondAscii |= c.beyondAscii();
+    longLeads |= ~(c < '\xE0');
+    controls |= forbiddenControls(c);
+  }
+  if (!beyondAscii.any()) {
+    return !controls.any();
+  }
+  ByteLanes wrong = controls;
+  for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
+    wrong |= wrongLengths(block + i);
+  }
+  if (longLeads.any()) {
+    for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
+      wrong |= wrongLongCharacters(block + i);
     }
   }
-  return length;
+  return !wrong.any();
+}
+
+/// Moves `at`, which is where a character and no earlier than the fourth byte begins, to the begin of the
+/// last character that whole blocks hold, wholly or in part. False when they hold a wrong one.
+bool skipXmlBlocks(std::string_view text, std::size_t& at) {
+  const std::size_t begin = at;
+  for (; text.size() - at >= blockSize; at += blockSize) {
+    if (!isXmlBlock(text.data() + at)) {
+      return false;
+    }
+  }
+  while (at > begin && isContinuation(byteAt(text, at - 1))) {
+    --at;
+  }
+  at -= at > begin ? 1 : 0;
+  return true;
+}
+
+/// Moves `at` behind characters, to `end` or the first that ends behind it. False when there is a wrong one.
+bool skipXmlCharacters(std::string_view text, std::size_t& at, std::size_t end) {
+  while (at < end) {
+    const auto character = decodeCharacter(text.substr(at));
+    if (!character || !isXmlCharacter(character->code)) {
+      return false;
+    }
+    at += character->length;
+  }
+  return true;
 }
 
 struct Range {
@@ -104,7 +180,7 @@ std::optional<DecodedCharacter> decodeCharacter(std::string_view text) {
   }
   for (std::size_t i = 1; i < length; ++i) {
     const unsigned char next = byteAt(text, i);
-    if ((next & 0xC0U) != 0x80) {
+    if (!isContinuation(next)) {
       return std::nullopt;
     }
     code = (code << 6U) | (next & 0x3FU);
@@ -146,19 +222,11 @@ bool isBlank(std::string_view text) {
 }
 
 bool isXmlText(std::string_view text) {
-  for (std::size_t i = plainLength(text); i < text.size();) {
-    const unsigned char byte = byteAt(text, i);
-    if ((byte >= 0x20 && byte < 0x80) || isXmlBlank(text[i])) {
-      ++i;
-      continue;
-    }
-    const auto character = decodeCharacter(text.substr(i));
-    if (!character || !isXmlCharacter(character->code)) {
-      return false;
-    }
-    i += character->length;
-  }
-  return true;
+  // As many bytes must come before the first block.
+  constexpr std::size_t lookBack = 3;
+  std::size_t at = 0;
+  return skipXmlCharacters(text, at, std::min(lookBack, text.size())) && skipXmlBlocks(text, at) &&
+         skipXmlCharacters(text, at, text.size());
 }
 
 std::string withoutForbiddenCharacters(std::string_view text) {

@@ -22,6 +22,7 @@ void appendUtf8(std::string& target, char32_t code);
 
 /// What an XML document may hold, as such or as a character reference.
 bool isXmlCharacter(char32_t code);
+constexpr std::string_view xmlBlanks = " \t\n\r";
 inline bool isXmlBlank(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }

@@ -102,6 +102,7 @@ std::optional<Declaration> parseDeclaration(std::string_view text) {
   return declaration;
 }
 
+/// The usual ones are the same everywhere; the system is asked for the others.
 std::optional<CodePageTable> singleByteTable(std::string_view encoding) {
   const struct {
     std::string_view name;
@@ -114,7 +115,7 @@ std::optional<CodePageTable> singleByteTable(std::string_view encoding) {
       return table;
     }
   }
-  return std::nullopt;
+  return codePageNamed(encoding);
 }
 
 // Bytes to UTF-8

@@ -2,7 +2,8 @@
 #define VELTRANO_SETTINGS_XML_ENCODING_H
 
 // How a settings file is encoded, so that it is saved as it was found: what wrote it must be able to read it.
-// Known are UTF-8, UTF-16 in both byte orders, US-ASCII, ISO-8859-1 and Windows-1250 to 1252.
+// Known are UTF-8, UTF-16 in both byte orders, US-ASCII, ISO-8859-1, Windows-1250 to 1252 and the other
+// single-byte encodings that the system knows.
 
 #include <optional>
 #include <string>

@@ -1,6 +1,7 @@
 #include "settings/xml_well_formed.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <vector>
@@ -12,47 +13,139 @@ namespace veltrano {
 
 namespace {
 
-constexpr std::size_t blockSize = 128;
+/// The predefined entities and references to characters; there are no others without a document type. `text`
+/// begins behind the "&".
+bool beginsWithReference(std::string_view text) {
+  for (const std::string_view entity : {"amp;", "lt;", "gt;", "quot;", "apos;"}) {
+    if (text.starts_with(entity)) {
+      return true;
+    }
+  }
+  if (!text.starts_with('#')) {
+    return false;
+  }
+  const bool hexadecimal = text.starts_with("#x");
+  text.remove_prefix(hexadecimal ? 2 : 1);
+  std::uint32_t code = 0;
+  const char* const textEnd = text.data() + text.size();
+  const auto [end, error] = std::from_chars(text.data(), textEnd, code, hexadecimal ? 16 : 10);
+  return error == std::errc() && end != textEnd && *end == ';' && isXmlCharacter(code);
+}
 
-/// True for a document of nothing but elements without attributes and ASCII text without references: what the
-/// parser reads without leniency. Most settings files are that, and telling so is many times faster than
-/// Scanner.
-bool isPlain(std::string_view text) {
-  std::size_t nesting = 0;
-  // Also the byte behind a block is looked at.
-  while (text.size() > blockSize) {
+bool hasOnlyReferences(std::string_view text) {
+  for (std::size_t at = 0; (at = text.find('&', at)) != std::string_view::npos;) {
+    ++at;
+    if (!beginsWithReference(text.substr(at))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+/// Looks for documents of nothing but text and elements that have no attributes and names in ASCII. The
+/// parser reads their tags without leniency, so that only the text needs a look. Most settings files are like
+/// that, and telling so is many times faster than Scanner.
+class PlainText {
+ public:
+  /// False also when it cannot tell.
+  static bool isPlain(std::string_view text) {
+    // Beside the root the parser would take a reference to a blank for that blank.
+    const std::size_t begin = text.find_first_not_of(xmlBlanks);
+    const std::size_t end = text.find_last_not_of(xmlBlanks);
+    return begin != std::string_view::npos && text[begin] == '<' && text[end] == '>' && PlainText(text).run();
+  }
+
+ private:
+  static constexpr std::size_t blockSize = 128;
+
+  explicit PlainText(std::string_view text) : text_(text) {}
+
+  bool run() {
+    // Also the byte behind a block is looked at.
+    for (; text_.size() - at_ > blockSize; at_ += blockSize) {
+      if (!takeBlock(text_.data() + at_)) {
+        return false;
+      }
+    }
+    std::array<char, blockSize + 1> last;
+    last.fill(' ');
+    std::copy(text_.begin() + static_cast<std::ptrdiff_t>(at_), text_.end(), last.begin());
+    return takeBlock(last.data()) && (!beyondAscii_ || isXmlText(text_)) &&
+           (!references_ || hasOnlyReferences(text_));
+  }
+
+  /// `block` is what stands at `at_`.
+  bool takeBlock(const char* block) {
     ByteLanes special;
+    ByteLanes unusual;
+    ByteLanes beyondAscii;
+    ByteLanes references;
     ByteLanes tags;
     ByteLanes endTags;
     for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
-      const ByteLanes c(text.data() + i);
-      const ByteLanes next(text.data() + i + 1);
+      const ByteLanes c(block + i);
+      const ByteLanes next(block + i + 1);
       const ByteLanes tag = c == '<';
       const ByteLanes blank = (c == '\t') | (c == '\n') | (c == '\r');
-      special |= ((c < ' ') & ~blank) | c.beyondAscii() | (c == '&') | (c == '"') | (c == '\'') | (c == ']') |
-                 (tag & ((next == '!') | (next == '?')));
+      special |=
+          ((c < ' ') & ~blank) | ((c == ']') & (next == ']')) | (tag & ((next == '!') | (next == '?')));
+      unusual |= (c == '"') | (c == '\'') | c.beyondAscii();
+      beyondAscii |= c.beyondAscii();
+      references |= c == '&';
       tags.countHits(tag);
       endTags.countHits(tag & (next == '/'));
     }
+    beyondAscii_ |= beyondAscii.any();
+    references_ |= references.any();
+    return !special.any() && nest(tags.sum(), endTags.sum()) && (!unusual.any() || haveSimpleTags(block));
+  }
+
+  bool nest(std::size_t tags, std::size_t ends) {
     // No element in this block is nested deeper than if all its start tags came first. An end tag is a tag
     // too.
-    const std::size_t ends = endTags.sum();
-    const std::size_t deepest = nesting + tags.sum() - ends;
-    if (special.any() || deepest > deepestNesting || deepest < ends) {
-      return false;
-    }
-    nesting = deepest - ends;
-    text.remove_prefix(blockSize);
+    const std::size_t deepest = nesting_ + tags - ends;
+    nesting_ = deepest - ends;
+    return deepest <= deepestNesting && deepest >= ends;
   }
-  // What is left is shorter than a block.
-  const auto isPlainByte = [](char c) {
-    constexpr std::string_view suspicious = "&\"'!?]";
-    const bool printable = c >= ' ' && static_cast<unsigned char>(c) < 0x80;
-    return printable ? suspicious.find(c) == std::string_view::npos : isXmlBlank(c);
-  };
-  const auto tags = static_cast<std::size_t>(std::count(text.begin(), text.end(), '<'));
-  return std::all_of(text.begin(), text.end(), isPlainByte) && nesting + tags <= deepestNesting;
-}
+
+  /// True when there are neither attributes nor characters beyond ASCII in the tags.
+  bool haveSimpleTags(const char* block) {
+    for (std::size_t i = at_; i-- > tagsKnown_;) {
+      if (text_[i] == '<' || text_[i] == '>') {
+        inTag_ = text_[i] == '<';
+        break;
+      }
+    }
+    tagsKnown_ = at_ + blockSize;
+    constexpr std::size_t wordSize = 64;
+    for (const char* const end = block + blockSize; block != end; block += wordSize) {
+      std::uint64_t begins = inTag_ ? 1 : 0;
+      std::uint64_t ends = 0;
+      std::uint64_t unusual = 0;
+      for (std::size_t i = 0; i < wordSize; i += ByteLanes::count) {
+        const ByteLanes c(block + i);
+        begins |= (c == '<').bits() << i;
+        ends |= (c == '>').bits() << i;
+        unusual |= ((c == '"') | (c == '\'') | c.beyondAscii()).bits() << i;
+      }
+      // The difference has all bits from a begin to before the next end.
+      if (((ends - begins) & ~ends & unusual) != 0) {
+        return false;
+      }
+      inTag_ = begins > ends;
+    }
+    return true;
+  }
+
+  const std::string_view text_;
+  std::size_t at_ = 0;
+  std::size_t nesting_ = 0;
+  bool beyondAscii_ = false;
+  bool references_ = false;
+  /// Whether a tag goes on at `tagsKnown_`.
+  bool inTag_ = false;
+  std::size_t tagsKnown_ = 0;
+};
 
 /// Reads a document from begin to end without recursion. Every step says whether to go on.
 class Scanner {
@@ -110,7 +203,7 @@ class Scanner {
     if (open_.empty()) {
       return isBlank(text);
     }
-    return text.find("]]>") == std::string_view::npos && references(text);
+    return text.find("]]>") == std::string_view::npos && hasOnlyReferences(text);
   }
 
   bool markup() {
@@ -179,7 +272,7 @@ class Scanner {
     rest_.remove_prefix(1);
     const std::string_view value = rest_.substr(0, rest_.find(quote));
     rest_.remove_prefix(value.size());
-    return skip({&quote, 1}) && value.find('<') == std::string_view::npos && references(value);
+    return skip({&quote, 1}) && value.find('<') == std::string_view::npos && hasOnlyReferences(value);
   }
 
   bool endTag() {
@@ -191,29 +284,6 @@ class Scanner {
     return skip(">");
   }
 
-  /// The predefined entities and references to characters; there are no others without a document type.
-  static bool references(std::string_view text) {
-    for (std::size_t at = 0; (at = text.find('&', at)) != std::string_view::npos;) {
-      const std::size_t end = text.find(';', at);
-      if (end == std::string_view::npos || !reference(text.substr(at + 1, end - at - 1))) {
-        return false;
-      }
-      at = end;
-    }
-    return true;
-  }
-
-  static bool reference(std::string_view name) {
-    if (!name.starts_with('#')) {
-      return name == "lt" || name == "gt" || name == "amp" || name == "quot" || name == "apos";
-    }
-    const int base = name.starts_with("#x") ? 16 : 10;
-    name.remove_prefix(base == 16 ? 2 : 1);
-    std::uint32_t code = 0;
-    const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), code, base);
-    return error == std::errc() && end == name.data() + name.size() && isXmlCharacter(code);
-  }
-
   std::string_view rest_;
   std::vector<std::string_view> open_;
   std::vector<std::string_view> attributes_;
@@ -223,7 +293,7 @@ class Scanner {
 }  // namespace
 
 bool isAcceptableXml(std::string_view text) {
-  return isPlain(text) || Scanner(text).run();
+  return PlainText::isPlain(text) || Scanner(text).run();
 }
 
 }  // namespace veltrano

@@ -1,5 +1,6 @@
 #include "settings/xml_writer.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -39,37 +40,33 @@ class Gatherer {
   Gatherer& operator=(const Gatherer&) = delete;
   ~Gatherer() = default;
 
+  /// Less than a block.
   void put(std::string_view text) {
-    if (text.size() > block_.size() - used_) {
+    if (text.size() > static_cast<std::size_t>(end() - next_)) {
       flush();
-      target_.append(text);
-      return;
     }
-    std::memcpy(block_.data() + used_, text.data(), text.size());
-    used_ += text.size();
+    next_ = std::copy(text.begin(), text.end(), next_);
   }
 
   /// Short literals: the compiler knows their size and needs no call to copy them.
   template <std::size_t size>
   void put(const char (&literal)[size]) {
-    if (size > block_.size() - used_) {
+    if (size > static_cast<std::size_t>(end() - next_)) {
       flush();
     }
-    std::memcpy(block_.data() + used_, literal, size - 1);
-    used_ += size - 1;
+    std::memcpy(next_, literal, size - 1);
+    next_ += size - 1;
   }
 
-  /// Copies bytes up to the first that `where` does not allow; returns where that is.
-  const char* putWhileAllowed(const char* text, unsigned where) {
-    const auto allowed = [where](char c) { return (needs[static_cast<unsigned char>(c)] & where) == 0; };
+  /// Copies bytes up to the first that is among `stops`; returns where that is.
+  const char* putUpTo(const char* text, unsigned stops) {
     for (;;) {
-      char* target = block_.data() + used_;
-      char* const end = block_.data() + block_.size();
-      while (target != end && allowed(*text)) {
-        *target++ = *text++;
+      char* next = next_;
+      while (next != end() && (needs[static_cast<unsigned char>(*text)] & stops) == 0) {
+        *next++ = *text++;
       }
-      used_ = static_cast<std::size_t>(target - block_.data());
-      if (target != end) {
+      next_ = next;
+      if (next != end()) {
         return text;
       }
       flush();
@@ -77,46 +74,53 @@ class Gatherer {
   }
 
   void flush() {
-    target_.append(block_.data(), used_);
-    used_ = 0;
+    target_.append(block_.data(), next_);
+    next_ = block_.data();
   }
 
  private:
+  char* end() { return block_.data() + block_.size(); }
+
   std::string& target_;
   std::array<char, 4096> block_;
-  std::size_t used_ = 0;
+  char* next_ = block_.data();
 };
 
 class Writer {
  public:
   Writer(const XmlForm& form, std::string& target)
-      : form_(form), lineEnd_(form.crlf ? "\r\n" : "\n"), text_(target) {}
+      : form_(form),
+        lineEnd_(form.crlf ? "\r\n" : "\n"),
+        always_(form.encoding == XmlForm::Encoding::singleByte ? unsigned{inNarrow} : 0U),
+        text_(target) {}
 
-  /// Goes from node to node without recursion; each step asks the document for one neighbour.
+  /// Goes from node to node without recursion. Each question to the document is a call into another library,
+  /// and a large store has hundreds of thousands of nodes: none is asked twice, and nodes are tested by their
+  /// type alone.
   void write(const pugi::xml_document& document) {
     pugi::xml_node node = document.first_child();
-    while (node) {
+    for (;;) {
       pugi::xml_node next = open(node);
-      while (!next) {
+      while (next.type() == pugi::node_null) {
         next = node.next_sibling();
-        if (next) {
+        if (next.type() != pugi::node_null) {
           break;
         }
         node = node.parent();
         if (node.type() != pugi::node_element) {
-          break;
+          text_.flush();
+          return;
         }
-        close(node);
+        close(node.name());
       }
       node = next;
     }
-    text_.flush();
   }
 
   [[nodiscard]] bool complete() const { return complete_; }
 
  private:
-  /// Writes what comes before the children; returns the first one.
+  /// Writes what comes before the children, and returns the first one; or writes the whole node.
   pugi::xml_node open(const pugi::xml_node& node) {
     switch (node.type()) {
       case pugi::node_element:
@@ -136,7 +140,7 @@ class Writer {
         break;
       case pugi::node_pi:
         text_.put("<?");
-        name(node.name());
+        verbatim(node.name());
         if (*node.value() != '\0') {
           text_.put(" ");
           verbatim(node.value());
@@ -150,40 +154,39 @@ class Writer {
   }
 
   pugi::xml_node openElement(const pugi::xml_node& element) {
+    const char* const elementName = element.name();
     text_.put("<");
-    name(element.name());
+    verbatim(elementName);
     for (auto attribute = element.first_attribute(); attribute; attribute = attribute.next_attribute()) {
       text_.put(" ");
-      name(attribute.name());
+      verbatim(attribute.name());
       text_.put("=\"");
       escaped(attribute.value(), inAttribute);
       text_.put("\"");
     }
     const pugi::xml_node child = element.first_child();
-    if (child) {
-      text_.put(">");
-    } else {
+    const pugi::xml_node_type childType = child.type();
+    if (childType == pugi::node_null) {
       text_.put("/>");
+      return {};
+    }
+    text_.put(">");
+    // Nearly all elements of a settings file are keys, which hold one text.
+    if (childType == pugi::node_pcdata && child.next_sibling().type() == pugi::node_null) {
+      escaped(child.value(), inText);
+      close(elementName);
+      return {};
     }
     return child;
   }
 
-  void close(const pugi::xml_node& element) {
+  void close(const char* elementName) {
     text_.put("</");
-    name(element.name());
+    verbatim(elementName);
     text_.put(">");
   }
 
   void put(std::string_view text) { text_.put(text); }
-
-  /// Names hold no line ends.
-  void name(const char* text) {
-    if (form_.encoding == XmlForm::Encoding::singleByte) {
-      verbatim(text);
-    } else {
-      put(text);
-    }
-  }
 
   /// What holds no references: line ends become the file's, and all characters must be in the encoding.
   void verbatim(const char* text) {
@@ -242,18 +245,22 @@ class Writer {
   /// that stands for.
   template <typename Special>
   void copy(const char* text, Need where, const Special& special) {
-    const bool narrow = form_.encoding == XmlForm::Encoding::singleByte;
-    const unsigned stops = narrow ? where | inNarrow : where;
-    for (text = text_.putWhileAllowed(text, stops); *text != '\0';
-         text = text_.putWhileAllowed(text, stops)) {
-      const auto character = characterAt(text);
-      if (character.length > 1 && form_.canHold(character.code)) {
-        put({text, character.length});
-        text += character.length;
-      } else {
-        text += special(text);
-      }
+    const unsigned stops = where | always_;
+    while (*(text = text_.putUpTo(text, stops)) != '\0') {
+      const std::size_t length = (*text & 0x80) == 0 ? 0 : wholeCharacter(text);
+      text += length != 0 ? length : special(text);
     }
+  }
+
+  /// Writes the character beyond ASCII at the begin of `text`, and returns its bytes; or none, when the
+  /// encoding lacks it.
+  std::size_t wholeCharacter(const char* text) {
+    const auto character = characterAt(text);
+    if (!form_.canHold(character.code)) {
+      return 0;
+    }
+    put({text, character.length});
+    return character.length;
   }
 
   /// The document holds well-formed texts only.
@@ -264,6 +271,8 @@ class Writer {
 
   const XmlForm& form_;
   std::string_view lineEnd_;
+  /// What needs a closer look everywhere.
+  const unsigned always_;
   Gatherer text_;
   bool complete_ = true;
 };

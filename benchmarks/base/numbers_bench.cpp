@@ -51,8 +51,10 @@ void run(benchmark::State& state, const std::vector<double>& values, Append appe
 }
 
 void pdfNumber(benchmark::State& state) {
-  run(state, pagePositions(),
-      [](std::string& text, double value) { veltrano::appendPdfNumber(text, value, 2); });
+  run(state, pagePositions(), [](std::string& text, double value) {
+    std::array<char, veltrano::longestPdfNumber> digits;
+    text.append(digits.data(), veltrano::writePdfNumber(digits.data(), value, 2));
+  });
 }
 
 void peerToCharsFixed(benchmark::State& state) {

@@ -2,6 +2,11 @@
 //   cscript //nologo hello.js OUTPUT.pdf
 var UNIT_MM = 1, FONT_ARIAL = 0, FONT_BOLD = 2;
 
+if (WScript.Arguments.length < 1) {
+    WScript.Echo("usage: cscript //nologo hello.js OUTPUT.pdf");
+    WScript.Quit(1);
+}
+
 var pdf = new ActiveXObject("VeltranoFrameWorkDLL.VeltranoPDF");
 pdf.PDFTitle = "Hello";
 pdf.PDFFileName = WScript.Arguments(0);

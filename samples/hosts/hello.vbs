@@ -4,6 +4,10 @@ Option Explicit
 
 Const UNIT_MM = 1, FONT_ARIAL = 0, FONT_BOLD = 2
 
+If WScript.Arguments.Count < 1 Then
+    WScript.Echo "usage: cscript //nologo hello.vbs OUTPUT.pdf"
+    WScript.Quit 1
+End If
 Dim pdf
 Set pdf = CreateObject("VeltranoFrameWorkDLL.VeltranoPDF")
 pdf.PDFTitle = "Hello"

@@ -16,14 +16,15 @@ std::size_t entriesOf(const fs::path& folder) {
   return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-TEST(ReadFileStart, StopsAtTheLimitOrTheEnd) {
+TEST(ReadIdentified, StopsAtTheLimitOrTheEnd) {
   const TemporaryFolder folder;
   replaceFile(folder / "a", "0123456789");
-  EXPECT_EQ(readFileStart(folder / "a", 4), "0123");
-  EXPECT_EQ(readFileStart(folder / "a", 10), "0123456789");
-  EXPECT_EQ(readFileStart(folder / "a", std::size_t{1} << 30), "0123456789");
-  EXPECT_EQ(readFileStart(folder / "missing", 4), std::nullopt);
-  EXPECT_EQ(readFileStart(folder.path(), 4), std::nullopt);
+  EXPECT_EQ(readIdentified(folder / "a", 4)->text, "0123");
+  EXPECT_EQ(readIdentified(folder / "a", 10)->text, "0123456789");
+  EXPECT_EQ(readIdentified(folder / "a", std::size_t{1} << 30)->text, "0123456789");
+  EXPECT_EQ(readIdentified(folder / "a", 4)->identity, fileIdentity(folder / "a"));
+  EXPECT_FALSE(readIdentified(folder / "missing", 4));
+  EXPECT_FALSE(readIdentified(folder.path(), 4));
 }
 
 TEST(ReplaceFile, PutsAllPiecesAndLeavesNothingElse) {

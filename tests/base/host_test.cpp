@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "base/clock.h"
 #include "base/files.h"
 #include "tests/temporary_folder.h"
@@ -44,6 +46,8 @@ TEST(Clock, TimeOfDayAndDateAgree) {
     EXPECT_GE(seconds, ofDay(before));
     EXPECT_LT(seconds, ofDay(after) + 1);
   }
+  const double hundredths = std::round(static_cast<double>(seconds) * 100);
+  EXPECT_EQ(seconds, static_cast<float>(hundredths / 100)) << "steps of a hundredth";
 }
 
 }  // namespace

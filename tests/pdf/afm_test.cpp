@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <fstream>
 #include <string>
+#include <thread>
 #include <tuple>
 
 #include "base/files.h"
@@ -93,12 +96,13 @@ TEST(ShippedMetrics, MeasureByTheCodesOfWindows1252) {
       {"ZapfDingbats", '!', 974}, {"Symbol", 0x80, 0},
   };
   MetricsCache cache;
+  cache.setFolder(libraryFolder());
   for (const auto& [font, code, width] : table) {
-    EXPECT_EQ(cache.metrics(libraryFolder(), font).widths[code], width) << font << ' ' << int{code};
+    EXPECT_EQ(cache.metrics(font).widths[code], width) << font << ' ' << int{code};
   }
   for (const char* font : {"Helvetica", "Courier-Oblique", "Times-Bold", "TimesItalic"}) {
     for (std::size_t code = 32; code < 256; ++code) {
-      EXPECT_GT(cache.metrics(libraryFolder(), font).widths[code], 0) << font << ' ' << code;
+      EXPECT_GT(cache.metrics(font).widths[code], 0) << font << ' ' << code;
     }
   }
 }
@@ -110,8 +114,9 @@ std::string afmWithWidth(int width) {
 TEST(MetricsCacheTest, SeesEachEditAtOnce) {
   const TemporaryFolder folder;
   MetricsCache cache;
+  cache.setFolder(folder.path());
   const auto file = folder / "Font.afm";
-  const auto width = [&] { return cache.metrics(folder.path(), "Font").widths['A']; };
+  const auto width = [&] { return cache.metrics("Font").widths['A']; };
   EXPECT_EQ(width(), 0);
   for (int edit = 100; edit < 140; ++edit) {  // of one size and within one step of the clock
     replaceFile(file, afmWithWidth(edit));
@@ -123,7 +128,32 @@ TEST(MetricsCacheTest, SeesEachEditAtOnce) {
   }
   std::filesystem::remove(file);
   EXPECT_EQ(width(), 0);
-  EXPECT_EQ(cache.knownMetrics(folder.path(), "Font"), nullptr);
+  EXPECT_EQ(cache.knownMetrics("Font"), nullptr);
+}
+
+// A host that holds the file open needs no more than one call of the system between two measurements.
+TEST(MetricsCacheTest, SeesAnEditThroughAnOpenFile) {
+  const TemporaryFolder folder;
+  const auto nameOf = [](int font) { return "Font" + std::to_string(font); };
+  constexpr int fonts = 40;
+  for (int font = 0; font < fonts; ++font) {
+    replaceFile(folder / (nameOf(font) + ".afm"), afmWithWidth(100));
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(2100));  // until their time stamps are trusted
+  MetricsCache cache;
+  cache.setFolder(folder.path());
+  for (int font = 0; font < fonts; ++font) {
+    const std::string name = nameOf(font);
+    const auto width = [&] { return cache.metrics(name).widths['A']; };
+    std::fstream file(folder / (name + ".afm"), std::ios::binary | std::ios::in | std::ios::out);
+    file << afmWithWidth(200);
+    for (int i = 0; i < 3; ++i) {
+      ASSERT_EQ(width(), 100);
+      cache.callEnds();
+    }
+    file.flush();
+    ASSERT_EQ(width(), 200);
+  }
 }
 
 TEST(MetricsCacheTest, OtherFoldersAndMadeUpNames) {
@@ -132,13 +162,15 @@ TEST(MetricsCacheTest, OtherFoldersAndMadeUpNames) {
   replaceFile(one / "Font.afm", afmWithWidth(1));
   replaceFile(two / "Font.afm", std::string(40000, 'x') + "\n" + afmWithWidth(2));  // a long header
   MetricsCache cache;
-  EXPECT_EQ(cache.metrics(one.path(), "Font").widths['A'], 1);
-  EXPECT_EQ(cache.metrics(two.path(), "Font").widths['A'], 2);
+  cache.setFolder(one.path());
+  EXPECT_EQ(cache.metrics("Font").widths['A'], 1);
+  cache.setFolder(two.path());
+  EXPECT_EQ(cache.metrics("Font").widths['A'], 2);
   for (int i = 0; i < 1000; ++i) {
-    EXPECT_EQ(cache.metrics(two.path(), "No font " + std::to_string(i)).widths['A'], 0);
+    EXPECT_EQ(cache.metrics("No font " + std::to_string(i)).widths['A'], 0);
   }
-  EXPECT_EQ(cache.metrics(two.path(), std::string("Font\0x", 6)).widths['A'], 0);
-  EXPECT_EQ(cache.metrics(two.path(), "Font").widths['A'], 2);
+  EXPECT_EQ(cache.metrics(std::string("Font\0x", 6)).widths['A'], 0);
+  EXPECT_EQ(cache.metrics("Font").widths['A'], 2);
 }
 
 }  // namespace

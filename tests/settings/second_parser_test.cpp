@@ -4,6 +4,7 @@
 #include <libxml/parser.h>
 #include <libxml/xpath.h>
 
+#include <algorithm>
 #include <memory>
 #include <random>
 
@@ -75,6 +76,83 @@ TEST(SecondParser, ReadsTheValuesThatWereSaved) {
     xml.XML_Open(file);
     ASSERT_EQ(xml.XML_GetSetting("F", "K"), value) << round;
   }
+}
+
+bool isWellFormed(const std::string& text) {
+  const std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)> document(
+      xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, "UTF-8",
+                    XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
+      xmlFreeDoc);
+  return document != nullptr;
+}
+
+// Right documents and such with a fault anywhere, most of them longer than what is judged at a time.
+TEST(SecondParser, TakesAndRefusesTheSameDocuments) {
+  const tests::TemporaryFolder folder;
+  const auto file = folder / "settings.xml";
+  const std::string plain[] = {
+      "<Key>",        "</Key>\n",         "<K>800</K>",       "<K />",
+      "&amp;",        "&#x20AC;",         "it's \"so\"",      "a > b",
+      "[x]",          "\x7F \t\r\n",      "\xC3\xA9",         "\xE2\x82\xAC",
+      "\xED\x9F\xBF", "\xF0\x9F\x98\x80", "\xF4\x8F\xBF\xBF", "long text, long text, long text, long text"};
+  const std::string rich[] = {"<!-- ' -->",
+                              "<![CDATA[<&]]>",
+                              "<?p i?>",
+                              "<A a='\xC3\xA9' b=\"'>]]>\"/>",
+                              "<\xC3\xA9>1</\xC3\xA9>",
+                              "<K\xCC\x81\xE2\x82\xAC/>",
+                              "<\xF0\x9F\x98\x80/>"};
+  const std::string badMarkup[] = {"&",        "&amp",         "&nbsp;",     "&#0;",   "&#xFFFE;", "&#-1;",
+                                   "&#32;",    "]]>",          "<",          "</Key>", "<Key>",    "<1/>",
+                                   "<K a=1/>", "<K\xC3\x97/>", "<!-- -- -->"};
+  const std::string badBytes[] = {"\x01",
+                                  "\x0B",
+                                  "\x80",
+                                  "\xC3",
+                                  "\xE2\x82",
+                                  "\xF0\x9F\x98",
+                                  "\xC1\xBF",
+                                  "\xE0\x9F\xBF",
+                                  "\xF0\x8F\xBF\xBF",
+                                  "\xED\xA0\x80",
+                                  "\xF4\x90\x80\x80",
+                                  "\xF5\x80\x80\x80",
+                                  "\xEF\xBF\xBE",
+                                  "\xEF\xBF\xBF"};
+  std::mt19937 random(11);
+  const auto pick = [&](const auto& from) { return from[random() % std::size(from)]; };
+  int taken = 0;
+  constexpr int rounds = 4000;
+  for (int round = 0; round < rounds; ++round) {
+    const bool allPlain = random() % 2 == 0;
+    int open = 0;
+    std::string text = "<XML><F/>";
+    for (auto i = random() % 60; i > 0; --i) {
+      const std::string& piece = allPlain || random() % 8 != 0 ? pick(plain) : pick(rich);
+      open += piece == "<Key>" ? 1 : 0;
+      if (piece != "</Key>\n" || open-- > 0) {
+        text += piece;
+      }
+      open = std::max(open, 0);
+    }
+    while (open-- > 0) {
+      text += "</Key>";
+    }
+    text += "</XML>\n";
+    if (random() % 2 == 0) {
+      text.insert(random() % (text.size() + 1), random() % 2 == 0 ? pick(badMarkup) : pick(badBytes));
+    }
+    std::filesystem::remove(file);  // putting a file in place of another waits for the disk
+    ASSERT_TRUE(replaceFile(file, text));
+    VeltranoXML xml;
+    xml.XML_Open(file);
+    const auto folders = xml.XML_EnumFolders();
+    const bool loaded = folders && !folders->empty();
+    ASSERT_EQ(loaded, isWellFormed(text)) << round << ": " << testing::PrintToString(text);
+    taken += loaded ? 1 : 0;
+  }
+  EXPECT_GT(taken, rounds / 4);
+  EXPECT_LT(taken, rounds * 3 / 4);
 }
 
 }  // namespace

@@ -135,7 +135,7 @@ TEST_F(IniFiles, RandomTextsObeyTheRules) {
 }
 
 TEST_F(IniFiles, LinesAcrossThePiecesOfALargeFile) {
-  // Around the places where reading pauses: every split of the line break and of the key.
+  // Around the places where reading and searching pause: every split of the line break and of the key.
   for (const std::size_t boundary : {256U * 1024U, 2U * 256U * 1024U}) {
     for (std::size_t shift = 0; shift < 12; ++shift) {
       const std::string before(boundary - shift, 'x');
@@ -143,6 +143,7 @@ TEST_F(IniFiles, LinesAcrossThePiecesOfALargeFile) {
       ASSERT_EQ(ini.GetIniValue(file, "KEY", absent), "va\rlue") << boundary << " - " << shift;
       put(before + "\r\nkey=at the end");
       ASSERT_EQ(ini.GetIniValue(file, "KEY", absent), "at the end") << boundary << " - " << shift;
+      ASSERT_EQ(ini.ChangeValue(before + "\r\nkey=a\r\nkey=b", "key", "c"), before + "\r\nkey=c\r\nkey=c");
     }
   }
 }

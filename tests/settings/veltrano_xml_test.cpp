@@ -188,7 +188,8 @@ TEST_F(XmlSettings, ALoadErrorHidesSettingsUntilOneIsSaved) {
     for (int i = 0; i < 5'000; ++i) {
       content += "<A>1</A>";
     }
-    ASSERT_TRUE(replaceFile(file, content + "</XML>"));
+    content += "</XML>";
+    ASSERT_TRUE(replaceFile(file, content));
     VeltranoXML failing;
     outOfMemory = true;
     failing.XML_Open(file);
@@ -202,6 +203,14 @@ TEST_F(XmlSettings, ALoadErrorHidesSettingsUntilOneIsSaved) {
     failing.XML_SaveSetting("B", "K", "2");
     EXPECT_EQ(failing.XML_GetSetting("A", "K", "x"), "1");
     EXPECT_THAT(failing.XML_EnumFolders(), Optional(ElementsAre("A", "B", "")));
+
+    ASSERT_TRUE(replaceFile(file, content));
+    outOfMemory = true;
+    failing.XML_Open(file);
+    outOfMemory = false;
+    failing.XML_SaveSetting("B", "K", "2");
+    failing.XML_Save();
+    EXPECT_EQ(readWholeFile(file), content) << "what could not be loaded must not be written over";
   }
   pugi::set_memory_management_functions(allocate, release);
 }

@@ -65,6 +65,8 @@ TEST_F(XmlFiles, UntouchedFilesAreSavedAsTheyWere) {
       "<?xml version='1.0' encoding=\"Windows-1252\"?><XML><!-- \x80 --><K>\x93\xE9\x94</K></XML>",
       "<?xml version='1.0' encoding='us-ascii'?><XML><K>&#233;</K></XML>",
       "<?xml version=\"1.0\" encoding=\"UTF-16\"?><XML>\xC3\xA9</XML>",
+      "<?xml version='1.0' encoding='iso-8859-15'?><XML><K>\xA4 \xE9</K></XML>",
+      "<?xml version='1.0' encoding='KOI8-R'?><XML><\xD0>\xD2</\xD0></XML>",
   };
   for (const auto& content : files) {
     open(content);
@@ -107,6 +109,8 @@ TEST_F(XmlFiles, WhatIsNotWellFormedLoadsAsEmptyAndStays) {
       "<XML></xml>",
       "<XML/><XML/>",
       "<XML/>text",
+      "&#32;<XML/>",
+      "<XML/>&#32;",
       "text<XML/>",
       "<!-- only -->",
       "<XML>&nbsp;</XML>",
@@ -123,7 +127,7 @@ TEST_F(XmlFiles, WhatIsNotWellFormedLoadsAsEmptyAndStays) {
       "<XML><?xml version='1.0'?></XML>",
       " <?xml version='1.0'?><XML/>",
       "<?xml encoding='UTF-8'?><XML/>",
-      "<?xml version='1.0' encoding='KOI8-R'?><XML/>",
+      "<?xml version='1.0' encoding='Shift_JIS'?><XML/>",
       "<XML>\x01</XML>",
       "<XML/>\0"s,
       "<XML>\xFF</XML>",

@@ -1,0 +1,75 @@
+// What the writer does with a text that the memory cannot hold. The allocation functions are this program's.
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+#include "base/files.h"
+#include "kml/markup.h"
+#include "kml/veltrano_kml.h"
+#include "tests/temporary_folder.h"
+
+namespace {
+std::size_t largestBlock = std::numeric_limits<std::size_t>::max();
+}
+
+void* operator new(std::size_t size) {
+  void* const block = size > largestBlock ? nullptr : std::malloc(size);
+  return block != nullptr ? block : throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept {
+  std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+  std::free(block);
+}
+
+namespace veltrano {
+namespace {
+
+struct ShortMemory {
+  explicit ShortMemory(std::size_t limit) { largestBlock = limit; }
+  ShortMemory(const ShortMemory&) = delete;
+  ShortMemory& operator=(const ShortMemory&) = delete;
+  ~ShortMemory() { largestBlock = std::numeric_limits<std::size_t>::max(); }
+};
+
+TEST(KmlInShortMemory, LosesTheLineAndNoOther) {
+  constexpr std::size_t limit = 100'000;
+  const tests::TemporaryFolder folder;
+  const std::string longText(2 * limit, 'x');
+  VeltranoKML kml;
+  kml.CreateKML(folder / "a.kml", {});
+  {
+    const ShortMemory shortage(limit);
+    kml.CreateStreetView("a.jpg", 1, 2, 3, "n", longText);
+    kml.CreatePlaceMark(1, 2, 3, longText, "d");
+    // The path buffer grows as far as it can.
+    for (int i = 0; i < 20'000; ++i) {
+      kml.CreatePathPoint(48.123456, 2.123456, 100);
+    }
+    kml.CreatePlaceMark(1, 2, 3, "last", "");
+  }
+  kml.CreatePathFromPlaceMarks(1, "");
+  kml.CloseKML();
+  const std::string text = readWholeFile(folder / "a.kml").value_or("");
+  EXPECT_NE(text.find("<name>n</name>\r\n      <Camera>"), std::string::npos);
+  EXPECT_NE(text.find("  </PhotoOverlay>\r\n  <Placemark>\r\n      <description>d</description>\r\n"),
+            std::string::npos);
+  EXPECT_NE(
+      text.find("<name>last</name>\r\n      \r\n      <Point>\r\n          <coordinates>2,1,3</coordinates>"
+                "\r\n      </Point>\r\n  </Placemark>"),
+      std::string::npos);
+  EXPECT_NE(text.find("2.123456,48.123456,100\r\n      </coordinates>"), std::string::npos);
+  EXPECT_TRUE(text.ends_with("  </Placemark>\r\n</Document>\r\n</kml>\r\n"));
+}
+
+TEST(KmlMarkup, TextsOfTheWriterAreAsciiCharacterData) {
+  EXPECT_EQ(characterData("Caf\xE9 <R&D> \x80"), "Caf&#233; &#60;R&#38;D&#62; &#8364;");
+  EXPECT_EQ(characterData(std::string("a\x01\0\tb", 5)), "ab");
+}
+
+}  // namespace
+}  // namespace veltrano

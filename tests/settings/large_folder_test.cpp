@@ -1,0 +1,77 @@
+// A folder so large that its keys are found by an index: it must answer as going through the children does.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+
+#include "base/files.h"
+#include "settings/veltrano_xml.h"
+#include "tests/temporary_folder.h"
+
+namespace veltrano {
+namespace {
+
+std::string keyName(unsigned number) {
+  return "K" + std::to_string(number);
+}
+
+TEST(LargeFolder, AnswersAsAMapDoesWhateverIsAddedAndRemoved) {
+  constexpr unsigned names = 3000;
+  VeltranoXML xml;
+  std::map<std::string, std::string> model;
+  std::mt19937 random(11);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same steps each time
+  for (unsigned i = 0; i < names; ++i) {
+    xml.XML_SaveSetting("F", keyName(i), "first");
+    model[keyName(i)] = "first";
+  }
+  for (unsigned step = 0; step < 20'000; ++step) {
+    const std::string key = keyName(static_cast<unsigned>(random()) % names);
+    const auto action = static_cast<unsigned>(random()) % 4;
+    if (action == 0) {
+      xml.XML_DeleteSetting({}, "F", key);
+      model.erase(key);
+    } else if (action == 1) {
+      model[key] = std::to_string(step);
+      xml.XML_SaveSetting("F", key, model[key]);
+    } else {
+      const auto found = model.find(key);
+      ASSERT_EQ(xml.XML_GetSetting("F", key, "none"), found == model.end() ? "none" : found->second) << step;
+    }
+  }
+  EXPECT_EQ(xml.XML_EnumKeys("F")->size(), model.size() + 1);
+  xml.XML_DeleteSetting({}, "F");
+  EXPECT_EQ(xml.XML_GetSetting("F", model.begin()->first, "none"), "none");
+}
+
+TEST(LargeFolder, TheFirstOfEqualKeysCountsAlsoWhenOneIsGone) {
+  const tests::TemporaryFolder folder;
+  const auto file = folder / "settings.xml";
+  std::string content = "<XML><F>";
+  for (unsigned i = 0; i < 2000; ++i) {
+    content += "<?K" + std::to_string(i) + " no key?>";
+  }
+  for (const char* round : {"1", "2", "3"}) {
+    for (unsigned i = 0; i < 2000; ++i) {
+      content.append("<").append(keyName(i)).append(">").append(round).append("</").append(keyName(i) + ">");
+    }
+  }
+  ASSERT_TRUE(replaceFile(file, content + "</F><G><a><K0>in G</K0></a></G></XML>"));
+  VeltranoXML xml;
+  xml.XML_Open(file);
+  const auto expectAll = [&xml](const std::string& seventh) {
+    for (unsigned i = 0; i < 2000; ++i) {
+      ASSERT_EQ(xml.XML_GetSetting("F", keyName(i)), i == 7 ? seventh : "1") << i;
+    }
+  };
+  expectAll("1");
+  xml.XML_DeleteSetting({}, "F", "K7");
+  expectAll("2");
+  // A value takes the place of what the key held, a large folder of another level included.
+  xml.XML_SaveSetting(".", "F", "text");
+  EXPECT_EQ(xml.XML_GetSetting("F", "K8", "none"), "none");
+  EXPECT_EQ(xml.XML_GetSetting("G/a", "K0"), "in G");
+}
+
+}  // namespace
+}  // namespace veltrano
