@@ -44,16 +44,17 @@ double hundredths(double value) {
 }  // namespace
 
 // The box belongs to each line of text: the first line draws all of it, a later one, which has no border any
-// more, fills what lies below its own top. So no line hides the text above it; half a line width stays free
-// at the edges for the border, which the first line has drawn.
+// more, fills only where the first has filled. It stays below its own top, so that no line hides the text
+// above it, and far from the edges: the border there was drawn with the line that was stroked last, which may
+// be any wider than that of now.
 void VeltranoPDF::appendCellBox(const CellFrame& frame, std::size_t index) {
   const bool border = graphics_.border.all;
   if (!border && !graphics_.fillFlag) {
     return;
   }
-  const double inset = index == 0 ? 0 : frame.lineWidth / 2;
+  const double inset = index == 0 ? 0 : frame.width / 4;
   const double above = index == 0 ? 0 : frame.lineTop(index);
-  const double height = frame.height - above - inset;
+  const double height = (frame.height - above) * (index == 0 ? 1 : 0.5);
   if (index > 0 && !(height > 0)) {
     return;
   }
@@ -198,8 +199,7 @@ void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double widt
 
   placeLink(link, {LinkKind::cell, x, y, width, height}, x, y);
   // As after a rectangle: at the lower left corner.
-  geometry_.currentX = x;
-  geometry_.currentY = y + height;
+  moveTo(x, y + height);
   fonts_.metrics.callEnds();
 }
 

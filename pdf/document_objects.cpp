@@ -29,6 +29,23 @@ std::string timeStamp(const LocalTime& time) {
   return stamp;
 }
 
+/// The spelling of `name` in the file. A font is called after its metrics file, and a copy of one may be
+/// named "Helvetica (1).afm": what cannot stand in a name is written as "#" and two hexadecimal digits.
+std::string nameText(std::string_view name) {
+  constexpr std::string_view special = "#()<>[]{}/%\x7F";
+  constexpr char digits[] = "0123456789ABCDEF";
+  std::string text;
+  for (const char c : name) {
+    const auto code = static_cast<unsigned char>(c);
+    if (code > ' ' && special.find(c) == std::string_view::npos) {
+      text.push_back(c);
+    } else {
+      text.append({'#', digits[code >> 4], digits[code & 15]});
+    }
+  }
+  return text;
+}
+
 void writeOpenAction(ObjectWriter& writer, const Value& zoomMode) {
   const auto zoom = zoomMode.toDouble();
   if (!zoom) return;
@@ -123,7 +140,7 @@ std::vector<int> VeltranoPDF::writeFonts() {
     writer.line("<< /Type /Font");
     writer.line("/Subtype /Type1");
     writer.line({"/Name /F", decimal(static_cast<std::int64_t>(objects.size()))});
-    writer.line({"/BaseFont /", name});
+    writer.line({"/BaseFont /", nameText(name)});
     writer.line("/Encoding /WinAnsiEncoding");
     writer.line(">>");
     writer.end();

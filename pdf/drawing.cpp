@@ -103,8 +103,7 @@ void VeltranoPDF::drawStraightLine(std::string_view marker, double x1, double y1
   appendLine(content, graphics_.lineColorOp);
   appendLineWidth(" w S");
   ContentLine(content).text("%FIN_").text(marker).text("/%").end();
-  geometry_.currentX = x2;
-  geometry_.currentY = y2;
+  moveTo(x2, y2);
 }
 
 void VeltranoPDF::PDFDrawLineHor(double x, double y, double width) {
@@ -126,8 +125,7 @@ void VeltranoPDF::PDFDrawLine(double x1, double y1, double x2, double y2) {
   appendLine(content, graphics_.lineColorOp);
   appendLineWidth(" w S");
   appendLine(content, "%FIN_LN/%");
-  geometry_.currentX = std::fmax(x1, x2);
-  geometry_.currentY = std::fmax(y1, y2);
+  moveTo(std::fmax(x1, x2), std::fmax(y1, y2));
 }
 
 void VeltranoPDF::PDFDrawRectangle(double x, double y, double width, double height, const Value& link) {
@@ -147,8 +145,7 @@ void VeltranoPDF::PDFDrawRectangle(double x, double y, double width, double heig
   appendLineWidth(" w S");
   placeShapeLink(link, {LinkKind::rectangle, x, y, width, height});
   appendLine(content, "%FIN_RECT/%");
-  geometry_.currentX = x;
-  geometry_.currentY = y + height;
+  moveTo(x, y + height);
 }
 
 void VeltranoPDF::placeShapeLink(const Value& link, const LinkShape& shape) {
@@ -199,8 +196,7 @@ void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height
   // With a link as without, an ellipse leaves the current position alone.
   const Point position{settledX(), geometry_.currentY};
   placeShapeLink(link, {LinkKind::ellipse, x, y, width, height});
-  geometry_.currentX = position.x;
-  geometry_.currentY = position.y;
+  moveTo(position.x, position.y);
 }
 
 void VeltranoPDF::PDFDrawPolygon(const Value::List& points) {
@@ -211,8 +207,9 @@ void VeltranoPDF::PDFDrawPolygon(const Value::List& points) {
   appendLineWidth(" w ");
   std::string_view segment = " m";
   for (const Point& point : readPoints(points)) {
-    ContentLine(content).point(geometry_.xPoints(point.x), geometry_.yPoints(point.y)).text(segment).end();
-    segment = " l";
+    ContentLine line(content);
+    line.point(geometry_.xPoints(point.x), geometry_.yPoints(point.y)).text(segment);
+    if (line.end()) segment = " l";
   }
   // The other two operators close the outline themselves.
   if (graphics_.drawMode == DrawMode::fillAndLine) appendLine(content, "h");

@@ -18,9 +18,8 @@ struct PendingAdvance {
   std::string text;
   std::string fontName;
   std::int16_t size = 0;
-  double start = 0;            ///< where the text began, user units
   std::int64_t writtenAt = 0;  ///< clock of FileIdentity
-  /// The current x is not a number meanwhile. Whoever sets it puts an end to the waiting.
+  /// The current x is still where the text begins. Whoever sets it puts an end to the waiting.
   bool waiting = false;
 };
 

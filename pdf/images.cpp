@@ -141,8 +141,7 @@ void VeltranoPDF::PDFImage(const std::filesystem::path& file, double x, double y
       .end();
   placeLink(link, {LinkKind::image, x, y, width, height}, x, y);
   // Products with the points of a unit, unlike everywhere else: hosts rely on it.
-  geometry_.currentX = (x + width) * k;
-  geometry_.currentY = (y + height) * k;
+  moveTo((x + width) * k, (y + height) * k);
 }
 
 }  // namespace veltrano

@@ -1,5 +1,4 @@
 #include <cmath>
-#include <limits>
 
 #include "base/files.h"
 #include "pdf/content_line.h"
@@ -10,7 +9,7 @@ namespace veltrano {
 
 double VeltranoPDF::settledX() {
   PendingAdvance& pending = fonts_.pendingAdvance;
-  if (!pending.waiting || !std::isnan(geometry_.currentX)) {
+  if (!pending.waiting) {
     return geometry_.currentX;
   }
   pending.waiting = false;
@@ -18,29 +17,36 @@ double VeltranoPDF::settledX() {
   const bool changedLater = fonts_.metrics.changedAfter(pending.fontName, pending.writtenAt);
   const FontMetrics* known = changedLater ? fonts_.metrics.knownMetrics(pending.fontName) : nullptr;
   const FontMetrics& metrics = known != nullptr ? *known : fonts_.metrics.metrics(pending.fontName);
-  geometry_.currentX = pending.start + metrics.width(pending.text, pending.size);
+  geometry_.currentX += metrics.width(pending.text, pending.size);
   return geometry_.currentX;
+}
+
+void VeltranoPDF::moveTo(double x, double y) {
+  if (std::isfinite(x)) {
+    fonts_.pendingAdvance.waiting = false;
+    geometry_.currentX = x;
+  }
+  if (std::isfinite(y)) {
+    geometry_.currentY = y;
+  }
 }
 
 /// The width is in points and not divided by the points of a unit, and so is the font size: after a text the
 /// current position is in mixed units, as hosts rely on.
-void VeltranoPDF::advanceBehind(std::string_view text, double x) {
-  PendingAdvance& pending = fonts_.pendingAdvance;
-  if (text.empty()) {  // as it is for every link over a shape
-    pending.waiting = false;
-    geometry_.currentX = x;
+void VeltranoPDF::advanceBehind(std::string_view text, double x, double y) {
+  moveTo(x, y + fonts_.fontSize);
+  if (text.empty() || !std::isfinite(x)) {  // no text: as it is for every link over a shape
     return;
   }
+  PendingAdvance& pending = fonts_.pendingAdvance;
   pending.waiting = fonts_.metrics.knownMetrics(fonts_.currentFontName) != nullptr;
   if (!pending.waiting) {
-    geometry_.currentX = x + fonts_.currentMetrics().width(text, fonts_.fontSize);
+    geometry_.currentX += fonts_.currentMetrics().width(text, fonts_.fontSize);
     return;
   }
-  geometry_.currentX = std::numeric_limits<double>::quiet_NaN();
   pending.text = text;
   pending.fontName = fonts_.currentFontName;
   pending.size = fonts_.fontSize;
-  pending.start = x;
   pending.writtenAt = fileClockNow();
 }
 
@@ -104,8 +110,7 @@ void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
   appendLine(content, "%FIN_TEXT/%");
 
   fonts_.underlineFlag = false;
-  advanceBehind(text, x);
-  geometry_.currentY = y + fonts_.fontSize;
+  advanceBehind(text, x, y);
 }
 
 double VeltranoPDF::PDFTextHeight() const {

@@ -34,8 +34,7 @@ void VeltranoPDF::PDFInit() {
   geometry_ = PageGeometry();
   geometry_.pages.push_back({a4Width, a4Height, false});
   PDFSetMargins(geometry_.defaultMargin, geometry_.defaultMargin);
-  geometry_.currentX = geometry_.leftMargin;
-  geometry_.currentY = geometry_.topMargin;
+  moveTo(geometry_.leftMargin, geometry_.topMargin);
 
   const GraphicsState fresh;
   graphics_.lineWidth = fresh.lineWidth;

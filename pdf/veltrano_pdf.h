@@ -271,7 +271,9 @@ class VeltranoPDF {
   // Text (text.cpp).
   /// The current x, once the width of a text that it waits for is certain.
   double settledX();
-  void advanceBehind(std::string_view text, double x);
+  /// Sets the current position. A coordinate that is not finite leaves the one of before.
+  void moveTo(double x, double y);
+  void advanceBehind(std::string_view text, double x, double y);
   void appendColorStart();
   void appendColorEnd();
   /// Font, text and "ET": what follows the position of a text.

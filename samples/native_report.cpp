@@ -167,12 +167,14 @@ void Report::cover(const std::optional<fs::path>& photo, std::size_t orders) {
   pdf_.PDFSetTextColor(ink);
   pdf_.PDFSetBorder(BORDER_NONE);
   pdf_.PDFSetAlignement(ALIGN_FJUSTIFY);
+  pdf_.PDFSetCellMargin(0);  // flush with the photo
   pdf_.PDFCell(
       "This report was written by a program that comes with the library. It holds " + std::to_string(orders) +
           utf8ToAnsi(" orders, read from a file of separated values whose names carry their accents "
                      "(Renée, Jürgen, Anaïs), and shows what the library draws: lines, shapes, colours, "
                      "aligned and justified cells, pictures, links and bookmarks."),
-      left, 232, right - left, 26);
+      left, 214, right - left, 26);
+  pdf_.PDFSetCellMargin(4);
   pdf_.PDFSetFont(FONT_ARIAL, 11);
   pdf_.PDFSetTextColor(accent);
   pdf_.PDFLink(left, 276, "https://example.com/orders", "https://example.com/orders?year=2026&page=(all)");
@@ -212,8 +214,9 @@ void Report::shapeSamples() {
     pdf_.PDFSetDrawColor("#F7B733");
     pdf_.PDFSetLineWidth(0.5);
     pdf_.PDFSetDrawMode(mode);
-    pdf_.PDFDrawRectangle(left + 22, y, 34, 14);
     pdf_.PDFDrawEllipse(left + 62, y, 34, 14);
+    // A rectangle writes its line width behind itself: its own outline has the width of the shape before.
+    pdf_.PDFDrawRectangle(left + 22, y, 34, 14);
     pdf_.PDFDrawEllipse(left + 102, y, 14);
     pdf_.PDFDrawPolygon(
         {Value::List{left + 124, y + 14}, Value::List{left + 131, y}, Value::List{left + 138, y + 14}});
@@ -304,12 +307,15 @@ void Report::textSamples() {
     }
     y += 6;
   }
+  label("Symbol", left, y + 1);
+  label("ZapfDingbats", left + 34, y + 1);
+  pdf_.PDFSetTextColor(ink);
   pdf_.PDFSetFont(FONT_SYMBOL, 12);
-  pdf_.PDFTextOut("abgdepw", left, y + 1);
+  pdf_.PDFTextOut("abgdepw", left + 13, y + 1);
   pdf_.PDFSetFont(FONT_ZAPFDINGBATS, 12);
-  pdf_.PDFTextOut("\"#4Hlnv", left + 34, y + 1);
+  pdf_.PDFTextOut("\"#4Hlnv", left + 54, y + 1);
   for (int angle = 0; angle < 360; angle += 45) {
-    pdf_.PDFSetFont(FONT_ARIAL, 9, angle == 0 ? 3 : 0);
+    pdf_.PDFSetFont(FONT_ARIAL, 9);
     pdf_.PDFSetRotation(angle);
     pdf_.PDFTextOut("     turned " + std::to_string(angle), 140, 255);
   }
@@ -361,10 +367,11 @@ void Report::table(const std::vector<Order>& orders) {
   for (std::size_t i = 0; i < orders.size(); ++i) {
     if (i % rowsPerPage == 0) {
       if (i > 0) nextPage();
-      const auto page = std::to_string(pdf_.PDFPageNumber());
+      const std::string page = "page " + std::to_string(pdf_.PDFPageNumber());
       pdf_.PDFSetBookmark("from " + orders[i].customer + ", " + orders[i].date, 1, 0);
       heading("Orders");
-      label("page " + page, right - 12, 285);
+      constexpr double millimetresPerPoint = 25.4 / 72;
+      label(page, right - pdf_.PDFGetStringWidth(page, "Helvetica", 8) * millimetresPerPoint, 285);
       y = 36;
       hairline(y);
       row(names, y, true, false);

@@ -76,16 +76,19 @@ Sub Cover()
     h = 0                               ' computed from the photo's proportions and written back
     pdf.PDFImage samples & "\photo.jpg", 15, 50, w, h, "https://www.openstreetmap.org/"
     pdf.PDFSetTextColor = "#505050"
-    pdf.PDFSetFont TIMES, 11, ITALIC
+    pdf.PDFSetFont ARIAL, 10, ITALIC
     pdf.PDFTextOut "The photo is " & pdf.PDFImageWidth(samples & "\photo.jpg") & " pixels wide and leads to a map.", 15, 50 + h + 6
     pdf.PDFSetTextColor = "#000000"
     pdf.PDFSetFont TIMES, 12
     pdf.PDFSetAlignement = JUSTIFIED
-    pdf.PDFCell "This report was written by a script of some two hundred lines. It sets the document's information, units, " & _
+    pdf.PDFSetCellMargin = 0            ' flush with the photo
+    pdf.PDFCell "This report was written by a script of some three hundred lines. It sets the document's information, units, " & _
         "formats and margins, reads its orders from a text file, measures and aligns what it prints, draws shapes and " & _
         "leads to other places through links. Everything is text in a file that the script's author can read." & vbCrLf & _
         "Names with accents, such as Zo" & Chr(235) & " Lef" & Chr(232) & "vre, J" & Chr(252) & "rgen M" & Chr(252) & "ller and " & _
-        "S" & Chr(248) & "ren " & Chr(197) & "ngstr" & Chr(246) & "m, are measured like any other.", 15, 210, 180, 6
+        "S" & Chr(248) & "ren " & Chr(197) & "ngstr" & Chr(246) & "m, are measured like any other.", 15, 190, 180, 32
+    pdf.PDFSetCellMargin = 4
+    pdf.PDFSetTextColor = "#17365D"
     pdf.PDFSetFont ARIAL, 10
     pdf.PDFLink 15, 280, "Read more on the format of these pages", "https://en.wikipedia.org/wiki/PDF"
 End Sub
@@ -130,7 +133,8 @@ Function TableHead(page)
     pdf.PDFSetFont ARIAL, 16, BOLD
     pdf.PDFTextOut "Orders", 15, 20
     pdf.PDFSetFont ARIAL, 9
-    pdf.PDFTextOut "page " & page, 180, 20
+    ' The width is in points and a position in millimetres.
+    pdf.PDFTextOut "page " & page, 195 - pdf.PDFGetStringWidth("page " & page, "", 9) * 25.4 / 72, 20
     pdf.PDFSetLineColor = "#17365D"
     pdf.PDFSetLineWidth = 0.4
     pdf.PDFDrawLineHor 15, 23, 180
@@ -144,7 +148,7 @@ Function TableHead(page)
     TableCell "Customer", 39, 28, 42, LEFT_ALIGNED
     TableCell "City", 81, 28, 34, LEFT_ALIGNED
     TableCell "Article", 115, 28, 34, LEFT_ALIGNED
-    TableCell "Pieces", 149, 28, 16, CENTER
+    TableCell "Pieces", 149, 28, 16, RIGHT_ALIGNED
     TableCell "Amount", 165, 28, 30, RIGHT_ALIGNED
     pdf.PDFSetFill = False
     pdf.PDFSetTextColor = "#000000"
@@ -163,7 +167,7 @@ Function Row(fields, y, number)
     TableCell fields(1), 39, y, 42, LEFT_ALIGNED
     TableCell fields(2), 81, y, 34, LEFT_ALIGNED
     TableCell fields(3), 115, y, 34, LEFT_ALIGNED
-    TableCell fields(4), 149, y, 16, CENTER
+    TableCell fields(4), 149, y, 16, RIGHT_ALIGNED
     TableCell Money(amount), 165, y, 30, RIGHT_ALIGNED
     pdf.PDFSetFill = False
     Row = amount
@@ -240,10 +244,11 @@ End Sub
 
 Sub Shape(x, mode)
     pdf.PDFSetDrawMode = mode
-    pdf.PDFSetDrawColor = "#BFE3C8"
-    pdf.PDFDrawRectangle x, 66, 32, 16, "https://www.openstreetmap.org/"
     pdf.PDFSetDrawColor = "#F6D58A"
     pdf.PDFDrawEllipse x, 87, 32, 16, "https://en.wikipedia.org/wiki/Ellipse"
+    ' A rectangle writes its line width behind itself: its own outline has the width of the shape before.
+    pdf.PDFSetDrawColor = "#BFE3C8"
+    pdf.PDFDrawRectangle x, 66, 32, 16, "https://www.openstreetmap.org/"
     pdf.PDFSetDrawColor = "#C9D8F0"
     pdf.PDFDrawPolygon Array(x, 124), Array(x + 8, 108), Array(x + 24, 108), Array(x + 32, 124), Array(x + 16, 116)
 End Sub
@@ -257,15 +262,18 @@ Sub Fonts()
         pdf.PDFSetFont ARIAL, 11, style
         pdf.PDFTextOut "Helvetica " & style, 150, y
         pdf.PDFSetFont TIMES, 11, style
-        pdf.PDFTextOut "Times " & style, 195, y
+        pdf.PDFTextOut "Times " & style, 200, y
         pdf.PDFSetFont COURIER, 11, style
-        pdf.PDFTextOut "Courier " & style, 235, y
+        pdf.PDFTextOut "Courier " & style, 245, y
         y = y + 6
     Next
+    pdf.PDFSetFont ARIAL, 8
+    pdf.PDFTextOut "Symbol", 150, y
+    pdf.PDFTextOut "ZapfDingbats", 200, y
     pdf.PDFSetFont SYMBOL, 11
-    pdf.PDFTextOut "abcdefg", 150, y
+    pdf.PDFTextOut "abcdefg", 166, y
     pdf.PDFSetFont DINGBATS, 11
-    pdf.PDFTextOut "abcdefg", 195, y
+    pdf.PDFTextOut "abcdefg", 222, y
 End Sub
 
 Sub Cells()
@@ -274,8 +282,9 @@ Sub Cells()
     Caption "Cells", 150, 72
     text = "Voil" & Chr(224) & " un texte"
     pdf.PDFSetFont ARIAL, 10
-    pdf.PDFSetLineColor = "#000000"
+    pdf.PDFSetLineColor = "#404040"
     pdf.PDFSetLineWidth = 0.3
+    pdf.PDFDrawLineHor 160, 71, 122     ' boxes and edges have the colour that was stroked last
     For i = 0 To 2
         pdf.PDFSetAlignement = i
         pdf.PDFSetBorder = ALL_EDGES
@@ -292,13 +301,13 @@ Sub Cells()
     pdf.PDFSetFill = False
     pdf.PDFSetAlignement = JUSTIFIED
     pdf.PDFCell "A longer text is broken at the blanks that fit, its lines are stretched to both margins, and its last " & _
-        "line stays as it is.", 150, 114, 86, 5.5
+        "line stays as it is. A word longer than its cell is broken where it must be.", 150, 114, 132, 16
 End Sub
 
 Sub Edges(digits, y)
     pdf.PDFSetAlignement = LEFT_ALIGNED
     pdf.PDFSetBorder = digits
-    pdf.PDFCell "edges " & digits, 196, y, 40, 7
+    pdf.PDFCell "edges " & digits, 200, y, 82, 7
 End Sub
 
 Sub Turned()
@@ -308,16 +317,16 @@ Sub Turned()
     pdf.PDFSetFont TIMES, 11
     For angle = 0 To 330 Step 30
         pdf.PDFSetRotation = angle
-        pdf.PDFTextOut "      " & angle & " degrees", 60, 168
+        pdf.PDFTextOut "          " & angle & " degrees", 60, 170
     Next
     pdf.PDFSetRotation = 0
     Caption "Colours: name, number, list", 150, 146
     Swatch 150, 255
-    Swatch 165, "#008040"
-    Swatch 180, Array(0, 64, 192)
-    Swatch 195, 65535
-    Swatch 210, "#C000C0"
-    Swatch 225, 16776960
+    Swatch 174, "#008040"
+    Swatch 198, Array(0, 64, 192)
+    Swatch 222, 65535
+    Swatch 246, "#C000C0"
+    Swatch 270, 16776960
 End Sub
 
 Sub Swatch(x, color)
@@ -335,8 +344,9 @@ Sub Colophon()
     pdf.PDFSetTextColor = "#000000"
     pdf.PDFSetFont TIMES, 11
     pdf.PDFSetAlignement = LEFT_ALIGNED
+    pdf.PDFSetCellMargin = 0
     pdf.PDFCell "This page is an A5. Page " & pdf.PDFPageNumber & " of " & pdf.PDFNbPage & "." & vbCrLf & _
-        "Unit: " & pdf.PDFGetUnit & ", " & pdf.PDFGetPageWidth & " by " & pdf.PDFGetPageHeight & " points.", 15, 32, 118, 7
+        "Unit: " & pdf.PDFGetUnit & ", " & pdf.PDFGetPageWidth & " by " & pdf.PDFGetPageHeight & " points.", 15, 32, 118, 12
 End Sub
 
 Function ReadLines(file)

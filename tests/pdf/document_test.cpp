@@ -9,170 +9,151 @@ namespace veltrano {
 namespace {
 
 using tests::Document;
+using tests::holds;
 using Errors = std::vector<std::string>;
+
+std::vector<double> marginsOf(const VeltranoPDF& pdf) {
+  return {pdf.PDFGetLeftMargin(), pdf.PDFGetTopMargin(), pdf.PDFGetRightMargin(), pdf.PDFGetBottomMargin(),
+          pdf.PDFGetCellMargin()};
+}
+
+using Size = std::pair<double, double>;
+
+Size sizeOf(const VeltranoPDF& pdf) {
+  return {pdf.PDFGetPageWidth(), pdf.PDFGetPageHeight()};
+}
+
+void expectDefaults(VeltranoPDF& pdf) {
+  EXPECT_EQ(pdf.PDFGetUnit(), "cm");
+  EXPECT_EQ(marginsOf(pdf), (std::vector<double>{1, 1, 1, 1, 3}));
+  EXPECT_EQ(sizeOf(pdf), Size(595.28, 841.89));
+  EXPECT_EQ(pdf.PDFGetX(), 1);
+  EXPECT_EQ(pdf.PDFGetY(), 1);
+  EXPECT_EQ(pdf.PDFNbPage(), 0);
+}
 
 TEST(Settings, OfANewObject) {
   VeltranoPDF pdf;
-  EXPECT_EQ(pdf.PDFGetUnit(), "cm");
-  for (const double margin :
-       {pdf.PDFGetLeftMargin(), pdf.PDFGetTopMargin(), pdf.PDFGetRightMargin(), pdf.PDFGetBottomMargin()}) {
-    EXPECT_EQ(margin, 1);
-  }
-  EXPECT_EQ(pdf.PDFGetCellMargin(), 3);
-  EXPECT_EQ(pdf.PDFGetPageWidth(), 595.28);
-  EXPECT_EQ(pdf.PDFGetPageHeight(), 841.89);
-  EXPECT_EQ(pdf.PDFGetX(), 1);
-  EXPECT_EQ(pdf.PDFGetY(), 1);
+  expectDefaults(pdf);
   EXPECT_TRUE(pdf.PDFGetZoomMode().isEmpty() && pdf.PDFGetLayoutMode().isEmpty());
-  EXPECT_EQ(pdf.PDFNbPage(), 0);
 }
 
 TEST(Settings, MarginsRoundTiesToEvenAndRefuseWhatDoesNotFit) {
   VeltranoPDF pdf;
-  const struct {
-    double given;
-    double stored;
-  } rows[] = {{2.5, 2}, {1.5, 2}, {3.5, 4}, {-0.4, 0}, {-2.5, -2}, {32767.4, 32767}};
-  for (const auto& row : rows) {
-    pdf.PDFSetLeftMargin(row.given);
-    pdf.PDFSetCellMargin(row.given);
-    EXPECT_EQ(pdf.PDFGetLeftMargin(), row.stored) << row.given;
-    EXPECT_EQ(pdf.PDFGetCellMargin(), row.stored) << row.given;
+  pdf.PDFSetTopMargin(11);
+  pdf.PDFSetRightMargin(12);
+  pdf.PDFSetBottomMargin(13);
+  constexpr std::pair<double, double> rows[] = {{2.5, 2}, {1.5, 2}, {3.5, 4}, {-2.5, -2}, {32767.4, 32767}};
+  for (const auto& [given, stored] : rows) {
+    pdf.PDFSetLeftMargin(given);
+    pdf.PDFSetCellMargin(given);
+    EXPECT_EQ(marginsOf(pdf), (std::vector<double>{stored, 11, 12, 13, stored}));
   }
-  pdf.PDFSetRightMargin(7);
   for (const double wrong : {32767.5, -40000.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
     pdf.PDFSetRightMargin(wrong);
-    EXPECT_EQ(pdf.PDFGetRightMargin(), 7) << wrong;
+    EXPECT_EQ(pdf.PDFGetRightMargin(), 12) << wrong;
   }
-}
-
-TEST(Settings, OmittedMarginsFollowTheirOpposites) {
-  VeltranoPDF pdf;
-  pdf.PDFSetMargins(2, 3);
-  EXPECT_EQ(pdf.PDFGetRightMargin(), 2);
-  EXPECT_EQ(pdf.PDFGetBottomMargin(), 3);
+  pdf.PDFSetMargins(2, 3);  // omitted ones follow their opposites
+  EXPECT_EQ(marginsOf(pdf), (std::vector<double>{2, 3, 2, 3, 32767}));
   pdf.PDFSetMargins(2, 3, 4, 5);
-  EXPECT_EQ(pdf.PDFGetRightMargin(), 4);
-  EXPECT_EQ(pdf.PDFGetBottomMargin(), 5);
+  EXPECT_EQ(marginsOf(pdf), (std::vector<double>{2, 3, 4, 5, 32767}));
 }
 
-TEST(Settings, UnknownUnitIsReportedAndBecomesCentimetres) {
-  Document document;
-  const std::pair<int, const char*> rows[] = {{UNIT_PT, "pt"}, {UNIT_MM, "mm"}, {UNIT_CM, "cm"}};
-  for (const auto& [unit, name] : rows) {
-    document.pdf.PDFSetUnit(unit);
-    EXPECT_EQ(document.pdf.PDFGetUnit(), name);
+TEST(Settings, UnitsAndViewerSettingsFallBack) {
+  VeltranoPDF pdf;
+  const std::pair<int, const char*> units[] = {{UNIT_MM, "mm"}, {UNIT_CM, "cm"}, {UNIT_PT, "pt"}, {3, "cm"}};
+  for (const auto& [unit, name] : units) {
+    pdf.PDFSetUnit(unit);
+    EXPECT_EQ(pdf.PDFGetUnit(), name);
   }
-  EXPECT_EQ(document.takeErrors(), Errors{});
-  document.pdf.PDFSetUnit(UNIT_PT);
-  document.pdf.PDFSetUnit(3);
-  EXPECT_EQ(document.takeErrors(), Errors{"Incorrect Unit"});
-  EXPECT_EQ(document.pdf.PDFGetUnit(), "cm");
-}
-
-TEST(PageFormatSetting, TakesCodesAndSizesAndReportsTheRest) {
-  const struct {
-    Value given;
-    double width;
-    double height;
-    Errors errors;
-  } rows[] = {
-      {FORMAT_A4, 595.28, 841.89, {}},
-      {FORMAT_A3, 841.89, 1190.55, {}},
-      {FORMAT_A5, 420.94, 595.28, {}},
-      {FORMAT_LETTER, 612, 792, {}},
-      {FORMAT_LEGAL, 612, 1008, {}},
-      {7, 595.28, 841.89, {"Invalid Page Code Format"}},
-      {std::int64_t{1} << 40, 595.28, 841.89, {"Invalid Page Code Format"}},
-      {Value::Doubles{300, 400}, 300, 400, {}},
-      {Value::List{300, 400.5}, 300, 400.5, {}},
-      {Value::Doubles{300}, 300, 10, {}},
-      {Value::List{"300", "400"}, 595.28, 841.89, {"Incorrect Page Code"}},
-      {1.0, 595.28, 841.89, {"Incorrect Page Code"}},
-      {true, 595.28, 841.89, {"Incorrect Page Code"}},
-      {Opaque(), 595.28, 841.89, {"Incorrect Page Code"}},
-  };
-  int number = 0;
-  for (const auto& row : rows) {
-    SCOPED_TRACE(number++);
-    Document document;
-    document.pdf.PDFPageWidth(10);
-    document.pdf.PDFPageHeight(10);
-    document.pdf.PDFFormatPage(row.given);
-    EXPECT_EQ(document.pdf.PDFGetPageWidth(), row.width);
-    EXPECT_EQ(document.pdf.PDFGetPageHeight(), row.height);
-    EXPECT_EQ(document.takeErrors(), row.errors);
+  constexpr std::pair<int, int> layouts[] = {{1, 1}, {2, 2}, {4, 0}, {3, 3}, {-1, 0}};
+  for (const auto& [layout, stored] : layouts) {
+    pdf.PDFSetLayoutMode(layout);
+    EXPECT_EQ(pdf.PDFGetLayoutMode(), Value(stored));
   }
-}
-
-TEST(Orientation, RoundsAndSwapsOnlyForLandscape) {
-  Document document;
-  VeltranoPDF& pdf = document.pdf;
-  const auto size = [&] { return std::pair(pdf.PDFGetPageWidth(), pdf.PDFGetPageHeight()); };
-  pdf.PDFOrientation(ORIENT_PAYSAGE);
-  EXPECT_EQ(size(), std::pair(842.0, 595.0));
-  pdf.PDFOrientation(ORIENT_PORTRAIT);
-  EXPECT_EQ(size(), std::pair(842.0, 595.0));
-  pdf.PDFOrientation(ORIENT_PAYSAGE);
-  EXPECT_EQ(size(), std::pair(595.0, 842.0));
-  pdf.PDFFormatPage(FORMAT_A5);
-  pdf.PDFOrientation(2);
-  EXPECT_EQ(document.takeErrors(), Errors{"Incorrect Page Orientation"});
-  EXPECT_EQ(size(), std::pair(421.0, 595.0));
-  pdf.PDFPageWidth(50000.5);
-  pdf.PDFOrientation(ORIENT_PAYSAGE);
-  EXPECT_EQ(size(), std::pair(595.0, 50000.5)) << "a side beyond 16 bits keeps its value";
-}
-
-TEST(Viewer, ZoomTakesAnyNumberAndLayoutFourValues) {
-  Document document;
-  VeltranoPDF& pdf = document.pdf;
-  for (const Value& zoom : {Value(ZOOM_REAL), Value(150), Value(33.3)}) {
+  Errors errors;
+  pdf.onError = [&](std::string_view message) { errors.emplace_back(message); };
+  for (const Value& zoom : {Value(ZOOM_REAL), Value(150), Value(33.3), Value()}) {
     pdf.PDFSetZoomMode(zoom);
     EXPECT_EQ(pdf.PDFGetZoomMode(), zoom);
   }
-  EXPECT_EQ(document.takeErrors(), Errors{});
-  for (const Value& zoom :
-       {Value("150"), Value("wide"), Value(Null()), Value(Opaque()), Value(Value::List{1})}) {
+  EXPECT_EQ(errors, Errors{});
+  for (const Value& zoom : {Value("150"), Value(Null()), Value(Opaque()), Value(Value::List{1})}) {
     pdf.PDFSetZoomMode(zoom);
     EXPECT_EQ(pdf.PDFGetZoomMode(), Value(0));
-    EXPECT_EQ(document.takeErrors(), Errors{"Zoom mode incorrect."});
   }
-  pdf.PDFSetLayoutMode(LAYOUT_TWO);
-  EXPECT_EQ(pdf.PDFGetLayoutMode(), Value(2));
-  for (const int layout : {4, -1}) {
-    pdf.PDFSetLayoutMode(layout);
-    EXPECT_EQ(document.takeErrors(), Errors{"Incorrect Layout"});
-    EXPECT_EQ(pdf.PDFGetLayoutMode(), Value(0));
+  EXPECT_EQ(errors, Errors(4, "Zoom mode incorrect."));
+}
+
+TEST(Settings, PageFormatsAreCodesOrSizes) {
+  const std::pair<Value, Size> accepted[] = {{FORMAT_A4, {595.28, 841.89}},
+                                             {FORMAT_A3, {841.89, 1190.55}},
+                                             {FORMAT_A5, {420.94, 595.28}},
+                                             {FORMAT_LETTER, {612, 792}},
+                                             {FORMAT_LEGAL, {612, 1008}},
+                                             {Value::Doubles{300, 400}, {300, 400}},
+                                             {Value::List{300, 400.5}, {300, 400.5}},
+                                             {Value::Doubles{9}, {9, 400.5}}};
+  Document document;
+  for (const auto& [format, size] : accepted) {
+    document.pdf.PDFFormatPage(format);
+    EXPECT_EQ(sizeOf(document.pdf), size);
+  }
+  EXPECT_EQ(document.takeErrors(), Errors{});
+  const std::pair<Value, const char*> refused[] = {{5, "Invalid Page Code Format"},
+                                                   {-1, "Invalid Page Code Format"},
+                                                   {std::int64_t{1} << 40, "Invalid Page Code Format"},
+                                                   {Value::List{"300", 400}, "Incorrect Page Code"},
+                                                   {Value::List{300, "400"}, "Incorrect Page Code"},
+                                                   {1.0, "Incorrect Page Code"},
+                                                   {true, "Incorrect Page Code"}};
+  for (const auto& [format, message] : refused) {
+    document.pdf.PDFFormatPage(FORMAT_A3);
+    document.pdf.PDFFormatPage(format);
+    EXPECT_EQ(sizeOf(document.pdf), Size(595.28, 841.89));
+    EXPECT_EQ(document.takeErrors(), Errors{message});
   }
 }
 
-TEST(Init, ResetsWhatItResetsAndKeepsTheRest) {
+TEST(Settings, OrientationRoundsAndSwapsOnlyForLandscape) {
+  VeltranoPDF pdf;
+  const std::pair<int, Size> rows[] = {{ORIENT_PAYSAGE, {842, 595}},
+                                       {ORIENT_PORTRAIT, {842, 595}},
+                                       {ORIENT_PAYSAGE, {595, 842}},
+                                       {2, {595, 842}}};
+  for (const auto& [orientation, size] : rows) {
+    pdf.PDFOrientation(orientation);
+    EXPECT_EQ(sizeOf(pdf), size);
+  }
+  pdf.PDFPageWidth(50000.5);  // a side beyond 16 bits keeps its value
+  pdf.PDFPageHeight(594.5);
+  pdf.PDFOrientation(ORIENT_PAYSAGE);
+  EXPECT_EQ(sizeOf(pdf), Size(594, 50000.5));
+}
+
+TEST(Settings, InitResetsWhatItResetsAndKeepsTheRest) {
   Document document;
   VeltranoPDF& pdf = document.pdf;
   pdf.PDFTitle("kept");
   pdf.PDFAuthor("dropped");
-  pdf.PDFSetMargins(5, 6);
+  pdf.PDFSetMargins(5, 6, 7, 8);
   pdf.PDFFormatPage(FORMAT_A3);
   pdf.PDFSetLineColor(COLOR_ROUGE);
   pdf.PDFSetLayoutMode(LAYOUT_TWO);
   pdf.PDFBeginDoc();
   pdf.PDFDrawLine(0, 0, 9, 9);
   pdf.PDFInit();
-  EXPECT_EQ(pdf.PDFGetUnit(), "cm");
-  EXPECT_EQ(pdf.PDFGetTopMargin(), 1);
-  EXPECT_EQ(pdf.PDFGetY(), 1);
-  EXPECT_EQ(pdf.PDFGetPageWidth(), 595.28);
+  expectDefaults(pdf);
   EXPECT_EQ(pdf.PDFGetLayoutMode(), Value(2));
   EXPECT_EQ(document.finish(), "") << "the open document is given up";
 
   pdf.PDFBeginDoc();
   pdf.PDFDrawLine(0, 0, 0, 0);
   const std::string file = document.finish();
-  EXPECT_EQ(file.find("%PDF-1.0", 1), std::string::npos) << "nothing of the first document is left";
-  EXPECT_NE(file.find("/Title (kept)"), std::string::npos);
-  EXPECT_NE(file.find("/Author ()"), std::string::npos);
-  EXPECT_NE(tests::pageContent(file, 1).find("\r\n0 G\r\n16.07 w S\r\n"), std::string::npos);
+  EXPECT_EQ(tests::countOf(file, "%PDF-1.0"), 1U) << "nothing of the first document is left";
+  EXPECT_TRUE(holds(file, "/Title (kept)"));
+  EXPECT_TRUE(holds(file, "/Author ()"));
+  EXPECT_TRUE(holds(tests::pageContent(file, 1), "\r\n0 G\r\n16.07 w S\r\n"));
 }
 
 }  // namespace

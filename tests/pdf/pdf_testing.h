@@ -24,6 +24,18 @@ inline std::string lines(std::initializer_list<std::string_view> all) {
   return text;
 }
 
+inline testing::AssertionResult holds(std::string_view text, std::string_view part) {
+  if (text.find(part) != std::string_view::npos) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << '"' << part << "\" is not in\n" << text.substr(0, 4000);
+}
+
+/// How often `part` is in `text`.
+inline std::size_t countOf(std::string_view text, std::string_view part) {
+  std::size_t count = 0;
+  for (auto at = text.find(part); at != std::string_view::npos; at = text.find(part, at + 1)) ++count;
+  return count;
+}
+
 /// A file of the folder of golden files.
 inline std::string golden(std::string_view name) {
   return readWholeFile(std::filesystem::path(VELTRANO_GOLDEN_FOLDER) / name).value_or("no golden file");
@@ -80,13 +92,19 @@ class Document {
   VeltranoPDF pdf;
 };
 
-/// What `draw` writes on the first page of a document in points.
+/// The file of a document in points, begun before and ended after `draw`.
 template <typename Draw>
-std::string contentOf(Draw draw) {
+std::string fileOf(Draw draw) {
   Document document;
   document.pdf.PDFBeginDoc();
   draw(document.pdf);
-  return pageContent(document.finish(), 1);
+  return document.finish();
+}
+
+/// What `draw` writes on the first page.
+template <typename Draw>
+std::string contentOf(Draw draw) {
+  return pageContent(fileOf(draw), 1);
 }
 
 }  // namespace veltrano::tests
