@@ -53,8 +53,8 @@ void unchangedFile(benchmark::State& state) {
 }
 BENCHMARK(unchangedFile);
 
-/// A file that was written within the last two seconds might change again without another time stamp, so it is
-/// read at each call.
+/// A file that was written within the last two seconds might change again without another time stamp, so it
+/// is read at each call.
 void changedFile(benchmark::State& state) {
   const MetricsFolder folder;
   MetricsCache cache;
