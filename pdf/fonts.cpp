@@ -59,16 +59,20 @@ void VeltranoPDF::PDFLoadAfm(const std::filesystem::path& folder) {
   settledX();  // measures by the folder of before
   // The table is overwritten from its start and never shrinks: entries of a longer folder before stay.
   std::size_t count = 0;
+  const auto isNamed = [](std::string_view name) {
+    return ansiLower(name).find(extension) != std::string::npos;
+  };
+  // The whole path counts: in a folder "fonts.afm" every file is taken for a font, as hosts know it.
+  const bool anyFile = isNamed(pathToAnsi(folder));
   for (const std::filesystem::path& file : *files) {
-    // The whole path counts: in a folder "fonts.afm" every file is taken for a font, as hosts know it.
-    if (ansiLower(pathToAnsi(folder / file)).find(extension) == std::string::npos) {
+    const std::string name = pathToAnsi(file);
+    if (!anyFile && !isNamed(name)) {
       continue;
     }
     ++count;
     if (fonts_.fontTable.size() < count) {
       fonts_.fontTable.resize(count);
     }
-    const std::string name = pathToAnsi(file);
     if (name.size() >= extension.size()) {
       fonts_.fontTable[count - 1] = name.substr(0, name.size() - extension.size());
     }
