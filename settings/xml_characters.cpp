@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "base/byte_lanes.h"
+#include "settings/xml_character_lanes.h"
 
 namespace veltrano {
 
@@ -17,69 +17,14 @@ bool isContinuation(unsigned char byte) {
   return (byte & 0xC0U) == 0x80;
 }
 
-ByteLanes forbiddenControls(const ByteLanes& c) {
-  return (c < ' ') & ~((c == '\t') | (c == '\n') | (c == '\r'));
-}
-
-// Of each byte: whether it is wrong behind the three bytes before it, which are looked at too.
-
-/// Whether characters begin and go on where they must.
-ByteLanes wrongLengths(const char* bytes) {
-  const ByteLanes c(bytes);
-  const ByteLanes continues = c.beyondAscii() & (c < '\xC0');
-  const ByteLanes mayNotContinue =
-      (ByteLanes(bytes - 1) < '\xC0') & (ByteLanes(bytes - 2) < '\xE0') & (ByteLanes(bytes - 3) < '\xF0');
-  const ByteLanes wastesBytes = (c == '\xC0') | (c == '\xC1');
-  return ~(continues ^ mayNotContinue) | wastesBytes;
-}
-
-/// What else can be wrong with characters of three or four bytes.
-ByteLanes wrongLongCharacters(const char* bytes) {
-  const ByteLanes c(bytes);
-  const ByteLanes last(bytes - 1);
-  const ByteLanes wastesBytes = ((last == '\xE0') & (c < '\xA0')) | ((last == '\xF0') & (c < '\x90'));
-  const ByteLanes surrogate = (last == '\xED') & ~(c < '\xA0');
-  const ByteLanes tooLarge = ((last == '\xF4') & ~(c < '\x90')) | ~(last < '\xF5');
-  const ByteLanes noCharacter = (ByteLanes(bytes - 2) == '\xEF') & (last == '\xBF') & ~(c < '\xBE');
-  return wastesBytes | surrogate | tooLarge | noCharacter;
-}
-
 constexpr std::size_t blockSize = 128;
-
-/// Judges a block behind at least three bytes of the text. Of a character that goes on behind the block, only
-/// what the block holds of it.
-bool isXmlBlock(const char* block) {
-  const ByteLanes before(block - 3);
-  ByteLanes beyondAscii = before.beyondAscii();
-  ByteLanes longLeads = ~(before < '\xE0');
-  ByteLanes controls;
-  for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
-    const ByteLanes c(block + i);
-    beyondAscii |= c.beyondAscii();
-    longLeads |= ~(c < '\xE0');
-    controls |= forbiddenControls(c);
-  }
-  if (!beyondAscii.any()) {
-    return !controls.any();
-  }
-  ByteLanes wrong = controls;
-  for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
-    wrong |= wrongLengths(block + i);
-  }
-  if (longLeads.any()) {
-    for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
-      wrong |= wrongLongCharacters(block + i);
-    }
-  }
-  return !wrong.any();
-}
 
 /// Moves `at`, which is where a character and no earlier than the fourth byte begins, to the begin of the
 /// last character that whole blocks hold, wholly or in part. False when they hold a wrong one.
 bool skipXmlBlocks(std::string_view text, std::size_t& at) {
   const std::size_t begin = at;
   for (; text.size() - at >= blockSize; at += blockSize) {
-    if (!isXmlBlock(text.data() + at)) {
+    if (!isXmlBlock<ByteLanes::count, blockSize>(text.data() + at)) {
       return false;
     }
   }

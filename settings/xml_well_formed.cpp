@@ -1,151 +1,27 @@
 #include "settings/xml_well_formed.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
-#include <cstdint>
 #include <vector>
 
-#include "base/byte_lanes.h"
 #include "settings/xml_characters.h"
+#include "settings/xml_references.h"
 
 namespace veltrano {
 
 namespace {
 
-/// The predefined entities and references to characters; there are no others without a document type. `text`
-/// begins behind the "&".
-bool beginsWithReference(std::string_view text) {
-  for (const std::string_view entity : {"amp;", "lt;", "gt;", "quot;", "apos;"}) {
-    if (text.starts_with(entity)) {
-      return true;
-    }
-  }
-  if (!text.starts_with('#')) {
-    return false;
-  }
-  const bool hexadecimal = text.starts_with("#x");
-  text.remove_prefix(hexadecimal ? 2 : 1);
-  std::uint32_t code = 0;
-  const char* const textEnd = text.data() + text.size();
-  const auto [end, error] = std::from_chars(text.data(), textEnd, code, hexadecimal ? 16 : 10);
-  return error == std::errc() && end != textEnd && *end == ';' && isXmlCharacter(code);
-}
-
 bool hasOnlyReferences(std::string_view text) {
-  for (std::size_t at = 0; (at = text.find('&', at)) != std::string_view::npos;) {
-    ++at;
-    if (!beginsWithReference(text.substr(at))) {
-      return false;
-    }
-  }
-  return true;
+  const char* const end = text.data() + text.size();
+  return haveOnlyReferences(text.data(), end, end);
 }
 
-/// Looks for documents of nothing but text and elements that have no attributes and names in ASCII. The
-/// parser reads their tags without leniency, so that only the text needs a look. Most settings files are like
-/// that, and telling so is many times faster than Scanner.
-class PlainText {
- public:
-  /// False also when it cannot tell.
-  static bool isPlain(std::string_view text) {
-    // Beside the root the parser would take a reference to a blank for that blank.
-    const std::size_t begin = text.find_first_not_of(xmlBlanks);
-    const std::size_t end = text.find_last_not_of(xmlBlanks);
-    return begin != std::string_view::npos && text[begin] == '<' && text[end] == '>' && PlainText(text).run();
-  }
-
- private:
-  static constexpr std::size_t blockSize = 128;
-
-  explicit PlainText(std::string_view text) : text_(text) {}
-
-  bool run() {
-    // Also the byte behind a block is looked at.
-    for (; text_.size() - at_ > blockSize; at_ += blockSize) {
-      if (!takeBlock(text_.data() + at_)) {
-        return false;
-      }
-    }
-    std::array<char, blockSize + 1> last;
-    last.fill(' ');
-    std::copy(text_.begin() + static_cast<std::ptrdiff_t>(at_), text_.end(), last.begin());
-    return takeBlock(last.data()) && (!beyondAscii_ || isXmlText(text_)) &&
-           (!references_ || hasOnlyReferences(text_));
-  }
-
-  /// `block` is what stands at `at_`.
-  bool takeBlock(const char* block) {
-    ByteLanes special;
-    ByteLanes unusual;
-    ByteLanes beyondAscii;
-    ByteLanes references;
-    ByteLanes tags;
-    ByteLanes endTags;
-    for (std::size_t i = 0; i < blockSize; i += ByteLanes::count) {
-      const ByteLanes c(block + i);
-      const ByteLanes next(block + i + 1);
-      const ByteLanes tag = c == '<';
-      const ByteLanes blank = (c == '\t') | (c == '\n') | (c == '\r');
-      special |=
-          ((c < ' ') & ~blank) | ((c == ']') & (next == ']')) | (tag & ((next == '!') | (next == '?')));
-      unusual |= (c == '"') | (c == '\'') | c.beyondAscii();
-      beyondAscii |= c.beyondAscii();
-      references |= c == '&';
-      tags.countHits(tag);
-      endTags.countHits(tag & (next == '/'));
-    }
-    beyondAscii_ |= beyondAscii.any();
-    references_ |= references.any();
-    return !special.any() && nest(tags.sum(), endTags.sum()) && (!unusual.any() || haveSimpleTags(block));
-  }
-
-  bool nest(std::size_t tags, std::size_t ends) {
-    // No element in this block is nested deeper than if all its start tags came first. An end tag is a tag
-    // too.
-    const std::size_t deepest = nesting_ + tags - ends;
-    nesting_ = deepest - ends;
-    return deepest <= deepestNesting && deepest >= ends;
-  }
-
-  /// True when there are neither attributes nor characters beyond ASCII in the tags.
-  bool haveSimpleTags(const char* block) {
-    for (std::size_t i = at_; i-- > tagsKnown_;) {
-      if (text_[i] == '<' || text_[i] == '>') {
-        inTag_ = text_[i] == '<';
-        break;
-      }
-    }
-    tagsKnown_ = at_ + blockSize;
-    constexpr std::size_t wordSize = 64;
-    for (const char* const end = block + blockSize; block != end; block += wordSize) {
-      std::uint64_t begins = inTag_ ? 1 : 0;
-      std::uint64_t ends = 0;
-      std::uint64_t unusual = 0;
-      for (std::size_t i = 0; i < wordSize; i += ByteLanes::count) {
-        const ByteLanes c(block + i);
-        begins |= (c == '<').bits() << i;
-        ends |= (c == '>').bits() << i;
-        unusual |= ((c == '"') | (c == '\'') | c.beyondAscii()).bits() << i;
-      }
-      // The difference has all bits from a begin to before the next end.
-      if (((ends - begins) & ~ends & unusual) != 0) {
-        return false;
-      }
-      inTag_ = begins > ends;
-    }
-    return true;
-  }
-
-  const std::string_view text_;
-  std::size_t at_ = 0;
-  std::size_t nesting_ = 0;
-  bool beyondAscii_ = false;
-  bool references_ = false;
-  /// Whether a tag goes on at `tagsKnown_`.
-  bool inTag_ = false;
-  std::size_t tagsKnown_ = 0;
-};
+bool isPlain(std::string_view text, XmlPlainTextScan scan) {
+  // Beside the root the parser would take a reference to a blank for that blank.
+  const std::size_t begin = text.find_first_not_of(xmlBlanks);
+  const std::size_t end = text.find_last_not_of(xmlBlanks);
+  return begin != std::string_view::npos && text[begin] == '<' && text[end] == '>' &&
+         scan(text.data(), text.data() + text.size());
+}
 
 /// Reads a document from begin to end without recursion. Every step says whether to go on.
 class Scanner {
@@ -292,8 +168,8 @@ class Scanner {
 
 }  // namespace
 
-bool isAcceptableXml(std::string_view text) {
-  return PlainText::isPlain(text) || Scanner(text).run();
+bool isAcceptableXml(std::string_view text, XmlPlainTextScan scan) {
+  return isPlain(text, scan) || Scanner(text).run();
 }
 
 }  // namespace veltrano
