@@ -5,10 +5,7 @@
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")"
 scripts/install-packages.sh native benchmarks
-mkdir -p build
-echo "Building the benchmarks"
-cmake --preset bench >build/bench-configure.log 2>&1 || { cat build/bench-configure.log; exit 1; }
-cmake --build build/bench >build/bench-build.log 2>&1 || { grep -v '^\[' build/bench-build.log | head -n 100; exit 1; }
+scripts/build.sh bench
 # wanted AREA: whether the command line names it, or names nothing
 wanted() {
   [ ${#areas[@]} -eq 0 ] && return 0
@@ -32,9 +29,7 @@ if wanted server; then
     exit 1
   fi
   scripts/build-windows-libraries.sh i686-w64-mingw32
-  cmake --preset win32 >build/win32-configure.log 2>&1 || { cat build/win32-configure.log; exit 1; }
-  cmake --build build/win32 --target server_call_cost >build/win32-build.log 2>&1 ||
-    { grep -v '^\[' build/win32-build.log | head -n 100; exit 1; }
+  scripts/build.sh win32 server_call_cost
   echo "== server_call_cost (32-bit, under Wine)"
   scripts/wine.sh build/win32/benchmarks/server/server_call_cost.exe
 fi

@@ -13,17 +13,6 @@ case "${1:-}" in
   *) echo "usage: ./demo.sh [--native]" >&2; exit 2 ;;
 esac
 
-# build PRESET TARGET ...
-build() {
-  local preset=$1
-  shift
-  echo "Building $preset"
-  mkdir -p build
-  cmake --preset "$preset" >"build/$preset-configure.log" 2>&1 || { cat "build/$preset-configure.log"; exit 1; }
-  cmake --build "build/$preset" --target "$@" >"build/$preset-build.log" 2>&1 ||
-    { grep -v '^\[' "build/$preset-build.log" | head -n 100; exit 1; }
-}
-
 preview() {
   # mutool has the standard fonts built in, so the pictures look alike on every machine.
   # It says on its way that the cross-reference table is short, which these files are by design.
@@ -41,7 +30,7 @@ rm -rf "$out"
 mkdir -p "$out"
 
 if $native; then
-  build native native_report
+  scripts/build.sh native native_report
   echo "Running the native sample"
   build/native/samples/native_report samples "$out"
   preview "$out/report.pdf"
@@ -53,8 +42,8 @@ if ! scripts/install-packages.sh windows; then
   exit 1
 fi
 scripts/build-windows-libraries.sh i686-w64-mingw32
-build win32 VeltranoFrameWorkDLL picture_host
-build native make_contacts
+scripts/build.sh win32 VeltranoFrameWorkDLL picture_host
+scripts/build.sh native make_contacts
 
 echo "Registering the DLL in the Wine prefix $PWD/build/wine"
 scripts/wine.sh --prepare

@@ -19,20 +19,9 @@ if ! scripts/install-packages.sh native windows packages; then
 fi
 scripts/build-windows-libraries.sh
 
-# build PRESET TARGET ...
-build() {
-  local preset=$1
-  shift
-  echo "Building $preset"
-  mkdir -p build
-  cmake --preset "$preset" >"build/$preset-configure.log" 2>&1 || { cat "build/$preset-configure.log"; exit 1; }
-  cmake --build "build/$preset" --target "$@" >"build/$preset-build.log" 2>&1 ||
-    { grep -v '^\[' "build/$preset-build.log" | head -n 100; exit 1; }
-}
-
-build native VeltranoFrameWork
-build win32 VeltranoFrameWorkDLL veltrano_metrics
-build win64 VeltranoFrameWorkDLL veltrano_metrics
+scripts/build.sh native VeltranoFrameWork
+scripts/build.sh win32 VeltranoFrameWorkDLL veltrano_metrics
+scripts/build.sh win64 VeltranoFrameWorkDLL veltrano_metrics
 
 version=$(sed -nE 's/^project\(VeltranoFrameWorkDLL VERSION ([0-9.]+) .*/\1/p' CMakeLists.txt)
 machine=$(uname -m)

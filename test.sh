@@ -26,11 +26,8 @@ if [ ${#groups[@]} -gt 1 ]; then
   scripts/build-windows-libraries.sh i686-w64-mingw32 x86_64-w64-mingw32
 fi
 
-mkdir -p build
 for preset in "${presets[@]}"; do
-  echo "Building $preset"
-  cmake --preset "$preset" >"build/$preset-configure.log" 2>&1 || { cat "build/$preset-configure.log"; exit 1; }
-  cmake --build "build/$preset" >"build/$preset-build.log" 2>&1 || { grep -v '^\[' "build/$preset-build.log" | head -n 100; exit 1; }
+  scripts/build.sh "$preset"
 done
 
 echo "Checking the sources with clang-format and clang-tidy"
