@@ -8,6 +8,9 @@ export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
 export WINEDEBUG=${WINEDEBUG:--all}
 # Neither .NET nor a browser engine is wanted: without this Wine offers to download them.
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree=;mshtml=}
+# Under Wine the locale decides the code page, the language and how names of files are written. In that of a machine
+# where nobody chose one, no file may have an accent in its name.
+export LC_ALL=C.UTF-8
 unset DISPLAY
 if [ ! -e "$WINEPREFIX/.ready" ]; then
   mkdir -p "$WINEPREFIX"
