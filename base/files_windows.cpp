@@ -137,10 +137,6 @@ class WindowsOutput final : public RawOutput {
   FileHandle file_;
 };
 
-}  // namespace
-
-namespace {
-
 std::optional<std::string> readStart(const std::filesystem::path& file, std::size_t limit) {
   const FileHandle handle =
       openFile(file, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING,

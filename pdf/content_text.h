@@ -25,7 +25,6 @@ class ContentText {
   void appendInteger(std::int64_t value) { next_ = writeInteger(roomFor(longestInteger), value); }
 
   [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(next_ - bytes_.get()); }
-  [[nodiscard]] bool empty() const { return size() == 0; }
   /// Valid until the next change.
   [[nodiscard]] std::string_view view() const { return {bytes_.get(), size()}; }
   /// Takes back what was appended since the text had `size` characters.
