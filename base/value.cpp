@@ -1,6 +1,6 @@
 #include "base/value.h"
 
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
 
 namespace veltrano {
 

@@ -1,7 +1,7 @@
 # Warnings, hardening and sanitizers: one interface target that every library of the project links.
 
 add_library(veltrano_compiler INTERFACE)
-target_include_directories(veltrano_compiler INTERFACE "${PROJECT_SOURCE_DIR}")
+target_include_directories(veltrano_compiler INTERFACE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
 target_compile_options(veltrano_compiler INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast -Werror)
 

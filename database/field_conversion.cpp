@@ -4,8 +4,8 @@
 #include <cmath>
 #include <limits>
 
-#include "base/code_page.h"
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
+#include "base/text/code_page.h"
 #include "database/date_from_text.h"
 #include "database/dates.h"
 

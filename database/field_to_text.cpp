@@ -3,8 +3,8 @@
 #include <charconv>
 #include <chrono>
 
-#include "base/code_page.h"
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
+#include "base/text/code_page.h"
 #include "database/dates.h"
 #include "database/field_conversion.h"
 

@@ -1,4 +1,4 @@
-#include "database/access/access_engine.h"
+#include "database/access/engine.h"
 #include "database/preferred_engine.h"
 
 namespace veltrano {

@@ -1,4 +1,4 @@
-#include "database/access/access_engine.h"
+#include "database/access/engine.h"
 #include "database/dao/dao_engine_windows.h"
 #include "database/preferred_engine.h"
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "base/code_page.h"
-#include "database/lower_case.h"
+#include "base/text/code_page.h"
+#include "base/text/lower_case.h"
 
 namespace veltrano {
 

@@ -1,6 +1,6 @@
 #include <syslog.h>
 
-#include "base/code_page.h"
+#include "base/text/code_page.h"
 #include "eventlog/event_sink.h"
 #include "eventlog/veltrano_wev.h"
 

@@ -3,7 +3,7 @@
 #include <limits>
 #include <utility>
 
-#include "base/host.h"
+#include "base/os/host.h"
 #include "base/trace.h"
 
 namespace veltrano {

@@ -3,9 +3,9 @@
 #include <optional>
 #include <span>
 
-#include "base/files.h"
-#include "base/host.h"
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
+#include "base/os/files.h"
+#include "base/os/host.h"
 #include "base/trace.h"
 #include "imaging/byte_chunks.h"
 #include "imaging/jpeg_reader.h"

@@ -3,7 +3,7 @@
 #include <system_error>
 #include <utility>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "base/trace.h"
 #include "imaging/byte_chunks.h"
 #include "imaging/dib_section.h"

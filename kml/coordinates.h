@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string_view>
 
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
 
 namespace veltrano {
 

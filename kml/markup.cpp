@@ -1,7 +1,7 @@
 #include "kml/markup.h"
 
-#include "base/code_page.h"
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
+#include "base/text/code_page.h"
 
 namespace veltrano {
 

@@ -3,9 +3,9 @@
 #include <new>
 #include <utility>
 
-#include "base/clock.h"
-#include "base/host.h"
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
+#include "base/os/clock.h"
+#include "base/os/host.h"
 #include "base/trace.h"
 #include "kml/coordinates.h"
 #include "kml/markup.h"

@@ -19,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "base/value.h"
 
 namespace veltrano {

@@ -1,6 +1,6 @@
 #include "pdf/veltrano_pdf.h"
 
-#include "base/host.h"
+#include "base/os/host.h"
 
 namespace veltrano {
 

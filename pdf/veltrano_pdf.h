@@ -31,18 +31,18 @@
 #include <vector>
 
 #include "base/value.h"
-#include "pdf/assembly.h"
-#include "pdf/bookmarks.h"
-#include "pdf/document_settings.h"
+#include "pdf/assembly/bookmarks.h"
+#include "pdf/assembly/document_assembly.h"
+#include "pdf/document/page_geometry.h"
+#include "pdf/document/settings.h"
 #include "pdf/enumerations.h"
-#include "pdf/fonts.h"
-#include "pdf/graphics_state.h"
-#include "pdf/images.h"
-#include "pdf/line_breaking.h"
-#include "pdf/links.h"
-#include "pdf/page_geometry.h"
+#include "pdf/fonts/fonts.h"
+#include "pdf/graphics/graphics_state.h"
+#include "pdf/images/images.h"
+#include "pdf/text/line_breaking.h"
+#include "pdf/text/links.h"
 #ifdef VELTRANO_INSTALLED
-#include "base/installed.h"
+#include "base/os/installed.h"
 #endif
 
 namespace veltrano {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-#include "database/access/create_database.h"
+#include "database/access/authoring/create_database.h"
 #include "database/veltrano_mdb.h"
 
 using veltrano::access::ColumnType;

@@ -12,9 +12,9 @@
 #include <string_view>
 #include <vector>
 
-#include "base/code_page.h"
-#include "base/files.h"
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
+#include "base/os/files.h"
+#include "base/text/code_page.h"
 #include "pdf/veltrano_pdf.h"
 
 namespace {

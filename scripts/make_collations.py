@@ -4,7 +4,7 @@
 Usage: scripts/make_collations.py FOLDER
 FOLDER holds the published code lists (NOTICE says where they come from): index_codes_gen.txt and
 index_codes_ext_gen.txt, the same two with genleg, and index_codes_gen_97.txt. Writes
-database/access/collation_general.cpp, collation_general_legacy.cpp and collation_general_97.cpp.
+database/access/collation/general.cpp, general_legacy.cpp and general_97.cpp.
 
 A line of a list is one character: a letter for its class, then hexadecimal fields. collation_table.h says what the
 classes mean and how runs stand for the characters.
@@ -92,7 +92,7 @@ class Packer:
 
 def emit(path, name, packer):
     out = ["// Written by scripts/make_collations.py; NOTICE names the origin of the figures.", "",
-           '#include "database/access/collation_table.h"', "", "namespace veltrano::access {", "", "namespace {", "",
+           '#include "database/access/collation/collation_table.h"', "", "namespace veltrano::access {", "", "namespace {", "",
            "// clang-format off", "using enum CharacterClass;", "using enum Advance;", "",
            "constexpr CollationKind kinds[] = {"]
     for letter, length, extra, small, advance in packer.kinds:
@@ -118,8 +118,8 @@ def main():
     def lines(name):
         return [parse(line) for line in (source / name).read_text().splitlines()]
 
-    for suffix, stem, name in (("gen", "collation_general", "generalTable"),
-                               ("genleg", "collation_general_legacy", "generalLegacyTable")):
+    for suffix, stem, name in (("gen", "general", "generalTable"),
+                               ("genleg", "general_legacy", "generalLegacyTable")):
         records = lines(f"index_codes_{suffix}.txt") + lines(f"index_codes_ext_{suffix}.txt")
         packer = Packer()
         packer.pack(0, records[:0xD800])
@@ -128,7 +128,7 @@ def main():
         emit(target / f"{stem}.cpp", name, packer)
     packer = Packer()
     packer.pack(0, lines("index_codes_gen_97.txt"))
-    emit(target / "collation_general_97.cpp", "general97Table", packer)
+    emit(target / "general_97.cpp", "general97Table", packer)
 
 
 main()

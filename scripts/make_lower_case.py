@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Writes database/lower_case_table.cpp: the simple lower-case forms of the Basic Multilingual Plane as runs.
+"""Writes base/text/lower_case_table.cpp: the simple lower-case forms of the Basic Multilingual Plane as runs.
 
-Usage: scripts/make_lower_case.py > database/lower_case_table.cpp
+Usage: scripts/make_lower_case.py > base/text/lower_case_table.cpp
 The figures are those of the Unicode character database that Python carries.
 """
 import unicodedata
@@ -34,7 +34,7 @@ def main():
               if not 0xD800 <= c < 0xE000 and simple_lower(c) != c}
     print("// Written by scripts/make_lower_case.py from the Unicode character database, version "
           f"{unicodedata.unidata_version}.\n")
-    print('#include "database/lower_case.h"
+    print('#include "base/text/lower_case.h"
 
 #include <iterator>\n\nnamespace veltrano {\n')
     print("// clang-format off\nconst LowerCaseRun lowerCaseRuns[] = {")

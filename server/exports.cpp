@@ -5,9 +5,9 @@
 #include <string_view>
 
 #include "database/database_engine.h"
-#include "server/class_factory.h"
-#include "server/module.h"
-#include "server/registration.h"
+#include "server/com/class_factory.h"
+#include "server/com/module.h"
+#include "server/com/registration.h"
 
 namespace server = veltrano::server;
 

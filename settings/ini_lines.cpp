@@ -5,7 +5,7 @@
 #include <cstring>
 #include <iterator>
 
-#include "base/code_page.h"
+#include "base/text/code_page.h"
 
 namespace veltrano {
 

@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "base/trace.h"
 #include "settings/xml_characters.h"
 #include "settings/xml_well_formed.h"

@@ -4,7 +4,7 @@
 #include <array>
 #include <optional>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "base/trace.h"
 #include "settings/ini_lines.h"
 

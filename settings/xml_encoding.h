@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "base/code_page.h"
+#include "base/text/code_page.h"
 
 namespace veltrano {
 

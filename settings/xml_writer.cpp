@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
 #include "settings/xml_characters.h"
 
 namespace veltrano {

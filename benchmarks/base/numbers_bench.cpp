@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
 
 namespace {
 

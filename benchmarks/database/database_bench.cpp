@@ -11,7 +11,7 @@
 #include <filesystem>
 #include <string>
 
-#include "database/access/create_database.h"
+#include "database/access/authoring/create_database.h"
 #include "database/veltrano_mdb.h"
 
 namespace {

@@ -14,7 +14,7 @@
 
 #include <jpeglib.h>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "imaging/dib_section.h"
 #include "imaging/intel_jpeg_library.h"
 #include "imaging/veltrano_png.h"

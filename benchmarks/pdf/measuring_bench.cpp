@@ -7,8 +7,8 @@
 #include <sstream>
 #include <string>
 
-#include "pdf/line_breaking.h"
-#include "pdf/metrics_cache.h"
+#include "pdf/fonts/metrics_cache.h"
+#include "pdf/text/line_breaking.h"
 #include "pdf/veltrano_pdf.h"
 
 namespace veltrano {

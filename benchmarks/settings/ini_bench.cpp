@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <string>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "settings/veltrano_ini.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <pugixml.hpp>
 #include <random>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "settings/veltrano_xml.h"
 
 namespace {

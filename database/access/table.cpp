@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "database/access/data_page.h"
-#include "database/access/usage_map.h"
+#include "database/access/pages/data_page.h"
+#include "database/access/storage/usage_map.h"
 
 namespace veltrano::access {
 

@@ -7,9 +7,9 @@
 #include <optional>
 #include <utility>
 
-#include "database/access/pager.h"
-#include "database/access/row.h"
-#include "database/access/table_definition.h"
+#include "database/access/pages/row.h"
+#include "database/access/schema/table_definition.h"
+#include "database/access/storage/pager.h"
 
 namespace veltrano::access {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <limits>
 
-#include "database/access/data_page.h"
-#include "database/access/default_value.h"
-#include "database/access/long_value.h"
-#include "database/access/usage_map.h"
+#include "database/access/pages/data_page.h"
+#include "database/access/pages/long_value.h"
+#include "database/access/schema/default_value.h"
+#include "database/access/storage/usage_map.h"
 
 namespace veltrano::access {
 

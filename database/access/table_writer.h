@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "database/access/index/table_indexes.h"
 #include "database/access/table.h"
-#include "database/access/table_indexes.h"
 
 namespace veltrano::access {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 
-#include "base/code_page.h"
+#include "base/text/code_page.h"
 
 namespace veltrano::dao {
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "base/code_page.h"
+#include "base/text/code_page.h"
 #include "database/dao/automation_windows.h"
 #include "database/field_conversion.h"
 

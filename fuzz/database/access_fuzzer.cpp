@@ -8,9 +8,9 @@
 #include <algorithm>
 #include <map>
 
-#include "base/files.h"
-#include "database/access/create_database.h"
-#include "database/access/text_codec.h"
+#include "base/os/files.h"
+#include "database/access/authoring/create_database.h"
+#include "database/access/schema/text_codec.h"
 #include "hostile.h"
 
 namespace {

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "pdf/afm_file.h"
+#include "pdf/fonts/afm_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text(reinterpret_cast<const char*>(data), size);

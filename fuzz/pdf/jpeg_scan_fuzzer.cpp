@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "pdf/jpeg_scan.h"
+#include "pdf/images/jpeg_scan.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string bytes(data, data + size);

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "pdf/line_breaking.h"
+#include "pdf/text/line_breaking.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   double available = 0;

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "settings/veltrano_xml.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 FOLDER is what the zip for Windows holds. The x64 package brings both DLLs, each registered for the hosts of its word
 size; the x86 package is for a 32-bit Windows and refuses to run on another. What is registered is what the DLL's own
-registration writes (server/registration.cpp), as rows that the installer puts there and takes away again;
+registration writes (server/com/registration.cpp), as rows that the installer puts there and takes away again;
 scripts/try-package.sh compares the two.
 """
 
@@ -40,10 +40,10 @@ class Contract:
         self.library = braced(re.search(head + r"\]\s*library", text).group(1))
         identifiers = {name: braced(guid) for guid, name in re.findall(head + r"\]\s*coclass (\w+)", text)}
         interfaces = {name: braced(guid) for guid, name in re.findall(head + r"\]\s*(?:disp)?interface (_\w+)", text)}
-        table = re.findall(r'&CLSID_(\w+).*?L"\w+",\s*L"([^"]*)"', (ROOT / "server/class_table.cpp").read_text(),
+        table = re.findall(r'&CLSID_(\w+).*?L"\w+",\s*L"([^"]*)"', (ROOT / "server/classes/class_table.cpp").read_text(),
                            flags=re.S)
         if {name for name, _ in table} != set(identifiers):
-            raise SystemExit("make_installer_source: server/class_table.cpp and server/veltrano.idl name other classes")
+            raise SystemExit("make_installer_source: server/classes/class_table.cpp and server/veltrano.idl name other classes")
         self.classes = [(identifiers[name], name, description) for name, description in table]
         self.interfaces = [(interfaces[face], face) for _, name, _ in self.classes
                            for face in ("_" + name, "__" + name) if face in interfaces]

@@ -1,4 +1,4 @@
-#include "base/files.h"
+#include "base/os/files.h"
 
 #include <gtest/gtest.h>
 

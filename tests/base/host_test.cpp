@@ -1,11 +1,11 @@
-#include "base/host.h"
+#include "base/os/host.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "base/clock.h"
-#include "base/files.h"
+#include "base/os/clock.h"
+#include "base/os/files.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {

@@ -1,4 +1,4 @@
-#include "base/numbers.h"
+#include "base/numbers/numbers.h"
 
 #include <gtest/gtest.h>
 

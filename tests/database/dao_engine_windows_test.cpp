@@ -14,7 +14,7 @@
 #include <map>
 #include <thread>
 
-#include "base/code_page.h"
+#include "base/text/code_page.h"
 #include "database/veltrano_mdb.h"
 
 // COM interfaces have no virtual destructor; their objects release themselves.

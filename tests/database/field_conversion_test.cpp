@@ -4,8 +4,8 @@
 
 #include <limits>
 
-#include "base/code_page.h"
-#include "database/lower_case.h"
+#include "base/text/code_page.h"
+#include "base/text/lower_case.h"
 #include "database/text_matcher.h"
 
 namespace veltrano {

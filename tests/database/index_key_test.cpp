@@ -1,8 +1,8 @@
-#include "database/access/index_key.h"
+#include "database/access/index/key.h"
 
 #include <gtest/gtest.h>
 
-#include "base/code_page.h"
+#include "base/text/code_page.h"
 
 namespace veltrano::access {
 namespace {

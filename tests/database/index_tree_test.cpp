@@ -1,4 +1,4 @@
-#include "database/access/index_tree.h"
+#include "database/access/index/tree.h"
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,11 @@
 #include <random>
 #include <set>
 
-#include "database/access/catalog.h"
-#include "database/access/create_database.h"
-#include "database/access/index_check.h"
-#include "database/access/index_cursor.h"
-#include "database/access/usage_map.h"
+#include "database/access/authoring/create_database.h"
+#include "database/access/check/index_check.h"
+#include "database/access/index/cursor.h"
+#include "database/access/schema/catalog.h"
+#include "database/access/storage/usage_map.h"
 
 namespace veltrano::access {
 namespace {

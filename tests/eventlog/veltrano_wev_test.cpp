@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "base/host.h"
+#include "base/os/host.h"
 
 namespace veltrano {
 

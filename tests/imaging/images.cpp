@@ -9,7 +9,7 @@
 
 #include <jpeglib.h>
 
-#include "base/files.h"
+#include "base/os/files.h"
 
 namespace veltrano::test {
 

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "base/files.h"
-#include "base/host.h"
+#include "base/os/files.h"
+#include "base/os/host.h"
 #include "images.h"
 
 namespace veltrano {

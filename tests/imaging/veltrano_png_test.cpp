@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "images.h"
 
 namespace veltrano {

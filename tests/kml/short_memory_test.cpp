@@ -6,7 +6,7 @@
 #include <limits>
 #include <new>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "kml/markup.h"
 #include "kml/veltrano_kml.h"
 #include "tests/temporary_folder.h"

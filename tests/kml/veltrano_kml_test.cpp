@@ -6,7 +6,7 @@
 #include <limits>
 #include <regex>
 
-#include "base/host.h"
+#include "base/os/host.h"
 #include "kml/coordinates.h"
 #include "tests/temporary_folder.h"
 

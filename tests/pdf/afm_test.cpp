@@ -1,4 +1,4 @@
-#include "pdf/afm_file.h"
+#include "pdf/fonts/afm_file.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,9 @@
 #include <thread>
 #include <tuple>
 
-#include "base/files.h"
-#include "base/host.h"
-#include "pdf/metrics_cache.h"
+#include "base/os/files.h"
+#include "base/os/host.h"
+#include "pdf/fonts/metrics_cache.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "pdf/line_breaking.h"
+#include "pdf/text/line_breaking.h"
 #include "tests/pdf/pdf_testing.h"
 
 namespace veltrano {

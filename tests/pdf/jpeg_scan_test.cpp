@@ -1,4 +1,4 @@
-#include "pdf/jpeg_scan.h"
+#include "pdf/images/jpeg_scan.h"
 
 #include <gtest/gtest.h>
 

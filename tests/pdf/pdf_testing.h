@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "pdf/veltrano_pdf.h"
 #include "tests/temporary_folder.h"
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <sstream>
 
-#include "base/code_page.h"
+#include "base/text/code_page.h"
 #include "tests/pdf/pdf_testing.h"
 
 // What readers that others wrote make of our files: native only, where they are programs of the system.

@@ -1,6 +1,6 @@
 // Between variants and values, both ways.
 
-#include "server/conversions.h"
+#include "server/com/conversions.h"
 
 #include <gtest/gtest.h>
 

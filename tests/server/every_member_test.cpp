@@ -8,8 +8,8 @@
 
 #include "fake_objects.h"
 #include "host.h"
-#include "server/class_table.h"
-#include "server/interface_table.h"
+#include "server/classes/class_table.h"
+#include "server/com/interface_table.h"
 
 namespace veltrano::tests {
 

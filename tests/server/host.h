@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "server/automation.h"
+#include "server/com/automation.h"
 
 namespace veltrano::tests {
 

@@ -9,8 +9,8 @@
 
 #include "fake_objects.h"
 #include "host.h"
-#include "server/automation_object.h"
-#include "server/class_table.h"
+#include "server/classes/class_table.h"
+#include "server/com/automation_object.h"
 
 namespace veltrano::tests {
 

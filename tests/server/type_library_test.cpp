@@ -7,8 +7,8 @@
 
 #include "expected_interface.h"
 #include "host.h"
-#include "server/class_table.h"
-#include "server/defaults.h"
+#include "server/classes/class_table.h"
+#include "server/com/defaults.h"
 
 namespace veltrano::tests {
 

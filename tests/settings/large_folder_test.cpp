@@ -5,7 +5,7 @@
 #include <map>
 #include <random>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "settings/veltrano_xml.h"
 #include "tests/temporary_folder.h"
 

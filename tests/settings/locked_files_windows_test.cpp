@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "settings/veltrano_ini.h"
 #include "settings/veltrano_xml.h"
 #include "tests/temporary_folder.h"

@@ -8,7 +8,7 @@
 #include <memory>
 #include <random>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "settings/veltrano_xml.h"
 #include "tests/temporary_folder.h"
 

@@ -6,8 +6,8 @@
 #include <random>
 #include <vector>
 
-#include "base/code_page.h"
-#include "base/files.h"
+#include "base/os/files.h"
+#include "base/text/code_page.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {

@@ -5,7 +5,7 @@
 
 #include <pugixml.hpp>
 
-#include "base/files.h"
+#include "base/os/files.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {

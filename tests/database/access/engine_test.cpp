@@ -1,12 +1,12 @@
-#include "database/access/access_engine.h"
+#include "database/access/engine.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <set>
 
-#include "base/files.h"
-#include "database/access/catalog.h"
+#include "base/os/files.h"
+#include "database/access/schema/catalog.h"
 #include "database/text_matcher.h"
 #include "harness.h"
 

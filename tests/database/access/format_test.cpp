@@ -2,11 +2,11 @@
 
 #include <set>
 
-#include "database/access/catalog.h"
-#include "database/access/codec.h"
-#include "database/access/row.h"
-#include "database/access/text_codec.h"
-#include "database/access/usage_map.h"
+#include "database/access/pages/row.h"
+#include "database/access/schema/catalog.h"
+#include "database/access/schema/text_codec.h"
+#include "database/access/storage/codec.h"
+#include "database/access/storage/usage_map.h"
 #include "harness.h"
 
 namespace veltrano::access {

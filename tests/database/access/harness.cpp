@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "database/access/catalog.h"
-#include "database/access/check.h"
+#include "database/access/check/database_check.h"
+#include "database/access/schema/catalog.h"
 #include "database/text_matcher.h"
 
 namespace veltrano::access {

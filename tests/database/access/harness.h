@@ -13,9 +13,9 @@
 #include <string>
 #include <vector>
 
-#include "database/access/access_recordset.h"
-#include "database/access/create_database.h"
-#include "database/access/file.h"
+#include "database/access/authoring/create_database.h"
+#include "database/access/recordset.h"
+#include "database/access/storage/file.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano::access {

@@ -6,9 +6,9 @@
 #include <filesystem>
 #include <string>
 
-#include "database/access/access_recordset.h"
-#include "database/access/catalog.h"
-#include "database/access/check.h"
+#include "database/access/check/database_check.h"
+#include "database/access/recordset.h"
+#include "database/access/schema/catalog.h"
 #include "database/text_matcher.h"
 
 namespace veltrano::access {

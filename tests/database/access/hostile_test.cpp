@@ -2,8 +2,8 @@
 
 #include <limits>
 
-#include "base/files.h"
-#include "database/access/codec.h"
+#include "base/os/files.h"
+#include "database/access/storage/codec.h"
 #include "harness.h"
 #include "hostile.h"
 

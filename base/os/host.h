@@ -1,0 +1,35 @@
+#ifndef VELTRANO_BASE_OS_HOST_H
+#define VELTRANO_BASE_OS_HOST_H
+
+// What the library knows of the process it lives in.
+
+#include <filesystem>
+#include <string>
+
+namespace veltrano {
+
+/// Folder of the file that holds this code: the DLL's on Windows; the shared library's, or the program's when
+/// linked statically, elsewhere. No separator at its end.
+std::filesystem::path libraryFolder();
+
+/// Folder of the font metrics that come with the library: the library's own folder. Where that holds none (a
+/// program linked with an installed library, elsewhere than Windows) it is the folder
+/// "share/veltranoframework/metrics" beside the program's, or that of the installation. Asked anew each time,
+/// since files come and go.
+std::filesystem::path metricsFolder();
+
+/// Says where the library is installed, by the path of one of its headers; base/installed.h calls it. True.
+bool setInstallation(const char* header);
+
+/// The application's name as ANSI text: the product name from the executable's version resource when it has
+/// one (Windows), otherwise the executable's file name without extension. The KML writer and the event log
+/// use it.
+std::string hostApplicationName();
+
+/// Gives the host's pending user-interface messages a turn, so that it stays responsive during long work.
+/// Does nothing where there is no message queue.
+void yieldToHost();
+
+}  // namespace veltrano
+
+#endif

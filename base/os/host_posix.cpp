@@ -1,0 +1,80 @@
+#include <dlfcn.h>
+
+#include <algorithm>
+
+#include "base/os/files.h"
+#include "base/os/host.h"
+
+namespace veltrano {
+
+namespace {
+
+constexpr const char* sharedMetrics = "share/veltranoframework/metrics";
+
+std::filesystem::path executable() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
+bool holdsMetrics(const std::filesystem::path& folder) {
+  // Every object asks at its start, and a look for one name is far cheaper than a list of all.
+  std::error_code error;
+  if (std::filesystem::exists(folder / "Helvetica.afm", error)) {
+    return true;
+  }
+  const auto files = listFiles(folder);
+  return files && std::ranges::any_of(*files, [](const auto& file) { return file.extension() == ".afm"; });
+}
+
+/// The folder that the installation's lib, include and share stand in; empty when the program was linked with
+/// a library that is not installed.
+std::filesystem::path& installation() {
+  static std::filesystem::path folder;
+  return folder;
+}
+
+}  // namespace
+
+std::filesystem::path libraryFolder() {
+  static const std::filesystem::path folder = [] {
+    Dl_info info = {};
+    std::filesystem::path file;
+    if (dladdr(reinterpret_cast<const void*>(&libraryFolder), &info) != 0 && info.dli_fname != nullptr) {
+      file = info.dli_fname;
+    }
+    // A program's own name is what its caller typed, which need not be a path that leads to it.
+    std::error_code error;
+    if (file.filename().native().find(".so") == std::string::npos) {
+      file = executable();
+    }
+    const auto real = std::filesystem::canonical(file, error);
+    return (error ? file : real).parent_path();
+  }();
+  return folder;
+}
+
+bool setInstallation(const char* header) {
+  std::error_code error;
+  const auto path = std::filesystem::absolute(header, error).lexically_normal();
+  // <installation>/include/veltranoframework/base/installed.h
+  installation() = path.parent_path().parent_path().parent_path().parent_path();
+  return true;
+}
+
+std::filesystem::path metricsFolder() {
+  auto own = libraryFolder();
+  for (const auto& folder : {own, own.parent_path() / sharedMetrics, installation() / sharedMetrics}) {
+    if (holdsMetrics(folder)) {
+      return folder;
+    }
+  }
+  return own;
+}
+
+std::string hostApplicationName() {
+  return pathToAnsi(executable().stem());
+}
+
+void yieldToHost() {}
+
+}  // namespace veltrano

@@ -1,0 +1,23 @@
+#ifndef VELTRANO_BASE_OS_MEMORY_H
+#define VELTRANO_BASE_OS_MEMORY_H
+
+// Memory for data that is large and written once.
+
+#include <cstddef>
+#include <cstdlib>
+#include <memory>
+
+namespace veltrano {
+
+struct FreeBlock {
+  void operator()(char* block) const { std::free(block); }
+};
+using MemoryBlock = std::unique_ptr<char[], FreeBlock>;
+
+/// `size` (not 0) bytes of undefined content. Where the system offers large pages to whoever asks, blocks of
+/// some megabytes get them: fetching memory page by page costs more than filling it. Throws std::bad_alloc.
+MemoryBlock allocateBlock(std::size_t size);
+
+}  // namespace veltrano
+
+#endif

@@ -1,0 +1,43 @@
+#ifndef VELTRANO_BASE_TEXT_LOWER_CASE_H
+#define VELTRANO_BASE_TEXT_LOWER_CASE_H
+
+// Lower case of Unicode text, character by character and the same on every system and in every locale: what a
+// search that ignores case compares, and what makes table and field names equal.
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace veltrano {
+
+/// Characters first, first + step, ... last whose lower-case form lies `shift` further on.
+struct LowerCaseRun {
+  char16_t first;
+  char16_t last;
+  int shift;
+  int step;
+};
+
+/// Ordered by `first`, not overlapping; nothing below U+0080.
+extern const LowerCaseRun lowerCaseRuns[];
+extern const std::size_t lowerCaseRunCount;
+
+/// The lower-case form of a character beyond U+007F.
+char16_t lowerCaseBeyondAscii(char16_t c);
+
+inline char16_t lowerCase(char16_t c) {
+  if (c < 0x80) {
+    return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + 0x20) : c;
+  }
+  return lowerCaseBeyondAscii(c);
+}
+
+/// Lower case of UTF-8 text, as UTF-16.
+std::u16string lowerCaseUtf16(std::string_view utf8);
+
+/// True when two names (UTF-8) differ at most in their case.
+bool sameName(std::string_view left, std::string_view right);
+
+}  // namespace veltrano
+
+#endif

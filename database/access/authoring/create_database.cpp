@@ -1,0 +1,166 @@
+#include "database/access/authoring/create_database.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+#include "base/os/clock.h"
+#include "base/text/code_page.h"
+#include "base/text/lower_case.h"
+#include "database/access/authoring/definition_builder.h"
+#include "database/access/authoring/system_tables.h"
+#include "database/access/pages/data_page.h"
+#include "database/access/schema/catalog.h"
+#include "database/access/storage/codec.h"
+#include "database/access/storage/file.h"
+#include "database/access/storage/usage_map.h"
+#include "database/dates.h"
+
+namespace veltrano::access {
+
+// A new file has two pages: the header (header.cpp shows its bytes) and page 1 with the map of free pages.
+// All else goes through the pager.
+
+namespace {
+
+constexpr std::size_t pageSize = 4096;
+constexpr std::size_t mostPasswordCharacters = 20;
+
+double now() {
+  const LocalTime time = localTime();
+  const std::chrono::sys_days day{std::chrono::year(time.year) / time.month / time.day};
+  return joinDate(static_cast<std::int32_t>((day - dateOrigin).count()),
+                  time.hour * 3600.0 + time.minute * 60.0 + time.second)
+      .days;
+}
+
+void fillHeader(MutableBytes page, const NewDatabase& options, double created) {
+  constexpr std::string_view engine = "Standard Jet DB";
+  constexpr std::size_t commitBytesAt = 0xE00;
+  page[1] = 1;
+  std::copy(engine.begin(), engine.end(), page.begin() + 4);
+  page[0x14] = static_cast<std::uint8_t>(Version::jet4);
+  store32(&page[0x18], RowPointer{1, 0}.toDisk());  // the map of free pages
+  store32(&page[0x1C], RowPointer{1, 1}.toDisk());
+  for (PageNumber table = 0; table < 4; ++table) {
+    store32(&page[0x20 + 4 * table], catalogPage + table);
+  }
+  store16(&page[0x3C], 1252);
+  store32(&page[0x3E], options.pageKey);
+  store32(&page[0x6E], 1033);
+  storeDouble(&page[0x72], created);
+  const auto mask = static_cast<std::uint32_t>(static_cast<std::int32_t>(created));
+  const std::u16string password = utf8ToUtf16(options.password);
+  for (std::size_t i = 0; i < mostPasswordCharacters; ++i) {
+    const std::uint32_t part = i % 2 == 0 ? mask & 0xFFFF : mask >> 16;
+    store16(&page[0x42 + 2 * i], part ^ (i < password.size() ? password[i] : 0U));
+  }
+  maskHeader(page, Version::jet4);
+  store32(&page[0x98], 0x654);
+  constexpr std::string_view formatName = "4.0";
+  std::copy(formatName.begin(), formatName.end(), page.begin() + 0x9C);
+  for (std::size_t pair = 0; pair < 256; ++pair) {
+    page[commitBytesAt + 2 * pair + 1] = 1;
+  }
+}
+
+void fillMapPage(MutableBytes page) {
+  std::array<std::uint8_t, 69> map = {};
+  DataPageEditor editor(page);
+  editor.create(1);
+  // Every page is free but the two that exist.
+  std::fill(map.begin() + 5, map.end(), std::uint8_t{0xFF});
+  map[5] = 0xFC;
+  (void)editor.insert(map, 0);
+  map.fill(0);
+  (void)editor.insert(map, 0);
+}
+
+bool writeFirstPages(const std::filesystem::path& file, const NewDatabase& options, double created) {
+  std::vector<std::uint8_t> pages(2 * pageSize);
+  const MutableBytes all(pages);
+  fillHeader(all.first(pageSize), options, created);
+  fillMapPage(all.subspan(pageSize));
+  PageCodec(options.pageKey).apply(1, all.subspan(pageSize));
+  OpenFailure failure = {};
+  const auto out = systemFiles().open(file, OpenMode::create, failure);
+  return out && out->resize(0) && out->writeAt(0, pages);
+}
+
+bool fillDatabase(const std::filesystem::path& file, const NewDatabase& options, double created,
+                  std::string& reason) {
+  Pager::Options opening;
+  opening.password = options.password;
+  const auto pager = Pager::open(file, opening, reason);
+  return pager && makeSystemTables(*pager, created, reason) && pager->sync();
+}
+
+}  // namespace
+
+bool createDatabase(const std::filesystem::path& file, const NewDatabase& options, std::string& reason) {
+  const double created = options.created != 0 ? options.created : now();
+  std::error_code error;
+  if (std::filesystem::exists(file, error) || error) {
+    reason = "the file exists already, or its folder is missing";
+    return false;
+  }
+  if (utf8ToUtf16(options.password).size() > mostPasswordCharacters || !splitDate(Date{created})) {
+    reason = "the password is too long, or the date out of range";
+    return false;
+  }
+  // Made under another name, so that a file by this name is a whole database.
+  std::filesystem::path unfinished = file;
+  unfinished += ".new";
+  reason = "the file cannot be written";
+  const bool made =
+      writeFirstPages(unfinished, options, created) && fillDatabase(unfinished, options, created, reason);
+  if (made) {
+    std::filesystem::rename(unfinished, file, error);
+    if (!error) {
+      return true;
+    }
+    reason = "the file cannot be renamed";
+  }
+  std::filesystem::remove(unfinished, error);
+  return false;
+}
+
+bool createTable(Pager& pager, const NewTable& table, std::string& reason) {
+  if (isJet3(pager.version()) || pager.version() >= Version::ace14) {
+    reason = "tables are made in files of the 2000 to 2007 formats only";
+    return false;
+  }
+  if (!checkNewTable(table, reason)) {
+    return false;
+  }
+  const auto catalog = readCatalog(pager);
+  if (!catalog) {
+    reason = "the catalog is damaged";
+    return false;
+  }
+  if (std::any_of(catalog->begin(), catalog->end(),
+                  [&](const CatalogEntry& entry) { return sameName(entry.name, table.name); })) {
+    reason = "there is an object of that name";
+    return false;
+  }
+  Transaction transaction(pager);
+  reason = pager.lastError();
+  if (!transaction) {
+    return false;
+  }
+  reason = "the file is full or damaged";
+  MapAllocator maps(pager);
+  const auto page = allocatePage(pager);
+  return page && writeDefinition(pager, *page, table, TableKind::user, maps) &&
+         enterTable(pager, *page, table, now(), reason) && transaction.commit();
+}
+
+bool createTable(const std::filesystem::path& file, const NewTable& table, std::string& reason,
+                 const std::string& password) {
+  Pager::Options options;
+  options.password = password;
+  const auto pager = Pager::open(file, options, reason);
+  return pager && createTable(*pager, table, reason) && pager->sync();
+}
+
+}  // namespace veltrano::access

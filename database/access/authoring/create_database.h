@@ -1,0 +1,78 @@
+#ifndef VELTRANO_DATABASE_ACCESS_AUTHORING_CREATE_DATABASE_H
+#define VELTRANO_DATABASE_ACCESS_AUTHORING_CREATE_DATABASE_H
+
+// Makes Access 2000 databases (.mdb) and tables in them, from nothing and without any other program. Not part
+// of the automation interface: for C++ callers, tests and samples.
+//
+//   using namespace veltrano::access;
+//   std::string reason;
+//   createDatabase("contacts.mdb", {}, reason) &&
+//       createTable("contacts.mdb",
+//                   {.name = "People",
+//                    .columns = {{.name = "ID", .type = ColumnType::longInteger, .autoNumber = true},
+//                                {.name = "Name", .type = ColumnType::text, .size = 40}},
+//                    .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true}}},
+//                   reason);
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "database/access/schema/table_definition.h"
+
+namespace veltrano::access {
+
+struct NewDatabase {
+  std::string password = {};  ///< UTF-8, up to 20 characters; empty for none
+  std::uint32_t pageKey = 0;  ///< other than 0: the pages are encoded under this key
+  double created = 0;         ///< automation date of the creation; 0 for now
+};
+
+struct NewColumn {
+  std::string name = {};  ///< UTF-8
+  ColumnType type = ColumnType::text;
+  std::uint16_t size = 255;  ///< text: characters (up to 255); binary: bytes (up to 510)
+  std::uint8_t precision = 18;
+  std::uint8_t scale = 0;
+  bool autoNumber = false;  ///< a long integer that counts, or a GUID drawn at random
+  bool compressed = true;   ///< text that allows it is stored one byte a character
+  bool required = false;
+  bool allowZeroLength = true;
+  std::string defaultValue = {};  ///< "0", "\"none\"", "True", "Now()", "Date()"
+};
+
+struct NewIndexColumn {
+  std::string name = {};
+  bool ascending = true;
+};
+
+struct NewIndex {
+  std::string name = {};
+  std::vector<NewIndexColumn> columns = {};
+  bool primary = false;  ///< unique and required, too
+  bool unique = false;
+  bool ignoreNulls = false;
+  bool required = false;
+};
+
+struct NewTable {
+  std::string name = {};
+  std::vector<NewColumn> columns = {};
+  std::vector<NewIndex> indexes = {};
+};
+
+/// Makes an empty database. False, with a reason, when the file exists (it is left alone) or cannot be
+/// written.
+bool createDatabase(const std::filesystem::path& file, const NewDatabase& options, std::string& reason);
+
+/// Adds a table to a database file. False, with a reason, when its description is not valid or the file not
+/// writable; nothing has happened then.
+bool createTable(const std::filesystem::path& file, const NewTable& table, std::string& reason,
+                 const std::string& password = {});
+/// The same in a database that is open.
+bool createTable(Pager& pager, const NewTable& table, std::string& reason);
+
+}  // namespace veltrano::access
+
+#endif

@@ -1,0 +1,22 @@
+#ifndef VELTRANO_DATABASE_ACCESS_AUTHORING_SYSTEM_TABLES_H
+#define VELTRANO_DATABASE_ACCESS_AUTHORING_SYSTEM_TABLES_H
+
+// The tables that every database has, as a new file gets them, and what they say of a new table.
+
+#include <string>
+
+#include "database/access/authoring/create_database.h"
+#include "database/access/storage/pager.h"
+
+namespace veltrano::access {
+
+/// Makes MSysObjects, MSysACEs, MSysQueries and MSysRelationships, at pages 2 to 5 of a file of two pages,
+/// with the rows of an empty database. `created` is an automation date.
+bool makeSystemTables(Pager& pager, double created, std::string& reason);
+
+/// Enters a table, whose definition is at `page`, in the catalog and in the access rights. In a transaction.
+bool enterTable(Pager& pager, PageNumber page, const NewTable& table, double created, std::string& reason);
+
+}  // namespace veltrano::access
+
+#endif

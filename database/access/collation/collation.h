@@ -1,0 +1,34 @@
+#ifndef VELTRANO_DATABASE_ACCESS_COLLATION_COLLATION_H
+#define VELTRANO_DATABASE_ACCESS_COLLATION_COLLATION_H
+
+// The text orders of Access: from a text to the bytes that stand for it in index entries. Byte-wise
+// comparison of two such keys orders the texts, regardless of case. Not more than 255 characters count, and
+// no blanks at the end.
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "database/access/storage/bytes.h"
+#include "database/access/storage/format.h"
+
+namespace veltrano::access {
+
+enum class TextOrder {
+  general97,      ///< Jet 3
+  generalLegacy,  ///< Access 2000 to 2007
+  general,        ///< Access 2010 and later
+};
+
+/// The order of a text column by the language and version words of its record, of which a language of 0
+/// stands for the file's default order. Nothing for an order whose figures are not known: an index in it can
+/// be read, but not written.
+std::optional<TextOrder> textOrder(Version version, std::uint16_t language, std::uint8_t orderVersion,
+                                   std::uint32_t defaultOrder);
+
+/// Appends what follows the entry's flag byte. `text` is UTF-16LE, for General 97 bytes of code page 1252.
+void appendTextKey(std::vector<std::uint8_t>& key, Bytes text, TextOrder order, bool ascending);
+
+}  // namespace veltrano::access
+
+#endif

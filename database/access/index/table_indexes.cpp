@@ -1,0 +1,107 @@
+#include "database/access/index/table_indexes.h"
+
+#include <algorithm>
+
+#include "database/access/index/tree.h"
+#include "database/access/schema/field_codec.h"
+
+namespace veltrano::access {
+
+namespace {
+
+// The definition counts the distinct entries of each index; the figure never goes down.
+bool countNewKey(const Table& table, const Index& index) {
+  constexpr std::size_t counterSize = 4;
+  Pager& pager = table.pager();
+  // Only definitions with more indexes than the rules allow have the counter elsewhere.
+  if (index.uniqueCountOffset + counterSize > pager.pageSize()) {
+    return true;
+  }
+  const MutableBytes page = pager.edit(table.definition().page);
+  if (page.empty()) {
+    return false;
+  }
+  std::uint8_t* counter = page.data() + index.uniqueCountOffset;
+  store32(counter, load32(counter) + 1);
+  return true;
+}
+
+}  // namespace
+
+std::optional<TableIndexes> TableIndexes::create(const Table& table, std::string& reason) {
+  TableIndexes indexes;
+  for (const Index& index : table.definition().indexes) {
+    auto maker = IndexKeyMaker::create(table.pager().version(), table.pager().defaultTextOrder(),
+                                       table.definition(), index, reason);
+    if (!maker) {
+      return std::nullopt;
+    }
+    indexes.makers_.push_back(std::move(*maker));
+  }
+  return indexes;
+}
+
+bool TableIndexes::makeKeys(const Table& table, const RowView& row, RowKeys& keys) {
+  const TableDefinition& definition = table.definition();
+  keys.entries.resize(makers_.size());
+  for (std::size_t i = 0; i < makers_.size(); ++i) {
+    const std::vector<IndexColumn>& columns = definition.indexes[i].columns;
+    values_.resize(columns.size());
+    buffers_.resize(std::max(buffers_.size(), columns.size()));
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+      const Column* column = definition.byNumber(columns[k].column);
+      const auto value = column != nullptr
+                             ? cellToStored(table.pager(), *column, row.cell(*column), buffers_[k])
+                             : std::nullopt;
+      if (!value) {
+        return false;
+      }
+      values_[k] = *value;
+    }
+    RowKeys::Entry& entry = keys.entries[i];
+    entry.outcome = makers_[i].make(values_, entry.key, entry.allNull);
+    if (entry.outcome == KeyOutcome::damaged) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool TableIndexes::change(const Table& table, const RowKeys* before, const RowKeys* after, RowPointer row,
+                          std::string& reason) const {
+  for (std::size_t i = 0; i < makers_.size(); ++i) {
+    const Index& index = table.definition().indexes[i];
+    const RowKeys::Entry* old =
+        before != nullptr && before->entries[i].present() ? &before->entries[i] : nullptr;
+    const RowKeys::Entry* now = after != nullptr ? &after->entries[i] : nullptr;
+    if (now != nullptr && now->outcome == KeyOutcome::refused) {
+      reason = "a field of the index " + index.name + " may not be null";
+      return false;
+    }
+    now = now != nullptr && now->present() ? now : nullptr;
+    if (old != nullptr && now != nullptr && old->key == now->key) {
+      continue;
+    }
+    IndexTree tree(table.pager(), table.definition().page, index);
+    if (old != nullptr && !tree.remove({old->key, row})) {
+      reason = "the index " + index.name + " is damaged";
+      return false;
+    }
+    bool newKey = true;
+    if (now != nullptr && !tree.insert({now->key, row}, newKey)) {
+      reason = "the index " + index.name + " is damaged, or its key too long";
+      return false;
+    }
+    if (!newKey && index.unique && !now->allNull) {
+      reason = "a duplicate in the index " + index.name;
+      return false;
+    }
+    if (now != nullptr && newKey && !countNewKey(table, index)) {
+      reason = "the table's definition cannot be changed";
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace veltrano::access

@@ -1,0 +1,49 @@
+#ifndef VELTRANO_DATABASE_ACCESS_INDEX_TABLE_INDEXES_H
+#define VELTRANO_DATABASE_ACCESS_INDEX_TABLE_INDEXES_H
+
+// All indexes of one table, kept right when rows change.
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "database/access/index/key.h"
+#include "database/access/table.h"
+
+namespace veltrano::access {
+
+class TableIndexes {
+ public:
+  /// The entries of one row, one for each index.
+  struct RowKeys {
+    struct Entry {
+      KeyOutcome outcome = KeyOutcome::leftOut;
+      bool allNull = false;
+      std::vector<std::uint8_t> key;
+      [[nodiscard]] bool present() const { return outcome == KeyOutcome::entry; }
+    };
+    std::vector<Entry> entries;
+  };
+
+  /// Nothing when one of the indexes cannot be kept right by this engine; `reason` then says which.
+  static std::optional<TableIndexes> create(const Table& table, std::string& reason);
+
+  /// Makes the entries of a row. False when the row is damaged. A null where an index forbids it shows in the
+  /// entry's outcome, and makes `change` refuse the row.
+  bool makeKeys(const Table& table, const RowView& row, RowKeys& keys);
+  /// Changes the indexes from the entries `before` of a row to `after`, in a transaction; a null pointer
+  /// stands for no row. False, with a reason, when a unique index has the key already or an index forbids
+  /// the row: the transaction is then to be rolled back.
+  bool change(const Table& table, const RowKeys* before, const RowKeys* after, RowPointer row,
+              std::string& reason) const;
+
+ private:
+  std::vector<IndexKeyMaker> makers_;  // in the order of the definition's indexes
+  // Kept between calls for their storage.
+  std::vector<StoredValue> values_;
+  std::vector<std::vector<std::uint8_t>> buffers_;
+};
+
+}  // namespace veltrano::access
+
+#endif

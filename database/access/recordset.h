@@ -1,0 +1,103 @@
+#ifndef VELTRANO_DATABASE_ACCESS_RECORDSET_H
+#define VELTRANO_DATABASE_ACCESS_RECORDSET_H
+
+// The records of one table of an open file, in the order of its primary key, or as they are stored if it has
+// none.
+//
+//  state       current record   readText   write, update   moveNext
+//  on a record  yes              the record  after edit       to the next one or the end
+//  on a deleted none             fails       after addNew     to the one that followed
+//  at the end   none             fails       after addNew     fails
+//  closed       none             fails       fails            fails
+//
+// An edit lies over these: edit (from "on a record" only) and addNew begin one, which readText and write then
+// work on; update stores it and ends it, unless it fails; every move, remove and close drops it.
+//
+// The order is walked as it is at that moment: a record added meanwhile is met if it comes after the current
+// one. A record whose key was changed after it had been met is not met again.
+
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "database/access/index/cursor.h"
+#include "database/access/index/tree.h"
+#include "database/access/table.h"
+#include "database/access/table_writer.h"
+#include "database/database_engine.h"
+
+namespace veltrano::access {
+
+class AccessRecordset;
+
+/// A file with the recordsets that are open on it. It is closed when the last of its users is.
+struct OpenFile {
+  std::unique_ptr<Pager> pager;
+  std::vector<AccessRecordset*> recordsets;
+  std::uint64_t openers = 0;  ///< database objects that the file has had
+  std::uint64_t changes = 0;  ///< counts what was written, so that recordsets know when to look again
+};
+
+class AccessRecordset final : public Recordset {
+ public:
+  /// `opener` is the number of the database object that opened it.
+  AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition definition, std::uint64_t opener = 0);
+  AccessRecordset(const AccessRecordset&) = delete;
+  AccessRecordset& operator=(const AccessRecordset&) = delete;
+  ~AccessRecordset() override;
+
+  bool moveFirst() override;
+  bool moveLast() override;
+  bool moveNext() override;
+  std::optional<bool> atEnd() override;
+  bool edit() override;
+  bool addNew() override;
+  bool update() override;
+  bool remove() override;
+  bool readText(std::string_view field, std::string& text) override;
+  bool write(std::string_view field, const Value& value) override;
+  bool find(std::string_view field, const TextMatcher& matcher) override;
+  bool close() override;
+
+  [[nodiscard]] std::uint64_t opener() const { return opener_; }
+
+ private:
+  enum class State { onRecord, onDeleted, atEnd, closed };
+  enum class Edit { none, changing, adding };
+
+  bool step(bool found);
+  bool nextPlace();
+  bool load();
+  bool look();
+  std::optional<std::size_t> columnIndex(std::string_view field);
+  void prepareNewRecord();
+
+  std::shared_ptr<OpenFile> file_;
+  std::uint64_t opener_;
+  Table table_;
+  std::optional<TableWriter> writer_;
+  std::string readOnlyReason_;
+  std::optional<IndexTree> order_;  // of the primary key
+  std::optional<IndexCursor> cursor_;
+
+  State state_ = State::atEnd;
+  RowPointer place_;        // of the current record, or the deleted one
+  std::optional<Row> row_;  // its bytes, as of changes_
+  RowView view_;
+  std::uint64_t changes_ = 0;
+  std::set<RowPointer> alreadyMet_;  // records with a key changed since the last moveFirst or moveLast
+
+  Edit edit_ = Edit::none;
+  std::vector<Draft> drafts_;
+
+  // Hosts ask for the same fields in the same order, record after record.
+  std::vector<std::pair<std::string, std::size_t>> namesAsked_;
+  std::size_t nextName_ = 0;
+};
+
+}  // namespace veltrano::access
+
+#endif

@@ -1,0 +1,45 @@
+#ifndef VELTRANO_DATABASE_ACCESS_SCHEMA_CATALOG_H
+#define VELTRANO_DATABASE_ACCESS_SCHEMA_CATALOG_H
+
+// The catalog: the table MSysObjects, which names everything in the file.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "database/access/schema/table_definition.h"
+#include "database/access/storage/pager.h"
+
+namespace veltrano::access {
+
+enum class ObjectKind : std::int16_t {
+  table = 1,
+  database = 2,
+  container = 3,
+  linkedOdbc = 4,
+  query = 5,
+  linkedTable = 6,
+};
+
+struct CatalogEntry {
+  std::string name;  ///< UTF-8
+  ObjectKind kind{};
+  std::uint32_t id = 0;     ///< a table's: the page of its definition
+  std::uint32_t flags = 0;  ///< 0x80000000 and 2: a table of the system
+  RowPointer row;           ///< in MSysObjects
+
+  [[nodiscard]] bool isSystem() const { return (flags & 0x80000002) != 0; }
+};
+
+/// All objects, in the catalog's own order. Nothing when the catalog is damaged.
+std::optional<std::vector<CatalogEntry>> readCatalog(Pager& pager);
+
+/// The definition of the table of that name (in any case), with the properties that the catalog has of its
+/// columns. Nothing, with a reason, when there is none, or it is a query or lies in another file.
+std::optional<TableDefinition> findTable(Pager& pager, std::string_view name, std::string& reason);
+
+}  // namespace veltrano::access
+
+#endif

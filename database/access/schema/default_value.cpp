@@ -1,0 +1,108 @@
+#include "database/access/schema/default_value.h"
+
+#include <chrono>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "base/numbers/numbers.h"
+#include "base/os/clock.h"
+#include "base/text/lower_case.h"
+#include "base/value.h"
+#include "database/access/schema/field_codec.h"
+#include "database/dates.h"
+
+namespace veltrano::access {
+
+namespace {
+
+Value currentDate(bool withDay, bool withTime) {
+  const LocalTime time = localTime();
+  const std::chrono::sys_days day{std::chrono::year(time.year) / time.month / time.day};
+  const double second = time.hour * 3600.0 + time.minute * 60.0 + time.second;
+  return joinDate(withDay ? static_cast<std::int32_t>((day - dateOrigin).count()) : 0, withTime ? second : 0);
+}
+
+// A text in quotes, which are doubled inside.
+std::optional<Value> quotedText(std::string_view expression) {
+  if (expression.size() < 2 || expression.front() != '"' || expression.back() != '"') {
+    return std::nullopt;
+  }
+  std::string text;
+  expression = expression.substr(1, expression.size() - 2);
+  for (std::size_t i = 0; i < expression.size(); ++i) {
+    text.push_back(expression[i]);
+    if (expression[i] == '"' && ++i < expression.size() && expression[i] != '"') {
+      return std::nullopt;
+    }
+  }
+  return Value(std::move(text));
+}
+
+std::optional<Value> evaluate(std::string_view expression) {
+  if (!expression.empty() && expression.front() == '=') {
+    expression.remove_prefix(1);
+  }
+  while (!expression.empty() && expression.front() == ' ') {
+    expression.remove_prefix(1);
+  }
+  if (auto text = quotedText(expression)) {
+    return text;
+  }
+  if (sameName(expression, "Now()")) {
+    return currentDate(true, true);
+  }
+  if (sameName(expression, "Date()")) {
+    return currentDate(true, false);
+  }
+  if (sameName(expression, "Time()")) {
+    return currentDate(false, true);
+  }
+  for (const std::string_view yes : {"True", "Yes", "On"}) {
+    if (sameName(expression, yes)) {
+      return Value(true);
+    }
+  }
+  for (const std::string_view no : {"False", "No", "Off"}) {
+    if (sameName(expression, no)) {
+      return Value(false);
+    }
+  }
+  const auto number = parseNumber(expression);
+  return number ? std::optional<Value>(*number) : std::nullopt;
+}
+
+std::vector<std::uint8_t> randomGuid() {
+  std::random_device random;
+  std::vector<std::uint8_t> guid(16);
+  for (std::uint8_t& byte : guid) {
+    byte = static_cast<std::uint8_t>(random());
+  }
+  // Version 4, variant 1; the third group is little-endian.
+  guid[7] = static_cast<std::uint8_t>((guid[7] & 0x0F) | 0x40);
+  guid[8] = static_cast<std::uint8_t>((guid[8] & 0x3F) | 0x80);
+  return guid;
+}
+
+}  // namespace
+
+bool drawsNumbers(const Column& column) {
+  return column.autoNumber &&
+         (sameName(column.defaultValue, "GenUniqueID()") || sameName(column.defaultValue, "=GenUniqueID()"));
+}
+
+std::optional<std::vector<std::uint8_t>> initialCell(const Column& column, std::optional<std::int32_t> next) {
+  if (column.autoGuid) {
+    return randomGuid();
+  }
+  if (drawsNumbers(column)) {
+    return valueToCell(column, Value(static_cast<int>(std::random_device()())));
+  }
+  if (column.autoNumber) {
+    return next ? valueToCell(column, Value(*next)) : std::nullopt;
+  }
+  const auto value = column.defaultValue.empty() ? std::nullopt : evaluate(column.defaultValue);
+  return value ? valueToCell(column, *value) : std::nullopt;
+}
+
+}  // namespace veltrano::access

@@ -1,0 +1,127 @@
+#include "database/access/storage/header.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "base/text/code_page.h"
+#include "database/access/schema/text_codec.h"
+#include "database/access/storage/codec.h"
+
+namespace veltrano::access {
+
+// Offset Size
+//   0x00    4  00 01 00 00
+//   0x04   16  engine name, NUL at the end
+//   0x14    4  version, the low byte counts
+//   0x18       masked from here on (codec.h)
+//   0x3A    2  Jet 3: text order
+//   0x3C    2  code page
+//   0x3E    4  key of the page encoding; in .accdb files: not 0 when the file is encrypted
+//   0x42   20  Jet 3: password in the code page, padded with zeros
+//   0x42   40  Jet 4: password in UTF-16, padded with zeros, XORed with the mask that follows from the date
+//   0x6E    4  Jet 4: text order, u16 language, 0, u8 version
+//   0x72    8  Jet 4: date of creation; its whole days, as four bytes repeated, are the password's mask
+
+namespace {
+
+constexpr std::size_t codePageAt = 0x3C;
+constexpr std::size_t pageKeyAt = 0x3E;
+constexpr std::size_t passwordAt = 0x42;
+constexpr std::size_t jet3PasswordSize = 20;
+constexpr std::size_t jet4PasswordSize = 40;
+constexpr std::size_t textOrderAt = 0x6E;
+constexpr std::size_t creationAt = 0x72;
+
+// The numeric value of the password's mask. Dates that do not fit (no such file is known) mask with zeros.
+std::uint32_t passwordMask(const std::uint8_t* header) {
+  const double date = loadDouble(header + creationAt);
+  if (!(date > -2147483648.0 && date < 2147483648.0)) {
+    return 0;
+  }
+  return static_cast<std::uint32_t>(static_cast<std::int32_t>(date));
+}
+
+std::string storedPassword(const std::uint8_t* header, Version version, std::uint16_t codePage) {
+  if (isJet3(version)) {
+    const Bytes bytes(header + passwordAt, jet3PasswordSize);
+    const auto end = std::find(bytes.begin(), bytes.end(), std::uint8_t{0});
+    return codePageToUtf8(codePage, bytes.first(static_cast<std::size_t>(end - bytes.begin())));
+  }
+  const std::uint32_t mask = passwordMask(header);
+  std::u16string text;
+  for (std::size_t i = 0; i < jet4PasswordSize; i += 2) {
+    const std::uint32_t part = i % 4 == 0 ? mask & 0xFFFF : mask >> 16;
+    const auto unit = static_cast<char16_t>(load16(header + passwordAt + i) ^ part);
+    if (unit == 0) {
+      break;
+    }
+    text.push_back(unit);
+  }
+  return utf16ToUtf8(text);
+}
+
+// The engine's name is 15 characters and a NUL.
+bool isEngine(Bytes bytes, std::string_view name) {
+  constexpr std::size_t nameAt = 4;
+  return std::memcmp(bytes.data() + nameAt, name.data(), name.size()) == 0 &&
+         bytes[nameAt + name.size()] == 0;
+}
+
+// The version byte of a file that begins like a database.
+std::optional<Version> versionOf(Bytes bytes, std::string& reason) {
+  constexpr std::array<std::uint8_t, 4> begin = {0, 1, 0, 0};
+  constexpr std::size_t versionAt = 0x14;
+  if (bytes.size() < 2048 || !std::equal(begin.begin(), begin.end(), bytes.begin())) {
+    reason = "not an Access database";
+    return std::nullopt;
+  }
+  if (isEngine(bytes, "MSISAM Database")) {
+    reason = "a money program's variant of the format";
+    return std::nullopt;
+  }
+  const std::uint8_t version = bytes[versionAt];
+  const bool jet = isEngine(bytes, "Standard Jet DB") && version <= 1;
+  const bool ace = isEngine(bytes, "Standard ACE DB") && version >= 2 && version <= 6;
+  if (!jet && !ace) {
+    reason = "not an Access database of a known version";
+    return std::nullopt;
+  }
+  return static_cast<Version>(version);
+}
+
+}  // namespace
+
+std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::string& reason) {
+  const auto version = versionOf(bytes, reason);
+  if (!version) {
+    return std::nullopt;
+  }
+  if (bytes.size() < pageSizeOf(*version)) {
+    reason = "the header page is cut off";
+    return std::nullopt;
+  }
+  std::array<std::uint8_t, headerSize> page = {};
+  std::copy_n(bytes.begin(), std::min(bytes.size(), page.size()), page.begin());
+  maskHeader(page, *version);
+
+  Header header;
+  header.version = *version;
+  header.codePage = load16(page.data() + codePageAt);
+  header.pageKey = load32(page.data() + pageKeyAt);
+  header.textOrder = isJet3(*version) ? load16(page.data() + 0x3A) : load32(page.data() + textOrderAt);
+  const bool ace = *version >= Version::ace12;
+  if (ace && header.pageKey != 0) {
+    reason = "the file is encrypted";
+    return std::nullopt;
+  }
+  // The password field of .accdb files means nothing: theirs encrypts the file.
+  const std::string wanted = ace ? std::string() : storedPassword(page.data(), *version, header.codePage);
+  if (wanted != password) {
+    reason = "not a valid password";
+    return std::nullopt;
+  }
+  return header;
+}
+
+}  // namespace veltrano::access

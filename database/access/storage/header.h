@@ -1,0 +1,32 @@
+#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_HEADER_H
+#define VELTRANO_DATABASE_ACCESS_STORAGE_HEADER_H
+
+// The header page: which version a file has, what its texts are, and whether the password is right.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "database/access/storage/bytes.h"
+#include "database/access/storage/format.h"
+
+namespace veltrano::access {
+
+struct Header {
+  Version version = Version::jet4;
+  std::uint16_t codePage = 1252;
+  std::uint32_t pageKey = 0;    ///< of the page encoding, 0 for none
+  std::uint32_t textOrder = 0;  ///< low word: language; high byte: version
+};
+
+/// The most bytes of the file that readHeader wants.
+inline constexpr std::size_t headerSize = 4096;
+
+/// Reads the first bytes of a file and checks the password (UTF-8, empty for none). Nothing, with a reason,
+/// when this is no file that the engine can read, or the password is wrong.
+std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::string& reason);
+
+}  // namespace veltrano::access
+
+#endif

@@ -1,0 +1,242 @@
+#include "server/com/connection_point.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <new>
+
+#include "server/com/conversions.h"
+
+namespace veltrano::server {
+
+namespace {
+
+constexpr DISPID errorEvent = 1;
+
+/// An enumerator over a copy of what is enumerated. Element is the interface's element type; Hold keeps one
+/// alive and makes an Element with a reference of its own.
+template <class Enumerator, class Element, class Hold>
+class EnumeratorObject final : public Enumerator {
+ public:
+  EnumeratorObject(REFIID iid, std::vector<Hold> elements) : iid_(iid), elements_(std::move(elements)) {}
+  EnumeratorObject(const EnumeratorObject&) = delete;
+  EnumeratorObject& operator=(const EnumeratorObject&) = delete;
+  EnumeratorObject(EnumeratorObject&&) = delete;
+  EnumeratorObject& operator=(EnumeratorObject&&) = delete;
+  virtual ~EnumeratorObject() = default;
+
+  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+    if (object == nullptr) {
+      return E_POINTER;
+    }
+    *object = nullptr;
+    if (iid != IID_IUnknown && iid != iid_) {
+      return E_NOINTERFACE;
+    }
+    *object = this;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) {
+      delete this;
+    }
+    return left;
+  }
+
+  STDMETHODIMP Next(ULONG count, Element* elements, ULONG* fetched) override {
+    if (elements == nullptr || (fetched == nullptr && count != 1)) {
+      return E_POINTER;
+    }
+    ULONG done = 0;
+    while (done < count && position_ < elements_.size()) {
+      elements[done++] = elements_[position_++].element();
+    }
+    if (fetched != nullptr) {
+      *fetched = done;
+    }
+    return done == count ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP Skip(ULONG count) override {
+    const std::size_t left = elements_.size() - position_;
+    position_ += std::min<std::size_t>(count, left);
+    return count <= left ? S_OK : S_FALSE;
+  }
+  STDMETHODIMP Reset() override {
+    position_ = 0;
+    return S_OK;
+  }
+  STDMETHODIMP Clone(Enumerator** result) override {
+    if (result == nullptr) {
+      return E_POINTER;
+    }
+    *result = nullptr;
+    try {
+      auto* copy = new EnumeratorObject(iid_, elements_);
+      copy->position_ = position_;
+      *result = copy;
+      return S_OK;
+    } catch (const std::exception&) {
+      return E_OUTOFMEMORY;
+    }
+  }
+
+ private:
+  const IID& iid_;
+  std::vector<Hold> elements_;
+  std::size_t position_ = 0;
+  std::atomic<ULONG> references_{1};
+};
+
+struct HeldPoint {
+  ComPointer<IConnectionPoint> point;
+  [[nodiscard]] IConnectionPoint* element() const { return ComPointer(point).detach(); }
+};
+
+struct HeldConnection {
+  DWORD cookie;
+  ComPointer<IDispatch> target;
+  [[nodiscard]] CONNECTDATA element() const { return {ComPointer(target).detach(), cookie}; }
+};
+
+using PointEnumerator = EnumeratorObject<IEnumConnectionPoints, IConnectionPoint*, HeldPoint>;
+using ConnectionEnumerator = EnumeratorObject<IEnumConnections, CONNECTDATA, HeldConnection>;
+
+}  // namespace
+
+EventSource::EventSource(IUnknown& owner, REFIID eventInterface)
+    : owner_(owner), eventInterface_(eventInterface) {}
+
+void EventSource::fireError(std::string_view ansiMessage) {
+  // A copy: a sink may connect or disconnect sinks while it is called.
+  std::vector<ComPointer<IDispatch>> targets;
+  targets.reserve(sinks_.size());
+  for (const Sink& sink : sinks_) {
+    targets.push_back(sink.target);
+  }
+  for (const ComPointer<IDispatch>& target : targets) {
+    BSTR message = newText(ansiMessage, TextForm::ansi);
+    VARIANT argument;
+    VariantInit(&argument);
+    argument.vt = VT_BYREF | VT_BSTR;
+    argument.pbstrVal = &message;
+    DISPPARAMS arguments = {&argument, nullptr, 1, 0};
+    target->Invoke(errorEvent, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &arguments, nullptr, nullptr,
+                   nullptr);
+    SysFreeString(message);
+  }
+}
+
+STDMETHODIMP EventSource::Container::QueryInterface(REFIID iid, void** object) {
+  return source_.owner_.QueryInterface(iid, object);
+}
+
+STDMETHODIMP EventSource::Container::EnumConnectionPoints(IEnumConnectionPoints** result) {
+  if (result == nullptr) {
+    return E_POINTER;
+  }
+  *result = nullptr;
+  try {
+    *result = new PointEnumerator(IID_IEnumConnectionPoints,
+                                  {HeldPoint{ComPointer<IConnectionPoint>(&source_.point_)}});
+    return S_OK;
+  } catch (const std::exception&) {
+    return E_OUTOFMEMORY;
+  }
+}
+
+STDMETHODIMP EventSource::Container::FindConnectionPoint(REFIID iid, IConnectionPoint** result) {
+  if (result == nullptr) {
+    return E_POINTER;
+  }
+  *result = nullptr;
+  if (iid != source_.eventInterface_) {
+    return CONNECT_E_NOCONNECTION;
+  }
+  *result = ComPointer<IConnectionPoint>(&source_.point_).detach();
+  return S_OK;
+}
+
+STDMETHODIMP EventSource::Point::QueryInterface(REFIID iid, void** object) {
+  if (object == nullptr) {
+    return E_POINTER;
+  }
+  *object = nullptr;
+  if (iid != IID_IUnknown && iid != IID_IConnectionPoint) {
+    return E_NOINTERFACE;
+  }
+  *object = static_cast<IConnectionPoint*>(this);
+  AddRef();
+  return S_OK;
+}
+
+STDMETHODIMP EventSource::Point::GetConnectionInterface(IID* iid) {
+  if (iid == nullptr) {
+    return E_POINTER;
+  }
+  *iid = source_.eventInterface_;
+  return S_OK;
+}
+
+STDMETHODIMP EventSource::Point::GetConnectionPointContainer(IConnectionPointContainer** result) {
+  if (result == nullptr) {
+    return E_POINTER;
+  }
+  *result = ComPointer<IConnectionPointContainer>(&source_.container_).detach();
+  return S_OK;
+}
+
+STDMETHODIMP EventSource::Point::Advise(IUnknown* sink, DWORD* cookie) {
+  if (cookie != nullptr) {
+    *cookie = 0;
+  }
+  if (sink == nullptr || cookie == nullptr) {
+    return E_POINTER;
+  }
+  Sink added{source_.nextCookie_, {}};
+  // Hosts with a typed sink answer to the event interface, others to plain dispatch.
+  if (FAILED(sink->QueryInterface(source_.eventInterface_, reinterpret_cast<void**>(added.target.out()))) &&
+      FAILED(sink->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(added.target.out())))) {
+    return CONNECT_E_CANNOTCONNECT;
+  }
+  try {
+    source_.sinks_.push_back(added);
+  } catch (const std::exception&) {
+    return E_OUTOFMEMORY;
+  }
+  *cookie = source_.nextCookie_++;
+  return S_OK;
+}
+
+STDMETHODIMP EventSource::Point::Unadvise(DWORD cookie) {
+  const auto found = std::find_if(source_.sinks_.begin(), source_.sinks_.end(),
+                                  [&](const Sink& sink) { return sink.cookie == cookie; });
+  if (found == source_.sinks_.end()) {
+    return CONNECT_E_NOCONNECTION;
+  }
+  // Out of the list first: letting go of the sink may call back.
+  const Sink removed = std::move(*found);
+  source_.sinks_.erase(found);
+  return S_OK;
+}
+
+STDMETHODIMP EventSource::Point::EnumConnections(IEnumConnections** result) {
+  if (result == nullptr) {
+    return E_POINTER;
+  }
+  *result = nullptr;
+  try {
+    std::vector<HeldConnection> connections;
+    for (const Sink& sink : source_.sinks_) {
+      connections.push_back({sink.cookie, sink.target});
+    }
+    *result = new ConnectionEnumerator(IID_IEnumConnections, std::move(connections));
+    return S_OK;
+  } catch (const std::exception&) {
+    return E_OUTOFMEMORY;
+  }
+}
+
+}  // namespace veltrano::server

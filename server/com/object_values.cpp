@@ -1,0 +1,72 @@
+#include "server/com/object_values.h"
+
+#include <array>
+#include <optional>
+#include <string>
+
+namespace veltrano::server {
+
+namespace {
+
+/// Longer lists are not taken apart: an object may claim any length.
+constexpr LONG longestList = 100000;
+
+HRESULT getById(IDispatch& object, DISPID id, VARIANT* result) {
+  DISPPARAMS none = {};
+  return object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, result, nullptr,
+                       nullptr);
+}
+
+HRESULT get(IDispatch& object, const wchar_t* name, VARIANT* result) {
+  DISPID id = DISPID_UNKNOWN;
+  auto* text = const_cast<OLECHAR*>(name);
+  const HRESULT found = object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
+  return FAILED(found) ? found : getById(object, id, result);
+}
+
+std::optional<LONG> listLength(IDispatch& object) {
+  OwnedVariant length;
+  if (FAILED(get(object, L"length", length.get())) ||
+      FAILED(VariantChangeType(length.get(), length.get(), 0, VT_I4)) || length->lVal < 0 ||
+      length->lVal > longestList) {
+    return std::nullopt;
+  }
+  return length->lVal;
+}
+
+bool listElements(IDispatch& object, LONG count, VARIANT* result) {
+  SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(count));
+  if (array == nullptr) {
+    return false;
+  }
+  auto* slots = static_cast<VARIANT*>(array->pvData);
+  for (LONG i = 0; i < count; ++i) {
+    if (FAILED(get(object, std::to_wstring(i).c_str(), &slots[i])) && i == 0) {
+      // Something else that has a length: a text object, a collection.
+      SafeArrayDestroy(array);
+      return false;
+    }
+  }
+  result->vt = VT_ARRAY | VT_VARIANT;
+  result->parray = array;
+  return true;
+}
+
+}  // namespace
+
+bool objectValue(IUnknown* object, VARIANT* result) {
+  if (object == nullptr) {
+    return false;
+  }
+  ComPointer<IDispatch> dispatch;
+  if (FAILED(object->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.out())))) {
+    return false;
+  }
+  const std::optional<LONG> count = listLength(*dispatch.get());
+  if (count && listElements(*dispatch.get(), *count, result)) {
+    return true;
+  }
+  return SUCCEEDED(getById(*dispatch.get(), DISPID_VALUE, result));
+}
+
+}  // namespace veltrano::server
