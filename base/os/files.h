@@ -1,7 +1,7 @@
 #ifndef VELTRANO_BASE_OS_FILES_H
 #define VELTRANO_BASE_OS_FILES_H
 
-// Whole-file reading, replacing and buffered writing. Nothing here throws: a failure is a result, and the
+// Whole-file reading, replacing and writing. Nothing here throws: a failure is a result, and the
 // debug trace says why.
 
 #include <cstddef>
@@ -16,6 +16,8 @@
 #include <vector>
 
 namespace veltrano {
+
+class RawOutput;
 
 /// How much a replacement must survive.
 enum class Durability {
@@ -42,12 +44,12 @@ bool replaceFile(const std::filesystem::path& file, std::span<const std::string_
 bool replaceFile(const std::filesystem::path& file, std::string_view content,
                  Durability durability = Durability::process);
 
-/// A file being written from its start, through a buffer. What was written reaches the file when the buffer
-/// is full, on flush and when the object goes away. Bytes that could not be written (a full disk) are lost,
-/// those before them are kept, and writing may be tried again. Movable; owns the file handle.
+/// A file that is written from its start to its end, one system call for each write and nothing kept back:
+/// what was written is in the file even if the process is killed. Movable; closes the file when it goes away.
 class OutputFile {
  public:
-  /// Deletes `file` if it exists and creates it anew. Nothing when that is impossible.
+  /// Opens `file` for writing and empties it, or makes it. Empty if that is impossible, also if another
+  /// OutputFile has the file open; an existing file then keeps its content.
   static std::optional<OutputFile> create(const std::filesystem::path& file);
 
   OutputFile(OutputFile&&) noexcept;
@@ -56,16 +58,13 @@ class OutputFile {
   OutputFile& operator=(const OutputFile&) = delete;
   ~OutputFile();
 
-  void write(std::string_view text);
-  /// Writes `text` and CR LF.
-  void writeLine(std::string_view text);
-  /// Hands everything to the system. False when some of it was lost.
-  bool flush();
+  /// Appends `text`. False if not all of it could be written (a full disk); the part before is in the file, and
+  /// the next write goes on after it.
+  bool write(std::string_view text);
 
  private:
-  struct State;
-  explicit OutputFile(std::unique_ptr<State> state);
-  std::unique_ptr<State> state_;
+  explicit OutputFile(std::unique_ptr<RawOutput> file);
+  std::unique_ptr<RawOutput> file_;
 };
 
 /// What tells one state of a file from another: if two of these are equal and the time stamp is not too

@@ -259,26 +259,20 @@ bool replaceFile(const std::filesystem::path& file, std::span<const std::string_
   return true;
 }
 
-std::unique_ptr<RawOutput> RawOutput::createNew(const std::filesystem::path& file) {
+std::unique_ptr<RawOutput> RawOutput::create(const std::filesystem::path& file) {
+  FileDescriptor opened = openFile(file, O_WRONLY | O_CREAT | O_APPEND, 0666);
   struct stat status = {};
-  const bool exists = ::stat(file.c_str(), &status) == 0;
-  if (exists && S_ISREG(status.st_mode)) {
-    // A file that is still being written keeps its name and its content, as on systems that refuse to delete
-    // it.
-    const FileDescriptor old = openFile(file, O_WRONLY);
-    if (!old || ::flock(old.get(), LOCK_EX | LOCK_NB) != 0) {
-      traceError("OutputFile", file);
-      return nullptr;
-    }
-    ::unlink(file.c_str());
+  bool fresh = opened && ::fstat(opened.get(), &status) == 0;
+  if (fresh && S_ISREG(status.st_mode)) {
+    // Emptied only once it is known that nobody else is writing it.
+    const bool taken = ::flock(opened.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    fresh = !taken && ::ftruncate(opened.get(), 0) == 0;
   }
-  FileDescriptor fresh = openFile(file, O_WRONLY | O_CREAT | O_TRUNC | O_APPEND, 0666);
   if (!fresh) {
     traceError("OutputFile", file);
     return nullptr;
   }
-  ::flock(fresh.get(), LOCK_EX | LOCK_NB);
-  return std::make_unique<PosixOutput>(std::move(fresh));
+  return std::make_unique<PosixOutput>(std::move(opened));
 }
 
 std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file) {

@@ -221,16 +221,15 @@ bool replaceFile(const std::filesystem::path& file, std::span<const std::string_
   return true;
 }
 
-std::unique_ptr<RawOutput> RawOutput::createNew(const std::filesystem::path& file) {
-  // Nobody else may write while this is open, so a file that is still being written is neither deleted nor
-  // emptied.
-  DeleteFileW(file.c_str());
-  FileHandle handle = openFile(file, GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
-  if (!handle) {
+std::unique_ptr<RawOutput> RawOutput::create(const std::filesystem::path& file) {
+  // Readers may watch the file grow; a second writer is refused. Emptying is a step of its own because creation
+  // would refuse hidden files.
+  FileHandle opened = openFile(file, GENERIC_WRITE, FILE_SHARE_READ, OPEN_ALWAYS);
+  if (!opened || (GetFileType(opened.get()) == FILE_TYPE_DISK && SetEndOfFile(opened.get()) == 0)) {
     traceError("OutputFile", file);
     return nullptr;
   }
-  return std::make_unique<WindowsOutput>(std::move(handle));
+  return std::make_unique<WindowsOutput>(std::move(opened));
 }
 
 std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file) {
