@@ -1,30 +1,30 @@
+#include "base/os/output_file.h"
+
 #include <utility>
 
-#include "base/os/files.h"
-#include "base/os/raw_output.h"
 #include "base/trace.h"
 
 namespace veltrano {
 
-OutputFile::OutputFile(std::unique_ptr<RawOutput> file) : file_(std::move(file)) {}
-OutputFile::OutputFile(OutputFile&&) noexcept = default;
-OutputFile& OutputFile::operator=(OutputFile&&) noexcept = default;
-OutputFile::~OutputFile() = default;
+OutputFile::OutputFile(File file) : file_(std::move(file)) {}
 
 std::optional<OutputFile> OutputFile::create(const std::filesystem::path& file) {
-  auto raw = RawOutput::create(file);
-  if (!raw) {
+  auto opened = File::open(file, Opening::append);
+  // Emptied only now that it is known that nobody else is writing it.
+  const Status status = opened && opened->onDisk() ? opened->resize(0) : opened.status();
+  if (!status) {
+    traceFailure("OutputFile", status, file);
     return std::nullopt;
   }
-  return OutputFile(std::move(raw));
+  return OutputFile(*std::move(opened));
 }
 
 bool OutputFile::write(std::string_view text) {
-  const bool written = file_->write(text);
-  if (!written) {
-    traceSkipped("OutputFile", "text could not be written");
+  const Status status = file_.write(text);
+  if (!status) {
+    traceFailure("OutputFile", status);
   }
-  return written;
+  return static_cast<bool>(status);
 }
 
 }  // namespace veltrano
