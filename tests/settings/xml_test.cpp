@@ -1,12 +1,12 @@
-#include "settings/veltrano_xml.h"
+// What the members do with folders, keys and values.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <pugixml.hpp>
 
-#include "base/os/files.h"
-#include "tests/temporary_folder.h"
+#include "tests/file_call_log.h"
+#include "tests/settings/xml_fixture.h"
 
 namespace veltrano {
 namespace {
@@ -17,21 +17,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Optional;
 
-class XmlSettings : public testing::Test {
- protected:
-  void open(std::string_view content) {
-    ASSERT_TRUE(replaceFile(file, content));
-    xml.XML_Open(file);
-  }
-  std::string saved() {
-    xml.XML_Save();
-    return readWholeFile(file).value_or("(no file)");
-  }
-
-  tests::TemporaryFolder folder;
-  fs::path file = folder / u"r\u00E9glages.xml";
-  VeltranoXML xml;
-};
+using XmlSettings = tests::XmlFixture;
 
 TEST_F(XmlSettings, ANewObjectWorksOnAnEmptyDocument) {
   EXPECT_EQ(xml.XML_GetSetting("A", "B", "x"), "x");
@@ -44,18 +30,6 @@ TEST_F(XmlSettings, ANewObjectWorksOnAnEmptyDocument) {
   EXPECT_EQ(xml.XML_GetSetting("A", "B", "x"), "1");
   xml.XML_Save();
   EXPECT_TRUE(fs::is_empty(folder.path()));
-}
-
-TEST_F(XmlSettings, SavesTheBareTree) {
-  xml.XML_Open(file);
-  EXPECT_EQ(xml.XML_GetSetting("A", "B", "x"), "x");
-  EXPECT_EQ(saved(), "(no file)");
-  xml.XML_SaveSetting("Display", "Width", "800");
-  xml.XML_SaveSetting("Display", "Height", "1");
-  xml.XML_SaveSetting("Display", "Height", "600");
-  xml.XML_SaveSetting("User", "Name", "");
-  EXPECT_EQ(saved(),
-            "<XML><Display><Width>800</Width><Height>600</Height></Display><User><Name/></User></XML>");
 }
 
 TEST_F(XmlSettings, EnumeratesOneMoreThanThereIs) {
@@ -82,21 +56,6 @@ TEST_F(XmlSettings, ListsEveryKindOfChildButLayout) {
   EXPECT_EQ(xml.XML_EnumKeys("B"), std::nullopt);
 }
 
-TEST_F(XmlSettings, ValuesSurvive) {
-  const std::string values[] = {
-      " ",        "  two  ", "\t",  "a\nb",     "a\r\nb",           "\r", "\n",   "\r\n", "\n\r",
-      "<a>&amp;", "]]>",     "\"'", "\xC3\xA9", "\xF0\x9F\x98\x80", "--", "<!--", "%"};
-  for (const auto& value : values) {
-    xml = VeltranoXML();
-    xml.XML_Open(file);
-    xml.XML_SaveSetting("F", "K", value);
-    xml.XML_SaveSetting("F", "L", "next");
-    xml.XML_Save();
-    xml.XML_Open(file);
-    EXPECT_EQ(xml.XML_GetSetting("F", "K", "x"), value);
-  }
-}
-
 TEST_F(XmlSettings, CharactersThatXmlCannotHoldAreDropped) {
   xml.XML_SaveSetting("F", "K",
                       "a\0b\x01\x1F"
@@ -106,9 +65,10 @@ TEST_F(XmlSettings, CharactersThatXmlCannotHoldAreDropped) {
 }
 
 TEST_F(XmlSettings, NamesThatNoElementCanHaveCreateNothing) {
-  const std::string names[] = {"",          " ",       "1a", "a b",   "a<b",  "-a",   "a:b:c",
-                               "no:prefix", "xmlns:a", "a:", ":a",    "@a",   "a[1]", "(",
-                               "1+1",       "$v",      "//", "a\0b"s, "\xFF", "a/b",  "\xC3\x97"};
+  const std::string names[] = {"",      " ",         "1a",       "a b",          "a<b",      "-a",
+                               "a:b:c", "no:prefix", "xmlns:a",  "a:",           ":a",       "@a",
+                               "a[1]",  "(",         "1+1",      "$v",           "//",       "a\0b"s,
+                               "\xFF",  "a/b",       "\xC3\x97", "\xE2\x82\xAC", "a><b/></a"};
   for (const auto& name : names) {
     VeltranoXML fresh;
     fresh.XML_SaveSetting(name, "K", "1");
@@ -148,6 +108,39 @@ TEST_F(XmlSettings, NamesArePathsWhenLookedUp) {
             "<XML>\n <?A no?>\n <A id=\"&#10;8\">\n  <K>two</K>\n </A>\n <A><L><M/>4</L></A>\n</XML>");
 }
 
+TEST_F(XmlSettings, AnIndentedFileStaysIndented) {
+  const std::string before = "<XML>\n  <A>\n    <K>1</K>\n    <L>2</L>\n  </A>\n</XML>\n";
+  open(before);
+  xml.XML_SaveSetting("A", "M", "3");
+  xml.XML_DeleteSetting({}, "A", "K");
+  EXPECT_EQ(saved(), "<XML>\n  <A>\n    <L>2</L>\n    <M>3</M>\n  </A>\n</XML>\n");
+  xml.XML_DeleteSetting({}, "A", "M");
+  xml.XML_DeleteSetting({}, "A", "L");
+  EXPECT_EQ(saved(), "<XML>\n  <A>\n  </A>\n</XML>\n");
+  xml.XML_SaveSetting("A", "K", "4");
+  xml.XML_SaveSetting("B", "K", "5");
+  EXPECT_EQ(saved(), "<XML>\n  <A>\n  <K>4</K>\n  </A>\n  <B><K>5</K></B>\n</XML>\n");
+}
+
+TEST_F(XmlSettings, ADeletedKeyTakesBlanksOnBothSidesOnly) {
+  open("<XML><A> <K/><L/> <M/> </A></XML>");
+  xml.XML_DeleteSetting({}, "A", "K");
+  EXPECT_EQ(saved(), "<XML><A> <L/> <M/> </A></XML>");
+  xml.XML_DeleteSetting({}, "A", "M");
+  EXPECT_EQ(saved(), "<XML><A> <L/> </A></XML>");
+  open("<XML><A><K/> <L/></A></XML>");
+  xml.XML_DeleteSetting({}, "A", "K");
+  EXPECT_EQ(saved(), "<XML><A> <L/></A></XML>");
+}
+
+TEST_F(XmlSettings, CommentsAndInstructionsAmongSettingsStay) {
+  open("<XML><!--f--><A><?K no key?><!--K--><K>1</K><!--last--></A><?A no folder?></XML>");
+  xml.XML_SaveSetting("A", "K", "2");
+  xml.XML_SaveSetting("A", "L", "3");
+  EXPECT_EQ(saved(),
+            "<XML><!--f--><A><?K no key?><!--K--><K>2</K><!--last--><L>3</L></A><?A no folder?></XML>");
+}
+
 TEST_F(XmlSettings, SettingAKeyReplacesAllThatIsInIt) {
   open("<XML><A><K x='1'>\n<b>old</b><!--c--><![CDATA[old]]></K></A></XML>");
   EXPECT_EQ(xml.XML_GetSetting("A", "K"), "oldold");
@@ -163,15 +156,46 @@ TEST_F(XmlSettings, AnotherRootTakesNoSettings) {
   EXPECT_EQ(saved(), "<settings><A><K>1</K></A></settings>");
 }
 
-TEST_F(XmlSettings, AMalformedFileLoadsAsEmptyAndStaysUntilASettingIsSaved) {
+TEST_F(XmlSettings, AMalformedFileStaysUntilASettingIsSavedAndIsKeptThen) {
+  const std::string malformed = "<XML><A><K>1</K></A>";
   xml.XML_SaveSetting("Old", "K", "1");
-  open("<XML><A><K>1</K></A>");
+  open(malformed);
   EXPECT_EQ(xml.XML_GetSetting("Old", "K", "x"), "x");
-  EXPECT_EQ(saved(), "<XML><A><K>1</K></A>");
+  EXPECT_EQ(saved(), malformed);
   xml.XML_SaveSetting("not a name", "K", "2");
-  EXPECT_EQ(saved(), "<XML><A><K>1</K></A>");
+  EXPECT_EQ(saved(), malformed);
+  EXPECT_FALSE(fs::exists(copy));
   xml.XML_SaveSetting("A", "K", "2");
   EXPECT_EQ(saved(), "<XML><A><K>2</K></A></XML>");
+  EXPECT_EQ(readWholeFile(copy), malformed);
+  // What was read or written as settings is no reason for another copy, nor is an empty file.
+  xml.XML_SaveSetting("A", "K", "3");
+  EXPECT_EQ(saved(), "<XML><A><K>3</K></A></XML>");
+  xml.XML_Open(file);
+  xml.XML_SaveSetting("A", "K", "4");
+  xml.XML_Save();
+  EXPECT_EQ(readWholeFile(copy), malformed);
+  open("");
+  xml.XML_SaveSetting("A", "K", "5");
+  EXPECT_EQ(saved(), "<XML><A><K>5</K></A></XML>");
+  EXPECT_EQ(readWholeFile(copy), malformed);
+}
+
+TEST_F(XmlSettings, WhatIsSavedIsOnTheDiskBeforeTheOldContentGoes) {
+  open("<XML/>");
+  xml.XML_SaveSetting("A", "K", "1");
+  const tests::FileCallLog calls;
+  xml.XML_Save();
+  EXPECT_THAT(calls.text(), testing::MatchesRegex(".*write \\*, sync \\*, rename r.*glages.xml.*"))
+      << calls.text();
+  EXPECT_EQ(calls.count(FileCall::sync), 1U);
+}
+
+TEST_F(XmlSettings, AMalformedFileThatCannotBeKeptIsNotWrittenOver) {
+  open("<XML>");
+  fs::create_directories(copy / "in the way");
+  xml.XML_SaveSetting("A", "K", "2");
+  EXPECT_EQ(saved(), "<XML>");
 }
 
 bool outOfMemory = false;

@@ -1,11 +1,11 @@
-#include "settings/settings_nodes.h"
+#include "settings/nodes.h"
 
 #include <algorithm>
 
 #include "base/trace.h"
-#include "settings/child_index.h"
+#include "settings/name_tables.h"
 #include "settings/xml_characters.h"
-#include "settings/xml_well_formed.h"
+#include "settings/xml_parser.h"
 
 namespace veltrano {
 
@@ -44,6 +44,12 @@ bool isDeclared(pugi::xml_node from, std::string_view prefix) {
   return false;
 }
 
+/// True for white space that starts a line.
+bool isIndentation(const pugi::xml_node& node) {
+  const std::string_view text = node.value();
+  return node.type() == pugi::node_pcdata && isBlank(text) && text.find('\n') != std::string_view::npos;
+}
+
 std::size_t depthOf(pugi::xml_node node) {
   std::size_t depth = 0;
   for (; node.type() == pugi::node_element; node = node.parent()) {
@@ -52,7 +58,7 @@ std::size_t depthOf(pugi::xml_node node) {
   return depth;
 }
 
-/// The next node behind `node` in document order, within `top`.
+/// The next node after `node` in document order, within `top`.
 pugi::xml_node nextNode(pugi::xml_node node, const pugi::xml_node& top) {
   if (node.first_child()) {
     return node.first_child();
@@ -106,27 +112,37 @@ bool isLayout(const pugi::xml_node& node) {
          (node.previous_sibling() || node.next_sibling());
 }
 
-pugi::xpath_node lookUp(const pugi::xml_node& from, std::string_view expression, ChildIndex& index) {
-  if (!from) {
+pugi::xpath_node lookUp(const pugi::xml_node& from, std::string_view expression, NameTables& names) {
+  if (!from || expression.empty()) {
     return {};
   }
-  const std::string text(expression);
-  if (isQualifiedName(expression)) {
-    const pugi::xml_node child = index.find(from, text.c_str());
-    return child ? pugi::xpath_node(child) : pugi::xpath_node();
+  // The name of an element is an expression that selects the elements of that name.
+  if (const pugi::xml_node child = names.find(from, expression)) {
+    return child;
   }
   // The evaluator would take the part before a zero character for the whole.
-  return text.find('\0') == std::string::npos && !text.empty() ? select(from, text) : pugi::xpath_node();
+  const bool evaluate = !maybeElementName(expression) && expression.find('\0') == std::string_view::npos;
+  return evaluate ? select(from, std::string(expression)) : pugi::xpath_node();
 }
 
 bool canCreateElement(const pugi::xml_node& parent, std::string_view name) {
   const std::size_t colon = name.find(':');
-  return isQualifiedName(name) && depthOf(parent) < deepestNesting &&
+  return isElementName(name) && depthOf(parent) < deepestNesting &&
          (colon == std::string_view::npos || isDeclared(parent, name.substr(0, colon)));
 }
 
 pugi::xml_node createElement(pugi::xml_node parent, std::string_view name) {
-  return parent.append_child(std::string(name).c_str());
+  const std::string elementName(name);
+  const pugi::xml_node last = parent.last_child();
+  if (!isIndentation(last)) {
+    return parent.append_child(elementName.c_str());
+  }
+  // A line of its own, indented as the element before it or, without one, as the closing tag, which keeps its
+  // line.
+  const pugi::xml_node sibling = last.previous_sibling();
+  const pugi::xml_node before = isIndentation(sibling.previous_sibling()) ? sibling.previous_sibling() : last;
+  parent.insert_child_before(pugi::node_pcdata, last).set_value(before.value());
+  return parent.insert_child_before(elementName.c_str(), last);
 }
 
 std::string textOf(const pugi::xpath_node& node) {
@@ -174,7 +190,7 @@ bool hasChildElements(const pugi::xml_node& node) {
                      [](const pugi::xml_node& child) { return child.type() == pugi::node_element; });
 }
 
-void removeChild(pugi::xml_node parent, const pugi::xpath_node& node, ChildIndex& index) {
+void removeChild(pugi::xml_node parent, const pugi::xpath_node& node, NameTables& names) {
   const pugi::xml_node child = node.node();
   if (!child || child.parent() != parent) {
     return;
@@ -184,7 +200,7 @@ void removeChild(pugi::xml_node parent, const pugi::xpath_node& node, ChildIndex
   if (isLayout(before) && isLayout(child.next_sibling())) {
     parent.remove_child(before);
   }
-  index.removing(child);
+  names.removing(child);
   parent.remove_child(child);
 }
 
