@@ -1,13 +1,16 @@
-#include "kml/veltrano_kml.h"
+#include "veltrano/kml.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <regex>
 
+#include "base/os/files.h"
 #include "base/os/host.h"
 #include "kml/coordinates.h"
+#include "tests/file_call_log.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {
@@ -147,15 +150,30 @@ TEST_F(Kml, EarlierFilesStayOpenAndIntact) {
   EXPECT_EQ(body(), "");
 }
 
-TEST_F(Kml, WhatWasWrittenArrivesWithoutCloseKML) {
-  {
-    VeltranoKML abandoned;
-    abandoned.CreateKML(file, {});
-    abandoned.CreatePlaceMark(1, 2, 3, std::string(200'000, 'x'), "");
+// A host that is killed, or ends without releasing the object, loses nothing.
+TEST_F(Kml, TheLinesOfAMemberAreInTheFileWhenItReturns) {
+  const std::string path(200'000, 'x');
+  const std::pair<const char*, std::function<void()>> members[] = {
+      {"  <name></name>\r\n  \r\n", [&] { create(); }},
+      {"  </Placemark>\r\n", [&] { kml.CreatePlaceMark(1, 2, 3, "place", ""); }},
+      {"  </Placemark>\r\n", [&] { kml.CreatePathFromPlaceMarks(1, ""); }},
+      {"x\r\n      </coordinates>\r\n  </LineString>\r\n  </Placemark>\r\n",
+       [&] { kml.CreatePathFromString(1, "", path, "path"); }},
+      {"  </PhotoOverlay>\r\n", [&] { kml.CreateCameraOverlay("", 1, 2, 3, ""); }},
+      {"  </PhotoOverlay>\r\n", [&] { kml.CreateStreetView("", 1, 2, 3, "", ""); }},
+      {"  </GroundOverlay>\r\n", [&] { kml.CreateGroundOverlay("", 1, 2, 3, "", ""); }},
+      {"</kml>\r\n", [&] { kml.CloseKML(); }}};
+  std::string before;
+  for (const auto& [end, member] : members) {
+    {
+      const tests::FileCallLog calls;
+      member();
+      EXPECT_EQ(calls.count(FileCall::write), 1U) << "before " << end;
+    }
+    const std::string after = contentOf(file);
+    EXPECT_TRUE(after.size() > before.size() && after.starts_with(before) && after.ends_with(end)) << end;
+    before = after;
   }
-  const std::string text = contentOf(file);
-  EXPECT_NE(text.find(std::string(200'000, 'x')), std::string::npos);
-  EXPECT_TRUE(text.ends_with("  </Placemark>\r\n"));
 }
 
 TEST_F(Kml, FilesThatCannotBeMadeAreNoError) {

@@ -1,40 +1,40 @@
-#ifndef VELTRANO_KML_VELTRANO_KML_H
-#define VELTRANO_KML_VELTRANO_KML_H
+#ifndef VELTRANO_KML_H
+#define VELTRANO_KML_H
 
 // Writes KML 2.2 files line by line: place marks, paths, photo and ground overlays. docs/kml.md describes the
 // file.
 //
-// Texts are ANSI and are written as they are, markup included: escaping is the caller's business. X is the
-// latitude and y the longitude, in degrees, altitudes are in metres; files have longitude, latitude,
-// altitude. Flags are true only when they are -1.
+// Texts are in the ANSI code page and are written as they are, markup included: escaping is up to the caller.
+// X is the latitude and y the longitude, in degrees, altitudes are in metres; files have longitude, latitude,
+// altitude. Flags are true only if they are -1.
 //
-// Nothing is kept of the document but the path buffer. A line whose number is not finite or whose text the
-// memory cannot hold is left out, and so is everything written while no file is open. What was written
-// reaches the file at CloseKML, or when the object goes away. Not to be used by two threads at once.
+// Only the path buffer is kept in memory. The lines of a member are in the file when it returns. A line whose
+// number is not finite or for whose text memory runs out is left out, and so is everything written while no
+// file is open. Members never report a failure. Not to be used by two threads at once.
 
 #include <cstdint>
 #include <filesystem>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
-
-#include "base/os/output_file.h"
-#include "base/value.h"
 
 namespace veltrano {
 
-class CoordinateTriple;
-struct FieldOfView;
-
 class VeltranoKML {
  public:
+  VeltranoKML();
+  VeltranoKML(VeltranoKML&&) noexcept;
+  VeltranoKML& operator=(VeltranoKML&&) noexcept;
+  VeltranoKML(const VeltranoKML&) = delete;
+  VeltranoKML& operator=(const VeltranoKML&) = delete;
+  ~VeltranoKML();
+
   /// Starts the file anew and writes the head of the document. Description is not used. A file that an
-  /// earlier call opened and nobody closed stays open and as it is; later members write to the new one (to
-  /// none, if it cannot be created).
-  void CreateKML(const std::filesystem::path& filename, const Value& Description,
+  /// earlier call opened and CloseKML did not close stays open and as it is; later members write to the new
+  /// one, or to none if it cannot be created.
+  void CreateKML(const std::filesystem::path& filename, std::string_view Description,
                  std::string_view ExtendedData = {}, std::int16_t IncludeGeneratedBy = 0);
-  /// Empties the path buffer, which nothing else does.
+  /// Empties the path buffer. No other member does.
   void ClearPath();
   /// Writes the path buffer as a line string in a style of its own. pColor is aabbggrr, Size the width.
   void CreatePathFromPlaceMarks(std::int16_t Size, std::string_view pColor);
@@ -61,31 +61,14 @@ class VeltranoKML {
                        std::string_view ExtendedData = {});
   /// Adds the point to the path buffer and writes nothing.
   void CreatePathPoint(double X, double y, double Altitude);
-  /// "longitude,latitude,altitude" and CR LF; empty when one of them is not finite.
+  /// "longitude,latitude,altitude" and CR LF; empty if one of them is not finite.
   std::string CreatePathString(double X, double y, double Altitude);
   /// Writes the end of the document and closes the file.
   void CloseKML();
 
  private:
-  /// Lines of the member at work, gathered so that the file is asked once; reused from call to call, unless
-  /// they were long.
-  std::string lines_;
-  std::optional<OutputFile> file_;
-  /// Files that a later CreateKML left behind open.
-  std::vector<OutputFile> abandonedFiles_;
-  /// Coordinate triples, a CR LF after each.
-  std::string pathBuffer_;
-
-  template <typename... Pieces>
-  void line(const Pieces&... pieces);
-  void remember(const CoordinateTriple& point);
-  void numberLine(std::string_view before, double number, std::string_view after);
-  void pointLine(const CoordinateTriple& point);
-  void camera(std::string_view altitude, std::string_view heading, double X, double y);
-  void viewVolume(const FieldOfView& view);
-  void pathStyle(std::string_view id, std::int16_t Size, std::string_view pColor);
-  void coordinateLines(std::string_view points);
-  void writeLines();
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace veltrano
