@@ -1,10 +1,11 @@
-#include "eventlog/veltrano_wev.h"
+#include "veltrano/wev.h"
 
 #include <gtest/gtest.h>
 
 #include <vector>
 
 #include "base/os/host.h"
+#include "eventlog/event_sink.h"
 
 namespace veltrano {
 

@@ -1,15 +1,15 @@
-#ifndef VELTRANO_EVENTLOG_VELTRANO_WEV_H
-#define VELTRANO_EVENTLOG_VELTRANO_WEV_H
+#ifndef VELTRANO_WEV_H
+#define VELTRANO_WEV_H
 
-// Writes entries to the system's event log.
+// Writes entries to the system's event log: that of the local computer on Windows, syslog elsewhere.
 
 #include <cstdint>
 #include <memory>
 #include <string>
 
-#include "eventlog/event_sink.h"
-
 namespace veltrano {
+
+class EventSink;
 
 /// Windows' own headers have macros of the usual names; these stand for the same numbers, the last one
 /// excepted.
@@ -26,11 +26,17 @@ class VeltranoWEV {
  public:
   /// Writes to the system's log.
   VeltranoWEV();
+  /// Writes to `sink` instead, which must not be null.
   explicit VeltranoWEV(std::unique_ptr<EventSink> sink);
+  VeltranoWEV(VeltranoWEV&&) noexcept;
+  VeltranoWEV& operator=(VeltranoWEV&&) noexcept;
+  VeltranoWEV(const VeltranoWEV&) = delete;
+  VeltranoWEV& operator=(const VeltranoWEV&) = delete;
+  ~VeltranoWEV();
 
   /// Writes one entry. `iLogType` is an EventType, or any other number that fits 16 bits; one that does not
-  /// fit writes nothing. An empty `AppSource` is the host application's name. Texts are ANSI texts. Reports
-  /// no failure.
+  /// fit writes nothing. An empty `AppSource` is the host application's name. Texts are in the ANSI code
+  /// page. Never reports a failure.
   void LogNTEvent(const std::string& sString, std::int32_t iLogType, std::int32_t iEventID,
                   const std::string& AppSource = {});
 

@@ -1,10 +1,11 @@
-#include "eventlog/veltrano_wev.h"
+#include "veltrano/wev.h"
 
 #include <limits>
 #include <utility>
 
 #include "base/os/host.h"
 #include "base/trace.h"
+#include "eventlog/event_sink.h"
 
 namespace veltrano {
 
@@ -20,6 +21,10 @@ bool fitsInt16(std::int32_t number) {
 VeltranoWEV::VeltranoWEV() : sink_(systemEventSink()) {}
 
 VeltranoWEV::VeltranoWEV(std::unique_ptr<EventSink> sink) : sink_(std::move(sink)) {}
+
+VeltranoWEV::VeltranoWEV(VeltranoWEV&&) noexcept = default;
+VeltranoWEV& VeltranoWEV::operator=(VeltranoWEV&&) noexcept = default;
+VeltranoWEV::~VeltranoWEV() = default;
 
 void VeltranoWEV::LogNTEvent(const std::string& sString, std::int32_t iLogType, std::int32_t iEventID,
                              const std::string& AppSource) {
