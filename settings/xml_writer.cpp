@@ -251,7 +251,7 @@ class Writer {
     }
   }
 
-  /// Writes the character beyond ASCII at the begin of `text`, and returns its bytes; or none, when the
+  /// Writes the character beyond ASCII at the start of `text`, and returns its bytes; writes nothing if the
   /// encoding lacks it.
   std::size_t wholeCharacter(const char* text) {
     const auto character = characterAt(text);

@@ -30,11 +30,9 @@ extern const CodePageTable windows1250;
 /// Windows-1251, Cyrillic.
 extern const CodePageTable windows1251;
 
-/// Chooses the code page of the process where the system has none of its own. On Windows it does nothing:
-/// there the system's setting holds. Not to be called while another thread converts text.
-void setCodePage(const CodePageTable& table);
-/// The same for any encoding that encodings.h knows by name, also one of several bytes a character ("CP932").
-/// False if it is not known.
+/// Chooses the code page of the process where the system has none of its own: any encoding that encodings.h
+/// knows by name, also one of several bytes a character ("CP932"). False if it is not known, and always on
+/// Windows: there the system's setting holds. Not to be called while another thread converts text.
 bool setCodePage(std::string_view encoding);
 
 std::string utf16ToAnsi(std::u16string_view text);
