@@ -20,6 +20,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/text/utf.h"
+
 namespace veltrano {
 
 /// The Unicode characters of the codes 128 to 255 of a single-byte code page.
@@ -45,11 +47,6 @@ std::string utf16ToAnsi(std::u16string_view text);
 std::u16string ansiToUtf16(std::string_view text);
 std::string utf8ToAnsi(std::string_view text);
 std::string ansiToUtf8(std::string_view text);
-
-/// Unpaired surrogates become U+FFFD.
-std::string utf16ToUtf8(std::u16string_view text);
-/// Malformed sequences become U+FFFD, one for each maximal broken part.
-std::u16string utf8ToUtf16(std::string_view text);
 
 /// For each byte the lower-case form of that character in the ANSI code page ('É' to 'é' in Windows-1252),
 /// itself when it has none. Under a multi-byte code page only the ASCII letters change.
