@@ -4,34 +4,11 @@
 #include "base/text/code_page.h"
 #include "base/text/encodings.h"
 #include "base/text/iconv_posix.h"
+#include "base/text/lower_case.h"
 
 namespace veltrano {
 
 namespace {
-
-// Lower-case form of the characters that single-byte code pages hold: Latin, Greek and Cyrillic.
-char16_t lowerCharacter(char16_t c) {
-  const auto within = [c](char16_t first, char16_t last) { return c >= first && c <= last; };
-  const auto plus = [c](int distance) { return static_cast<char16_t>(c + distance); };
-  if (within(u'A', u'Z') || (within(0x00C0, 0x00DE) && c != 0x00D7) || within(0x0391, 0x03A9) ||
-      within(0x0410, 0x042F)) {
-    return plus(0x20);
-  }
-  if (within(0x0400, 0x040F)) {
-    return plus(0x50);
-  }
-  if (c == 0x0178) {
-    return 0x00FF;
-  }
-  // Latin Extended-A pairs a capital with the character after it; the capital is odd in two stretches.
-  if (within(0x0139, 0x0147) || within(0x0179, 0x017D)) {
-    return (c & 1) != 0 ? plus(1) : c;
-  }
-  if (within(0x0100, 0x0137) || within(0x014A, 0x0177) || c == 0x0490) {
-    return (c & 1) == 0 ? plus(1) : c;
-  }
-  return c;
-}
 
 struct ActivePage {
   CodePageTable unicode{};
@@ -52,9 +29,9 @@ struct ActivePage {
     // Bytes beyond ASCII are no letters where they are parts of characters.
     const std::size_t letters = encoding.empty() ? lower.size() : 128;
     for (std::size_t code = 0; code < lower.size(); ++code) {
-      lower[code] = code >= letters ? static_cast<char>(code)
-                                    : ansi(lowerCharacter(character(static_cast<unsigned char>(code))),
-                                           static_cast<char>(code));
+      const auto byte = static_cast<char>(code);
+      lower[code] =
+          code < letters ? ansi(lowerCase(character(static_cast<unsigned char>(code))), byte) : byte;
     }
   }
 
@@ -100,10 +77,6 @@ std::u16string fromMultiByte(std::string_view text, const std::string& encoding)
 }
 
 }  // namespace
-
-void setCodePage(const CodePageTable& table) {
-  activePage().use(table);
-}
 
 bool setCodePage(std::string_view encoding) {
   if (!isKnownEncoding(encoding)) {

@@ -17,8 +17,6 @@ int length(std::size_t size) {
 
 }  // namespace
 
-void setCodePage(const CodePageTable&) {}
-
 bool setCodePage(std::string_view) {
   return false;
 }

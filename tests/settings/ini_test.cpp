@@ -186,7 +186,7 @@ TEST_F(IniFiles, KeysAreCharactersWhereThoseTakeTwoBytes) {
   EXPECT_EQ(content(), before + "\r\n\x83\x41=\x83\x61\r\n");
   ini.SetIniValue(file, u"\u30BD=", u"x");
   EXPECT_EQ(content(), before + "\r\n\x83\x41=\x83\x61\r\n\r\n\x83\x5C==x\r\n");
-  setCodePage(windows1252);
+  EXPECT_TRUE(setCodePage("windows-1252"));
 }
 #endif
 
