@@ -79,6 +79,9 @@ Status renameOver(const std::filesystem::path& file, const std::filesystem::path
 
 Status removeFile(const std::filesystem::path& file);
 
+/// True if another program or object has the file open, as far as the system can tell: also if it cannot.
+bool isHeldOpen(const std::filesystem::path& file);
+
 /// Nobody can guess it. Fails if the system has none to give.
 Result<std::uint64_t> randomNumber();
 

@@ -35,6 +35,16 @@ std::optional<IdentifiedText> readIdentified(const std::filesystem::path& file, 
 /// Now, on the clock of FileIdentity.
 std::int64_t fileClockNow();
 
+/// What tells a file from every other one that exists at the same time, whatever names lead to it.
+struct FileNumber {
+  std::uint64_t device = 0;
+  std::uint64_t number = 0;
+  friend bool operator==(const FileNumber&, const FileNumber&) = default;
+};
+
+/// Empty if there is no such file. Others may have it open meanwhile.
+std::optional<FileNumber> fileNumber(const std::filesystem::path& file);
+
 }  // namespace veltrano
 
 #endif

@@ -23,6 +23,14 @@ std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file) {
                       nanoseconds(status.st_mtim), nanoseconds(status.st_ctim)};
 }
 
+std::optional<FileNumber> fileNumber(const std::filesystem::path& file) {
+  struct stat status = {};
+  if (::stat(file.c_str(), &status) != 0) {
+    return std::nullopt;
+  }
+  return FileNumber{status.st_dev, status.st_ino};
+}
+
 std::int64_t fileClockNow() {
   timespec now = {};
   // Not the cheaper coarse clock: some systems stamp files by the fine one, and a file changed just before

@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include "base/os/file_identity.h"
+#include "base/os/handle_windows.h"
 
 namespace veltrano {
 
@@ -26,6 +27,17 @@ std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file) {
   return FileIdentity{0, static_cast<std::uint64_t>(nanoseconds(info.ftCreationTime)),
                       (static_cast<std::uint64_t>(info.nFileSizeHigh) << 32) | info.nFileSizeLow, modified,
                       modified};
+}
+
+std::optional<FileNumber> fileNumber(const std::filesystem::path& file) {
+  // Asking for no access at all is allowed whatever another user has reserved.
+  const Handle handle = openHandle(file, 0, shareAll, OPEN_EXISTING);
+  BY_HANDLE_FILE_INFORMATION info = {};
+  if (!handle || GetFileInformationByHandle(handle.get(), &info) == 0) {
+    return std::nullopt;
+  }
+  return FileNumber{info.dwVolumeSerialNumber,
+                    (static_cast<std::uint64_t>(info.nFileIndexHigh) << 32) | info.nFileIndexLow};
 }
 
 std::int64_t fileClockNow() {

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <utility>
 
@@ -286,6 +287,27 @@ Status renameOver(const std::filesystem::path& file, const std::filesystem::path
 Status removeFile(const std::filesystem::path& file) {
   Status watched = beforeFileCall(FileCall::remove, file);
   return watched ? answerOf(::unlink(file.c_str())) : watched;
+}
+
+bool isHeldOpen(const std::filesystem::path& file) {
+  const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+  if (!descriptor) {
+    return failureOf(errno).failure() != Failure::missing;
+  }
+  if (!isRegular(descriptor.get())) {
+    return false;
+  }
+#ifdef F_SETLEASE
+  // The system grants the lease only if nobody else has the file open. Should somebody open it right now, the
+  // system would tell by a signal: by one that is ignored unless a program asks for it.
+  if (::fcntl(descriptor.get(), F_SETSIG, SIGURG) == 0 &&
+      ::fcntl(descriptor.get(), F_SETLEASE, F_WRLCK) == 0) {
+    ::fcntl(descriptor.get(), F_SETLEASE, F_UNLCK);
+    return false;
+  }
+#endif
+  // Most network file systems have no leases, and nobody gets one on the file of another user.
+  return true;
 }
 
 Result<std::uint64_t> randomNumber() {

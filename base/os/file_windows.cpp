@@ -10,15 +10,11 @@
 
 #include "base/os/file.h"
 #include "base/os/file_calls.h"
-#include "base/os/owned.h"
+#include "base/os/handle_windows.h"
 
 namespace veltrano {
 
 namespace {
-
-using Handle = Owned<HANDLE, [](HANDLE handle) { CloseHandle(handle); }>;
-
-constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 Failure kindOfError(DWORD error) {
   switch (error) {
@@ -70,12 +66,6 @@ Status failureOf(DWORD error) {
 
 Status answerOf(BOOL result) {
   return result != 0 ? Status() : failureOf(GetLastError());
-}
-
-Handle openHandle(const std::filesystem::path& file, DWORD access, DWORD share, DWORD disposition,
-                  DWORD flags = FILE_ATTRIBUTE_NORMAL) {
-  const HANDLE handle = CreateFileW(file.c_str(), access, share, nullptr, disposition, flags, nullptr);
-  return Handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle);
 }
 
 /// The security descriptor with the access list only; empty where the file system has none.
@@ -330,6 +320,14 @@ Status renameOver(const std::filesystem::path& file, const std::filesystem::path
 Status removeFile(const std::filesystem::path& file) {
   Status watched = beforeFileCall(FileCall::remove, file);
   return watched ? answerOf(DeleteFileW(file.c_str())) : watched;
+}
+
+bool isHeldOpen(const std::filesystem::path& file) {
+  // A file that opens for us alone is open nowhere else.
+  if (openHandle(file, GENERIC_READ, 0, OPEN_EXISTING)) {
+    return false;
+  }
+  return kindOfError(GetLastError()) != Failure::missing;
 }
 
 Result<std::uint64_t> randomNumber() {

@@ -38,28 +38,5 @@ TEST(CodePage, MayTakeSeveralBytesACharacter) {
 }
 #endif
 
-TEST(Unicode, MalformedTextBecomesReplacementCharacters) {
-  struct Case {
-    const char* label;
-    std::string utf8;
-    std::u16string utf16;
-  };
-  const Case cases[] = {
-      {"lone continuation", "a\x80z", u"a\uFFFDz"},
-      {"overlong slash", "\xC0\xAF", u"\uFFFD\uFFFD"},
-      {"surrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
-      {"cut at the end", "\xE2\x82", u"\uFFFD"},
-      {"above U+10FFFF", "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(utf8ToUtf16(c.utf8), c.utf16) << c.label;
-  }
-  EXPECT_EQ(utf16ToUtf8(std::u16string({0xD800, u'a', 0xDC00})),
-            "\xEF\xBF\xBD"
-            "a\xEF\xBF\xBD");
-  EXPECT_EQ(utf8ToUtf16("\xF0\x9F\x98\x80"), u"\U0001F600");
-  EXPECT_EQ(utf16ToUtf8(u"\U0001F600"), "\xF0\x9F\x98\x80");
-}
-
 }  // namespace
 }  // namespace veltrano
