@@ -4,6 +4,7 @@
 // A value whose kind the caller chooses: what automation hosts pass as a variant, without any COM in it. The
 // server makes Values from variants and back; C++ callers construct them directly.
 
+#include <array>
 #include <compare>
 #include <cstdint>
 #include <optional>
@@ -28,6 +29,14 @@ struct Currency {
   std::int64_t tenThousandths = 0;
   friend bool operator==(Currency, Currency) = default;
 };
+/// A whole number of up to 28 digits with a decimal point in it, exact: magnitude / 10^scale. Automation's decimals
+/// use the three lower parts of the magnitude and scales of 0 to 28.
+struct Decimal {
+  bool negative = false;
+  std::array<std::uint32_t, 4> magnitude{};  ///< least significant part first
+  std::uint8_t scale = 0;
+  friend bool operator==(const Decimal&, const Decimal&) = default;
+};
 /// Something that is none of the other kinds (an automation object, for instance). It converts to nothing.
 struct Opaque {
   friend bool operator==(Opaque, Opaque) = default;
@@ -46,8 +55,11 @@ class Value {
   Value(int number) : data_(std::int64_t{number}) {}
   Value(std::int64_t number) : data_(number) {}
   Value(double number) : data_(number) {}
+  /// Keeps its precision: as text it has at most 7 significant digits.
+  Value(float number) : data_(number) {}
   Value(Date date) : data_(date) {}
   Value(Currency amount) : data_(amount) {}
+  Value(const Decimal& number) : data_(number) {}
   /// The text's encoding is that of the class that takes it: ANSI text in pdf/ and kml/, UTF-8 in settings/
   /// and database/.
   Value(std::string text) : data_(std::move(text)) {}
@@ -63,7 +75,7 @@ class Value {
   [[nodiscard]] bool isNull() const { return std::holds_alternative<Null>(data_); }
   /// A whole number of any width, but no flag.
   [[nodiscard]] bool isInteger() const { return std::holds_alternative<std::int64_t>(data_); }
-  /// A whole number, float, currency or flag: what arithmetic takes without reading a text. Dates are not.
+  /// A whole number, float, currency, decimal or flag: what arithmetic takes without reading a text. Dates are not.
   [[nodiscard]] bool isNumeric() const;
   [[nodiscard]] bool isText() const { return std::holds_alternative<std::string>(data_); }
 
@@ -86,8 +98,8 @@ class Value {
   friend bool operator==(const Value&, const Value&) = default;
 
  private:
-  std::variant<std::monostate, Null, bool, std::int64_t, double, Date, Currency, std::string, List, Doubles,
-               Bytes, Opaque>
+  std::variant<std::monostate, Null, bool, std::int64_t, double, float, Date, Currency, Decimal, std::string,
+               List, Doubles, Bytes, Opaque>
       data_;
 };
 
