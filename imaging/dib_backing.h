@@ -47,8 +47,9 @@ struct BitmapSize {
 
 /// Nothing when the handle is no bitmap.
 std::optional<BitmapSize> bitmapSize(GraphicsHandle bitmap);
-/// Copies the whole bitmap to the top left of a device context.
-void copyBitmap(GraphicsHandle bitmap, BitmapSize size, GraphicsHandle target);
+/// Copies the whole bitmap to the top left of a device context. False if that is impossible: the bitmap is selected
+/// into another device context, for instance.
+bool copyBitmap(GraphicsHandle bitmap, BitmapSize size, GraphicsHandle target);
 
 /// Graphics handles that this library holds at the moment; a test's way to see that none is lost.
 std::int64_t openGraphicsHandles();

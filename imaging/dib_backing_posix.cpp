@@ -77,7 +77,9 @@ void stretchContext(GraphicsHandle target, PixelRectangle to, GraphicsHandle sou
 std::optional<BitmapSize> bitmapSize(GraphicsHandle) {
   return std::nullopt;
 }
-void copyBitmap(GraphicsHandle, BitmapSize, GraphicsHandle) {}
+bool copyBitmap(GraphicsHandle, BitmapSize, GraphicsHandle) {
+  return false;
+}
 
 std::int64_t openGraphicsHandles() {
   return openHandles;

@@ -69,12 +69,9 @@ bool cDIBSection::CreateFromPicture(const Picture& picture) {
     return true;
   }
   const std::optional<BitmapSize> size = bitmapSize(picture.bitmap());
-  if (!size || !Create(size->width, size->height)) {
-    ClearUp();
-    return false;
-  }
-  copyBitmap(picture.bitmap(), *size, hDC());
-  return true;
+  if (size && Create(size->width, size->height) && copyBitmap(picture.bitmap(), *size, hDC())) return true;
+  ClearUp();
+  return false;
 }
 
 void cDIBSection::LoadPictureBlt(GraphicsHandle sourceDC, std::int32_t sourceX, std::int32_t sourceY,

@@ -72,8 +72,8 @@ class cDIBSection {
   /// A new black 24-bit section with its device context. False, and nothing held, when that is impossible.
   bool Create(std::int32_t width, std::int32_t height);
 
-  /// A section of the picture's size with its pixels. False, and nothing held, for Nothing or what is no
-  /// bitmap.
+  /// A section of the picture's size with its pixels. False, and nothing held, for Nothing, for what is not a bitmap
+  /// and for a bitmap that is selected into another device context.
   bool CreateFromPicture(const Picture& picture);
 
   /// Copies from a device context to this section's top left. A negative width or height means the section's

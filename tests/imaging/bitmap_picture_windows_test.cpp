@@ -64,6 +64,36 @@ TEST(BitmapPicture, IsReadAtEveryDepth) {
   }
 }
 
+TEST(BitmapPicture, SelectedElsewhereIsNotSavedBlack) {
+  const test::Folder folder;
+  HBITMAP bitmap = makeBitmap(24, false, false);
+  const Picture picture = Picture::ofBitmap(reinterpret_cast<GraphicsHandle>(bitmap));
+  HDC dc = CreateCompatibleDC(nullptr);
+  HGDIOBJ previous = SelectObject(dc, bitmap);
+  EXPECT_FALSE(VeltranoPNG().SavePNG(picture, folder.file("a.png")));
+  VeltranoJPG().SaveJPEG(picture, folder.file("a.jpg"));
+  VeltranoJPG().SaveJPEG(picture, folder.file("b.jpg"), 50, 20, 20);
+  EXPECT_EQ(VeltranoJPG().SaveJPEGToMemory(picture).size(), 1U);
+  EXPECT_EQ(folder.files(), 0);
+  SelectObject(dc, previous);
+  EXPECT_TRUE(VeltranoPNG().SavePNG(picture, folder.file("a.png")));
+  VeltranoJPG().SaveJPEG(picture, folder.file("a.jpg"));
+  EXPECT_EQ(folder.files(), 2);
+  DeleteDC(dc);
+  DeleteObject(bitmap);
+}
+
+TEST(BitmapPicture, GoesWhereADriveRelativeNameLeads) {
+  const test::Folder folder;
+  const std::filesystem::path previous = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  const std::string drive = folder.path().root_name().string();
+  EXPECT_TRUE(VeltranoPNG().SavePNG(test::picture(twoColours()), drive + "a.png"));
+  VeltranoJPG().SaveJPEG(test::picture(twoColours()), drive + "a.jpg");
+  EXPECT_TRUE(std::filesystem::exists(folder.file("a.png")) && std::filesystem::exists(folder.file("a.jpg")));
+  std::filesystem::current_path(previous);
+}
+
 TEST(BitmapPicture, IsNoOtherHandle) {
   const test::Folder folder;
   HPEN pen = CreatePen(PS_SOLID, 1, 0);

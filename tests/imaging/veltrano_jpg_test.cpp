@@ -38,10 +38,14 @@ TEST_F(VeltranoJpg, ResizesWhenBothSizesAreGiven) {
                                             {0, 240, "80x60"},
                                             {32, 48, "32x48"},
                                             {160, 10, "160x10"}}) {
-    jpg_.SaveJPEG(picture(scenery(80, 60)), folder_.file("a.jpg"), 50, width, height);
-    jpg_.SaveJPEGResampled(folder_.file("in.jpg"), folder_.file("b.jpg"), 50, width, height);
-    EXPECT_EQ(sizeOf(readWholeFile(folder_.file("a.jpg")).value()), size) << width << ' ' << height;
-    EXPECT_EQ(sizeOf(readWholeFile(folder_.file("b.jpg")).value()), size) << width << ' ' << height;
+    // Names of their own, so that no row reads the file of the row before it.
+    const std::string name = std::to_string(width) + "x" + std::to_string(height);
+    const auto saved = folder_.path() / (name + ".jpg");
+    const auto resampled = folder_.path() / (name + " resampled.jpg");
+    jpg_.SaveJPEG(picture(scenery(80, 60)), saved, 50, width, height);
+    jpg_.SaveJPEGResampled(folder_.file("in.jpg"), resampled, 50, width, height);
+    EXPECT_EQ(sizeOf(readWholeFile(saved).value_or("")), size) << name;
+    EXPECT_EQ(sizeOf(readWholeFile(resampled).value_or("")), size) << name;
   }
 }
 
