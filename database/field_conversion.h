@@ -10,10 +10,12 @@
 //   decimals        12.5                       GUIDs      {00112233-4455-6677-8899-AABBCCDDEEFF}
 //   binary          one character a byte, in the ANSI code page
 //
-// Towards the field: texts are read as numbers, dates ("2026-11-21 14:05", "11/21/2026", "21.11.2026", "2:05
-// PM"), booleans ("True", "False" in any case, or a number) and GUIDs; numbers round half to even into whole
-// numbers; true is -1 as a number (255 as an unsigned byte). A value that does not convert or is out of range
-// gives nothing. Nulls are not handled here; an empty value counts as 0 or as an empty text.
+// Towards the field: texts are read in these forms first, so that what was read back means the same when it is
+// written again; a text in none of them is converted as the system does in the user's locale (user_locale.h). Numbers
+// round half to even into whole numbers; true is -1 as a number (255 as an unsigned byte). A decimal keeps all its
+// digits; a single-precision value with a fraction is the number that its 7 digits show, not the nearest double. A
+// value that does not convert or is out of range gives an empty result. Nulls are not handled here; an empty value
+// counts as 0 or as an empty text.
 
 #include <array>
 #include <cstdint>
@@ -27,14 +29,6 @@
 namespace veltrano {
 
 using Guid = std::array<std::uint8_t, 16>;  ///< in display order
-
-/// A scaled whole number of up to 28 digits: magnitude / 10^scale.
-struct Decimal {
-  bool negative = false;
-  std::array<std::uint32_t, 4> magnitude{};  ///< least significant part first
-  std::uint8_t scale = 0;
-  friend bool operator==(const Decimal&, const Decimal&) = default;
-};
 
 // To text. Each replaces `text`, whose storage is reused.
 void integerToText(std::int64_t value, std::string& text);
@@ -54,6 +48,8 @@ std::optional<std::int64_t> toInteger(const Value& value, std::int64_t least, st
 std::optional<float> toSingle(const Value& value);
 std::optional<double> toReal(const Value& value);
 std::optional<Currency> toCurrency(const Value& value);
+/// The number with all its digits; empty also if a decimal cannot hold them.
+std::optional<Decimal> toDecimal(const Value& value);
 /// A decimal of exactly `scale` decimal places (half to even) and at most `precision` (1 to 28) digits.
 std::optional<Decimal> toDecimal(const Value& value, int precision, int scale);
 std::optional<Date> toDate(const Value& value);

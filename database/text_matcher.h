@@ -15,7 +15,7 @@ enum class CaseRule { exact, lowered };
 
 class TextMatcher {
  public:
-  /// `wanted` is UTF-8. With CaseRule::lowered both sides are compared in lower case.
+  /// `wanted` is UTF-8 (unpaired surrogates as in base/text/wtf8.h). With CaseRule::lowered both sides are compared in lower case.
   TextMatcher(std::string_view wanted, CaseRule rule);
 
   [[nodiscard]] bool matchesUtf8(std::string_view text) const;

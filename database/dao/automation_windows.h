@@ -41,8 +41,12 @@ class Variant {
   /// As field_conversion.h has it. False for a null and for what has no text.
   bool toText(std::string& text) const;
   [[nodiscard]] std::optional<bool> toFlag() const;
+  [[nodiscard]] std::optional<long> toNumber() const;
 
  private:
+  /// Converted by the system, in no locale.
+  [[nodiscard]] std::optional<Variant> convertedTo(VARTYPE type) const;
+
   VARIANT value_;
 };
 

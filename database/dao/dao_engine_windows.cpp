@@ -3,6 +3,7 @@
 #include <mutex>
 
 #include "database/dao/automation_windows.h"
+#include "database/field_conversion.h"
 
 namespace veltrano {
 
@@ -15,6 +16,63 @@ using dao::Variant;
 constexpr CLSID dao36 = {0x00000100, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x00, 0x6D, 0x2E, 0xA4}};
 constexpr const wchar_t* successor = L"DAO.DBEngine.120";
 constexpr long dynaset = 2;
+
+/// DAO's numbers for the types of fields (DataTypeEnum).
+enum FieldType : long {
+  dbBoolean = 1,
+  dbByte = 2,
+  dbInteger = 3,
+  dbLong = 4,
+  dbCurrency = 5,
+  dbSingle = 6,
+  dbDouble = 7,
+  dbDate = 8,
+  dbText = 10,
+  dbMemo = 12,
+  dbBigInt = 16,
+  dbChar = 18,
+  dbNumeric = 19,
+  dbDecimal = 20,
+  dbFloat = 21,
+};
+
+template <typename Converted>
+Value orAsGiven(const std::optional<Converted>& converted, const Value& value) {
+  return converted ? Value(*converted) : value;
+}
+
+/// The value in the terms of its field, so that DAO has no text to convert: it would read and write them in the
+/// locale of the user, and a number that was read back would become another one where the comma is the decimal
+/// separator. What does not convert is left for DAO to refuse.
+Value inTermsOf(long fieldType, const Value& value) {
+  const bool isText = value.isText();
+  switch (fieldType) {
+    case dbText:
+    case dbMemo:
+    case dbChar:
+      return value.as<Value::Bytes>() == nullptr ? orAsGiven(toFieldText(value), value) : value;
+    case dbBoolean:
+      return isText ? orAsGiven(toBoolean(value), value) : value;
+    case dbByte:
+    case dbInteger:
+    case dbLong:
+    case dbCurrency:
+    case dbBigInt:
+    case dbNumeric:
+    case dbDecimal:
+      return isText ? orAsGiven(toDecimal(value), value) : value;
+    case dbSingle:
+      return isText ? orAsGiven(toSingle(value), value) : value;
+    case dbDouble:
+    case dbFloat:
+      // A single widened by DAO would show more than its own digits.
+      return isText || value.as<float>() != nullptr ? orAsGiven(toReal(value), value) : value;
+    case dbDate:
+      return isText ? orAsGiven(toDate(value), value) : value;
+    default:
+      return value;
+  }
+}
 
 class DaoRecordset final : public Recordset {
  public:
@@ -51,13 +109,18 @@ class DaoRecordset final : public Recordset {
   }
 
   bool write(std::string_view field, const Value& value) override {
-    const auto assigned = Variant::from(value);
-    if (!assigned) {
+    if (value.as<Opaque>() != nullptr || value.as<Value::List>() != nullptr ||
+        value.as<Value::Doubles>() != nullptr) {
       return fail("a value of this kind cannot be assigned");
     }
     std::string error;
     const Object object = find(field, error);
-    return (object && object.setProperty(L"Value", *assigned, error)) || fail(std::move(error));
+    if (!object) {
+      return fail(std::move(error));
+    }
+    const auto type = value.isEmpty() || value.isNull() ? std::nullopt : object.property(L"Type", error);
+    const auto assigned = Variant::from(type ? inTermsOf(type->toNumber().value_or(0), value) : value);
+    return (assigned && object.setProperty(L"Value", *assigned, error)) || fail(std::move(error));
   }
 
  private:

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "database/access/authoring/create_database.h"
 #include "database/database_engine.h"
+#include "tests/temporary_folder.h"
 
 namespace veltrano {
 namespace {
@@ -168,6 +170,61 @@ TEST(VeltranoMdb, FindsRecords) {
   EXPECT_TRUE(mdb.Eof());
   ASSERT_TRUE(mdb.OpenTable("Empty"));
   EXPECT_FALSE(mdb.FindRecord("Name", "Smith", 0));
+}
+
+TEST(VeltranoMdb, StoresEveryKindAndTakesItsTextAgain) {
+  using access::ColumnType;
+  const tests::TemporaryFolder folder;
+  const std::filesystem::path file = folder / "kinds.mdb";
+  std::string reason;
+  ASSERT_TRUE(access::createDatabase(file, {}, reason) &&
+              access::createTable(
+                  file,
+                  {.name = "Kinds",
+                   .columns = {{.name = "Numeric", .type = ColumnType::numeric, .precision = 18, .scale = 4},
+                               {.name = "Cash", .type = ColumnType::currency},
+                               {.name = "Single", .type = ColumnType::single},
+                               {.name = "Double", .type = ColumnType::real},
+                               {.name = "Moment", .type = ColumnType::dateTime},
+                               {.name = "Words", .type = ColumnType::text},
+                               {.name = "Long words", .type = ColumnType::memo}}},
+                  reason))
+      << reason;
+  const auto name = file.u8string();
+  VeltranoMDB mdb;
+  ASSERT_TRUE(mdb.OpenDB({name.begin(), name.end()}) && mdb.OpenTable("Kinds"));
+  const std::string surrogates = "\xED\xA0\xBDx\xED\xB8\x80";
+  const struct {
+    const char* field;
+    Value value;
+    std::string text;
+  } cases[] = {
+      {"Numeric", Decimal{false, {0xA630F34E, 0x1B69B4B, 0, 0}, 4}, "12345678901234.5678"},
+      {"Numeric", "99999999999999.9999", "99999999999999.9999"},
+      {"Cash", Decimal{true, {125, 0, 0, 0}, 1}, "-12.5"},
+      {"Single", 0.1F, "0.1"},
+      {"Single", 1.0F / 3, "0.3333333"},
+      {"Double", 0.1F, "0.1"},
+      {"Double", 1e-5, "1E-05"},
+      {"Moment", Date{46347.586805555555}, "2026-11-21 14:05:00"},
+      {"Moment", Date{0.75}, "18:00:00"},
+      {"Words", 0.1F, "0.1"},
+      {"Words", surrogates, surrogates},
+      {"Long words", surrogates, surrogates},
+  };
+  for (const auto& [field, value, text] : cases) {
+    mdb.AddNew();
+    mdb.WriteRecord(field, value);
+    mdb.Update();
+    mdb.MoveLast();
+    EXPECT_EQ(mdb.ReadRecord_String(field), text);
+    EXPECT_TRUE(mdb.FindRecord(field, text, 0)) << field;
+    mdb.AddNew();
+    mdb.WriteRecord(field, text);
+    mdb.Update();
+    mdb.MoveLast();
+    EXPECT_EQ(mdb.ReadRecord_String(field), text) << "written again as it was read";
+  }
 }
 
 }  // namespace
