@@ -1,10 +1,10 @@
 #ifndef VELTRANO_BASE_TEXT_WTF8_H
 #define VELTRANO_BASE_TEXT_WTF8_H
 
-// UTF-8 that can hold every UTF-16 text, for texts that must come back as they were given: an unpaired surrogate,
-// which UTF-8 has no form for, takes the three bytes that its number would have (WTF-8). Everything else is UTF-8, and
-// UTF-8 texts mean the same in both. Used between the automation boundary and database files; files that promise UTF-8
-// must never get such a text.
+// UTF-8 that can hold every UTF-16 text, for texts that must come back as they were given: an unpaired
+// surrogate, which UTF-8 has no form for, takes the three bytes that its number would have (WTF-8).
+// Everything else is UTF-8, and UTF-8 texts mean the same in both. Used between the automation boundary and
+// database files; files that promise UTF-8 must never get such a text.
 
 #include <string>
 #include <string_view>
