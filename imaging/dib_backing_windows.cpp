@@ -108,8 +108,4 @@ bool copyBitmap(GraphicsHandle bitmap, BitmapSize size, GraphicsHandle target) {
          BitBlt(asHandle<HDC>(target), 0, 0, size.width, size.height, context.get(), 0, 0, SRCCOPY) != 0;
 }
 
-std::int64_t openGraphicsHandles() {
-  return ownedGdiHandles;
-}
-
 }  // namespace veltrano

@@ -1,17 +1,30 @@
-#include "imaging/veltrano_png.h"
+#include "veltrano/png.h"
 
 #include <utility>
 
 #include "base/os/files.h"
 #include "base/trace.h"
 #include "imaging/byte_chunks.h"
-#include "imaging/dib_section.h"
 #include "imaging/png_writer.h"
+#include "veltrano/dib_section.h"
 
 namespace veltrano {
 
+struct VeltranoPNG::Impl {
+  std::string initString;
+};
+
+VeltranoPNG::VeltranoPNG() : impl_(std::make_unique<Impl>()) {}
+VeltranoPNG::VeltranoPNG(VeltranoPNG&&) noexcept = default;
+VeltranoPNG& VeltranoPNG::operator=(VeltranoPNG&&) noexcept = default;
+VeltranoPNG::~VeltranoPNG() = default;
+
 void VeltranoPNG::Init(std::string xInitString) {
-  initString_ = std::move(xInitString);
+  impl_->initString = std::move(xInitString);
+}
+
+const std::string& VeltranoPNG::initString() const {
+  return impl_->initString;
 }
 
 bool VeltranoPNG::SavePNG(const Picture& pct, const std::filesystem::path& sPNGFileName) {
