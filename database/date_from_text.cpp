@@ -63,8 +63,8 @@ std::optional<std::int32_t> dayOf(int year, int month, int day) {
   return static_cast<std::int32_t>((std::chrono::sys_days(date) - dateOrigin).count());
 }
 
-/// Three numbers with the same separator. A first number of more than two digits is the year, and separated by hyphens
-/// that is the own form, the only one that is read without an order. Otherwise the year is last.
+/// Three numbers with the same separator. A first number of more than two digits is the year, and separated
+/// by hyphens that is the own form, the only one that is read without an order. Otherwise the year is last.
 std::optional<std::int32_t> readDate(std::string_view text, std::optional<DateOrder> order) {
   const std::string_view whole = text;
   const auto first = takeNumber(text);

@@ -136,7 +136,8 @@ std::optional<std::int64_t> scaledInteger(const Value& value, int scale) {
   return static_cast<std::int64_t>(number->negative ? 0 - magnitude : magnitude);
 }
 
-/// The number that the value's own digits show. Whole ones up to 2^24 are exact, although they may have 8 digits.
+/// The number that the value's own digits show. Whole ones up to 2^24 are exact, although they may have 8
+/// digits.
 std::optional<double> realOfSingle(float value) {
   constexpr float mostExact = 16777216;
   if (std::fabs(value) <= mostExact && value == std::trunc(value)) {

@@ -1,4 +1,4 @@
-// The half of field_conversion.h that makes texts. These run once for every field a host reads.
+#include "database/field_to_text.h"
 
 #include <charconv>
 #include <chrono>
@@ -7,7 +7,6 @@
 #include "base/numbers/scaled_numbers.h"
 #include "base/text/code_page.h"
 #include "database/dates.h"
-#include "database/field_conversion.h"
 
 namespace veltrano {
 

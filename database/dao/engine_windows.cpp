@@ -1,8 +1,8 @@
-#include "database/dao/dao_engine_windows.h"
+#include "database/dao/engine_windows.h"
 
 #include <mutex>
 
-#include "database/dao/automation_windows.h"
+#include "database/dao/object_windows.h"
 #include "database/field_conversion.h"
 
 namespace veltrano {
@@ -17,7 +17,7 @@ constexpr CLSID dao36 = {0x00000100, 0x0000, 0x0010, {0x80, 0x00, 0x00, 0xAA, 0x
 constexpr const wchar_t* successor = L"DAO.DBEngine.120";
 constexpr long dynaset = 2;
 
-/// DAO's numbers for the types of fields (DataTypeEnum).
+/// The types of fields, as DAO numbers them (DataTypeEnum).
 enum FieldType : long {
   dbBoolean = 1,
   dbByte = 2,
@@ -41,12 +41,16 @@ Value orAsGiven(const std::optional<Converted>& converted, const Value& value) {
   return converted ? Value(*converted) : value;
 }
 
-/// The value in the terms of its field, so that DAO has no text to convert: it would read and write them in the
-/// locale of the user, and a number that was read back would become another one where the comma is the decimal
-/// separator. What does not convert is left for DAO to refuse.
-Value inTermsOf(long fieldType, const Value& value) {
+/// The value in the terms of its field, so that DAO has no text to convert: it would read and write them in
+/// the locale of the user, and a number that was read back would become another one where the comma is the
+/// decimal separator. What does not convert is left for DAO to refuse.
+Value inTermsOf(const Object& field, const Value& value) {
+  if (value.isEmpty() || value.isNull()) {
+    return value;
+  }
+  const auto type = field.property(L"Type");
   const bool isText = value.isText();
-  switch (fieldType) {
+  switch (type ? type->toNumber().value_or(0) : 0) {
     case dbText:
     case dbMemo:
     case dbChar:
@@ -88,24 +92,15 @@ class DaoRecordset final : public Recordset {
   bool close() override { return method(L"Close"); }
 
   std::optional<bool> atEnd() override {
-    std::string error;
-    const auto flag = recordset_.property(L"EOF", error);
-    if (!flag) {
-      fail(std::move(error));
-      return std::nullopt;
-    }
-    return flag->toFlag();
+    const auto flag = recordset_.property(L"EOF");
+    return succeeded(flag.status()) ? flag->toFlag() : std::nullopt;
   }
 
   bool readText(std::string_view field, std::string& text) override {
     text.clear();
-    std::string error;
-    const Object object = find(field, error);
-    const auto value = object ? object.property(L"Value", error) : std::nullopt;
-    if (!value) {
-      return fail(std::move(error));
-    }
-    return value->toText(text) || fail("the value has no text");
+    const auto object = find(field);
+    const auto value = object ? object->property(L"Value") : object.status();
+    return succeeded(value.status()) && (value->toText(text) || fail("the value has no text"));
   }
 
   bool write(std::string_view field, const Value& value) override {
@@ -113,28 +108,22 @@ class DaoRecordset final : public Recordset {
         value.as<Value::Doubles>() != nullptr) {
       return fail("a value of this kind cannot be assigned");
     }
-    std::string error;
-    const Object object = find(field, error);
+    const auto object = find(field);
     if (!object) {
-      return fail(std::move(error));
+      return succeeded(object.status());
     }
-    const auto type = value.isEmpty() || value.isNull() ? std::nullopt : object.property(L"Type", error);
-    const auto assigned = Variant::from(type ? inTermsOf(type->toNumber().value_or(0), value) : value);
-    return (assigned && object.setProperty(L"Value", *assigned, error)) || fail(std::move(error));
+    const auto assigned = Variant::from(inTermsOf(*object, value));
+    return assigned ? succeeded(object->setProperty(L"Value", *assigned)) : fail("memory is short");
   }
 
  private:
-  bool method(const wchar_t* name) {
-    std::string error;
-    return recordset_.call(name, {}, error) || fail(std::move(error));
-  }
+  bool succeeded(const Status& status) { return status || fail(status.reason()); }
+  bool method(const wchar_t* name) { return succeeded(recordset_.call(name).status()); }
 
   /// Fields(name)
-  Object find(std::string_view field, std::string& error) const {
-    const auto fields = recordset_.property(L"Fields", error);
-    const Object collection = fields ? Object::of(*fields) : Object();
-    const auto item = collection ? collection.item(Variant::text(field), error) : std::nullopt;
-    return item ? Object::of(*item) : Object();
+  [[nodiscard]] Result<Object> find(std::string_view field) const {
+    const auto fields = Object::of(recordset_.property(L"Fields"));
+    return fields ? Object::of(fields->item(Variant::text(field))) : fields.status();
   }
 
   Object recordset_;
@@ -147,19 +136,17 @@ class DaoDatabase final : public Database {
   std::unique_ptr<Recordset> openTable(std::string_view table) override {
     const Variant name = Variant::text(table);
     const Variant type = Variant::number(dynaset);
-    std::string error = "no recordset came back";
-    const auto result = database_.call(L"OpenRecordset", {&name, &type}, error);
-    Object recordset = result ? Object::of(*result) : Object();
+    auto recordset = Object::of(database_.call(L"OpenRecordset", {&name, &type}));
     if (!recordset) {
-      fail(std::move(error));
+      fail(recordset.status().reason());
       return nullptr;
     }
-    return std::make_unique<DaoRecordset>(std::move(recordset));
+    return std::make_unique<DaoRecordset>(*std::move(recordset));
   }
 
   bool close() override {
-    std::string error;
-    return database_.call(L"Close", {}, error) || fail(std::move(error));
+    const auto closed = database_.call(L"Close");
+    return closed || fail(closed.status().reason());
   }
 
  private:
@@ -179,8 +166,8 @@ Object createDbEngine() {
   return Object();
 }
 
-/// The process has one DBEngine, which belongs to the apartment that made it. The system's table of
-/// interfaces hands it to the others; in its own apartment that is the object itself.
+/// The process has one DBEngine, which belongs to the apartment that made it. The global interface table marshals
+/// it to the others; in its own apartment that gives the object itself.
 class DaoEngine final : public DatabaseEngine {
  public:
   explicit DaoEngine(const Object& engine) { keep(engine); }
@@ -199,33 +186,32 @@ class DaoEngine final : public DatabaseEngine {
     const Variant no = Variant::flag(false);
     const Variant missing = Variant::missing();
     const Variant secret = connect ? Variant::text(*connect) : Variant();
-    reason = "no database came back";
-    const auto result = connect ? engine.call(L"OpenDatabase", {&name, &no, &no, &secret}, reason)
-                                : engine.call(L"OpenDatabase", {&name, &missing, &missing, &missing}, reason);
-    Object database = result ? Object::of(*result) : Object();
-    return database ? std::make_unique<DaoDatabase>(std::move(database)) : nullptr;
+    auto database = Object::of(connect ? engine.call(L"OpenDatabase", {&name, &no, &no, &secret})
+                                       : engine.call(L"OpenDatabase", {&name, &missing, &missing, &missing}));
+    if (!database) {
+      reason = database.status().reason();
+      return nullptr;
+    }
+    return std::make_unique<DaoDatabase>(*std::move(database));
   }
 
  private:
-  static IGlobalInterfaceTable* interfaceTable() {
+  static dao::Owner<IGlobalInterfaceTable> interfaceTable() {
     void* table = nullptr;
-    const HRESULT code = CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER,
-                                          IID_IGlobalInterfaceTable, &table);
-    return SUCCEEDED(code) ? static_cast<IGlobalInterfaceTable*>(table) : nullptr;
+    CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER, IID_IGlobalInterfaceTable,
+                     &table);
+    return dao::Owner<IGlobalInterfaceTable>(static_cast<IGlobalInterfaceTable*>(table));
   }
 
   Object dbEngine() {
     const std::lock_guard lock(mutex_);
-    IGlobalInterfaceTable* table = interfaceTable();
-    if (table == nullptr) {
+    const auto table = interfaceTable();
+    if (!table) {
       return Object();
     }
     void* engine = nullptr;
-    const bool known = cookie_ != 0 &&
-                       SUCCEEDED(table->GetInterfaceFromGlobal(cookie_, IID_IDispatch, &engine)) &&
-                       engine != nullptr;
-    table->Release();
-    if (known) {
+    if (cookie_ != 0 && SUCCEEDED(table.get()->GetInterfaceFromGlobal(cookie_, IID_IDispatch, &engine)) &&
+        engine != nullptr) {
       return Object(static_cast<IDispatch*>(engine));
     }
     // The apartment that made it has ended: another one takes over.
@@ -236,20 +222,16 @@ class DaoEngine final : public DatabaseEngine {
   }
 
   void keep(const Object& engine) {
-    IGlobalInterfaceTable* table = engine ? interfaceTable() : nullptr;
-    if (table != nullptr) {
-      if (FAILED(table->RegisterInterfaceInGlobal(engine.get(), IID_IDispatch, &cookie_))) {
-        cookie_ = 0;
-      }
-      table->Release();
+    if (const auto table = interfaceTable();
+        engine && table &&
+        FAILED(table.get()->RegisterInterfaceInGlobal(engine.get(), IID_IDispatch, &cookie_))) {
+      cookie_ = 0;
     }
   }
 
   void drop() {
-    IGlobalInterfaceTable* table = cookie_ != 0 ? interfaceTable() : nullptr;
-    if (table != nullptr) {
-      table->RevokeInterfaceFromGlobal(cookie_);
-      table->Release();
+    if (const auto table = interfaceTable(); cookie_ != 0 && table) {
+      table.get()->RevokeInterfaceFromGlobal(cookie_);
     }
     cookie_ = 0;
   }

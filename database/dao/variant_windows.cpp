@@ -1,9 +1,10 @@
+#include "database/dao/variant_windows.h"
+
 #include <algorithm>
 #include <limits>
 
 #include "base/text/wtf8.h"
-#include "database/dao/automation_windows.h"
-#include "database/field_conversion.h"
+#include "database/field_to_text.h"
 
 namespace veltrano::dao {
 

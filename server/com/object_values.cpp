@@ -71,8 +71,8 @@ std::optional<double> numberOf(IDispatch& object, const wchar_t* method) {
   return number->dblVal;
 }
 
-/// A script's date object, known by the methods that such objects have in every engine: milliseconds since 1970 in
-/// universal time, and the minutes by which local time is behind it.
+/// A script's date object, known by the methods that such objects have in every engine: milliseconds since
+/// 1970 in universal time, and the minutes by which local time is behind it.
 bool dateOf(IDispatch& object, VARIANT* result) {
   constexpr double day = 86400000;
   constexpr double minute = 60000;

@@ -13,9 +13,9 @@ enum class DateObjects {
 };
 
 /// Puts into `result` (initialised, empty) what the object stands for: the elements of a list object as
-/// script languages have it (a "length" and elements named "0", "1", ...) as an array of variants, if asked for the
-/// local time of a script's date object, otherwise the value of the default property. False when it has neither, or
-/// is null.
+/// script languages have it (a "length" and elements named "0", "1", ...) as an array of variants, if asked
+/// for the local time of a script's date object, otherwise the value of the default property. False when it
+/// has neither, or is null.
 bool objectValue(IUnknown* object, VARIANT* result, DateObjects dates = DateObjects::texts);
 
 }  // namespace veltrano::server

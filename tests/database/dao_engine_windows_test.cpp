@@ -6,7 +6,7 @@
 #include <oleauto.h>
 // clang-format on
 
-#include "database/dao/dao_engine_windows.h"
+#include "database/dao/engine_windows.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@
 #include "base/text/code_page.h"
 #include "database/field_conversion.h"
 #include "database/user_locale_windows.h"
-#include "database/veltrano_mdb.h"
+#include "veltrano/mdb.h"
 
 // COM interfaces have no virtual destructor; their objects release themselves.
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"

@@ -1,198 +1,132 @@
-#include "database/veltrano_mdb.h"
+// VeltranoMDB over the embedded engine: what its members promise, and several objects on one file.
+
+#include "veltrano/mdb.h"
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "database/access/authoring/create_database.h"
-#include "database/database_engine.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {
 namespace {
 
-/// An engine of one database "people.mdb" (password "secret" or none) with the tables "People" and "Empty",
-/// in memory, that writes down what it is asked for.
-class MemoryEngine final : public DatabaseEngine {
- public:
-  std::string log;
-  std::vector<std::optional<std::string>> names{"Miller", std::nullopt, "Smith", "smith", ""};
+using access::ColumnType;
 
-  class Table final : public Recordset {
-   public:
-    Table(MemoryEngine& engine, bool empty) : engine_(engine), count_(empty ? 0 : engine.names.size()) {}
-    bool moveFirst() override { return note("first"), move(0); }
-    bool moveLast() override { return note("last"), move(count_ - 1); }
-    bool moveNext() override { return at_ < count_ ? move(at_ + 1) : fail("at end"); }
-    std::optional<bool> atEnd() override { return closed_ ? std::nullopt : std::optional(at_ >= count_); }
-    bool edit() override { return note("edit"); }
-    bool addNew() override { return note("add"); }
-    bool update() override { return note("update"); }
-    bool remove() override { return note("delete"); }
-    bool readText(std::string_view field, std::string& text) override {
-      text = "unspecified after a failure";
-      if (closed_ || at_ >= count_ || field != "Name" || !engine_.names[at_]) {
-        return fail("no value");
-      }
-      text = *engine_.names[at_];
-      return true;
-    }
-    bool write(std::string_view field, const Value& value) override {
-      return note("write " + std::string(field) + "=" + value.toText().value_or("?"));
-    }
-    bool close() override {
-      closed_ = true;
-      return note("close");
-    }
-
-   private:
-    bool note(const std::string& what) {
-      engine_.log += what + ";";
-      return true;
-    }
-    bool move(std::size_t to) {
-      at_ = to;
-      return true;
-    }
-    MemoryEngine& engine_;
-    std::size_t count_;
-    std::size_t at_ = 0;
-    bool closed_ = false;
-  };
-
-  class File final : public Database {
-   public:
-    explicit File(MemoryEngine& engine) : engine_(engine) {}
-    std::unique_ptr<Recordset> openTable(std::string_view table) override {
-      if (table != "People" && table != "Empty") {
-        fail("no such table");
-        return nullptr;
-      }
-      return std::make_unique<Table>(engine_, table == "Empty");
-    }
-    bool close() override {
-      engine_.log += "close database;";
-      return true;
-    }
-
-   private:
-    MemoryEngine& engine_;
-  };
-
-  std::unique_ptr<Database> openDatabase(std::string_view fileName, std::optional<std::string_view> connect,
-                                         std::string& reason) override {
-    log += "open " + std::string(fileName) + "|" + std::string(connect.value_or("-")) + ";";
-    if (fileName != "people.mdb" || (connect && *connect != "MS Access;PWD=secret")) {
-      reason = "refused";
-      return nullptr;
-    }
-    return std::make_unique<File>(*this);
+/// A database with a password and two tables: "People" (key and name) and "Kinds" (a field of each type).
+class VeltranoMdb : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string reason;
+    const access::NewTable people{
+        .name = "People",
+        .columns = {{.name = "N", .type = ColumnType::longInteger}, {.name = "Name"}},
+        .indexes = {{.name = "Key", .columns = {{.name = "N"}}, .primary = true}}};
+    const access::NewTable kinds{
+        .name = "Kinds",
+        .columns = {{.name = "Numeric", .type = ColumnType::numeric, .precision = 18, .scale = 4},
+                    {.name = "Cash", .type = ColumnType::currency},
+                    {.name = "Single", .type = ColumnType::single},
+                    {.name = "Double", .type = ColumnType::real},
+                    {.name = "Moment", .type = ColumnType::dateTime},
+                    {.name = "Words"},
+                    {.name = "Long words", .type = ColumnType::memo}}};
+    ASSERT_TRUE(access::createDatabase(file_, {.password = "secret"}, reason) &&
+                access::createTable(file_, people, reason, "secret") &&
+                access::createTable(file_, kinds, reason, "secret"))
+        << reason;
+    ASSERT_TRUE(first_.OpenDB(name(), "somebody", "secret") && first_.OpenTable("People"));
   }
+
+  [[nodiscard]] std::string name() const {
+    const auto text = file_.u8string();
+    return {text.begin(), text.end()};
+  }
+  static void add(VeltranoMDB& mdb, int number, const Value& name = Null()) {
+    mdb.AddNew();
+    mdb.WriteRecord("N", number);
+    EXPECT_FALSE(mdb.WriteRecord("Name", name)) << "false although it was written";
+    mdb.Update();
+  }
+
+  /// Three records, the first one current, and a second object on the same file.
+  void fillAndShare() {
+    for (int i = 1; i <= 3; ++i) {
+      add(first_, i);
+    }
+    first_.MoveFirst();
+    ASSERT_TRUE(second_.OpenDB(name(), "", "secret") && second_.OpenTable("People"));
+  }
+
+  const tests::TemporaryFolder folder_;
+  const std::filesystem::path file_ = folder_ / "a.mdb";
+  VeltranoMDB first_;
+  VeltranoMDB second_;
 };
 
-TEST(VeltranoMdb, OpensWithAndWithoutPassword) {
-  MemoryEngine engine;
-  VeltranoMDB mdb(engine);
-  EXPECT_TRUE(mdb.OpenDB("people.mdb"));
-  EXPECT_TRUE(mdb.OpenDB("people.mdb", "somebody", "secret"));
-  EXPECT_FALSE(mdb.OpenDB("people.mdb", "secret", "wrong"));
-  EXPECT_FALSE(mdb.OpenDB("other.mdb"));
-  EXPECT_EQ(engine.log,
-            "open people.mdb|-;open people.mdb|MS Access;PWD=secret;open people.mdb|MS Access;PWD=wrong;"
-            "open other.mdb|-;");
-  EXPECT_TRUE(mdb.OpenTable("People")) << "a failed open must leave the database opened before";
+TEST_F(VeltranoMdb, KeepsWhatIsOpenWhenAnOpenFails) {
+  add(first_, 7);
+  first_.MoveFirst();
+  EXPECT_FALSE(first_.OpenDB(name()));
+  EXPECT_FALSE(first_.OpenDB(name(), "secret", "wrong"));
+  EXPECT_FALSE(first_.OpenDB(name() + "x"));
+  EXPECT_FALSE(first_.OpenTable("Nobody"));
+  EXPECT_EQ(first_.ReadRecord_String("N"), "7");
+  EXPECT_TRUE(first_.OpenTable("KINDS"));
 }
 
-TEST(VeltranoMdb, MembersDoNothingBeforeAndAfterAnOpenTable) {
-  MemoryEngine engine;
-  VeltranoMDB mdb(engine);
-  const auto callAll = [&mdb] {
+TEST_F(VeltranoMdb, DoesNothingWithoutAnOpenTable) {
+  const auto callAll = [](VeltranoMDB& mdb) {
     mdb.MoveFirst();
     mdb.MoveNext();
     mdb.MoveLast();
     mdb.Edit();
-    mdb.AddNew();
-    mdb.Update();
     mdb.Delete();
-    EXPECT_FALSE(mdb.WriteRecord("Name", "x"));
-    EXPECT_EQ(mdb.ReadRecord_String("Name"), "");
+    add(mdb, 1, "x");
+    EXPECT_EQ(mdb.ReadRecord_String("N"), "");
     EXPECT_FALSE(mdb.Eof());
-    EXPECT_FALSE(mdb.FindRecord("Name", "Smith", 0));
+    EXPECT_FALSE(mdb.FindRecord("N", "1", 0));
     mdb.CloseTable();
-    mdb.CloseDatabase();
   };
-  callAll();
-  EXPECT_FALSE(mdb.OpenTable("People"));
-  ASSERT_TRUE(mdb.OpenDB("people.mdb"));
-  EXPECT_FALSE(mdb.OpenTable("Nobody"));
-  mdb.MoveFirst();
-  EXPECT_EQ(engine.log, "open people.mdb|-;");
-  ASSERT_TRUE(mdb.OpenTable("People"));
-  mdb.CloseTable();
-  callAll();
+  callAll(second_);
+  EXPECT_FALSE(second_.OpenTable("People"));
+  second_.CloseDatabase();
+  first_.CloseTable();
+  callAll(first_);
+  first_.CloseDatabase();
+  callAll(first_);
+  EXPECT_FALSE(first_.OpenTable("People"));
 }
 
-TEST(VeltranoMdb, ForwardsEditing) {
-  MemoryEngine engine;
-  VeltranoMDB mdb(engine);
-  ASSERT_TRUE(mdb.OpenDB("people.mdb") && mdb.OpenTable("People"));
-  engine.log.clear();
-  mdb.AddNew();
-  EXPECT_FALSE(mdb.WriteRecord("Age", 41)) << "false although it was written";
-  mdb.Update();
-  mdb.MoveLast();
-  mdb.Edit();
-  mdb.Delete();
-  mdb.CloseTable();
-  mdb.CloseDatabase();
-  EXPECT_EQ(engine.log, "add;write Age=41;update;last;edit;delete;close;close database;");
-}
-
-TEST(VeltranoMdb, FindsRecords) {
-  MemoryEngine engine;
-  VeltranoMDB mdb(engine);
-  ASSERT_TRUE(mdb.OpenDB("people.mdb") && mdb.OpenTable("People"));
+TEST_F(VeltranoMdb, FindsRecords) {
+  EXPECT_FALSE(first_.FindRecord("Name", "", 0)) << "an empty table";
+  int number = 0;
+  for (const Value& person : {Value("Miller"), Value(Null()), Value("Smith"), Value("smith"), Value("")}) {
+    add(first_, ++number, person);
+  }
   const struct {
     const char* value;
     std::int16_t caseSensitive;
-    std::optional<std::string> found;
+    const char* found;  ///< its number; empty: none
   } cases[] = {
-      {"smith", 0, "Smith"}, {"smith", -1, "smith"}, {"SMITH", 0, "Smith"},
-      {"SMITH", -1, {}},     {"smith", 1, "Smith"},  // only -1 is true
-      {"", -1, ""},                                  // passes over the null before it
-      {"Smit", 0, {}},
+      {"smith", 0, "3"}, {"smith", -1, "4"}, {"SMITH", 0, "3"},
+      {"SMITH", -1, ""}, {"smith", 1, "3"},  // only -1 is true
+      {"", -1, "5"},                         // passes over the null before it
+      {"Smit", 0, ""},
   };
   for (const auto& c : cases) {
-    mdb.MoveLast();
-    EXPECT_EQ(mdb.FindRecord("Name", c.value, c.caseSensitive), c.found.has_value()) << c.value;
-    EXPECT_EQ(mdb.Eof(), !c.found) << c.value;
-    EXPECT_EQ(mdb.ReadRecord_String("Name"), c.found.value_or("")) << c.value;
+    first_.MoveLast();
+    EXPECT_EQ(first_.FindRecord("Name", c.value, c.caseSensitive), *c.found != '\0') << c.value;
+    EXPECT_EQ(first_.Eof(), *c.found == '\0') << c.value;
+    EXPECT_EQ(first_.ReadRecord_String("N"), c.found) << c.value;
   }
-  EXPECT_FALSE(mdb.FindRecord("Unknown", "", 0));
-  EXPECT_TRUE(mdb.Eof());
-  ASSERT_TRUE(mdb.OpenTable("Empty"));
-  EXPECT_FALSE(mdb.FindRecord("Name", "Smith", 0));
+  EXPECT_FALSE(first_.FindRecord("Unknown", "", 0));
+  EXPECT_TRUE(first_.Eof());
 }
 
-TEST(VeltranoMdb, StoresEveryKindAndTakesItsTextAgain) {
-  using access::ColumnType;
-  const tests::TemporaryFolder folder;
-  const std::filesystem::path file = folder / "kinds.mdb";
-  std::string reason;
-  ASSERT_TRUE(access::createDatabase(file, {}, reason) &&
-              access::createTable(
-                  file,
-                  {.name = "Kinds",
-                   .columns = {{.name = "Numeric", .type = ColumnType::numeric, .precision = 18, .scale = 4},
-                               {.name = "Cash", .type = ColumnType::currency},
-                               {.name = "Single", .type = ColumnType::single},
-                               {.name = "Double", .type = ColumnType::real},
-                               {.name = "Moment", .type = ColumnType::dateTime},
-                               {.name = "Words", .type = ColumnType::text},
-                               {.name = "Long words", .type = ColumnType::memo}}},
-                  reason))
-      << reason;
-  const auto name = file.u8string();
-  VeltranoMDB mdb;
-  ASSERT_TRUE(mdb.OpenDB({name.begin(), name.end()}) && mdb.OpenTable("Kinds"));
+TEST_F(VeltranoMdb, StoresEveryKindAndTakesItsTextAgain) {
+  ASSERT_TRUE(first_.OpenTable("Kinds"));
   const std::string surrogates = "\xED\xA0\xBDx\xED\xB8\x80";
   const struct {
     const char* field;
@@ -213,18 +147,58 @@ TEST(VeltranoMdb, StoresEveryKindAndTakesItsTextAgain) {
       {"Long words", surrogates, surrogates},
   };
   for (const auto& [field, value, text] : cases) {
-    mdb.AddNew();
-    mdb.WriteRecord(field, value);
-    mdb.Update();
-    mdb.MoveLast();
-    EXPECT_EQ(mdb.ReadRecord_String(field), text);
-    EXPECT_TRUE(mdb.FindRecord(field, text, 0)) << field;
-    mdb.AddNew();
-    mdb.WriteRecord(field, text);
-    mdb.Update();
-    mdb.MoveLast();
-    EXPECT_EQ(mdb.ReadRecord_String(field), text) << "written again as it was read";
+    first_.AddNew();
+    first_.WriteRecord(field, value);
+    first_.Update();
+    first_.MoveLast();
+    EXPECT_EQ(first_.ReadRecord_String(field), text);
+    EXPECT_TRUE(first_.FindRecord(field, text, 0)) << field;
+    first_.AddNew();
+    first_.WriteRecord(field, text);
+    first_.Update();
+    first_.MoveLast();
+    EXPECT_EQ(first_.ReadRecord_String(field), text) << "written again as it was read";
   }
+}
+
+TEST_F(VeltranoMdb, TwoObjectsSeeEachOthersChanges) {
+  fillAndShare();
+  first_.Delete();
+  EXPECT_EQ(second_.ReadRecord_String("N"), "") << "deleted by the other";
+  second_.MoveLast();
+  add(first_, 7);
+  second_.MoveNext();
+  EXPECT_EQ(second_.ReadRecord_String("N"), "7");
+  ASSERT_TRUE(second_.OpenTable("Kinds"));
+  EXPECT_TRUE(second_.Eof());
+}
+
+TEST_F(VeltranoMdb, ClosingOneLeavesTheOther) {
+  fillAndShare();
+  first_.CloseDatabase();
+  first_.MoveFirst();
+  EXPECT_EQ(first_.ReadRecord_String("N"), "");
+  EXPECT_EQ(second_.ReadRecord_String("N"), "1");
+  EXPECT_FALSE(first_.OpenDB(name()));
+  EXPECT_FALSE(first_.OpenDB(name(), "", "wrong"));
+  EXPECT_TRUE(first_.OpenDB(name(), "", "secret"));
+}
+
+TEST_F(VeltranoMdb, AnotherUserIsToldNo) {
+  fillAndShare();
+  const auto opensElsewhere = [this] {
+    bool opened = false;
+    std::thread([&] {
+      VeltranoMDB other;
+      opened = other.OpenDB(name(), "", "secret");
+    }).join();
+    return opened;
+  };
+  EXPECT_FALSE(opensElsewhere());
+  first_.CloseDatabase();
+  EXPECT_FALSE(opensElsewhere());
+  second_.CloseDatabase();
+  EXPECT_TRUE(opensElsewhere());
 }
 
 }  // namespace

@@ -113,9 +113,9 @@ class PosixFiles final : public FileSystem {
 
   bool remove(const std::filesystem::path& file) override { return ::unlink(file.c_str()) == 0; }
 
-  // The other program keeps its lock file open. The system grants a write lease on a file that nobody else has open;
-  // a lock file that gets one is left over. Where there are no leases (most network file systems, files of another
-  // owner) nobody can tell, and the entry counts.
+  // The other program keeps its lock file open. The system grants a write lease on a file that nobody else
+  // has open; a lock file that gets one is left over. Where there are no leases (most network file systems,
+  // files of another owner) nobody can tell, and the entry counts.
   bool lockFileInUse(const std::filesystem::path& lockFile) override {
     const int descriptor = ::open(lockFile.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
     if (descriptor < 0) {
@@ -123,7 +123,8 @@ class PosixFiles final : public FileSystem {
     }
     struct stat status = {};
     const bool hasEntry = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0;
-    // Whoever opens the file right now makes the system send a signal: one that is ignored unless the host asks for it.
+    // Whoever opens the file right now makes the system send a signal: one that is ignored unless the host
+    // asks for it.
     const bool abandoned = hasEntry && ::fcntl(descriptor, F_SETSIG, SIGURG) == 0 &&
                            ::fcntl(descriptor, F_SETLEASE, F_WRLCK) == 0;
     if (abandoned) {
