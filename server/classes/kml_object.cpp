@@ -16,11 +16,11 @@ constexpr const char* defaultShape = "rectangle";
 
 }  // namespace
 
-STDMETHODIMP KmlObject::CreateKML(BSTR* filename, VARIANT* Description, BSTR* ExtendedData,
+STDMETHODIMP KmlObject::CreateKML(BSTR* filename, VARIANT* /*Description*/, BSTR* ExtendedData,
                                   VARIANT_BOOL* IncludeGeneratedBy) {
   return run("CreateKML", [&] {
-    kml_.CreateKML(path(filename), value(Description, TextForm::ansi), ansi(ExtendedData),
-                   number(IncludeGeneratedBy));
+    // The description is not used: an object given for it is not asked for its value.
+    kml_.CreateKML(path(filename), Value(), ansi(ExtendedData), number(IncludeGeneratedBy));
   });
 }
 
