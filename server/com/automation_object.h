@@ -13,9 +13,9 @@
 #include <exception>
 #include <new>
 
+#include "base/os/floating_point_windows.h"
 #include "base/trace.h"
 #include "server/classes/class_table.h"
-#include "server/com/call_scope.h"
 #include "server/com/dispatch.h"
 #include "server/com/module.h"
 
@@ -39,6 +39,18 @@ class DispatchCore {
  private:
   const ClassEntry& entry_;
   KindKeeper kinds_;
+};
+
+/// Keeps an object alive for the time of a call: a host may release its last reference in an event.
+class KeepAlive {
+ public:
+  explicit KeepAlive(IUnknown& object) : object_(object) { object_.AddRef(); }
+  KeepAlive(const KeepAlive&) = delete;
+  KeepAlive& operator=(const KeepAlive&) = delete;
+  ~KeepAlive() { object_.Release(); }
+
+ private:
+  IUnknown& object_;
 };
 
 /// A new object of the class, or null when memory is short.
@@ -142,7 +154,7 @@ class AutomationObject : public Interface, public IProvideClassInfo2, public ISu
   template <class Body>
   HRESULT run(const char* member, Body&& body) {
     const KeepAlive alive(*static_cast<Interface*>(this));
-    const FloatingPointScope numbers;
+    const LibraryArithmetic arithmetic;
     try {
       body();
     } catch (const std::exception& failure) {

@@ -5,6 +5,7 @@
 #include <exception>
 #include <new>
 
+#include "base/os/floating_point_windows.h"
 #include "server/com/conversions.h"
 
 namespace veltrano::server {
@@ -110,6 +111,7 @@ EventSource::EventSource(IUnknown& owner, REFIID eventInterface)
     : owner_(owner), eventInterface_(eventInterface) {}
 
 void EventSource::fireError(std::string_view ansiMessage) {
+  const HostArithmetic host;
   // A copy: a sink may connect or disconnect sinks while it is called.
   std::vector<ComPointer<IDispatch>> targets;
   targets.reserve(sinks_.size());

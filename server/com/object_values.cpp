@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "base/os/floating_point_windows.h"
+
 namespace veltrano::server {
 
 namespace {
@@ -58,6 +60,7 @@ bool objectValue(IUnknown* object, VARIANT* result) {
   if (object == nullptr) {
     return false;
   }
+  const HostArithmetic host;
   ComPointer<IDispatch> dispatch;
   if (FAILED(object->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.out())))) {
     return false;
