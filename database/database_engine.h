@@ -125,9 +125,8 @@ inline constexpr std::string_view passwordConnectPrefix = "MS Access;PWD=";
 /// otherwise the embedded one. Callable from any thread.
 DatabaseEngine& sharedDatabaseEngine();
 
-/// Gives back what the shared engine holds of other libraries. To be called when this library is about to be
-/// unloaded on request and no object of it is left (never while the system's loader is unloading it); the
-/// next use makes it anew. At the end of a process it is not needed.
+/// Gives back what the shared engine holds of other libraries, for tests that count it: it lives as long as the process
+/// otherwise. Nothing may be using it; the next use makes it anew.
 void releaseSharedDatabaseEngine();
 
 }  // namespace veltrano

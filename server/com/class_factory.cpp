@@ -47,6 +47,7 @@ class ClassFactory final : public IClassFactory {
     if (outer != nullptr) {
       return CLASS_E_NOAGGREGATION;
     }
+    pinModule();
     IDispatch* created = entry_.create(entry_);
     if (created == nullptr) {
       return E_OUTOFMEMORY;
