@@ -14,7 +14,7 @@ constexpr FloatingPointSettings librarySettings = {0x1F80, 0x037F};
 /// A thread's innermost member whose host has settings of its own. The system's slot, because the compiler's thread_local allocates in every thread.
 class InnermostMember {
  public:
-  InnermostMember() = default;
+  InnermostMember() noexcept : slot_(TlsAlloc()) {}
   InnermostMember(const InnermostMember&) = delete;
   InnermostMember& operator=(const InnermostMember&) = delete;
   ~InnermostMember() { TlsFree(slot_); }
@@ -23,7 +23,7 @@ class InnermostMember {
   void set(LibraryArithmetic* member) const { TlsSetValue(slot_, member); }
 
  private:
-  DWORD slot_ = TlsAlloc();
+  DWORD slot_;
 };
 
 const InnermostMember innermost;
