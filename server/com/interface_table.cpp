@@ -88,7 +88,7 @@ WORD invocations(const Member& member) {
   }
 }
 
-bool keepsKind(const ClassEntry& entry, DISPID member, std::size_t parameter) {
+bool keepsKind(const ClassEntry& entry, std::wstring_view member, std::wstring_view parameter) {
   return std::any_of(entry.keptKinds.begin(), entry.keptKinds.end(), [&](const KeptKind& kept) {
     return kept.member == member && kept.parameter == parameter;
   });
@@ -189,7 +189,7 @@ bool InterfaceTable::addMember(ITypeInfo& type, const FUNCDESC& function, const 
     // A put's only parameter has no name in the library.
     parameter.name = i + 1 < names.size() ? names[i + 1] : std::wstring();
     parameter.type = referred;
-    parameter.keptKind = keepsKind(entry, member.id, i);
+    parameter.keptKind = keepsKind(entry, names[0], parameter.name);
     parameter.omitted = findDefault(*entry.dispatchInterface, names[0], parameter.name);
     member.required += parameter.omitted == nullptr ? 1U : 0U;
     member.parameters.push_back(std::move(parameter));
