@@ -9,9 +9,8 @@ namespace veltrano {
 /// otherwise the embedded one. Callable from any thread.
 DatabaseEngine& sharedDatabaseEngine();
 
-/// Gives back what the shared engine holds of other libraries; the next use makes it anew. Only while no
-/// object uses it, and never while the system's loader is unloading this library. At the end of a process it
-/// is not needed.
+/// Gives back what the shared engine holds of other libraries, for tests that count it; otherwise it lives as
+/// long as the process. Nothing may be using it; the next use makes it anew.
 void releaseSharedDatabaseEngine();
 
 }  // namespace veltrano

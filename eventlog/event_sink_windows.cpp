@@ -28,6 +28,9 @@ class GlobalBlock {
 
 class WindowsEventSink final : public EventSink {
  public:
+  WindowsEventSink() = default;
+  WindowsEventSink(const WindowsEventSink&) = delete;
+  WindowsEventSink& operator=(const WindowsEventSink&) = delete;
   ~WindowsEventSink() override { close(); }
 
   void open(const std::string& source) override {

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Checks formatting (clang-format), layers and faults (clang-tidy) of the project's sources.
 
-    scripts/lint.py BUILD_FOLDER
+    scripts/lint.py BUILD_FOLDER [WINDOWS_BUILD_FOLDER]
 
 BUILD_FOLDER is a configured and built native preset: its compile commands say how each file is compiled, its
-dependencies which headers it sees. A file that was clean is not checked again until it, one of these headers or
-the checks themselves change.
+dependencies which headers it sees. WINDOWS_BUILD_FOLDER is one for Windows, for the sources that are compiled only
+there. A file that was clean is not checked again until it, one of these headers or the checks themselves change.
 """
 
 import concurrent.futures
@@ -19,7 +19,8 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 # Tests and benchmarks are formatted but not searched for faults: their macros drown the findings.
-TIDIED = ("base", "pdf", "kml", "settings", "imaging", "database", "eventlog")
+PORTABLE = ("base", "pdf", "kml", "settings", "imaging", "database", "eventlog")
+TIDIED = (*PORTABLE, "server")
 
 
 def tracked(*patterns):
@@ -31,7 +32,7 @@ def tracked(*patterns):
 def against_the_layers():
     """base/ includes no feature, a feature no other one, and only the server's and the systems' files name Windows."""
     wrong = False
-    for source in tracked(*[f"{folder}/*.{ending}" for folder in TIDIED for ending in ("cpp", "h")]):
+    for source in tracked(*[f"{folder}/*.{ending}" for folder in PORTABLE for ending in ("cpp", "h")]):
         name = source.relative_to(ROOT)
         allowed = {"base", "veltrano", name.parts[0]}
         of_a_system = "_windows" in source.stem or "_posix" in source.stem
@@ -74,12 +75,39 @@ def fingerprint(source, headers):
     return digest.hexdigest()
 
 
-def tidy(build, source):
-    result = subprocess.run(["clang-tidy", "--quiet", "--extra-arg=-Wno-unknown-warning-option", "-p", build, source], capture_output=True, text=True)
+def include_folders(compiler):
+    """Those of the compiler's library and system, without the headers that belong to the compiler itself."""
+    output = subprocess.run([compiler, "-E", "-v", "-x", "c++", os.devnull], capture_output=True, text=True).stderr
+    listed = output.split("#include <...> search starts here:")[1].split("End of search list.")[0].split()
+    return [folder for folder in map(os.path.realpath, listed) if os.path.basename(folder) != "include-fixed" and
+            not os.path.exists(folder + "/mmintrin.h")]
+
+
+def windows_arguments(build):
+    """What clang needs in place of the cross compiler whose commands the build folder holds; empty for a native one."""
+    compiler = re.search(r"/[^\s\"]*/(\w+)-w64-mingw32-g\+\+[^\s\"]*", (build / "compile_commands.json").read_text())
+    if not compiler:
+        return []
+    # Windows' handles are numbers that are cast to pointers.
+    return ["--checks=-performance-no-int-to-ptr", f"--extra-arg-before=--target={compiler[1]}-w64-windows-gnu", "--extra-arg=-nostdinc++",
+            *[f"--extra-arg=-isystem{folder}" for folder in include_folders(compiler[0])]]
+
+
+def tidy(build, arguments, source):
+    result = subprocess.run(["clang-tidy", "--quiet", "--extra-arg=-Wno-unknown-warning-option", *arguments, "-p", build,
+                             source], capture_output=True, text=True)
     return result.returncode == 0, result.stdout
 
 
+def is_tidied(source, for_windows):
+    if not source.is_relative_to(ROOT):
+        return False
+    only_windows = "_windows" in source.stem or source.relative_to(ROOT).parts[0] == "server"
+    return source.relative_to(ROOT).parts[0] in TIDIED and only_windows == for_windows
+
+
 def faulty(build):
+    arguments = windows_arguments(build)
     cache_file = build / "lint-clean.json"
     clean = set(json.loads(cache_file.read_text())) if cache_file.exists() else set()
     known = dependencies(build)
@@ -87,13 +115,13 @@ def faulty(build):
     still_clean = set()
     for entry in json.loads((build / "compile_commands.json").read_text()):
         source = pathlib.Path(entry["file"])
-        if source.relative_to(ROOT).parts[0] not in TIDIED if source.is_relative_to(ROOT) else True:
+        if not is_tidied(source, for_windows=bool(arguments)):
             continue
         mark = fingerprint(source, known.get(entry.get("output", ""), []))
         (still_clean.add(mark) if mark in clean else todo.append((source, mark)))
     failed = False
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for (source, mark), (good, text) in zip(todo, pool.map(lambda item: tidy(build, item[0]), todo)):
+        for (source, mark), (good, text) in zip(todo, pool.map(lambda item: tidy(build, arguments, item[0]), todo)):
             if good:
                 still_clean.add(mark)
             else:
@@ -104,8 +132,8 @@ def faulty(build):
 
 
 def main():
-    build = pathlib.Path(sys.argv[1]).resolve()
-    failures = [badly_formatted(), against_the_layers(), faulty(build)]
+    builds = [pathlib.Path(argument).resolve() for argument in sys.argv[1:]]
+    failures = [badly_formatted(), against_the_layers(), *[faulty(build) for build in builds]]
     sys.exit(1 if any(failures) else 0)
 
 

@@ -4,7 +4,6 @@
 #include <exception>
 #include <string_view>
 
-#include "database/shared_engine.h"
 #include "server/com/class_factory.h"
 #include "server/com/module.h"
 #include "server/com/registration.h"
@@ -55,13 +54,7 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, LPVOID* object) {
 }
 
 STDAPI DllCanUnloadNow() {
-  if (server::moduleLocks() != 0) {
-    return S_FALSE;
-  }
-  // The engine may hold objects of another library, which must be let go while calls are still allowed: not
-  // while the system unloads this one. No database object is left that could use it.
-  veltrano::releaseSharedDatabaseEngine();
-  return S_OK;
+  return server::moduleLocks() == 0 ? S_OK : S_FALSE;
 }
 
 STDAPI DllRegisterServer() {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "base/os/files.h"
+#include "base/os/floating_point_windows.h"
 #include "base/os/host.h"
 #include "base/text/code_page.h"
 
@@ -75,6 +76,7 @@ std::string hostApplicationName() {
 }
 
 void yieldToHost() {
+  const HostArithmetic host;
   MSG message;
   while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
     if (message.message == WM_QUIT) {

@@ -4,16 +4,17 @@
 // The public classes: the one table behind the factory, the dispatcher and the registration.
 
 #include <span>
+#include <string_view>
 
 #include "server/com/automation.h"
 
 namespace veltrano::server {
 
-/// A parameter whose kind matters to its member, whatever its declared type: the dispatcher hands the host's
-/// own variant over beside the coerced arguments.
+/// A parameter whose kind matters to its member, whatever its declared type: the dispatcher hands over the host's own
+/// variant besides the coerced arguments.
 struct KeptKind {
-  DISPID member;
-  unsigned parameter;  ///< from 0
+  std::wstring_view member;
+  std::wstring_view parameter;  ///< empty for the value of a property
 };
 
 struct ClassEntry {
@@ -29,7 +30,7 @@ struct ClassEntry {
 
 std::span<const ClassEntry> classTable();
 
-/// Null when there is no such class.
+/// Null if there is no such class.
 const ClassEntry* findClass(REFCLSID clsid);
 
 }  // namespace veltrano::server

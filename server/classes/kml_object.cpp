@@ -18,8 +18,10 @@ constexpr const char* defaultShape = "rectangle";
 
 STDMETHODIMP KmlObject::CreateKML(BSTR* filename, VARIANT* /*Description*/, BSTR* ExtendedData,
                                   VARIANT_BOOL* IncludeGeneratedBy) {
-  return run("CreateKML",
-             [&] { kml_.CreateKML(path(filename), {}, ansi(ExtendedData), number(IncludeGeneratedBy)); });
+  return run("CreateKML", [&] {
+    // The description is not used: an object given for it is not asked for its value.
+    kml_.CreateKML(path(filename), {}, ansi(ExtendedData), number(IncludeGeneratedBy));
+  });
 }
 
 STDMETHODIMP KmlObject::ClearPath() {

@@ -24,7 +24,12 @@ Value::List list(SAFEARRAY* const* array) {
   return server::list(array, TextForm::ansi);
 }
 
-const KeptKind kept[] = {{4, 0}, {68, 4}, {69, 4}, {72, 5}, {79, 5}};
+constexpr const wchar_t* link = L"URLLink";
+const KeptKind kept[] = {{L"PDFSetZoomMode", L""},
+                         {L"PDFDrawRectangle", link},
+                         {L"PDFDrawEllipse", link},
+                         {L"PDFCell", link},
+                         {L"PDFImage", link}};
 
 }  // namespace
 
@@ -37,16 +42,16 @@ PdfObject::PdfObject(const ClassEntry& entry)
   pdf_.onError = [this](std::string_view message) { events_.fireError(message); };
 }
 
-void* PdfObject::otherInterface(REFIID iid) {
-  return iid == IID_IConnectionPointContainer ? events_.container() : nullptr;
+void* PdfObject::find(REFIID iid) {
+  return iid == IID_IConnectionPointContainer ? events_.container() : AutomationObject::find(iid);
 }
 
 Value PdfObject::takeLink(BSTR* text) {
-  const VARIANT* link = takeKeptKind();
-  if (link == nullptr) {
+  const VARIANT* kind = takeKeptKind();
+  if (kind == nullptr) {
     return ansi(text);
   }
-  Value given = keptValue(link);
+  Value given = keptValue(kind);
   // A variable that was never set stands for the empty text, as for every other text.
   return given.isEmpty() ? Value(std::string()) : given;
 }

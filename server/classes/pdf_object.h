@@ -3,14 +3,14 @@
 
 #include "pdf/veltrano_pdf.h"
 #include "server/com/automation_object.h"
-#include "server/com/connection_point.h"
+#include "server/com/event_source.h"
 
 namespace veltrano::server {
 
 /// VeltranoPDF as hosts see it: converts and forwards, and turns rejected arguments into the Error event.
 class PdfObject final : public AutomationObject<_VeltranoPDF> {
  public:
-  /// Zoom and links are judged by their kind before anything is coerced.
+  /// Zoom and links are checked by their kind, before anything is coerced.
   static std::span<const KeptKind> keptKinds();
 
   explicit PdfObject(const ClassEntry& entry);
@@ -97,7 +97,7 @@ class PdfObject final : public AutomationObject<_VeltranoPDF> {
   STDMETHODIMP PDFImage(BSTR* pFileName, double* X, double* y, double* w, double* h, BSTR* URLLink) override;
 
  protected:
-  void* otherInterface(REFIID iid) override;
+  void* find(REFIID iid) override;
 
  private:
   /// The kind-keeping link of this call, or the typed text of a caller of the vtable.

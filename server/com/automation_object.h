@@ -1,44 +1,26 @@
 #ifndef VELTRANO_SERVER_COM_AUTOMATION_OBJECT_H
 #define VELTRANO_SERVER_COM_AUTOMATION_OBJECT_H
 
-// The template behind every public object: identity, lifetime, late binding, type information. A class
-// derives from AutomationObject<its dual interface> and implements the interface's own members, each a line
-// or two that converts and forwards to the portable class:
-//
-//   STDMETHODIMP ClearPath() override {
-//     return run("ClearPath", [&] { kml_.ClearPath(); });
-//   }
-
-#include <atomic>
 #include <exception>
-#include <new>
 
+#include "base/os/floating_point_windows.h"
 #include "base/trace.h"
-#include "server/classes/class_table.h"
-#include "server/com/call_scope.h"
-#include "server/com/dispatch.h"
+#include "server/com/com_object.h"
+#include "server/com/dispatch_core.h"
 #include "server/com/module.h"
 
 namespace veltrano::server {
 
-/// The part of IDispatch and IProvideClassInfo2 that needs no template.
-class DispatchCore {
+/// Keeps an object alive for the time of a call: a host may release its last reference in an event.
+class KeepAlive {
  public:
-  explicit DispatchCore(const ClassEntry& entry) : entry_(entry) {}
-
-  [[nodiscard]] const ClassEntry& entry() const { return entry_; }
-  HRESULT getTypeInfo(UINT index, ITypeInfo** type);
-  HRESULT getClassInfo(ITypeInfo** type);
-  HRESULT getGuid(DWORD kind, GUID* guid) const;
-  HRESULT getIdsOfNames(REFIID iid, OLECHAR** names, UINT count, DISPID* ids) const;
-  HRESULT invoke(IDispatch& object, DISPID id, REFIID iid, LCID locale, WORD flags, DISPPARAMS* arguments,
-                 VARIANT* result, UINT* wrongArgument);
-  /// The host's own variant of the call's kind-keeping parameter.
-  const VARIANT* takeKeptKind() { return kinds_.take(); }
+  explicit KeepAlive(IUnknown& object) : object_(object) { object_.AddRef(); }
+  KeepAlive(const KeepAlive&) = delete;
+  KeepAlive& operator=(const KeepAlive&) = delete;
+  ~KeepAlive() { object_.Release(); }
 
  private:
-  const ClassEntry& entry_;
-  KindKeeper kinds_;
+  IUnknown& object_;
 };
 
 /// A new object of the class, or null when memory is short.
@@ -51,45 +33,19 @@ IDispatch* createObject(const ClassEntry& entry) {
   }
 }
 
+/// What every public object has in common: identity, lifetime, late binding, type information. A class derives from
+/// AutomationObject<its dual interface> and implements the interface's own members, each a line or two that converts
+/// and forwards to the portable class:
+///
+///   STDMETHODIMP ClearPath() override {
+///     return run("ClearPath", [&] { kml_.ClearPath(); });
+///   }
 template <class Interface>
-class AutomationObject : public Interface, public IProvideClassInfo2, public ISupportErrorInfo {
+class AutomationObject : public ComObject<Interface, IProvideClassInfo2, ISupportErrorInfo> {
  public:
   explicit AutomationObject(const ClassEntry& entry) : core_(entry) { lockModule(); }
   AutomationObject(const AutomationObject&) = delete;
   AutomationObject& operator=(const AutomationObject&) = delete;
-  AutomationObject(AutomationObject&&) = delete;
-  AutomationObject& operator=(AutomationObject&&) = delete;
-  virtual ~AutomationObject() { unlockModule(); }
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) {
-      return E_POINTER;
-    }
-    if (iid == IID_IUnknown || iid == IID_IDispatch || iid == *core_.entry().dispatchInterface) {
-      *object = static_cast<Interface*>(this);
-    } else if (iid == IID_IProvideClassInfo || iid == IID_IProvideClassInfo2) {
-      *object = static_cast<IProvideClassInfo2*>(this);
-    } else if (iid == IID_ISupportErrorInfo) {
-      *object = static_cast<ISupportErrorInfo*>(this);
-    } else {
-      *object = otherInterface(iid);
-    }
-    if (*object == nullptr) {
-      return E_NOINTERFACE;
-    }
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      // The object is being torn down: a sink that looks at it once more must not do so twice.
-      references_ = 1;
-      delete this;
-    }
-    return left;
-  }
 
   STDMETHODIMP GetTypeInfoCount(UINT* count) override {
     if (count == nullptr) {
@@ -117,13 +73,22 @@ class AutomationObject : public Interface, public IProvideClassInfo2, public ISu
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID) override { return S_FALSE; }
 
  protected:
-  /// An interface beyond those that every object has; null when there is none. Adds no reference.
-  virtual void* otherInterface(REFIID) { return nullptr; }
+  ~AutomationObject() override { unlockModule(); }
+
+  /// A class with further interfaces overrides it and falls back on it.
+  void* find(REFIID iid) override {
+    if (iid == IID_IUnknown || iid == IID_IDispatch || iid == *core_.entry().dispatchInterface) {
+      return static_cast<Interface*>(this);
+    }
+    if (iid == IID_IProvideClassInfo || iid == IID_IProvideClassInfo2) {
+      return static_cast<IProvideClassInfo2*>(this);
+    }
+    return iid == IID_ISupportErrorInfo ? static_cast<ISupportErrorInfo*>(this) : nullptr;
+  }
 
   const VARIANT* takeKeptKind() { return core_.takeKeptKind(); }
 
-  /// For a member with a result: it is an empty one when the body does not come to answer, since hosts free
-  /// what they find there.
+  /// For a member with a result. If the body throws, the result is cleared: hosts free what they find there.
   template <class Result, class Body>
   HRESULT run(const char* member, Result* result, Body&& body) {
     return run(member, [&] {
@@ -138,11 +103,11 @@ class AutomationObject : public Interface, public IProvideClassInfo2, public ISu
     });
   }
 
-  /// Runs a member's body. Hosts never see a failure: exhausted memory ends the member with what it has done.
+  /// Runs a member's body. Hosts never see a failure: a member that runs out of memory ends with what it has done.
   template <class Body>
   HRESULT run(const char* member, Body&& body) {
     const KeepAlive alive(*static_cast<Interface*>(this));
-    const FloatingPointScope numbers;
+    const LibraryArithmetic arithmetic;
     try {
       body();
     } catch (const std::exception& failure) {
@@ -153,7 +118,6 @@ class AutomationObject : public Interface, public IProvideClassInfo2, public ISu
 
  private:
   DispatchCore core_;
-  std::atomic<ULONG> references_{1};
 };
 
 }  // namespace veltrano::server

@@ -1,43 +1,19 @@
 #include "server/com/class_factory.h"
 
-#include <atomic>
 #include <new>
 
+#include "server/com/com_object.h"
 #include "server/com/module.h"
 
 namespace veltrano::server {
 
 namespace {
 
-class ClassFactory final : public IClassFactory {
+class ClassFactory final : public ComObject<IClassFactory> {
  public:
   explicit ClassFactory(const ClassEntry& entry) : entry_(entry) { lockModule(); }
   ClassFactory(const ClassFactory&) = delete;
   ClassFactory& operator=(const ClassFactory&) = delete;
-  ClassFactory(ClassFactory&&) = delete;
-  ClassFactory& operator=(ClassFactory&&) = delete;
-  virtual ~ClassFactory() { unlockModule(); }
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) {
-      return E_POINTER;
-    }
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != IID_IClassFactory) {
-      return E_NOINTERFACE;
-    }
-    *object = static_cast<IClassFactory*>(this);
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      delete this;
-    }
-    return left;
-  }
 
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID iid, void** object) override {
     if (object == nullptr) {
@@ -47,6 +23,7 @@ class ClassFactory final : public IClassFactory {
     if (outer != nullptr) {
       return CLASS_E_NOAGGREGATION;
     }
+    pinModule();
     IDispatch* created = entry_.create(entry_);
     if (created == nullptr) {
       return E_OUTOFMEMORY;
@@ -64,9 +41,15 @@ class ClassFactory final : public IClassFactory {
     return S_OK;
   }
 
+ protected:
+  void* find(REFIID iid) override {
+    return iid == IID_IUnknown || iid == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
+  }
+
  private:
+  ~ClassFactory() override { unlockModule(); }
+
   const ClassEntry& entry_;
-  std::atomic<ULONG> references_{1};
 };
 
 }  // namespace

@@ -18,6 +18,12 @@ bool isOmitted(const VARIANT& given) {
   return given.vt == VT_ERROR && given.scode == DISP_E_PARAMNOTFOUND;
 }
 
+/// Null or a null text, itself or by reference.
+bool isEmptyText(const VARIANT& given) {
+  return given.vt == VT_NULL || (given.vt == VT_BSTR && given.bstrVal == nullptr) ||
+         (given.vt == (VT_BYREF | VT_BSTR) && given.pbstrVal != nullptr && *given.pbstrVal == nullptr);
+}
+
 bool isObject(VARTYPE type) {
   return type == VT_DISPATCH || type == VT_UNKNOWN;
 }
@@ -32,6 +38,38 @@ VARIANT* variableOf(VARIANT& given) {
   return variable;
 }
 
+/// Bytes of a value in a variant's union; 0 for a type that is not kept there.
+std::size_t sizeOf(VARTYPE type) {
+  switch (type) {
+    case VT_I1:
+    case VT_UI1:
+      return 1;
+    case VT_I2:
+    case VT_UI2:
+    case VT_BOOL:
+      return 2;
+    case VT_I4:
+    case VT_UI4:
+    case VT_INT:
+    case VT_UINT:
+    case VT_R4:
+    case VT_ERROR:
+      return 4;
+    case VT_I8:
+    case VT_UI8:
+    case VT_R8:
+    case VT_CY:
+    case VT_DATE:
+      return 8;
+    case VT_BSTR:
+    case VT_DISPATCH:
+    case VT_UNKNOWN:
+      return sizeof(void*);
+    default:
+      return (type & VT_ARRAY) != 0 ? sizeof(void*) : 0;
+  }
+}
+
 /// The value that a variant by reference refers to, still owned by it. False for a null reference.
 bool dereference(const VARIANT& reference, VARIANT& value) {
   if (reference.byref == nullptr) {
@@ -44,40 +82,9 @@ bool dereference(const VARIANT& reference, VARIANT& value) {
     value.vt = VT_DECIMAL;
     return true;
   }
-  std::size_t size = sizeof(void*);
-  switch (type) {
-    case VT_I1:
-    case VT_UI1:
-      size = 1;
-      break;
-    case VT_I2:
-    case VT_UI2:
-    case VT_BOOL:
-      size = 2;
-      break;
-    case VT_I4:
-    case VT_UI4:
-    case VT_INT:
-    case VT_UINT:
-    case VT_R4:
-    case VT_ERROR:
-      size = 4;
-      break;
-    case VT_I8:
-    case VT_UI8:
-    case VT_R8:
-    case VT_CY:
-    case VT_DATE:
-      size = 8;
-      break;
-    case VT_BSTR:
-    case VT_DISPATCH:
-    case VT_UNKNOWN:
-      break;
-    default:
-      if ((type & VT_ARRAY) == 0) {
-        return false;
-      }
+  const std::size_t size = sizeOf(type);
+  if (size == 0) {
+    return false;
   }
   value.vt = type;
   std::memcpy(&value.llVal, reference.byref, size);
@@ -177,6 +184,12 @@ HRESULT Argument::take(VARIANT& given, const Parameter& parameter, LCID locale) 
   }
   if (type == VT_VARIANT) {
     pointer_ = source;
+    return S_OK;
+  }
+  if (type == VT_BSTR && parameter.omitted != nullptr && isEmptyText(*source)) {
+    // Given, so it must not look like one left out: that is a null text where early-bound hosts leave one out.
+    own(VT_BSTR);
+    storage_.bstrVal = SysAllocStringLen(L"", 0);
     return S_OK;
   }
   if (source->vt == type && type != VT_DISPATCH) {
@@ -287,23 +300,20 @@ HRESULT Argument::coerceObject(IUnknown* object, VARTYPE type, LCID locale) {
 }
 
 HRESULT Argument::coerceFlag(const VARIANT& source, LCID locale) {
-  // A whole number keeps its value where it fits: 1 is a flag that is not "true", which some members tell
-  // apart.
+  // -1 alone is true, as a number or as its text; the system would take any number but 0.
   VARIANT number;
   VariantInit(&number);
-  const bool isNumber = source.vt != VT_BSTR && source.vt != VT_BOOL && source.vt != VT_DATE;
-  if (isNumber && SUCCEEDED(changeType(number, source, locale, VT_R8)) && std::abs(number.dblVal) <= 32767 &&
-      number.dblVal == std::floor(number.dblVal)) {
-    own(VT_BOOL);
-    storage_.boolVal = static_cast<VARIANT_BOOL>(number.dblVal);
-    return S_OK;
+  if (FAILED(changeType(number, source, locale, VT_R8))) {
+    return changeType(storage_, source, locale, VT_BOOL);
   }
-  return changeType(storage_, source, locale, VT_BOOL);
+  own(VT_BOOL);
+  storage_.boolVal = number.dblVal == VARIANT_TRUE ? VARIANT_TRUE : VARIANT_FALSE;
+  return S_OK;
 }
 
 HRESULT Argument::coercePicture(const VARIANT& source) {
   own(VT_DISPATCH);
-  if (source.vt == VT_EMPTY) {
+  if (source.vt == VT_EMPTY || source.vt == VT_NULL) {
     return S_OK;
   }
   if (!isObject(source.vt)) {
@@ -359,31 +369,13 @@ void Argument::writeBack(LCID locale) {
   if (FAILED(VariantChangeTypeEx(converted.get(), &storage_, locale, VARIANT_ALPHABOOL, type))) {
     return;
   }
-  switch (type) {
-    case VT_I2:
-      *variable_->piVal = converted->iVal;
-      break;
-    case VT_I4:
-    case VT_INT:
-    case VT_UI4:
-    case VT_UINT:
-      *variable_->plVal = converted->lVal;
-      break;
-    case VT_R4:
-      *variable_->pfltVal = converted->fltVal;
-      break;
-    case VT_R8:
-    case VT_DATE:
-    case VT_CY:
-    case VT_I8:
-    case VT_UI8:
-      *variable_->pllVal = converted->llVal;
-      break;
-    case VT_BSTR:
-      std::swap(*variable_->pbstrVal, converted->bstrVal);
-      break;
-    default:
-      break;
+  if (type == VT_BSTR) {
+    std::swap(*variable_->pbstrVal, converted->bstrVal);
+  } else if (type == VT_DECIMAL) {
+    *variable_->pdecVal = converted->decVal;
+    variable_->pdecVal->wReserved = 0;  // in a variant, the type
+  } else if (converted->vt == type) {
+    std::memcpy(variable_->byref, &converted->llVal, sizeOf(type));
   }
 }
 

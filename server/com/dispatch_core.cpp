@@ -1,4 +1,8 @@
-#include "server/com/automation_object.h"
+#include "server/com/dispatch_core.h"
+
+#include <exception>
+
+#include "server/com/module.h"
 
 namespace veltrano::server {
 

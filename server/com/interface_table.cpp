@@ -74,7 +74,21 @@ const Default* findDefault(const IID& iid, std::wstring_view member, std::wstrin
   return nullptr;
 }
 
-bool keepsKind(const ClassEntry& entry, DISPID member, std::size_t parameter) {
+/// The flags of Invoke that mean the member. Hosts call properties as methods to read them, set them to objects, and
+/// read functions without parameters like properties.
+WORD invocations(const Member& member) {
+  switch (member.kind) {
+    case INVOKE_PROPERTYPUT:
+      return DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
+    case INVOKE_PROPERTYGET:
+      return DISPATCH_PROPERTYGET | DISPATCH_METHOD;
+    default:
+      return member.parameters.empty() && member.result != VT_EMPTY ? DISPATCH_METHOD | DISPATCH_PROPERTYGET
+                                                                    : DISPATCH_METHOD;
+  }
+}
+
+bool keepsKind(const ClassEntry& entry, std::wstring_view member, std::wstring_view parameter) {
   return std::any_of(entry.keptKinds.begin(), entry.keptKinds.end(), [&](const KeptKind& kept) {
     return kept.member == member && kept.parameter == parameter;
   });
@@ -175,7 +189,7 @@ bool InterfaceTable::addMember(ITypeInfo& type, const FUNCDESC& function, const 
     // A put's only parameter has no name in the library.
     parameter.name = i + 1 < names.size() ? names[i + 1] : std::wstring();
     parameter.type = referred;
-    parameter.keptKind = keepsKind(entry, member.id, i);
+    parameter.keptKind = keepsKind(entry, names[0], parameter.name);
     parameter.omitted = findDefault(*entry.dispatchInterface, names[0], parameter.name);
     member.required += parameter.omitted == nullptr ? 1U : 0U;
     member.parameters.push_back(std::move(parameter));
@@ -194,17 +208,10 @@ const Member* InterfaceTable::find(DISPID id, WORD flags) const {
   if (id < 1 || static_cast<std::size_t>(id) > first_.size()) {
     return nullptr;
   }
-  const WORD puts = DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF;
   for (std::size_t i = first_[static_cast<std::size_t>(id) - 1]; i < members_.size() && members_[i].id == id;
        ++i) {
-    const Member& member = members_[i];
-    // A host that calls a property as a method means to read it; one that sets it to an object, to set it.
-    const bool means = member.kind == INVOKE_PROPERTYPUT ? (flags & puts) != 0
-                       : member.kind == INVOKE_PROPERTYGET
-                           ? (flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD)) != 0
-                           : (flags & DISPATCH_METHOD) != 0;
-    if (means) {
-      return &member;
+    if ((flags & invocations(members_[i])) != 0) {
+      return &members_[i];
     }
   }
   return nullptr;

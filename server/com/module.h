@@ -14,6 +14,12 @@ void lockModule();
 void unlockModule();
 [[nodiscard]] long moduleLocks();
 
+/// Keeps the DLL in the process for good. To be called before its first object is made: the compiler's runtime keeps
+/// records of every thread that an object was used in, and the database engine serves all threads; neither can be taken
+/// down while threads of the host may be on their way in. A DLL that was only loaded, asked for its type library or
+/// registered goes when the host lets it go.
+void pinModule();
+
 /// Full path of the DLL (of the program, where the server is linked into one), of any length.
 std::wstring modulePath();
 

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+#include "base/os/floating_point_windows.h"
+
 namespace veltrano::server {
 
 namespace {
@@ -96,6 +98,7 @@ bool objectValue(IUnknown* object, VARIANT* result, DateObjects dates) {
   if (object == nullptr) {
     return false;
   }
+  const HostArithmetic host;
   ComPointer<IDispatch> dispatch;
   if (FAILED(object->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(dispatch.out())))) {
     return false;

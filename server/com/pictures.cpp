@@ -2,12 +2,15 @@
 
 #include <memory>
 
+#include "base/os/floating_point_windows.h"
+
 namespace veltrano::server {
 
 namespace {
 
 /// A whole-number property of the picture's dispatch interface; 0 when it has none.
 LONG property(IPictureDisp& object, DISPID id) {
+  const HostArithmetic host;
   DISPPARAMS none = {};
   OwnedVariant result;
   if (FAILED(object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, result.get(),

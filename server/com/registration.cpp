@@ -19,8 +19,9 @@ constexpr REGSAM otherView = is64Bit ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
 constexpr const wchar_t* ownPlatform = is64Bit ? L"win64" : L"win32";
 
 constexpr const wchar_t* libraryVersion = L"1.0";
-/// The system's marshaller for interfaces that a type library describes.
+// The system's marshallers: of interfaces that a type library describes, and of plain dispatch interfaces.
 constexpr const wchar_t* typeLibraryMarshaller = L"{00020424-0000-0000-C000-000000000046}";
+constexpr const wchar_t* dispatchMarshaller = L"{00020420-0000-0000-C000-000000000046}";
 
 /// The two places where classes are registered: for all users and for this one.
 struct Root {
@@ -92,10 +93,11 @@ void addClass(std::vector<Entry>& entries, const ClassEntry& entry, const std::w
   entries.push_back({key + L"\\Programmable", nullptr, {}});
 }
 
-void addInterface(std::vector<Entry>& entries, REFIID iid, const std::wstring& name) {
+void addInterface(std::vector<Entry>& entries, REFIID iid, const std::wstring& name,
+                  const wchar_t* marshaller) {
   const std::wstring key = L"Interface\\" + guidText(iid);
   entries.push_back({key, nullptr, name});
-  entries.push_back({key + L"\\ProxyStubClsid32", nullptr, typeLibraryMarshaller});
+  entries.push_back({key + L"\\ProxyStubClsid32", nullptr, marshaller});
   entries.push_back({key + L"\\TypeLib", nullptr, guidText(LIBID_VeltranoFrameWorkDLL)});
   entries.push_back({key + L"\\TypeLib", L"Version", libraryVersion});
 }
@@ -110,9 +112,9 @@ std::vector<Entry> registryEntries() {
   std::vector<Entry> entries;
   for (const ClassEntry& entry : classTable()) {
     addClass(entries, entry, path);
-    addInterface(entries, *entry.dispatchInterface, std::wstring(L"_") + entry.name);
+    addInterface(entries, *entry.dispatchInterface, std::wstring(L"_") + entry.name, typeLibraryMarshaller);
     if (entry.eventInterface != nullptr) {
-      addInterface(entries, *entry.eventInterface, std::wstring(L"__") + entry.name);
+      addInterface(entries, *entry.eventInterface, std::wstring(L"__") + entry.name, dispatchMarshaller);
     }
   }
   entries.push_back({libraryKey(), nullptr, L"Veltrano FrameWork"});

@@ -101,6 +101,51 @@ TEST_F(Events, LetASinkCallTheObject) {
   EXPECT_GE(sink.messages.size(), 5U);
 }
 
+/// A window of the host, which looks at the arithmetic in its procedure.
+ArithmeticOfHost::Settings inProcedure;
+LRESULT CALLBACK lookAtArithmetic(HWND window, UINT message, WPARAM first, LPARAM second) {
+  if (message == WM_USER) {
+    inProcedure = ArithmeticOfHost::now();
+  }
+  return DefWindowProcW(window, message, first, second);
+}
+
+// Events, objects that are asked for their value, and messages: all of it is the host's code.
+TEST_F(Events, RunTheCodeOfTheHostWithItsOwnArithmetic) {
+  const ArithmeticOfHost arithmetic;
+  std::vector<ArithmeticOfHost::Settings> seen;
+  const auto look = [&] { seen.push_back(ArithmeticOfHost::now()); };
+  RecordingSink sink;
+  sink.inEvent = [&] {
+    look();
+    // A call from the event is one from the host.
+    callMethod(*pdf_.get(), L"PDFBeginDoc");
+    look();
+  };
+  const ComPointer<FakeObject> colour(new FakeObject(Argument(5)));
+  colour->inInvoke = look;
+  const Connection connection(*pdf_.get(), sink);
+  raise(*pdf_.get());
+  putProperty(*pdf_.get(), L"PDFSetTextColor", Argument(colour.get()));
+  look();
+  EXPECT_LE(4U, seen.size());
+  EXPECT_EQ(std::vector<ArithmeticOfHost::Settings>(seen.size(), ArithmeticOfHost::unusual), seen);
+
+  const Folder folder;
+  writeGreyJpeg(folder / L"i.jpg", 1, 1);
+  WNDCLASSW windowClass = {};
+  windowClass.lpfnWndProc = lookAtArithmetic;
+  windowClass.lpszClassName = L"veltrano test";
+  RegisterClassW(&windowClass);
+  const HWND window =
+      CreateWindowW(windowClass.lpszClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+  ASSERT_NE(nullptr, window);
+  PostMessageW(window, WM_USER, 0, 0);
+  callMethod(*pdf_.get(), L"PDFImage", {Argument((folder / L"i.jpg").c_str()), Argument(1), Argument(1)});
+  EXPECT_EQ(ArithmeticOfHost::unusual, inProcedure);
+  DestroyWindow(window);
+}
+
 TEST_F(Events, AreFoundByHostsThatEnumerate) {
   ComPointer<IConnectionPointContainer> container;
   ASSERT_EQ(S_OK,

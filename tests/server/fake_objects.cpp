@@ -1,5 +1,7 @@
 #include "fake_objects.h"
 
+#include <xmmintrin.h>
+
 #include <fstream>
 
 namespace veltrano::tests {
@@ -44,6 +46,9 @@ STDMETHODIMP FakeObject::GetIDsOfNames(REFIID, OLECHAR** names, UINT, LCID, DISP
 
 STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
                                 UINT*) {
+  if (inInvoke) {
+    inInvoke();
+  }
   if (id == DISPID_VALUE) {
     return VariantCopy(result, value_.get());
   }
@@ -86,6 +91,19 @@ void Connection::disconnect() {
     cookie_ = 0;
   }
   point_ = {};
+}
+
+ArithmeticOfHost::Settings ArithmeticOfHost::now() {
+  constexpr unsigned flags = 0x3F;  // what has happened, not what shall happen
+  Settings settings{_mm_getcsr() & ~flags, 0};
+  __asm__ __volatile__("fnstcw %0" : "=m"(settings.stack));
+  return settings;
+}
+
+void ArithmeticOfHost::set(const Settings& settings) {
+  _mm_setcsr(settings.vector);
+  __asm__ __volatile__("fnclex");
+  __asm__ __volatile__("fldcw %0" : : "m"(settings.stack));
 }
 
 void writeGreyJpeg(const std::filesystem::path& file, int width, int height) {

@@ -42,6 +42,9 @@ class FakeObject final : public DispatchFake {
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
                       UINT*) override;
 
+  /// Runs whenever the object is asked for a value.
+  std::function<void()> inInvoke;
+
  private:
   Argument value_;
   std::vector<Argument> elements_;
@@ -83,6 +86,32 @@ class Connection {
   ComPointer<IConnectionPoint> point_;
   DWORD cookie_ = 0;
   HRESULT status_ = E_FAIL;
+};
+
+/// What the processor does with floating-point numbers in this thread: the control words of both units. Changes
+/// them for the time of a scope.
+class ArithmeticOfHost {
+ public:
+  struct Settings {
+    unsigned vector = 0;
+    unsigned short stack = 0;
+    bool operator==(const Settings&) const = default;
+  };
+  /// A division by zero raises; the stack unit rounds to single precision.
+  static constexpr Settings unusual = {0x1D80, 0x007B};
+
+  ArithmeticOfHost() { set(unusual); }
+  ArithmeticOfHost(const ArithmeticOfHost&) = delete;
+  ArithmeticOfHost& operator=(const ArithmeticOfHost&) = delete;
+  ArithmeticOfHost(ArithmeticOfHost&&) = delete;
+  ArithmeticOfHost& operator=(ArithmeticOfHost&&) = delete;
+  ~ArithmeticOfHost() { set(before_); }
+
+  static Settings now();
+
+ private:
+  static void set(const Settings& settings);
+  Settings before_ = now();
 };
 
 /// The smallest file that the PDF writer takes for a grey JPEG of that size.

@@ -166,7 +166,20 @@ TEST(Registered, LeavesWhatTheOtherBitnessNeeds) {
   ASSERT_EQ(S_OK, dll.call("DllRegisterServer"));
 }
 
-TEST(Registered, OffersItsTypeLibrary) {
+/// The class that carries calls of an interface to other apartments.
+std::wstring marshallerOf(REFIID iid) {
+  wchar_t text[40] = {};
+  StringFromGUID2(iid, text, 40);
+  wchar_t marshaller[40] = {};
+  DWORD size = sizeof marshaller;
+  RegGetValueW(HKEY_CLASSES_ROOT, (std::wstring(L"Interface\\") + text + L"\\ProxyStubClsid32").c_str(),
+               nullptr, RRF_RT_REG_SZ, nullptr, marshaller, &size);
+  return marshaller;
+}
+
+TEST(Registered, OffersItsTypeLibraryAndTheSystemsMarshallers) {
+  EXPECT_EQ(L"{00020424-0000-0000-C000-000000000046}", marshallerOf(IID__VeltranoPDF));
+  EXPECT_EQ(L"{00020420-0000-0000-C000-000000000046}", marshallerOf(DIID___VeltranoPDF)) << "plain dispatch";
   ComPointer<ITypeLib> library;
   EXPECT_EQ(S_OK, LoadRegTypeLib(LIBID_VeltranoFrameWorkDLL, 1, 0, 0, library.out()));
 }

@@ -1,11 +1,11 @@
-#include "server/com/connection_point.h"
+#include "server/com/event_source.h"
 
 #include <algorithm>
-#include <atomic>
 #include <exception>
-#include <new>
 
+#include "base/os/floating_point_windows.h"
 #include "server/com/conversions.h"
+#include "server/com/enumerator.h"
 
 namespace veltrano::server {
 
@@ -13,96 +13,10 @@ namespace {
 
 constexpr DISPID errorEvent = 1;
 
-/// An enumerator over a copy of what is enumerated. Element is the interface's element type; Hold keeps one
-/// alive and makes an Element with a reference of its own.
-template <class Enumerator, class Element, class Hold>
-class EnumeratorObject final : public Enumerator {
- public:
-  EnumeratorObject(REFIID iid, std::vector<Hold> elements) : iid_(iid), elements_(std::move(elements)) {}
-  EnumeratorObject(const EnumeratorObject&) = delete;
-  EnumeratorObject& operator=(const EnumeratorObject&) = delete;
-  EnumeratorObject(EnumeratorObject&&) = delete;
-  EnumeratorObject& operator=(EnumeratorObject&&) = delete;
-  virtual ~EnumeratorObject() = default;
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-    if (object == nullptr) {
-      return E_POINTER;
-    }
-    *object = nullptr;
-    if (iid != IID_IUnknown && iid != iid_) {
-      return E_NOINTERFACE;
-    }
-    *object = this;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) {
-      delete this;
-    }
-    return left;
-  }
-
-  STDMETHODIMP Next(ULONG count, Element* elements, ULONG* fetched) override {
-    if (elements == nullptr || (fetched == nullptr && count != 1)) {
-      return E_POINTER;
-    }
-    ULONG done = 0;
-    while (done < count && position_ < elements_.size()) {
-      elements[done++] = elements_[position_++].element();
-    }
-    if (fetched != nullptr) {
-      *fetched = done;
-    }
-    return done == count ? S_OK : S_FALSE;
-  }
-  STDMETHODIMP Skip(ULONG count) override {
-    const std::size_t left = elements_.size() - position_;
-    position_ += std::min<std::size_t>(count, left);
-    return count <= left ? S_OK : S_FALSE;
-  }
-  STDMETHODIMP Reset() override {
-    position_ = 0;
-    return S_OK;
-  }
-  STDMETHODIMP Clone(Enumerator** result) override {
-    if (result == nullptr) {
-      return E_POINTER;
-    }
-    *result = nullptr;
-    try {
-      auto* copy = new EnumeratorObject(iid_, elements_);
-      copy->position_ = position_;
-      *result = copy;
-      return S_OK;
-    } catch (const std::exception&) {
-      return E_OUTOFMEMORY;
-    }
-  }
-
- private:
-  const IID& iid_;
-  std::vector<Hold> elements_;
-  std::size_t position_ = 0;
-  std::atomic<ULONG> references_{1};
-};
-
 struct HeldPoint {
   ComPointer<IConnectionPoint> point;
   [[nodiscard]] IConnectionPoint* element() const { return ComPointer(point).detach(); }
 };
-
-struct HeldConnection {
-  DWORD cookie;
-  ComPointer<IDispatch> target;
-  [[nodiscard]] CONNECTDATA element() const { return {ComPointer(target).detach(), cookie}; }
-};
-
-using PointEnumerator = EnumeratorObject<IEnumConnectionPoints, IConnectionPoint*, HeldPoint>;
-using ConnectionEnumerator = EnumeratorObject<IEnumConnections, CONNECTDATA, HeldConnection>;
 
 }  // namespace
 
@@ -110,6 +24,7 @@ EventSource::EventSource(IUnknown& owner, REFIID eventInterface)
     : owner_(owner), eventInterface_(eventInterface) {}
 
 void EventSource::fireError(std::string_view ansiMessage) {
+  const HostArithmetic host;
   // A copy: a sink may connect or disconnect sinks while it is called.
   std::vector<ComPointer<IDispatch>> targets;
   targets.reserve(sinks_.size());
@@ -139,8 +54,8 @@ STDMETHODIMP EventSource::Container::EnumConnectionPoints(IEnumConnectionPoints*
   }
   *result = nullptr;
   try {
-    *result = new PointEnumerator(IID_IEnumConnectionPoints,
-                                  {HeldPoint{ComPointer<IConnectionPoint>(&source_.point_)}});
+    *result = new Enumerator<IEnumConnectionPoints, IConnectionPoint*, HeldPoint>(
+        IID_IEnumConnectionPoints, {HeldPoint{ComPointer<IConnectionPoint>(&source_.point_)}});
     return S_OK;
   } catch (const std::exception&) {
     return E_OUTOFMEMORY;
@@ -228,11 +143,7 @@ STDMETHODIMP EventSource::Point::EnumConnections(IEnumConnections** result) {
   }
   *result = nullptr;
   try {
-    std::vector<HeldConnection> connections;
-    for (const Sink& sink : source_.sinks_) {
-      connections.push_back({sink.cookie, sink.target});
-    }
-    *result = new ConnectionEnumerator(IID_IEnumConnections, std::move(connections));
+    *result = new Enumerator<IEnumConnections, CONNECTDATA, Sink>(IID_IEnumConnections, source_.sinks_);
     return S_OK;
   } catch (const std::exception&) {
     return E_OUTOFMEMORY;

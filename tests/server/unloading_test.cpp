@@ -1,0 +1,120 @@
+// What is left of the DLL in a process that loads it and lets it go. A program of its own: the first object keeps it.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <functional>
+#include <thread>
+
+#include "host.h"
+#include "server/classes/class_table.h"
+
+namespace veltrano::tests {
+
+namespace {
+
+/// What this process holds: bytes of all heaps, and open handles. They are tried one by one, as Wine does not
+/// count them.
+struct Holdings {
+  SIZE_T bytes = 0;
+  int handles = 0;
+};
+
+Holdings holdings() {
+  Holdings held;
+  std::array<HANDLE, 64> heaps{};
+  const DWORD count = GetProcessHeaps(static_cast<DWORD>(heaps.size()), heaps.data());
+  EXPECT_LE(count, heaps.size());
+  for (DWORD i = 0; i < std::min<std::size_t>(count, heaps.size()); ++i) {
+    PROCESS_HEAP_ENTRY entry = {};
+    while (HeapWalk(heaps[i], &entry) != FALSE) {
+      held.bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
+    }
+  }
+  constexpr ULONG_PTR highest = 0x10000;
+  for (ULONG_PTR handle = 4; handle < highest; handle += 4) {
+    DWORD flags = 0;
+    held.handles += GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) != FALSE ? 1 : 0;
+  }
+  return held;
+}
+
+/// Uses what a thread may leave something of: locks, static variables, exceptions, the database engine.
+void useObjects(const Dll& dll) {
+  const auto pdf = dll.createPdf();
+  EXPECT_EQ(S_OK, callMethod(*pdf.get(), L"PDFBeginDoc").status);
+  EXPECT_EQ(S_OK, callMethod(*pdf.get(), L"PDFTextOut", {Argument(L"text")}).status);
+  for (const server::ClassEntry& entry : server::classTable()) {
+    const auto object = dll.create<IDispatch>(*entry.clsid, IID_IDispatch);
+    callMethod(*object.get(), L"OpenDB", {Argument(L"C:\\no such.mdb")});
+  }
+}
+
+/// What `rounds` rounds leave in the process, after some that fill what is kept once.
+Holdings leftBy(int rounds, const std::function<void()>& round) {
+  for (int i = 0; i < 10; ++i) {
+    round();
+  }
+  const Holdings before = holdings();
+  for (int i = 0; i < rounds; ++i) {
+    round();
+  }
+  const Holdings after = holdings();
+  return {after.bytes - before.bytes, after.handles - before.handles};
+}
+
+void registerAndUnregister(const Dll& dll) {
+  EXPECT_EQ(S_OK, dll.install(true, L"user"));
+  EXPECT_EQ(S_OK, dll.install(false, L"user"));
+}
+
+void makeFactory(const Dll& dll) {
+  ComPointer<IClassFactory> factory;
+  EXPECT_EQ(S_OK,
+            dll.classObject(CLSID_VeltranoPDF, IID_IClassFactory, reinterpret_cast<void**>(factory.out())));
+}
+
+bool isLoaded() {
+  return GetModuleHandleW(dllFile().filename().c_str()) != nullptr;
+}
+
+// In this order: an object keeps the DLL for good.
+TEST(Unloading, HappensUntilTheFirstObjectIsMade) {
+  const std::pair<const char*, void (*)(const Dll&)> uses[] = {
+      {"loading", [](const Dll& dll) { EXPECT_TRUE(dll.loaded()); }},
+      {"type library", [](const Dll& dll) { EXPECT_TRUE(dll.typeLibrary()); }},
+      {"registration", registerAndUnregister},
+      {"class factory", makeFactory}};
+  constexpr int rounds = 50;
+  for (const auto& [name, use] : uses) {
+    const Holdings left = leftBy(rounds, [use = use] {
+      const Dll dll;
+      use(dll);
+      EXPECT_EQ(S_OK, dll.canUnloadNow());
+    });
+    EXPECT_FALSE(isLoaded()) << name;
+    std::printf("%s: %d bytes and %.2f handles a round\n", name, static_cast<int>(left.bytes) / rounds,
+                static_cast<double>(left.handles) / rounds);
+    // The compiler's runtime leaves as much of a DLL of ten lines.
+    EXPECT_GE(rounds * 20000U, left.bytes) << name;
+    EXPECT_GE(rounds * 4, left.handles) << name;
+  }
+}
+
+TEST(Unloading, IsAskedForWithoutEffectAfterwards) {
+  const Holdings left = leftBy(200, [] {
+    const Dll dll;
+    useObjects(dll);
+    std::thread([&] { useObjects(dll); }).join();
+    EXPECT_EQ(S_OK, dll.canUnloadNow());
+  });
+  EXPECT_TRUE(isLoaded());
+  EXPECT_EQ(0U, left.bytes);
+  EXPECT_GE(3, left.handles) << "the system may have opened one of its own";
+}
+
+}  // namespace
+
+}  // namespace veltrano::tests
