@@ -14,7 +14,9 @@ namespace {
 
 class PosixFile final : public RandomAccessFile {
  public:
-  explicit PosixFile(int descriptor) : descriptor_(descriptor) {}
+  /// `newName`: the file may just have been made; empty if it was there.
+  PosixFile(int descriptor, std::filesystem::path newName)
+      : descriptor_(descriptor), newName_(std::move(newName)) {}
   PosixFile(const PosixFile&) = delete;
   PosixFile& operator=(const PosixFile&) = delete;
   ~PosixFile() override { ::close(descriptor_); }
@@ -62,10 +64,25 @@ class PosixFile final : public RandomAccessFile {
   }
 
   bool resize(std::uint64_t size) override { return ::ftruncate(descriptor_, static_cast<off_t>(size)) == 0; }
-  bool sync() override { return ::fsync(descriptor_) == 0; }
+  bool sync() override { return ::fsync(descriptor_) == 0 && syncName(); }
 
  private:
+  // The name of a new file is in its folder. Some file systems cannot sync folders, and need not.
+  bool syncName() {
+    if (newName_.empty()) {
+      return true;
+    }
+    const std::filesystem::path folder = std::exchange(newName_, {}).parent_path();
+    const int descriptor = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const bool synced = descriptor < 0 || ::fsync(descriptor) == 0 || errno == EINVAL;
+    if (descriptor >= 0) {
+      ::close(descriptor);
+    }
+    return synced;
+  }
+
   int descriptor_;
+  std::filesystem::path newName_;  // until it has been synced
 };
 
 OpenFailure failureOf(int error) {
@@ -96,7 +113,8 @@ class PosixFiles final : public FileSystem {
       failure = failureOf(errno);
       return nullptr;
     }
-    auto opened = std::make_unique<PosixFile>(descriptor);
+    auto opened =
+        std::make_unique<PosixFile>(descriptor, mode == OpenMode::create ? file : std::filesystem::path());
     struct stat status = {};
     if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
       failure = OpenFailure::other;
