@@ -77,6 +77,10 @@ bool mayWrite(const std::filesystem::path& file);
 /// durable renaming is on the disk when this returns.
 Status renameOver(const std::filesystem::path& file, const std::filesystem::path& target, bool durable);
 
+/// Waits until the name of a new file is on the disk. No-op where the system has no such step; a folder that
+/// cannot be synced is no failure.
+Status syncName(const std::filesystem::path& file);
+
 Status removeFile(const std::filesystem::path& file);
 
 /// True if another program or object has the file open, as far as the system can tell: also if it cannot.

@@ -271,17 +271,23 @@ Status renameOver(const std::filesystem::path& file, const std::filesystem::path
   if (status) {
     status = answerOf(::rename(file.c_str(), target.c_str()));
   }
-  if (!status || !durable) {
-    return status;
+  // A name that cannot be synced makes the renaming less durable, but it has happened.
+  if (status && durable) {
+    static_cast<void>(syncName(target));
   }
-  // A folder that cannot be opened or synced makes the renaming less durable, but it has happened.
-  const auto folder = target.parent_path();
+  return status;
+}
+
+Status syncName(const std::filesystem::path& file) {
+  const auto folder = file.parent_path();
   const Descriptor descriptor(
       ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (descriptor && beforeFileCall(FileCall::syncFolder, target)) {
-    ::fsync(descriptor.get());
+  if (!descriptor) {
+    return {};
   }
-  return {};
+  Status status = beforeFileCall(FileCall::syncFolder, file);
+  // Some file systems cannot sync folders, and need not.
+  return !status || ::fsync(descriptor.get()) == 0 || errno == EINVAL ? std::move(status) : failureOf(errno);
 }
 
 Status removeFile(const std::filesystem::path& file) {

@@ -317,6 +317,11 @@ Status renameOver(const std::filesystem::path& file, const std::filesystem::path
   return status.failure() == Failure::notAllowed ? Status(Failure::inUse, status.reason()) : status;
 }
 
+// Names are kept by the file system's own journal.
+Status syncName(const std::filesystem::path&) {
+  return {};
+}
+
 Status removeFile(const std::filesystem::path& file) {
   Status watched = beforeFileCall(FileCall::remove, file);
   return watched ? answerOf(DeleteFileW(file.c_str())) : watched;

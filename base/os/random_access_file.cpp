@@ -16,7 +16,9 @@ std::span<char> asCharacters(std::span<std::uint8_t> bytes) {
 
 class SystemFile final : public RandomAccessFile {
  public:
-  explicit SystemFile(File file) : file_(std::move(file)) {}
+  /// `newName`: the file may just have been made; empty if it was there.
+  SystemFile(File file, std::filesystem::path newName)
+      : file_(std::move(file)), newName_(std::move(newName)) {}
 
   std::optional<std::size_t> readAt(std::uint64_t offset, std::span<std::uint8_t> target) override {
     const auto count = file_.readAt(offset, asCharacters(target));
@@ -30,7 +32,13 @@ class SystemFile final : public RandomAccessFile {
     return size ? std::optional(*size) : std::nullopt;
   }
   bool resize(std::uint64_t size) override { return succeeded(file_.resize(size)); }
-  bool sync() override { return succeeded(file_.sync()); }
+  bool sync() override {
+    if (!succeeded(file_.sync())) {
+      return false;
+    }
+    const std::filesystem::path name = std::exchange(newName_, {});
+    return name.empty() || succeeded(syncName(name));
+  }
 
  private:
   static bool succeeded(const Status& status) {
@@ -41,6 +49,7 @@ class SystemFile final : public RandomAccessFile {
   }
 
   File file_;
+  std::filesystem::path newName_;  // until it has been synced
 };
 
 Opening openingOf(OpenMode mode) {
@@ -77,7 +86,8 @@ class SystemFiles final : public FileSystem {
       failure = openFailureOf(opened.failure());
       return nullptr;
     }
-    return std::make_unique<SystemFile>(*std::move(opened));
+    return std::make_unique<SystemFile>(*std::move(opened),
+                                        mode == OpenMode::create ? file : std::filesystem::path());
   }
 
   bool remove(const std::filesystem::path& file) override { return static_cast<bool>(removeFile(file)); }

@@ -183,4 +183,30 @@ BENCHMARK_CAPTURE(findRecord, textWithoutCase, "Name", "SOMEBODY'S NAME AND ADDR
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
 
+/// One binary value of so many megabytes, a transaction larger than the cache: time per megabyte must not grow.
+void storeLargeValue(benchmark::State& state) {
+  const auto file = inTemporary("veltrano_bench_large.mdb");
+  const auto megabytes = static_cast<std::size_t>(state.range(0));
+  for (auto _ : state) {
+    state.PauseTiming();
+    std::filesystem::remove(file);
+    std::string reason;
+    veltrano::access::createDatabase(file, {}, reason);
+    veltrano::access::createTable(
+        file, {.name = "Rows", .columns = {{.name = "Large", .type = ColumnType::ole}}}, reason);
+    VeltranoMDB mdb;
+    mdb.OpenDB(file.string());
+    mdb.OpenTable("Rows");
+    const Value value(Value::Bytes(megabytes << 20, 'x'));
+    state.ResumeTiming();
+    mdb.AddNew();
+    mdb.WriteRecord("Large", value);
+    mdb.Update();
+    mdb.CloseDatabase();
+  }
+  std::filesystem::remove(file);
+  state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations()) * (state.range(0) << 20));
+}
+BENCHMARK(storeLargeValue)->Arg(32)->Arg(64)->Arg(128)->Unit(benchmark::kMillisecond)->UseRealTime();
+
 }  // namespace

@@ -47,7 +47,7 @@ class AccessDatabase final : public Database {
         recordset->close();
       }
     }
-    const bool synced = file_->pager->sync();
+    const bool synced = file_->pager->checkpoint();
     file_.reset();
     return synced || fail("the disk does not confirm the writing");
   }

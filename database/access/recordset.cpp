@@ -39,7 +39,7 @@ bool AccessRecordset::close() {
   row_.reset();
   cursor_.reset();
   std::erase(file_->recordsets, this);
-  const bool synced = file_->pager->sync();
+  const bool synced = file_->pager->checkpoint();
   file_.reset();
   return synced || fail("the disk does not confirm the writing");
 }

@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <limits>
 
-#include "database/access/pages/data_page.h"
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/default_value.h"
-#include "database/access/storage/usage_map.h"
 
 namespace veltrano::access {
 
@@ -139,48 +137,16 @@ bool TableWriter::makeKeysOf(Bytes row, TableIndexes::RowKeys& keys) {
 
 // --- Placing the row
 
-// A page of the table with room for a row of that size. Pages that are nearly full leave the map of those
-// with room.
-std::optional<PageNumber> TableWriter::pageWithRoom(std::size_t size) {
-  constexpr int mostTries = 8;
-  UsageMap free(pager(), definition().freePages);
-  UsageMap owned(pager(), definition().ownedPages);
-  const std::size_t fullBelow = pager().pageSize() / 10;
-  PageNumber from = pager().pageCount();
-  for (int i = 0; i < mostTries; ++i) {
-    const auto number = free.previous(from);
-    const PageView view = number ? pager().read(*number) : PageView();
-    if (!view || *number == 0) {
-      break;
-    }
-    const DataPage page(view.bytes(), pager().version());
-    const bool usable = page.sound() && page.owner() == definition().page && page.slotCount() < mostSlots &&
-                        owned.contains(*number);
-    if (usable && page.freeBytes() >= size + 2) {
-      return number;
-    }
-    if ((!usable || page.freeBytes() < fullBelow) && !free.remove(*number)) {
-      return std::nullopt;
-    }
-    from = *number - 1;
-  }
-  const auto number = allocatePage(pager());
-  if (!number) {
-    return std::nullopt;
-  }
-  DataPageEditor(pager().edit(*number)).create(definition().page);
-  return owned.add(*number) && free.add(*number) ? number : std::nullopt;
+RowSpace TableWriter::space() const {
+  return {pager(), definition().page, definition().ownedPages, definition().freePages};
 }
 
 std::optional<RowPointer> TableWriter::placeNewRow(Bytes row, std::uint16_t flags) {
-  const auto number = pageWithRoom(row.size());
-  const MutableBytes page = number ? pager().edit(*number) : MutableBytes();
-  const auto slot = page.empty() ? std::nullopt : DataPageEditor(page).insert(row, flags);
-  if (!slot) {
+  const auto place = space().insert(row, flags);
+  if (!place) {
     failFromPager();
-    return std::nullopt;
   }
-  return RowPointer{*number, *slot};
+  return place;
 }
 
 // Gives the row at `place` other bytes. `home` is its first slot: where it does not fit, the bytes go to
@@ -192,6 +158,7 @@ bool TableWriter::replaceRow(RowPointer home, RowPointer place, Bytes row) {
   }
   const bool moved = place != home;
   if (DataPageEditor(page).replace(place.row, row, moved ? slot_flag::hidden : std::uint16_t{0})) {
+    space().noteRoom(place.page);
     return true;
   }
   const auto target = placeNewRow(row, slot_flag::hidden);
@@ -208,19 +175,12 @@ bool TableWriter::replaceRow(RowPointer home, RowPointer place, Bytes row) {
   return !moved || removeRow(place);
 }
 
-// Deletes the bytes at a place; the page has room again, or goes back to the file when nothing is left in it.
 bool TableWriter::removeRow(RowPointer place) {
   const MutableBytes bytes = pager().edit(place.page);
   if (bytes.empty() || !DataPage(bytes, pager().version()).sound()) {
     return fail("the row's page is damaged");
   }
-  DataPageEditor(bytes).remove(place.row);
-  UsageMap free(pager(), definition().freePages);
-  UsageMap owned(pager(), definition().ownedPages);
-  const bool done = DataPage(bytes, pager().version()).empty()
-                        ? free.remove(place.page) && owned.remove(place.page) && freePage(pager(), place.page)
-                        : free.add(place.page);
-  return done || failFromPager();
+  return space().remove(place) || failFromPager();
 }
 
 // Gives back the long values of a row: all, or those that the drafts replace.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "database/access/index/table_indexes.h"
+#include "database/access/pages/row_space.h"
 #include "database/access/table.h"
 
 namespace veltrano::access {
@@ -52,7 +53,7 @@ class TableWriter {
   bool storeLongestInline(const std::vector<Draft>& drafts);
   bool makeKeysOf(Bytes row, TableIndexes::RowKeys& keys);
   std::optional<RowPointer> placeNewRow(Bytes row, std::uint16_t flags);
-  std::optional<PageNumber> pageWithRoom(std::size_t size);
+  [[nodiscard]] RowSpace space() const;
   bool replaceRow(RowPointer home, RowPointer place, Bytes row);
   bool removeRow(RowPointer place);
   bool releaseLongValues(const RowView& row, const std::vector<Draft>* drafts);

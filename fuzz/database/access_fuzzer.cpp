@@ -6,12 +6,12 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <map>
 
 #include "base/os/files.h"
 #include "database/access/authoring/create_database.h"
 #include "database/access/schema/text_codec.h"
 #include "hostile.h"
+#include "simulated_disk.h"
 
 namespace {
 
@@ -19,49 +19,6 @@ using namespace veltrano;
 using namespace veltrano::access;
 
 constexpr std::size_t pageSize = 4096;
-
-// Files in memory: no waiting for a disk.
-class MemoryFiles final : public FileSystem {
- public:
-  std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
-                                         OpenFailure& failure) override {
-    if (mode != OpenMode::create && !contents.contains(file.string())) {
-      failure = OpenFailure::missing;
-      return nullptr;
-    }
-    return std::make_unique<File>(contents[file.string()]);
-  }
-  bool remove(const std::filesystem::path& file) override { return contents.erase(file.string()) != 0; }
-  bool lockFileInUse(const std::filesystem::path&) override { return false; }
-
-  std::map<std::string, std::string> contents;
-
- private:
-  class File final : public RandomAccessFile {
-   public:
-    explicit File(std::string& content) : content_(content) {}
-    std::optional<std::size_t> readAt(std::uint64_t offset, MutableBytes target) override {
-      const std::size_t from = std::min<std::size_t>(offset, content_.size());
-      const std::size_t size = std::min(target.size(), content_.size() - from);
-      std::copy_n(content_.begin() + static_cast<std::ptrdiff_t>(from), size, target.begin());
-      return size;
-    }
-    bool writeAt(std::uint64_t offset, Bytes bytes) override {
-      content_.resize(std::max<std::size_t>(content_.size(), offset + bytes.size()));
-      std::copy(bytes.begin(), bytes.end(), content_.begin() + static_cast<std::ptrdiff_t>(offset));
-      return true;
-    }
-    std::optional<std::uint64_t> size() override { return content_.size(); }
-    bool resize(std::uint64_t size) override {
-      content_.resize(size);
-      return true;
-    }
-    bool sync() override { return true; }
-
-   private:
-    std::string& content_;
-  };
-};
 
 const std::filesystem::path& folder() {
   static const auto path =
@@ -107,7 +64,7 @@ std::string makeGoodFile() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::string good = makeGoodFile();
-  static MemoryFiles files;
+  static SimulatedDisk files;
   std::string text;
   storedTextToUtf8(Bytes(data, size), text);
 
@@ -137,7 +94,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                     pageSize);
     }
   }
-  files.contents = {{"bad.mdb", std::move(bad)}};
+  files.put("bad.mdb", std::move(bad));
+  files.calls.clear();
   useHostileFile("bad.mdb", files);
   return 0;
 }

@@ -11,9 +11,9 @@
 #include "database/access/authoring/system_tables.h"
 #include "database/access/pages/data_page.h"
 #include "database/access/schema/catalog.h"
+#include "database/access/storage/allocator.h"
 #include "database/access/storage/codec.h"
 #include "database/access/storage/file.h"
-#include "database/access/storage/usage_map.h"
 #include "database/dates.h"
 
 namespace veltrano::access {
@@ -92,7 +92,7 @@ bool fillDatabase(const std::filesystem::path& file, const NewDatabase& options,
   Pager::Options opening;
   opening.password = options.password;
   const auto pager = Pager::open(file, opening, reason);
-  return pager && makeSystemTables(*pager, created, reason) && pager->sync();
+  return pager && makeSystemTables(*pager, created, reason) && pager->checkpoint();
 }
 
 }  // namespace
@@ -160,7 +160,7 @@ bool createTable(const std::filesystem::path& file, const NewTable& table, std::
   Pager::Options options;
   options.password = password;
   const auto pager = Pager::open(file, options, reason);
-  return pager && createTable(*pager, table, reason) && pager->sync();
+  return pager && createTable(*pager, table, reason) && pager->checkpoint();
 }
 
 }  // namespace veltrano::access

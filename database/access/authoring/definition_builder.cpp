@@ -7,6 +7,7 @@
 #include "base/text/lower_case.h"
 #include "database/access/pages/data_page.h"
 #include "database/access/pages/index_page.h"
+#include "database/access/storage/allocator.h"
 #include "database/access/storage/usage_map.h"
 #include "database/field_conversion.h"
 

@@ -6,7 +6,7 @@
 #include "database/access/authoring/definition_builder.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/field_codec.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/allocator.h"
 #include "database/access/table_writer.h"
 
 namespace veltrano::access {

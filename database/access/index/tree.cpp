@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "database/access/storage/allocator.h"
 #include "database/access/storage/usage_map.h"
 
 namespace veltrano::access {

@@ -23,6 +23,7 @@ constexpr std::size_t freeAt = 2;
 constexpr std::size_t ownerAt = 4;
 constexpr std::size_t countAt = 12;
 constexpr std::size_t slotsAt = 14;
+constexpr std::size_t slotSize = 2;
 
 }  // namespace
 
@@ -62,6 +63,15 @@ std::size_t DataPage::freeBytes() const {
   return low > high && low <= page_.size() ? low - high : 0;
 }
 
+std::optional<std::uint8_t> DataPage::slotForInsert() const {
+  for (std::uint32_t i = 0; i < slots_; ++i) {
+    if (isDeleted(i)) {
+      return static_cast<std::uint8_t>(i);
+    }
+  }
+  return slots_ < mostSlots ? std::optional(static_cast<std::uint8_t>(slots_)) : std::nullopt;
+}
+
 bool DataPage::sound() const {
   if (!valid() || load16(page_.data() + slotsAt_ - 2) > mostSlots) {
     return false;
@@ -93,16 +103,17 @@ void DataPageEditor::storeFreeBytes() {
 
 std::optional<std::uint8_t> DataPageEditor::insert(Bytes row, std::uint16_t flags) {
   const DataPage page = view();
-  const std::uint32_t index = page.slotCount();
-  if (index >= mostSlots || page.freeBytes() < row.size() + 2) {
+  const auto slot = page.slotForInsert();
+  if (!slot || page.freeBytes() < row.size() + slotSize) {
     return std::nullopt;
   }
-  const std::size_t start = (index == 0 ? page_.size() : page.start(index - 1)) - row.size();
-  std::copy(row.begin(), row.end(), page_.begin() + static_cast<std::ptrdiff_t>(start));
-  store16(page_.data() + countAt, index + 1);
-  setSlot(index, start, flags);
-  storeFreeBytes();
-  return static_cast<std::uint8_t>(index);
+  const std::uint32_t count = page.slotCount();
+  if (*slot == count) {
+    store16(page_.data() + countAt, count + 1);
+    setSlot(count, count == 0 ? page_.size() : page.start(count - 1), 0);
+  }
+  replace(*slot, row, flags);
+  return slot;
 }
 
 // Slides the rows after this one so that it has `length` bytes; those it keeps are its last ones. What is

@@ -50,6 +50,8 @@ class DataPage {
   [[nodiscard]] std::optional<Bytes> row(std::uint32_t index) const;
   /// Bytes that a new row, its slot included, may take.
   [[nodiscard]] std::size_t freeBytes() const;
+  /// The slot that the next new row gets: that of a deleted row if there is one. Empty if all are in use.
+  [[nodiscard]] std::optional<std::uint8_t> slotForInsert() const;
   /// True when the slots and rows are as they should be, so that the page may be changed.
   [[nodiscard]] bool sound() const;
 
@@ -74,7 +76,7 @@ class DataPageEditor {
 
   /// Makes an empty data page of zeroed bytes.
   void create(std::uint32_t owner);
-  /// Adds a row; the number of its slot. Only if it fits (its length and 2 for the slot), and slots are left.
+  /// Adds a row; the number of its slot. Only if it fits (its length and 2 for the slot), and a slot is left.
   [[nodiscard]] std::optional<std::uint8_t> insert(Bytes row, std::uint16_t flags);
   /// Gives the row of a slot other bytes and flags. False when they do not fit.
   bool replace(std::uint8_t index, Bytes row, std::uint16_t flags);

@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "database/access/pages/data_page.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/pages/row_space.h"
 
 namespace veltrano::access {
 
@@ -55,73 +54,8 @@ bool readChain(Pager& pager, RowPointer place, std::size_t length, std::vector<s
   return true;
 }
 
-bool enterInMap(Pager& pager, RowPointer map, PageNumber page) {
-  return map.page == 0 || UsageMap(pager, map).add(page);
-}
-
-// A page of the column with room for a row of that size; a new one if the first few with room have not
-// enough.
-std::optional<PageNumber> pageWithRoom(Pager& pager, const Column& column, std::size_t size) {
-  constexpr int mostTries = 4;
-  constexpr std::size_t fullBelow = 256;
-  PageNumber from = pager.pageCount();
-  UsageMap free(pager, column.freePages);
-  for (int i = 0; i < mostTries && column.freePages.page != 0; ++i) {
-    const auto number = free.previous(from);
-    const PageView view = number ? pager.read(*number) : PageView();
-    if (!view) {
-      break;
-    }
-    const DataPage page(view.bytes(), pager.version());
-    const bool usable = page.sound() && page.owner() == longValueOwner && page.slotCount() < mostSlots;
-    if (usable && page.freeBytes() >= size + 2) {
-      return number;
-    }
-    if ((!usable || page.freeBytes() < fullBelow) && !free.remove(*number)) {
-      return std::nullopt;
-    }
-    if (*number == 0) {
-      break;
-    }
-    from = *number - 1;
-  }
-  const auto number = allocatePage(pager);
-  if (!number) {
-    return std::nullopt;
-  }
-  DataPageEditor(pager.edit(*number)).create(longValueOwner);
-  if (!enterInMap(pager, column.ownedPages, *number) || !enterInMap(pager, column.freePages, *number)) {
-    return std::nullopt;
-  }
-  return number;
-}
-
-std::optional<RowPointer> storePiece(Pager& pager, const Column& column, Bytes row) {
-  const auto number = pageWithRoom(pager, column, row.size());
-  const MutableBytes page = number ? pager.edit(*number) : MutableBytes();
-  const auto slot = page.empty() ? std::nullopt : DataPageEditor(page).insert(row, 0);
-  return slot ? std::optional(RowPointer{*number, *slot}) : std::nullopt;
-}
-
-// Deletes one piece; a page left empty goes back to the file if the column's map proves that it is its own.
-bool releasePiece(Pager& pager, const Column& column, RowPointer place) {
-  const MutableBytes bytes = pager.edit(place.page);
-  if (bytes.empty()) {
-    return false;
-  }
-  DataPageEditor(bytes).remove(place.row);
-  if (column.ownedPages.page == 0 || column.freePages.page == 0) {
-    return true;
-  }
-  UsageMap owned(pager, column.ownedPages);
-  UsageMap free(pager, column.freePages);
-  if (!owned.contains(place.page)) {
-    return true;
-  }
-  if (DataPage(bytes, pager.version()).empty()) {
-    return owned.remove(place.page) && free.remove(place.page) && freePage(pager, place.page);
-  }
-  return free.add(place.page);
+RowSpace spaceOf(Pager& pager, const Column& column) {
+  return {pager, longValueOwner, column.ownedPages, column.freePages};
 }
 
 }  // namespace
@@ -168,7 +102,7 @@ bool storeLongValue(Pager& pager, const Column& column, Bytes value, std::vector
   const bool single = value.size() <= mostRowBytes;
   std::optional<RowPointer> place;
   if (single) {
-    place = storePiece(pager, column, value);
+    place = spaceOf(pager, column).insert(value, 0);
   } else {
     // From the last piece to the first, since each one points to the next.
     constexpr std::size_t most = mostRowBytes - chainHead;
@@ -180,7 +114,7 @@ bool storeLongValue(Pager& pager, const Column& column, Bytes value, std::vector
       store32(row.data(), place->toDisk());
       row.insert(row.end(), value.begin() + static_cast<std::ptrdiff_t>(begin),
                  value.begin() + static_cast<std::ptrdiff_t>(end));
-      place = storePiece(pager, column, row);
+      place = spaceOf(pager, column).insert(row, 0);
       end = begin;
     }
   }
@@ -213,7 +147,7 @@ bool releaseLongValue(Pager& pager, const Column& column, Bytes cell) {
     const RowPointer next = single ? RowPointer{} : RowPointer::fromDisk(load32(piece->bytes.data()));
     left -= std::min(left, piece->bytes.size() - head);
     more = !single && left > 0 && next.page != 0;
-    if (!releasePiece(pager, column, place)) {
+    if (!spaceOf(pager, column).remove(place)) {
       return false;
     }
     place = next;

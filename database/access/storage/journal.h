@@ -1,57 +1,81 @@
 #ifndef VELTRANO_DATABASE_ACCESS_STORAGE_JOURNAL_H
 #define VELTRANO_DATABASE_ACCESS_STORAGE_JOURNAL_H
 
-// The rollback journal: a file beside the database that holds, while a transaction is being written, what it
-// takes to undo it. It is made at the first commit, kept open, and removed when the database is closed;
-// between transactions its record is marked void, not erased. journal.cpp shows the bytes.
+// The journal being written: a file beside the database that holds every transaction since the last
+// checkpoint. journal_format.h shows the bytes, recovery.h reads them after a crash, pager.h says what is
+// written when.
+//
+// The file is made at the first transaction, kept open, and removed when the database is closed.
 
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "database/access/storage/bytes.h"
 #include "database/access/storage/file.h"
+#include "database/access/storage/journal_format.h"
 
 namespace veltrano::access {
 
+/// The journal's file beside a database.
+std::filesystem::path journalPath(const std::filesystem::path& database);
+
 class Journal {
  public:
-  /// `files` must outlive the journal. Touches no file.
-  Journal(FileSystem& files, const std::filesystem::path& database);
+  /// `files` must outlive the journal. Touches no file. `identity`: hash of the database's header page.
+  Journal(FileSystem& files, const std::filesystem::path& database, std::uint64_t identity);
 
-  /// Undoes what a record left in the file says, if there is a valid one that belongs to `database`, and
-  /// removes the journal. False when a record is left that could not be undone: the database must not be used
-  /// then. With a null database (open for reading only) a valid record is such a failure.
-  bool recover(const std::filesystem::path& databasePath, RandomAccessFile* database, std::uint64_t identity);
+  /// The length of the database at the last checkpoint; to be told while the journal is empty.
+  void startAt(std::uint64_t databaseLength);
+  /// True if nothing was written since the last checkpoint.
+  [[nodiscard]] bool empty() const { return end_ == 0; }
+  [[nodiscard]] std::uint64_t size() const { return end_; }
 
-  // A commit: startRecord, addRange for each stretch of bytes to be overwritten, then writeRecord; when the
-  // database has been written, voidRecord. Between the last two the journal can undo the transaction.
+  // A transaction: startRecord, its changes, writeRecord. Long records go to the file in pieces, with the head
+  // last, so that they count only when they are whole. A record that failed, or was never finished, is written
+  // over by the next one.
 
-  void startRecord(std::uint64_t oldSize, std::uint64_t identity);
-  void addRange(std::uint64_t offset, Bytes before, Bytes after);
-  bool writeRecord();
-  bool voidRecord();
-  /// Puts the old bytes back as the record in memory has them, and voids it.
-  bool undo(RandomAccessFile& database);
+  void startRecord();
+  void addChange(std::uint64_t offset, Bytes before, Bytes after);
+  /// Bytes of a page that the database did not have at the checkpoint.
+  void addNewBytes(std::uint64_t offset, Bytes bytes);
+  /// `databaseLength`: after the transaction.
+  bool writeRecord(std::uint64_t databaseLength);
 
-  /// Makes the voiding of the last record survive a power failure.
+  /// States, durably, that the database may be as long as that although no transaction made it so.
+  bool announce(std::uint64_t databaseLength);
+  /// The length that a record or announcement on the disk allows.
+  [[nodiscard]] std::uint64_t announced() const { return durableReach_; }
+  /// Makes the records survive a power failure.
   bool sync();
-  /// Closes and removes the file. Its record must be void, or is lost.
+  /// Makes all records void, durably. The journal is empty then even if that failed.
+  bool clear();
+  /// Closes and removes the file.
   void remove();
-  /// Closes the file and leaves it for the next open of the database.
-  void keep();
 
  private:
+  std::uint8_t* append(std::size_t size);
+  bool flush();
+  bool writeWhole();
+
   FileSystem* files_;
   std::filesystem::path path_;
   std::unique_ptr<RandomAccessFile> file_;
-  std::vector<std::uint8_t> record_;
-};
+  JournalHead head_;
+  std::uint64_t length_ = 0;        // of the database, as the last record states it
+  std::uint64_t mayReach_ = 0;      // as the last record states it
+  std::uint64_t durableReach_ = 0;  // as the last synced record states it
+  std::uint64_t lastHash_ = 0;      // of the last record, or the head
+  std::uint64_t end_ = 0;           // of the last record; 0 without a head
 
-/// A number that tells one database from another: a hash of its header page as it lies in the file.
-std::uint64_t hashBytes(Bytes bytes);
+  // The record under way: `pending_` is what comes after the flushed bytes.
+  std::vector<std::uint8_t> pending_;
+  std::uint64_t flushed_ = 0;
+  std::uint64_t changesHash_ = 0;
+  std::uint64_t changesSize_ = 0;
+  bool failed_ = false;
+};
 
 }  // namespace veltrano::access
 

@@ -3,40 +3,27 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <unordered_map>
 #include <vector>
 
-#include "base/trace.h"
 #include "database/access/storage/codec.h"
 #include "database/access/storage/header.h"
 #include "database/access/storage/journal.h"
+#include "database/access/storage/recovery.h"
 
 namespace veltrano::access {
 
-namespace pager_internal {
-
-struct Frame {
-  PageNumber number = noPage;
-  std::uint32_t pins = 0;
-  bool recentlyUsed = false;
-  bool changed = false;  ///< by the current transaction
-  std::uint32_t size = 0;
-  std::unique_ptr<std::uint8_t[]> bytes;
-  std::unique_ptr<std::uint8_t[]>
-      before;  ///< of a changed page that was in the file when the transaction began
-
-  [[nodiscard]] MutableBytes all() const { return {bytes.get(), size}; }
-  [[nodiscard]] Bytes old() const { return {before.get(), size}; }
-};
-
-}  // namespace pager_internal
-
-using pager_internal::Frame;
-
 namespace {
 
-// Two stretches of differing bytes that lie closer than this become one range of the journal.
-constexpr std::size_t rangeGap = 16;
+// Two stretches of differing bytes that lie closer than this become one change of the journal.
+constexpr std::size_t changeGap = 16;
+
+// A checkpoint follows when the journal has become longer than this.
+constexpr std::uint64_t longJournal = std::uint64_t{32} << 20;
+
+// How far ahead the journal states the file's length when pages are written early.
+constexpr std::uint64_t announceStep = std::uint64_t{16} << 20;
+
+constexpr std::uint32_t fewestCachePages = 16;
 
 // Calls action(begin, end) for every stretch where the two differ.
 template <typename Action>
@@ -48,7 +35,7 @@ void forEachDifference(Bytes before, Bytes after, Action action) {
     if (std::memcmp(before.data() + i, after.data() + i, word) == 0) {
       continue;
     }
-    if (end != begin && i - end > rangeGap) {
+    if (end != begin && i - end > changeGap) {
       action(begin, end);
       begin = end = i;
     }
@@ -65,30 +52,38 @@ void forEachDifference(Bytes before, Bytes after, Action action) {
 }  // namespace
 
 struct Pager::State {
-  FileSystem* files = nullptr;
+  State(std::unique_ptr<RandomAccessFile> opened, const Header& itsHeader, Journal itsJournal,
+        std::uint32_t cachePages)
+      : file(std::move(opened)),
+        journal(std::move(itsJournal)),
+        header(itsHeader),
+        codec(itsHeader.pageKey),
+        pageSize(pageSizeOf(itsHeader.version)),
+        cache(pageSize, cachePages) {}
+
   std::unique_ptr<RandomAccessFile> file;
-  std::unique_ptr<Journal> journal;
+  Journal journal;
   Header header;
   PageCodec codec;
-  std::uint64_t identity = 0;
-  std::uint32_t pageSize = 4096;
-  PageNumber pages = 0;        // those of the transaction included
-  PageNumber pagesInFile = 0;  // those of the file
-  std::uint32_t cachePages = 0;
-  bool readOnly = false;
-  bool broken = false;
-  bool transaction = false;
-  bool unsynced = false;
-  std::string error;
+  std::uint32_t pageSize;
+  PageCache cache;
 
-  std::vector<std::unique_ptr<Frame>> frames;
-  std::unordered_map<PageNumber, Frame*> byNumber;
-  std::array<Frame*, 256> quick = {};  // by the low byte of the number; to be checked
-  std::size_t clockHand = 0;
+  PageNumber pages = 0;           // those of the transaction included
+  PageNumber committedPages = 0;  // without those
+  PageNumber keptPages = 0;       // below this a page is written by a checkpoint only (P1, P3)
+  std::uint64_t fileLength = 0;   // as far as this process has found or made it
+  std::size_t unwrittenKept = 0;  // frames that have to wait for a checkpoint; at least as many as there are
+
+  bool readOnly = false;
+  bool broken = false;  // a rollback failed: what the cache has is not what was committed
+  bool transaction = false;
+  bool wroteEarly = false;  // the transaction has pages of its own in the file
   std::vector<Frame*> changed;
   std::vector<std::unique_ptr<std::uint8_t[]>> spareBuffers;
   std::vector<std::uint8_t> codedBefore;
   std::vector<std::uint8_t> codedAfter;
+  SpaceHints hints;
+  std::string error;
 
   bool fail(const char* reason) {
     error = reason;
@@ -96,101 +91,80 @@ struct Pager::State {
   }
   [[nodiscard]] std::uint64_t offsetOf(PageNumber page) const { return std::uint64_t{page} * pageSize; }
 
-  Frame* find(PageNumber page);
-  Frame* freeFrame();
   Frame* load(PageNumber page);
-  Frame* enter(Frame* frame, PageNumber page);
-  void forget(Frame* frame);
+  bool readInto(Frame& frame, PageNumber page);
+  bool mayGiveUp(Frame& frame);
+  Frame* takeFrame() {
+    return cache.take([this](Frame& frame) { return mayGiveUp(frame); });
+  }
+  void startChange(Frame& frame);
+  void unlist(Frame& frame);
   std::unique_ptr<std::uint8_t[]> buffer();
-
-  bool writeChanges();
-  bool writeNewPages();
-  bool writeChangedRanges();
-  void journalRanges();
   Bytes coded(PageNumber page, Bytes bytes, std::vector<std::uint8_t>& space) const;
+
+  bool writePage(Frame& frame);
+  bool writeEarly(Frame& frame);
+  bool journalFrame(Frame& frame);
+  bool journalTransaction();
+  bool writeUnwritten();
+  bool restore(Frame& frame);
   void endTransaction();
 };
 
-Frame* Pager::State::find(PageNumber page) {
-  Frame*& slot = quick[page & 0xFF];
-  if (slot != nullptr && slot->number == page) {
-    return slot;
-  }
-  const auto found = byNumber.find(page);
-  if (found == byNumber.end()) {
-    return nullptr;
-  }
-  slot = found->second;
-  return slot;
-}
+// --- The cache
 
-// A frame that holds no page: a new one while the cache may grow, else the one longest unused. When all are
-// pinned or changed the cache grows beyond its bound (P5).
-Frame* Pager::State::freeFrame() {
-  if (frames.size() >= cachePages) {
-    for (std::size_t tries = 2 * frames.size(); tries > 0; --tries) {
-      Frame* frame = frames[clockHand].get();
-      clockHand = (clockHand + 1) % frames.size();
-      if (frame->pins != 0 || frame->changed) {
-        continue;
-      }
-      if (frame->recentlyUsed) {
-        frame->recentlyUsed = false;
-        continue;
-      }
-      forget(frame);
-      return frame;
-    }
+bool Pager::State::readInto(Frame& frame, PageNumber page) {
+  const auto got = file->readAt(offsetOf(page), frame.all());
+  if (!got) {
+    return fail("the file cannot be read");
   }
-  auto frame = std::make_unique<Frame>();
-  frame->bytes = std::make_unique<std::uint8_t[]>(pageSize);
-  frame->size = pageSize;
-  frames.push_back(std::move(frame));
-  return frames.back().get();
-}
-
-Frame* Pager::State::enter(Frame* frame, PageNumber page) {
-  byNumber.emplace(page, frame);
-  frame->number = page;
-  quick[page & 0xFF] = frame;
-  return frame;
-}
-
-void Pager::State::forget(Frame* frame) {
-  byNumber.erase(frame->number);
-  frame->number = noPage;
+  // The last page of a file that was cut off.
+  std::fill(frame.bytes.get() + *got, frame.bytes.get() + pageSize, std::uint8_t{0});
+  codec.apply(page, frame.all());
+  return true;
 }
 
 Frame* Pager::State::load(PageNumber page) {
-  if (Frame* frame = find(page)) {
-    frame->recentlyUsed = true;
-    return frame;
+  Frame* frame = cache.find(page);
+  if (frame == nullptr) {
+    if (page >= pages || broken) {
+      error = "a page after the end of the file";
+      return nullptr;
+    }
+    frame = takeFrame();
+    if (!readInto(*frame, page)) {
+      return nullptr;
+    }
+    cache.enter(frame, page);
   }
-  if (page >= pages || broken) {
-    error = "a page behind the end of the file";
-    return nullptr;
-  }
-  Frame* frame = freeFrame();
-  const auto got = file->readAt(offsetOf(page), frame->all());
-  if (!got) {
-    error = "the file cannot be read";
-    return nullptr;
-  }
-  // The last page of a file that was cut off.
-  std::fill(frame->bytes.get() + *got, frame->bytes.get() + pageSize, std::uint8_t{0});
-  codec.apply(page, frame->all());
   frame->recentlyUsed = true;
-  return enter(frame, page);
+  return frame;
+}
+
+// Pages added since the last checkpoint are written when their frame is wanted; others that were changed wait
+// for the next one.
+bool Pager::State::mayGiveUp(Frame& frame) {
+  if (frame.changed) {
+    if (frame.number < committedPages || !writeEarly(frame)) {
+      return false;
+    }
+    unlist(frame);
+    wroteEarly = true;
+    return true;
+  }
+  return !frame.unwritten || (frame.number >= keptPages && writeEarly(frame));
 }
 
 std::unique_ptr<std::uint8_t[]> Pager::State::buffer() {
   if (spareBuffers.empty()) {
-    return std::make_unique<std::uint8_t[]>(pageSize);
+    return std::make_unique_for_overwrite<std::uint8_t[]>(pageSize);
   }
   auto last = std::move(spareBuffers.back());
   spareBuffers.pop_back();
   return last;
 }
+
+// --- Writing
 
 // The page as it lies in the file.
 Bytes Pager::State::coded(PageNumber page, Bytes bytes, std::vector<std::uint8_t>& space) const {
@@ -202,102 +176,144 @@ Bytes Pager::State::coded(PageNumber page, Bytes bytes, std::vector<std::uint8_t
   return space;
 }
 
-void Pager::State::journalRanges() {
-  journal->startRecord(offsetOf(pagesInFile), identity);
-  for (const Frame* frame : changed) {
-    if (!frame->before) {
-      continue;
-    }
-    const Bytes before = coded(frame->number, frame->old(), codedBefore);
-    const Bytes after = coded(frame->number, frame->all(), codedAfter);
-    forEachDifference(before, after, [&](std::size_t begin, std::size_t end) {
-      journal->addRange(offsetOf(frame->number) + begin, before.subspan(begin, end - begin),
-                        after.subspan(begin, end - begin));
-    });
+bool Pager::State::writePage(Frame& frame) {
+  const std::uint64_t offset = offsetOf(frame.number);
+  if (!file->writeAt(offset, coded(frame.number, frame.all(), codedAfter))) {
+    return fail("the file cannot be written");
   }
-}
-
-bool Pager::State::writeNewPages() {
-  for (const Frame* frame : changed) {
-    if (!frame->before &&
-        !file->writeAt(offsetOf(frame->number), coded(frame->number, frame->all(), codedAfter))) {
-      return false;
-    }
-  }
+  fileLength = std::max(fileLength, offset + pageSize);
+  frame.unwritten = false;
   return true;
 }
 
-// One write for each page, from the first difference to the last: the equal bytes between do no harm.
-bool Pager::State::writeChangedRanges() {
-  for (const Frame* frame : changed) {
-    if (!frame->before) {
-      continue;
-    }
-    std::size_t first = pageSize;
-    std::size_t last = 0;
-    forEachDifference(frame->old(), frame->all(), [&](std::size_t begin, std::size_t end) {
-      first = std::min(first, begin);
-      last = end;
-    });
-    if (first < last &&
-        !file->writeAt(offsetOf(frame->number) + first,
-                       coded(frame->number, frame->all(), codedAfter).subspan(first, last - first))) {
-      return false;
-    }
-  }
-  return true;
-}
-
-bool Pager::State::writeChanges() {
-  // New pages first: a full disk then shows before an old page has changed.
-  std::sort(changed.begin(), changed.end(),
-            [](const Frame* a, const Frame* b) { return a->number < b->number; });
-  journalRanges();
-  if (!journal->writeRecord()) {
+bool Pager::State::writeEarly(Frame& frame) {
+  const std::uint64_t end = offsetOf(frame.number + 1);
+  if (end > journal.announced() && !journal.announce(end + announceStep)) {
     return fail("the journal cannot be written");
   }
-  unsynced = true;
-  if (writeNewPages() && writeChangedRanges() && journal->voidRecord()) {
+  return writePage(frame);
+}
+
+void Pager::State::startChange(Frame& frame) {
+  if (frame.changed) {
+    return;
+  }
+  // A transaction that changes more than the cache holds does not keep what the file has as well.
+  const bool inFile = !frame.unwritten && changed.size() >= cache.limit();
+  if (frame.number < committedPages && !inFile) {
+    frame.before = buffer();
+    std::memcpy(frame.before.get(), frame.bytes.get(), frame.size);
+  }
+  frame.changed = true;
+  frame.changedAt = changed.size();
+  changed.push_back(&frame);
+}
+
+void Pager::State::unlist(Frame& frame) {
+  frame.changed = false;
+  changed[frame.changedAt] = changed.back();
+  changed[frame.changedAt]->changedAt = frame.changedAt;
+  changed.pop_back();
+}
+
+bool Pager::State::journalFrame(Frame& frame) {
+  const std::uint64_t offset = offsetOf(frame.number);
+  const Bytes after = coded(frame.number, frame.all(), codedAfter);
+  bool differs = frame.number >= committedPages;
+  if (differs) {
+    journal.addNewBytes(offset, after);
+  } else {
+    codedBefore.resize(pageSize);
+    if (!frame.before && file->readAt(offset, codedBefore) != pageSize) {
+      return fail("the file cannot be read");
+    }
+    const Bytes before = frame.before ? coded(frame.number, frame.old(), codedBefore) : Bytes(codedBefore);
+    forEachDifference(before, after, [&](std::size_t begin, std::size_t end) {
+      const Bytes now = after.subspan(begin, end - begin);
+      differs = true;
+      if (frame.number < keptPages) {
+        journal.addChange(offset + begin, before.subspan(begin, end - begin), now);
+      } else {
+        journal.addNewBytes(offset + begin, now);
+      }
+    });
+  }
+  if (differs && !frame.unwritten && frame.number < keptPages) {
+    ++unwrittenKept;
+  }
+  frame.unwrittenAfter = frame.unwritten || differs;
+  return true;
+}
+
+bool Pager::State::journalTransaction() {
+  // What went to the file early is in no record (P3).
+  if (wroteEarly && !file->sync()) {
+    return fail("the disk does not confirm the writing");
+  }
+  journal.startRecord();
+  for (Frame* frame : changed) {
+    if (!journalFrame(*frame)) {
+      return false;
+    }
+  }
+  return journal.writeRecord(offsetOf(pages)) || fail("the journal cannot be written");
+}
+
+// In the order of the file.
+bool Pager::State::writeUnwritten() {
+  std::vector<Frame*> waiting;
+  for (const auto& frame : cache.frames()) {
+    if (frame->number != noPage && frame->unwritten) {
+      waiting.push_back(frame.get());
+    }
+  }
+  std::sort(waiting.begin(), waiting.end(),
+            [](const Frame* a, const Frame* b) { return a->number < b->number; });
+  for (std::size_t i = 0; i < waiting.size(); ++i) {
+    if (!writePage(*waiting[i])) {
+      // Written, but not synced: they are to be written again.
+      for (std::size_t done = 0; done < i; ++done) {
+        waiting[done]->unwritten = true;
+      }
+      return false;
+    }
+  }
+  const std::uint64_t length = offsetOf(committedPages);
+  if ((fileLength == length || file->resize(length)) && file->sync()) {
+    fileLength = length;
     return true;
   }
-  if (!journal->undo(*file)) {
-    broken = true;
-    journal->keep();
-    return fail("the file cannot be written, nor put back as it was; the next open does that");
+  for (Frame* frame : waiting) {
+    frame->unwritten = true;
   }
-  return fail("the file cannot be written");
+  return fail("the disk does not confirm the writing");
+}
+
+// Gives a changed page its bytes before the transaction.
+bool Pager::State::restore(Frame& frame) {
+  if (frame.number >= committedPages) {
+    cache.forget(&frame);
+    return true;
+  }
+  if (!frame.before) {
+    return readInto(frame, frame.number);
+  }
+  std::memcpy(frame.bytes.get(), frame.before.get(), frame.size);
+  return true;
 }
 
 void Pager::State::endTransaction() {
+  constexpr std::size_t mostSpareBuffers = 64;
   for (Frame* frame : changed) {
     frame->changed = false;
-    if (frame->before) {
+    if (frame->before && spareBuffers.size() < mostSpareBuffers) {
       spareBuffers.push_back(std::move(frame->before));
     }
-  }
-  constexpr std::size_t spareLimit = 64;
-  if (spareBuffers.size() > spareLimit) {
-    spareBuffers.resize(spareLimit);
+    frame->before.reset();
   }
   changed.clear();
   transaction = false;
-  // A large transaction may have made the cache grow.
-  while (frames.size() > cachePages && frames.back()->pins == 0) {
-    Frame* frame = frames.back().get();
-    if (frame->number != noPage) {
-      if (quick[frame->number & 0xFF] == frame) {
-        quick[frame->number & 0xFF] = nullptr;
-      }
-      byNumber.erase(frame->number);
-    }
-    for (Frame*& slot : quick) {
-      if (slot == frame) {
-        slot = nullptr;
-      }
-    }
-    frames.pop_back();
-  }
-  clockHand = frames.empty() ? 0 : clockHand % frames.size();
+  wroteEarly = false;
 }
 
 PageView::~PageView() {
@@ -311,6 +327,8 @@ Bytes PageView::bytes() const {
 PageNumber PageView::number() const {
   return frame_->number;
 }
+
+// --- Opening
 
 namespace {
 
@@ -339,32 +357,33 @@ const char* reasonOf(OpenFailure failure) {
 
 std::unique_ptr<Pager> Pager::open(const std::filesystem::path& given, const Options& options,
                                    std::string& reason) {
-  auto state = std::make_unique<State>();
-  state->files = options.files != nullptr ? options.files : &systemFiles();
+  FileSystem& files = options.files != nullptr ? *options.files : systemFiles();
   // The journal lies beside the file itself, whatever link leads there.
   std::error_code error;
-  std::filesystem::path file = std::filesystem::canonical(given, error);
+  std::filesystem::path path = std::filesystem::canonical(given, error);
   if (error) {
-    file = given;
+    path = given;
   }
+  bool readOnly = options.readOnly;
+  std::unique_ptr<RandomAccessFile> file;
   OpenFailure failure = OpenFailure::notWritable;
-  if (!options.readOnly) {
-    state->file = state->files->open(file, OpenMode::write, failure);
+  if (!readOnly) {
+    file = files.open(path, OpenMode::write, failure);
   }
-  if (!state->file && failure == OpenFailure::notWritable) {
-    state->readOnly = true;
-    state->file = state->files->open(file, OpenMode::read, failure);
+  if (!file && failure == OpenFailure::notWritable) {
+    readOnly = true;
+    file = files.open(path, OpenMode::read, failure);
   }
-  if (!state->file) {
+  if (!file) {
     reason = reasonOf(failure);
     return nullptr;
   }
-  if (otherProgramUses(*state->files, file)) {
+  if (otherProgramUses(files, path)) {
     reason = "another program's lock file says that the file is in use";
     return nullptr;
   }
   std::array<std::uint8_t, headerSize> first = {};
-  const auto got = state->file->readAt(0, first);
+  const auto got = file->readAt(0, first);
   if (!got) {
     reason = "the file cannot be read";
     return nullptr;
@@ -373,25 +392,25 @@ std::unique_ptr<Pager> Pager::open(const std::filesystem::path& given, const Opt
   if (!header) {
     return nullptr;
   }
-  state->header = *header;
-  state->codec = PageCodec(header->pageKey);
-  state->pageSize = pageSizeOf(header->version);
-  state->identity = hashBytes(Bytes(first).first(state->pageSize));
-  state->cachePages = std::max<std::uint32_t>(options.cachePages, 16);
-  state->journal = std::make_unique<Journal>(*state->files, file);
-  if (!state->journal->recover(file, state->readOnly ? nullptr : state->file.get(), state->identity)) {
-    reason = "a process that ended while writing left the file half written, and it cannot be put right";
+  const std::uint32_t pageSize = pageSizeOf(header->version);
+  const std::uint64_t identity = hashBytes(Bytes(first).first(pageSize));
+  if (!recoverDatabase(files, path, readOnly ? nullptr : file.get(), identity, pageSize)) {  // P5
+    reason = "an ended process left a journal beside the file, and it cannot be applied";
     return nullptr;
   }
-  const auto size = state->file->size();
+  const auto size = file->size();
   if (!size || *size > maximumFileSize(header->version)) {
     reason = "the file is larger than the format allows";
     return nullptr;
   }
-  // P4. Jet 3 is read only: nobody can check what would be written.
-  state->readOnly = state->readOnly || *size % state->pageSize != 0 || isJet3(header->version);
-  state->pages = static_cast<PageNumber>((*size + state->pageSize - 1) / state->pageSize);
-  state->pagesInFile = state->pages;
+  auto state = std::make_unique<State>(std::move(file), *header, Journal(files, path, identity),
+                                       std::max(options.cachePages, fewestCachePages));
+  // P6. Jet 3 is read only: nobody can check what would be written.
+  state->readOnly = readOnly || *size % pageSize != 0 || isJet3(header->version);
+  state->pages = static_cast<PageNumber>((*size + pageSize - 1) / pageSize);
+  state->committedPages = state->keptPages = state->pages;
+  state->fileLength = *size;
+  state->journal.startAt(*size);
   return std::unique_ptr<Pager>(new Pager(std::move(state)));
 }
 
@@ -399,8 +418,8 @@ Pager::Pager(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
 Pager::~Pager() {
   rollback();
-  if (sync()) {
-    state_->journal->remove();
+  if (checkpoint()) {
+    state_->journal.remove();
   }
 }
 
@@ -428,6 +447,11 @@ bool Pager::inTransaction() const {
 std::string_view Pager::lastError() const {
   return state_->error;
 }
+SpaceHints& Pager::spaceHints() {
+  return state_->hints;
+}
+
+// --- Using
 
 PageView Pager::read(PageNumber page) {
   Frame* frame = state_->load(page);
@@ -449,16 +473,12 @@ bool Pager::begin() {
 }
 
 MutableBytes Pager::edit(PageNumber page) {
+  // P8
   Frame* frame = state_->transaction && page != 0 ? state_->load(page) : nullptr;
   if (frame == nullptr) {
     return {};
   }
-  if (!frame->changed) {
-    frame->before = state_->buffer();
-    std::memcpy(frame->before.get(), frame->bytes.get(), frame->size);
-    state_->changed.push_back(frame);
-    frame->changed = true;
-  }
+  state_->startChange(*frame);
   return frame->all();
 }
 
@@ -467,57 +487,75 @@ PageNumber Pager::append() {
     state_->fail("the file has its full size");
     return noPage;
   }
-  Frame* frame = state_->freeFrame();
+  Frame* frame = state_->takeFrame();
   std::memset(frame->bytes.get(), 0, frame->size);
-  state_->enter(frame, state_->pages);
-  frame->changed = true;
+  state_->cache.enter(frame, state_->pages);
   frame->recentlyUsed = true;
-  state_->changed.push_back(frame);
+  state_->startChange(*frame);
   return state_->pages++;
 }
 
 bool Pager::commit() {
-  if (!state_->transaction) {
-    return state_->fail("no transaction");
+  State& state = *state_;
+  if (!state.transaction) {
+    return state.fail("no transaction");
   }
-  if (!state_->changed.empty() && !state_->writeChanges()) {
+  const bool wroteEarly = state.wroteEarly;
+  if ((wroteEarly || !state.changed.empty()) && !state.journalTransaction()) {
     rollback();
     return false;
   }
-  state_->pagesInFile = state_->pages;
-  state_->endTransaction();
+  for (Frame* frame : state.changed) {
+    frame->unwritten = frame->unwrittenAfter;
+  }
+  state.committedPages = state.pages;
+  state.endTransaction();
+  if (wroteEarly) {
+    state.keptPages = state.committedPages;  // P3
+  }
+  if (wroteEarly || state.journal.size() > longJournal || state.unwrittenKept > state.cache.limit() / 2) {
+    checkpoint();  // if it fails, the next one does it
+  }
   return true;
 }
 
 void Pager::rollback() {
-  if (!state_->transaction) {
+  State& state = *state_;
+  if (!state.transaction) {
     return;
   }
-  for (Frame* frame : state_->changed) {
-    if (frame->before) {
-      std::memcpy(frame->bytes.get(), frame->before.get(), frame->size);
-    } else {
-      state_->forget(frame);
-    }
+  for (Frame* frame : state.changed) {
+    state.broken = !state.restore(*frame) || state.broken;
   }
-  state_->pages = state_->pagesInFile;
-  state_->endTransaction();
+  if (state.wroteEarly) {
+    state.cache.forgetFrom(state.committedPages);
+  }
+  state.pages = state.committedPages;
+  state.hints.searchFrom = 0;
+  state.endTransaction();
 }
 
-bool Pager::sync() {
-  if (state_->broken) {
-    return state_->fail("the file is broken");
+bool Pager::checkpoint() {
+  State& state = *state_;
+  if (state.transaction || state.broken) {
+    return state.fail("no checkpoint can be made");
   }
-  if (!state_->unsynced) {
+  if (state.journal.empty()) {
     return true;
   }
-  // The journal after the database: should its record come back to life, it only undoes a transaction that
-  // was not yet promised.
-  if (!state_->file->sync() || !state_->journal->sync()) {
-    return state_->fail("the disk does not confirm the writing");
+  // P4
+  if (!state.journal.sync()) {
+    return state.fail("the disk does not confirm the writing");
   }
-  state_->unsynced = false;
-  return true;
+  if (!state.writeUnwritten()) {
+    return false;
+  }
+  state.keptPages = state.committedPages;
+  state.unwrittenKept = 0;
+  state.cache.shrink([&state](Frame& frame) { return state.mayGiveUp(frame); });
+  const bool cleared = state.journal.clear();
+  state.journal.startAt(state.offsetOf(state.committedPages));
+  return cleared || state.fail("the disk does not confirm the writing");
 }
 
 }  // namespace veltrano::access

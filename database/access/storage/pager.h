@@ -3,27 +3,38 @@
 
 // The pages of one open file: a cache of bounded size for reading, transactions for writing.
 //
+// What is committed goes to the journal beside the file. The pages that the file had at the last checkpoint
+// are written over at the next one only: when a table or the file is closed, when the journal or the number
+// of changed pages has grown large, or after a transaction that was larger than the cache.
+//
+// What survives:
+//   after commit          the death of the process at any instant
+//   after checkpoint      a power failure, too
+//   in between            a power failure leaves the state of the last checkpoint, or of a later commit
+//
+// The process may die because the system keeps what was written; the next open brings it from the journal to
+// the file. The power may fail because nothing that the last checkpoint needs is overwritten before all that
+// the next one needs is on the disk. A commit waits for no disk; a checkpoint makes it sync three times: the
+// journal, the file, the voided journal.
+//
 // Invariants (cited by number in the code and its tests):
-//  P1  Outside a commit no byte of the file changes. A changed page stays in memory until then.
-//  P2  A commit makes a journal record with the old bytes of everything it is going to overwrite, and only
-//  when that
-//      is in the journal file does the first byte of the database change (journal.h).
-//  P3  A valid record in the journal means: the file may hold part of that transaction; whoever opens the
-//  file next
-//      puts the old bytes back and cuts the file to its old length, before reading anything else.
-//  P4  The file's length is always a whole number of pages when a transaction begins, otherwise nothing is
-//  written. P5  A frame of the cache that is pinned by a view, or changed, keeps its place in memory. P6 Page
-//  0 is never written, but by the creation of a file.
+//  P1  Outside a checkpoint no byte changes that the file had at the last checkpoint.
+//  P2  Pages added since then may be written early, but first the journal states, on the disk, how long the
+//      file may become: what comes after the stated length of the last record is cut off.
+//  P3  Such a page is in the journal as a whole, unless its transaction was larger than the cache. Then it is
+//      in the file, and synced, before the transaction's record is written, and counts as overwritable by the
+//      next checkpoint only.
+//  P4  Before a checkpoint writes to the file, the journal is on the disk. It becomes void, durably, only when
+//      the file is on the disk.
+//  P5  A journal with a valid record is applied by the next open before anything else is read (recovery.h).
+//  P6  The file's length is a whole number of pages when it is opened, or it is read only.
+//  P7  A frame of the cache that is pinned by a view, or changed, keeps its place in memory.
+//  P8  Page 0 is never written, except by the creation of a file.
 //
 // States:
-//   clean      --begin-->                transaction
-//   transaction --commit, worked-->      clean
-//   transaction --commit or any failure, old bytes put back--> clean (rolled back)
-//   transaction --commit failed, and so did putting back-->    broken: nothing can be written or read any
-//   more; the
-//                                                            journal stays for the next open (P3)
-// What survives: after commit returned true, the death of the process at any instant; after sync returned
-// true, a power failure too.
+//   idle         --begin-->                     transaction
+//   transaction  --commit, worked-->            idle
+//   transaction  --rollback, commit failed-->   idle, as before it began
 
 #include <cstdint>
 #include <filesystem>
@@ -35,15 +46,10 @@
 #include "database/access/storage/bytes.h"
 #include "database/access/storage/file.h"
 #include "database/access/storage/format.h"
+#include "database/access/storage/page_cache.h"
+#include "database/access/storage/space_hints.h"
 
 namespace veltrano::access {
-
-/// The number that no page has.
-inline constexpr PageNumber noPage = 0xFFFFFFFF;
-
-namespace pager_internal {
-struct Frame;
-}
 
 /// A page held in memory as long as the view lives. Empty when the page could not be read. Bytes written by
 /// the current transaction show in views made before.
@@ -67,8 +73,8 @@ class PageView {
 
  private:
   friend class Pager;
-  explicit PageView(pager_internal::Frame* frame) : frame_(frame) {}
-  pager_internal::Frame* frame_ = nullptr;
+  explicit PageView(Frame* frame) : frame_(frame) {}
+  Frame* frame_ = nullptr;
 };
 
 /// Not to be shared between threads. Views must not outlive the pager.
@@ -78,21 +84,21 @@ class Pager {
     bool readOnly = false;
     /// What the host gave, UTF-8; empty for none.
     std::string password = {};
-    /// Pages kept in memory; more only while a transaction has changed more.
+    /// Pages kept in memory; more only while a transaction changes more pages of the last checkpoint.
     std::uint32_t cachePages = 4096;
     /// Where the files are; the system's when null.
     FileSystem* files = nullptr;
   };
 
-  /// Opens a file: takes its lock, puts back what a killed process left half done, checks header and
-  /// password. Null when that is impossible; `reason` then says why. Falls back to reading only when the file
-  /// cannot be written.
+  /// Opens a file: takes its lock, applies the journal that a killed process left, checks header and
+  /// password. Null if that is impossible; `reason` then says why. Opens for reading only if the file cannot
+  /// be written.
   static std::unique_ptr<Pager> open(const std::filesystem::path& file, const Options& options,
                                      std::string& reason);
 
   Pager(const Pager&) = delete;
   Pager& operator=(const Pager&) = delete;
-  /// Rolls back an open transaction, syncs and closes.
+  /// Rolls back an open transaction, makes a checkpoint and closes.
   ~Pager();
 
   [[nodiscard]] Version version() const;
@@ -115,15 +121,17 @@ class Pager {
   /// be read or there is no transaction; the transaction is then to be rolled back. The same memory as that
   /// of `read` views.
   MutableBytes edit(PageNumber page);
-  /// A page of zeros behind the last one, for changing. `noPage` when the file would grow beyond its limit.
-  /// To be used by allocatePage (usage_map.h), which keeps the free-page map.
+  /// A page of zeros after the last one, for changing. `noPage` if the file would grow beyond its limit.
+  /// To be used by the allocator (allocator.h), which keeps the map of free pages.
   PageNumber append();
-  /// Writes all changes so that they happen wholly or not at all. False: nothing has happened, and the
-  /// transaction has ended.
+  /// Ends the transaction with all its changes, or false: with none of them.
   bool commit();
   void rollback();
-  /// Makes everything committed survive a power failure.
-  bool sync();
+  /// Writes everything committed to the file and makes it survive a power failure. Outside transactions. After
+  /// a failure nothing is lost; the journal has it, and the next checkpoint or open tries again.
+  bool checkpoint();
+
+  [[nodiscard]] SpaceHints& spaceHints();
 
   /// Why the last step failed, for the trace.
   [[nodiscard]] std::string_view lastError() const;

@@ -2,6 +2,7 @@
 
 #include <set>
 
+#include "database/access/pages/long_value.h"
 #include "database/access/pages/row.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/text_codec.h"
@@ -157,6 +158,22 @@ TEST(Row, IsBuiltAndReadBack) {
       }
     }
   }
+}
+
+TEST(LongValue, InTheRowEndsWithItsCell) {
+  const Folder folder;
+  makeDatabase(folder / "a.mdb", {});
+  const OpenedFile file(folder / "a.mdb");
+  ByteList cell;
+  makeInlineCell(bytesOf("abc"), cell);
+  ByteList buffer;
+  for (const std::uint32_t stated : {2U, 3U, 4U, 0x3FFFFFFFU}) {
+    store32(cell.data(), stated | 0x80000000U);
+    const auto value = readLongValue(file.pager(), cell, buffer);
+    ASSERT_TRUE(value);
+    EXPECT_EQ(value->size(), std::min(stated, 3U)) << stated;
+  }
+  EXPECT_FALSE(readLongValue(file.pager(), Bytes(cell).first(11), buffer));
 }
 
 // The edges of what the inline window and one bitmap page hold, and random pages between.

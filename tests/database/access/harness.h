@@ -1,8 +1,8 @@
 #ifndef VELTRANO_TESTS_DATABASE_ACCESS_HARNESS_H
 #define VELTRANO_TESTS_DATABASE_ACCESS_HARNESS_H
 
-// What the engine's tests share: files that go away, a table with a column of every type, random changes to
-// it next to a model in memory, and a file system that dies or fills up when it is told to.
+// What the engine's tests share: files that go away, a table with a column of every type, and random changes
+// to it next to a model in memory.
 
 #include <array>
 #include <filesystem>
@@ -89,30 +89,6 @@ class RandomWork {
 
   std::mt19937 random_;
   bool added_ = false;
-};
-
-/// The system's files, until the given number of writes is reached.
-class FailingFiles : public FileSystem {
- public:
-  enum class Failure {
-    death,     ///< that write is done in part, and nothing is written or removed afterwards
-    diskFull,  ///< that write is done in part, and then files can no longer grow
-  };
-  FailingFiles(Failure failure, int writes) : failure_(failure), writesLeft_(writes) {}
-
-  std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
-                                         OpenFailure& failure) override;
-  bool remove(const std::filesystem::path& file) override;
-  bool lockFileInUse(const std::filesystem::path& lockFile) override;
-
-  [[nodiscard]] bool failed() const { return writesLeft_ < 0; }
-  [[nodiscard]] bool dead() const { return failed() && failure_ == Failure::death; }
-  /// Counts a write; true when it is the one that fails.
-  bool countWrite() { return --writesLeft_ == -1; }
-
- private:
-  Failure failure_;
-  int writesLeft_;
 };
 
 }  // namespace veltrano::access

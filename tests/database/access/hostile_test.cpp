@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "base/os/files.h"
 #include "database/access/storage/codec.h"
 #include "harness.h"
 #include "hostile.h"
+#include "simulated_disk.h"
 
 namespace veltrano::access {
 namespace {
@@ -48,9 +47,9 @@ TEST(Hostile, DamagedBytesDoNoHarm) {
     if (work.number(10) == 0) {
       bad.resize(static_cast<std::size_t>(work.number(static_cast<int>(bad.size()))));
     }
-    replaceFile(folder / "bad.mdb", bad);
-    FailingFiles files(FailingFiles::Failure::death, std::numeric_limits<int>::max());
-    useHostileFile(folder / "bad.mdb", files);
+    SimulatedDisk disk;
+    disk.put("bad.mdb", std::move(bad));
+    useHostileFile("bad.mdb", disk);
   }
 }
 
@@ -93,10 +92,10 @@ TEST(Hostile, LiesAreSeenThrough) {
       std::string bad = good;
       const auto bytes = one.bytes.empty() ? le32(static_cast<std::uint32_t>(page)) : one.bytes;
       std::copy(bytes.begin(), bytes.end(), bad.begin() + static_cast<std::ptrdiff_t>(page * 4096 + one.at));
-      replaceFile(folder / "bad.mdb", bad);
       SCOPED_TRACE(one.name);
-      FailingFiles files(FailingFiles::Failure::death, std::numeric_limits<int>::max());
-      useHostileFile(folder / "bad.mdb", files);
+      SimulatedDisk disk;
+      disk.put("bad.mdb", std::move(bad));
+      useHostileFile("bad.mdb", disk);
     }
   }
 }

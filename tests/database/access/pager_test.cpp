@@ -1,0 +1,217 @@
+// What the pager writes, when, and what the next opener makes of it.
+
+#include "database/access/storage/pager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "base/os/files.h"
+#include "harness.h"
+#include "simulated_disk.h"
+
+namespace veltrano::access {
+namespace {
+
+using testing::ElementsAre;
+
+constexpr std::size_t pageSize = 4096;
+constexpr PageNumber somePage = 3;
+
+class PagerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    makeDatabase(folder_ / "a.mdb", {peopleTable()});
+    base_ = readWholeFile(folder_ / "a.mdb").value();
+    disk_.put("a.mdb", base_);
+    open();
+  }
+  void open(std::uint32_t cachePages = 4096) {
+    std::string reason;
+    pager_ = Pager::open("a.mdb", {.cachePages = cachePages, .files = &disk_}, reason);
+    ASSERT_TRUE(pager_) << reason;
+  }
+  /// Changes the last byte of a page.
+  bool put(std::uint8_t value, PageNumber page = somePage) {
+    Transaction transaction(*pager_);
+    const MutableBytes bytes = pager_->edit(page);
+    return !bytes.empty() && (bytes[pageSize - 1] = value, transaction.commit());
+  }
+  std::uint8_t got(PageNumber page = somePage) { return pager_->read(page).bytes()[pageSize - 1]; }
+  bool append(int pages) {
+    Transaction transaction(*pager_);
+    for (int i = 0; i < pages; ++i) {
+      const PageNumber page = pager_->append();
+      if (page == noPage) {
+        return false;
+      }
+      pager_->edit(page)[pageSize - 1] = static_cast<std::uint8_t>(page % 251 + 1);
+    }
+    return transaction.commit();
+  }
+  /// The process dies, and another one opens the file.
+  void dieAndOpen() {
+    disk_.dieAfter(-1);
+    pager_.reset();
+    disk_.revive();
+    disk_.calls.clear();
+    open();
+  }
+
+  Folder folder_;
+  std::string base_;
+  SimulatedDisk disk_;
+  std::unique_ptr<Pager> pager_;
+};
+
+TEST_F(PagerTest, WaitsForTheDiskAtCheckpointsOnly) {
+  EXPECT_TRUE(put(1) && put(2));
+  EXPECT_THAT(disk_.calls, ElementsAre("create a.mdb-journal", "write a.mdb-journal", "write a.mdb-journal"));
+  EXPECT_EQ(disk_.content("a.mdb"), base_);
+  disk_.calls.clear();
+  EXPECT_TRUE(pager_->checkpoint());
+  EXPECT_THAT(disk_.calls, ElementsAre("sync a.mdb-journal", "write a.mdb", "sync a.mdb",
+                                       "write a.mdb-journal", "sync a.mdb-journal"));
+  EXPECT_TRUE(pager_->checkpoint());
+  pager_.reset();
+  EXPECT_EQ(disk_.calls.size(), 6U) << "nothing was left to do";
+  EXPECT_EQ(disk_.calls.back(), "remove a.mdb-journal");
+}
+
+TEST_F(PagerTest, RecoveryWaitsForTheDisk) {
+  put(1);
+  dieAndOpen();
+  EXPECT_THAT(disk_.calls, ElementsAre("sync a.mdb-journal", "write a.mdb", "resize a.mdb", "sync a.mdb",
+                                       "write a.mdb-journal", "sync a.mdb-journal", "remove a.mdb-journal"));
+  EXPECT_EQ(got(), 1);
+}
+
+TEST_F(PagerTest, RecoveryCutsOffWhatWasNotCommitted) {
+  pager_.reset();
+  open(16);
+  const PageNumber pages = pager_->pageCount();
+  ASSERT_TRUE(append(4));
+  {
+    const Transaction transaction(*pager_);
+    for (int i = 0; i < 1000; ++i) {
+      ASSERT_NE(pager_->append(), noPage);
+    }
+    // A transaction that is larger than the cache does not stay in memory.
+    EXPECT_GT(disk_.content("a.mdb").size(), (pages + 900) * pageSize);
+    disk_.dieAfter(-1);
+  }
+  dieAndOpen();
+  EXPECT_EQ(pager_->pageCount(), pages + 4);
+  EXPECT_EQ(disk_.content("a.mdb").size(), (pages + 4) * pageSize);
+  EXPECT_EQ(got(pages + 3), (pages + 3) % 251 + 1);
+}
+
+TEST_F(PagerTest, LargeTransactionsAreWhole) {
+  pager_.reset();
+  open(16);
+  const PageNumber pages = pager_->pageCount();
+  ASSERT_TRUE(append(300));
+  EXPECT_EQ(disk_.calls.back(), "sync a.mdb-journal") << "a checkpoint followed";
+  {
+    // Pages of the checkpoint, changed beyond the cache's size, come back.
+    const Transaction transaction(*pager_);
+    for (PageNumber page = pages; page < pages + 300; ++page) {
+      pager_->edit(page)[pageSize - 1] = 0;
+    }
+  }
+  for (PageNumber page = pages; page < pages + 300; ++page) {
+    ASSERT_EQ(got(page), page % 251 + 1);
+  }
+  ASSERT_TRUE(append(100));
+  dieAndOpen();
+  EXPECT_EQ(pager_->pageCount(), pages + 400);
+  EXPECT_EQ(got(pages + 399), (pages + 399) % 251 + 1);
+}
+
+TEST_F(PagerTest, ADamagedRecordDoesNotCount) {
+  put(1);
+  const std::string first = disk_.content("a.mdb-journal");
+  put(2);
+  const std::string both = disk_.content("a.mdb-journal");
+  disk_.dieAfter(-1);
+  pager_.reset();
+  for (std::size_t at = 0; at <= both.size(); ++at) {
+    std::string damaged = both;
+    if (at < both.size()) {
+      damaged[at] = static_cast<char>(damaged[at] ^ 1);
+    }
+    disk_.revive();
+    disk_.put("a.mdb", base_);
+    disk_.put("a.mdb-journal", damaged);
+    open();
+    // The damaged record ends the journal.
+    const int expected = at == both.size() ? 2
+                         : at >= first.size()
+                             ? 1
+                             : static_cast<std::uint8_t>(base_[(somePage + 1) * pageSize - 1]);
+    ASSERT_EQ(got(), expected) << "byte " << at;
+    pager_.reset();
+  }
+}
+
+// A checkpoint makes its journal void; whatever part of the next one's beginning is written over it, the old
+// records stay void.
+TEST_F(PagerTest, TheNextRecordMayBeCutAnywhere) {
+  put(1);
+  ASSERT_TRUE(pager_->checkpoint());
+  const std::string voided = disk_.content("a.mdb-journal");
+  const std::string database = disk_.content("a.mdb");
+  ASSERT_TRUE(put(2));
+  const std::string next = disk_.content("a.mdb-journal");
+  disk_.dieAfter(-1);
+  pager_.reset();
+  for (std::size_t cut = 0; cut <= next.size(); ++cut) {
+    disk_.revive();
+    disk_.put("a.mdb", database);
+    disk_.put("a.mdb-journal", next.substr(0, cut) + voided.substr(std::min(cut, voided.size())));
+    open();
+    ASSERT_EQ(got(), cut == next.size() ? 2 : 1) << "cut after " << cut;
+    pager_.reset();
+  }
+}
+
+// Another copy of the file has taken its place since the writer was killed.
+TEST_F(PagerTest, AJournalOfAnotherFileIsLeftOut) {
+  ASSERT_TRUE(append(2));
+  const std::string appended = disk_.content("a.mdb-journal");
+  ASSERT_TRUE(put(1));
+  const std::string changed = disk_.content("a.mdb-journal");
+  disk_.dieAfter(-1);
+  pager_.reset();
+  makeDatabase(folder_ / "b.mdb", {peopleTable()}, {.created = 40000});
+  std::string edited = base_;
+  edited[(somePage + 1) * pageSize - 1] = 77;
+  const std::vector<std::tuple<const char*, std::string, std::string>> cases = {
+      {"longer", appended, base_ + std::string(50 * pageSize, 'x')},
+      {"shorter", appended, base_.substr(0, base_.size() - pageSize)},
+      {"edited", changed, edited},
+      {"other header", changed, readWholeFile(folder_ / "b.mdb").value()}};
+  for (const auto& [name, journal, database] : cases) {
+    disk_.revive();
+    disk_.put("a.mdb", database);
+    disk_.put("a.mdb-journal", journal);
+    open();
+    EXPECT_EQ(disk_.content("a.mdb"), database) << name;
+    EXPECT_FALSE(disk_.exists("a.mdb-journal")) << name;
+    pager_.reset();
+  }
+}
+
+TEST_F(PagerTest, AReaderRefusesWhatItCannotPutRight) {
+  put(1);
+  disk_.dieAfter(-1);
+  pager_.reset();
+  disk_.revive();
+  std::string reason;
+  EXPECT_FALSE(Pager::open("a.mdb", {.readOnly = true, .files = &disk_}, reason));
+  open();
+  pager_.reset();
+  EXPECT_TRUE(Pager::open("a.mdb", {.readOnly = true, .files = &disk_}, reason));
+}
+
+}  // namespace
+}  // namespace veltrano::access

@@ -1,0 +1,261 @@
+// That room is used again, and that a full file still lets its records be deleted.
+
+#include <gtest/gtest.h>
+
+#include "base/os/files.h"
+#include "database/access/schema/catalog.h"
+#include "database/access/storage/allocator.h"
+#include "database/access/storage/usage_map.h"
+#include "database/access/table_writer.h"
+#include "harness.h"
+#include "simulated_disk.h"
+
+namespace veltrano::access {
+namespace {
+
+constexpr std::size_t pageSize = 4096;
+constexpr int pieces = 8;
+
+// Rows of any length: a number, pieces of up to 255 bytes, a long value.
+NewTable rowsTable() {
+  NewTable table = {.name = "Rows", .columns = {{.name = "ID", .type = ColumnType::longInteger}}};
+  for (int i = 0; i < pieces; ++i) {
+    table.columns.push_back({.name = "P" + std::to_string(i), .type = ColumnType::binary, .size = 255});
+  }
+  table.columns.push_back({.name = "Long", .type = ColumnType::ole});
+  return table;
+}
+
+// The table of an open file, written without a recordset.
+class Rows {
+ public:
+  explicit Rows(const OpenedFile& file) : pager_(file.pager()) {
+    std::string reason;
+    table_.emplace(pager_, findTable(pager_, "Rows", reason).value());
+    writer_.emplace(TableWriter::create(*table_, reason).value());
+  }
+  [[nodiscard]] PageNumber pages() const { return pager_.pageCount(); }
+  Pager& pager() { return pager_; }
+  TableWriter& writer() { return *writer_; }
+  /// A record whose row has about so many bytes, and a long value of so many.
+  static std::vector<Draft> record(int rowBytes, int longBytes) {
+    std::vector<Draft> drafts(pieces + 2);
+    drafts[0] = {{false, {1, 2, 3, 4}}, true};
+    for (int i = 0; i < pieces; ++i) {
+      const int size = std::min(rowBytes, 255);
+      drafts[static_cast<std::size_t>(i) + 1] = {
+          {false, std::vector<std::uint8_t>(static_cast<std::size_t>(size), 'r')}, true};
+      rowBytes -= size;
+    }
+    if (longBytes > 0) {
+      drafts.back() = {{false, std::vector<std::uint8_t>(static_cast<std::size_t>(longBytes), 'l')}, true};
+    }
+    return drafts;
+  }
+  std::optional<RowPointer> add(int rowBytes, int longBytes) {
+    auto drafts = record(rowBytes, longBytes);
+    return writer_->insert(drafts);
+  }
+
+ private:
+  Pager& pager_;
+  std::optional<Table> table_;
+  std::optional<TableWriter> writer_;
+};
+
+class Space : public testing::Test {
+ protected:
+  void SetUp() override { makeDatabase(folder_ / "a.mdb", {rowsTable()}); }
+  /// The same file on a disk that nobody waits for.
+  void toMemory() { disk_.put("a.mdb", readWholeFile(folder_ / "a.mdb").value()); }
+
+  /// No page below `end` is free any more.
+  static void useUp(Pager& pager, PageNumber end) {
+    UsageMap free(pager, globalMap);
+    for (PageNumber page = 0; page < end; ++page) {
+      free.remove(page);
+    }
+  }
+
+  Folder folder_;
+  SimulatedDisk disk_;
+};
+
+// Other programs leave their free pages as they were; they come first, and are not taken.
+TEST_F(Space, EditsOfALongValueDoNotMakeTheFileLonger) {
+  toMemory();
+  std::vector<PageNumber> foreign;
+  {
+    OpenedFile file("a.mdb", &disk_);
+    Transaction transaction(file.pager());
+    for (int i = 0; i < 40; ++i) {
+      foreign.push_back(allocatePage(file.pager()).value());
+    }
+    for (const PageNumber page : foreign) {
+      freePage(file.pager(), page);
+    }
+    transaction.commit();
+  }
+  std::string content = disk_.content("a.mdb");
+  for (const PageNumber page : foreign) {
+    content[page * pageSize + 9] = 'x';
+  }
+  disk_.put("a.mdb", content);
+  for (int session = 0; session < 2; ++session) {
+    OpenedFile file("a.mdb", &disk_, 64);
+    Rows rows(file);
+    const PageNumber before = rows.pages();
+    const auto row = rows.add(100, 8192);
+    ASSERT_TRUE(row);
+    for (int i = 0; i < 500; ++i) {
+      ASSERT_TRUE(rows.writer().update(*row, Rows::record(100, 8192 + i % 7)));
+    }
+    EXPECT_LE(rows.pages(), before + 8);
+    EXPECT_EQ(file.check(), "");
+  }
+  EXPECT_EQ(disk_.content("a.mdb")[foreign.front() * pageSize + 9], 'x');
+}
+
+struct Churn {
+  const char* name;
+  int shortest;
+  int longest;
+  int longValue;  // every third record has one of up to so many bytes
+};
+
+// A thousand records, of which 40 are replaced and 40 change their length in each of 50 rounds: the file is
+// hardly longer than one into which the same records were just put.
+TEST_F(Space, OfDeletedRowsIsUsedAgain) {
+  for (const Churn& churn : {Churn{"short rows", 5, 60, 0}, Churn{"rows of any length", 10, 1900, 0},
+                             Churn{"long values", 10, 100, 9000}}) {
+    toMemory();
+    OpenedFile file("a.mdb", &disk_);
+    Rows rows(file);
+    RandomWork random(17);
+    const auto rowBytes = [&] { return churn.shortest + random.number(churn.longest - churn.shortest); };
+    struct Live {
+      RowPointer place;
+      int row;
+      int value;
+    };
+    std::vector<Live> live;
+    const auto add = [&] {
+      const int row = rowBytes();
+      const int value =
+          churn.longValue > 0 && random.number(3) == 0 ? 100 + random.number(churn.longValue) : 0;
+      const auto place = rows.add(row, value);
+      ASSERT_TRUE(place) << churn.name;
+      live.push_back({*place, row, value});
+    };
+    for (int i = 0; i < 1000; ++i) {
+      add();
+    }
+    for (int round = 0; round < 50; ++round) {
+      for (int i = 0; i < 40; ++i) {
+        const auto at = live.begin() + random.number(static_cast<int>(live.size()));
+        ASSERT_TRUE(rows.writer().remove(at->place)) << churn.name;
+        *at = live.back();
+        live.pop_back();
+        add();
+        Live& other = live[static_cast<std::size_t>(random.number(static_cast<int>(live.size())))];
+        other.row = rowBytes();
+        ASSERT_TRUE(rows.writer().update(other.place, Rows::record(other.row, other.value))) << churn.name;
+      }
+    }
+    EXPECT_EQ(file.check(), "") << churn.name;
+    disk_.put("b.mdb", readWholeFile(folder_ / "a.mdb").value());
+    OpenedFile fresh("b.mdb", &disk_);
+    Rows again(fresh);
+    for (const Live& one : live) {
+      again.add(one.row, one.value);
+    }
+    EXPECT_LE(rows.pages(), again.pages() * 13 / 10) << churn.name;
+    RecordProperty(churn.name, static_cast<int>(rows.pages() * 100 / again.pages()));
+  }
+}
+
+TEST_F(Space, OfAShortenedRowIsUsedAgain) {
+  toMemory();
+  OpenedFile file("a.mdb", &disk_);
+  Rows rows(file);
+  const auto first = rows.add(1900, 0);
+  const auto second = rows.add(1900, 0);
+  ASSERT_TRUE(first && second);
+  ASSERT_EQ(first->page, second->page);
+  ASSERT_TRUE(rows.writer().update(*first, Rows::record(20, 0)));
+  const auto third = rows.add(1500, 0);
+  ASSERT_TRUE(third);
+  EXPECT_EQ(third->page, first->page);
+  EXPECT_EQ(file.check(), "");
+}
+
+// The map of free pages stops being inline in a file that needs bitmap pages beyond the range of the first.
+TEST_F(Space, BitmapPagesOfTheGlobalMapAreInUse) {
+  std::filesystem::resize_file(folder_ / "a.mdb", std::uintmax_t{70000} * pageSize);
+  OpenedFile file(folder_ / "a.mdb");
+  Transaction transaction(file.pager());
+  useUp(file.pager(), 512);
+  const PageNumber page = allocatePage(file.pager()).value();
+  ASSERT_TRUE(freePage(file.pager(), allocatePage(file.pager()).value()));
+  ASSERT_TRUE(transaction.commit());
+  const UsageMap free(file.pager(), globalMap);
+  for (PageNumber used = page; used < file.pager().pageCount(); ++used) {
+    const PageView view = file.pager().read(used);
+    EXPECT_EQ(free.contains(used), used != page && view.data()[0] == 0) << used;
+  }
+  EXPECT_EQ(file.check(), "");
+}
+
+TEST_F(Space, AFullFileLetsRecordsBeDeleted) {
+  std::vector<RowPointer> places;
+  {
+    OpenedFile file(folder_ / "a.mdb");
+    Rows rows(file);
+    for (int i = 0; i < 1300; ++i) {
+      places.push_back(rows.add(1600, i % 20 == 0 ? 300 : 0).value());
+    }
+  }
+  std::filesystem::resize_file(folder_ / "a.mdb", maximumFileSize(Version::jet4));
+  OpenedFile file(folder_ / "a.mdb");
+  {
+    Transaction transaction(file.pager());
+    useUp(file.pager(), 32736);
+    ASSERT_TRUE(transaction.commit());
+  }
+  Rows rows(file);
+  ASSERT_FALSE(rows.add(1600, 0)) << "it is full";
+  for (std::size_t i = 0; i < places.size(); i += 5) {
+    ASSERT_TRUE(rows.writer().remove(places[i])) << i << ": " << rows.writer().lastError();
+  }
+  EXPECT_TRUE(rows.add(1600, 300)) << "where a deleted one was";
+  EXPECT_EQ(file.check(), "");
+}
+
+// Its chain leads nowhere after the first piece.
+TEST_F(Space, DamagedLongValuesLetTheirRecordBeDeleted) {
+  toMemory();
+  RowPointer place;
+  {
+    OpenedFile file("a.mdb", &disk_);
+    Rows rows(file);
+    place = rows.add(10, 20000).value();
+    ASSERT_TRUE(rows.add(10, 50));
+  }
+  std::string content = disk_.content("a.mdb");
+  // The second piece of the chain; pieces are stored from the last to the first.
+  int fromEnd = 0;
+  for (std::size_t at = content.size(); at >= pageSize && fromEnd < 2; at -= pageSize) {
+    fromEnd += content.compare(at - pageSize + 4, 4, "LVAL") == 0 ? 1 : 0;
+    if (fromEnd == 2) {
+      content.replace(at - pageSize + 4, 4, "LOST");
+    }
+  }
+  ASSERT_EQ(fromEnd, 2);
+  disk_.put("a.mdb", content);
+  OpenedFile file("a.mdb", &disk_);
+  Rows rows(file);
+  EXPECT_TRUE(rows.writer().remove(place)) << rows.writer().lastError();
+}
+
+}  // namespace
+}  // namespace veltrano::access
