@@ -161,6 +161,14 @@ const Pattern patterns[] = {
        key.insert(key.end(), tail.begin(), tail.end());
        return key;
      }},
+    {"of many folders, up to the longest key", 2000,
+     [](Random& random) {
+       const std::uint32_t folder = random.below(40);
+       std::vector<std::uint8_t> key(20 + folder * 29, static_cast<std::uint8_t>(0x40 + folder % 7));
+       const auto tail = randomBytes(random, 1 + random.below(8), 256);
+       key.insert(key.end(), tail.begin(), tail.end());
+       return key;
+     }},
     {"as long as they may be: three to a page, a deep tree", 1500,
      [](Random& random) { return randomBytes(random, longestKey - random.below(300), 250); }},
     {"of every length", 2000,
@@ -200,6 +208,33 @@ TEST_F(IndexTreeTest, MatchesAModelThroughRandomChanges) {
       ASSERT_NO_FATAL_FAILURE(check());
       EXPECT_EQ(pagesOfIndex(), 1) << "the root alone must be left";
     }
+  }
+}
+
+// File names added folder after folder: neighbours share nearly everything, but not across folders.
+TEST_F(IndexTreeTest, TakesKeysWithLongCommonBeginnings) {
+  for (const bool shuffled : {false, true}) {
+    Random random(5);
+    std::vector<OwnedEntry> entries;
+    for (std::uint32_t folder = 0; folder < 24; ++folder) {
+      for (std::uint32_t file = 0; file < 100; ++file) {
+        // In no order, so that each folder comes between others.
+        std::string path(150 + folder * 7 % 24 * 40, static_cast<char>('a' + folder * 7 % 24));
+        path += std::to_string(100000 + file * 37 % 100);
+        entries.push_back({{path.begin(), path.end()}, {4 + folder, static_cast<std::uint8_t>(file)}});
+      }
+    }
+    for (std::size_t i = entries.size(); shuffled && i > 1; --i) {
+      std::swap(entries[i - 1], entries[random.below(static_cast<std::uint32_t>(i))]);
+    }
+    for (const OwnedEntry& entry : entries) {
+      ASSERT_NO_FATAL_FAILURE(insert(entry)) << "shuffled: " << shuffled;
+    }
+    ASSERT_NO_FATAL_FAILURE(check());
+    for (const OwnedEntry& entry : entries) {
+      ASSERT_NO_FATAL_FAILURE(remove(entry));
+    }
+    ASSERT_NO_FATAL_FAILURE(check());
   }
 }
 

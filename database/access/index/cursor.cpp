@@ -143,6 +143,10 @@ bool IndexCursor::toNeighbour(Way way) {
   return view_ ? settle(pager_->pageSize(), Way::backward) : stop(true);
 }
 
+bool IndexCursor::again() {
+  const std::vector<std::uint8_t> key = key_;
+  return valid_ && seek({key, row_});
+}
 bool IndexCursor::next() {
   return toNeighbour(Way::forward);
 }

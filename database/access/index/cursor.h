@@ -20,6 +20,9 @@ class IndexCursor {
   bool last();
   bool next();
   bool previous();
+  /// To the entry that the cursor stands on, should it have been removed and entered again, or else to the one after
+  /// it.
+  bool again();
   /// To the first entry that is not before `wanted`.
   bool seek(const IndexEntry& wanted);
 

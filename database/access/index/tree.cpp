@@ -9,25 +9,31 @@ namespace veltrano::access {
 
 namespace {
 
-/// How many entries of a page that is divided go to the left one.
+/// How many entries of a page that is divided go to the left one. Both parts then fit: between its neighbours
+/// an entry shares what they share, and one at an edge that does not can stand alone.
 std::size_t placeOfCut(const IndexPage& page, const EntryList& entries, std::size_t offset) {
-  // What comes in order, upwards or downwards, fills pages instead of halving them.
+  // Ascending and descending insertions fill pages instead of halving them.
   if (offset == page.end() && page.next() == 0) {
     return entries.size() - 1;
   }
   if (offset == 0 && page.previous() == 0 && page.isLeaf()) {
     return 1;
   }
-  std::size_t total = 0;
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    total += entries[i].size();
+  // Packed sizes: a part that loses the common beginning of its keys is longer than its share. With each
+  // entry that goes left the left part grows and the right one shrinks, so the best cut is where they cross.
+  const auto left = [&](std::size_t cut) { return entries.packedSize(0, cut); };
+  const auto right = [&](std::size_t cut) { return entries.packedSize(cut, entries.size()); };
+  std::size_t low = 1;
+  std::size_t high = entries.size() - 1;
+  while (low < high) {
+    const std::size_t middle = low + (high - low) / 2;
+    if (left(middle) < right(middle)) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
   }
-  std::size_t left = 0;
-  std::size_t cut = 0;
-  while (cut + 1 < entries.size() && left + entries[cut].size() <= total / 2) {
-    left += entries[cut++].size();
-  }
-  return std::max<std::size_t>(cut, 1);
+  return low > 1 && right(low - 1) < left(low) ? low - 1 : low;
 }
 
 /// T4: of several children the greatest is the tail.

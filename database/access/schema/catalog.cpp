@@ -71,7 +71,7 @@ std::optional<CatalogEntry> readEntry(const Catalog& catalog, RowPointer place) 
 // Calls action(entry) for every object, until it answers false.
 template <typename Action>
 void forEachEntry(const Catalog& catalog, Action action) {
-  for (auto place = catalog.table.next(std::nullopt); place; place = catalog.table.next(place)) {
+  for (auto place = catalog.table.from({}); place; place = catalog.table.next(*place)) {
     const auto entry = readEntry(catalog, *place);
     if (entry && !action(*entry)) {
       return;

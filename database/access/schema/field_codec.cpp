@@ -223,7 +223,7 @@ OptionalCell integerCell(const Value& value) {
 
 std::vector<std::uint8_t> cellOfDouble(double value) {
   std::vector<std::uint8_t> cell(8);
-  storeDouble(cell.data(), value);
+  storeDouble(cell.data(), value + 0.0);  // minus zero becomes zero
   return cell;
 }
 
@@ -232,8 +232,9 @@ OptionalCell singleCell(const Value& value) {
   if (!number) {
     return std::nullopt;
   }
+  const float positiveZero = *number + 0.0F;
   std::uint32_t bits;
-  std::memcpy(&bits, &*number, sizeof bits);
+  std::memcpy(&bits, &positiveZero, sizeof bits);
   std::vector<std::uint8_t> cell(4);
   store32(cell.data(), bits);
   return cell;

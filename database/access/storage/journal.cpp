@@ -157,6 +157,15 @@ bool Journal::recover(const std::filesystem::path& databasePath, RandomAccessFil
   return true;
 }
 
+bool Journal::canBeMade() {
+  OpenFailure failure = {};
+  if (!files_->open(path_, OpenMode::create, failure)) {
+    return false;
+  }
+  files_->remove(path_);
+  return true;
+}
+
 void Journal::startRecord(std::uint64_t oldSize, std::uint64_t identity) {
   record_.resize(recordHead);
   std::copy(magic.begin(), magic.end(), record_.begin());

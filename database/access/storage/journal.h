@@ -26,6 +26,9 @@ class Journal {
   /// then. With a null database (open for reading only) a valid record is such a failure.
   bool recover(const std::filesystem::path& databasePath, RandomAccessFile* database, std::uint64_t identity);
 
+  /// Whether the journal's file can be made, without which nothing can be written.
+  bool canBeMade();
+
   // A commit: startRecord, addRange for each stretch of bytes to be overwritten, then writeRecord; when the
   // database has been written, voidRecord. Between the last two the journal can undo the transaction.
 

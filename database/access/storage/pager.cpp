@@ -389,7 +389,8 @@ std::unique_ptr<Pager> Pager::open(const std::filesystem::path& given, const Opt
     return nullptr;
   }
   // P4. Jet 3 is read only: nobody can check what would be written.
-  state->readOnly = state->readOnly || *size % state->pageSize != 0 || isJet3(header->version);
+  state->readOnly = state->readOnly || *size % state->pageSize != 0 || isJet3(header->version) ||
+                    !state->journal->canBeMade();
   state->pages = static_cast<PageNumber>((*size + state->pageSize - 1) / state->pageSize);
   state->pagesInFile = state->pages;
   return std::unique_ptr<Pager>(new Pager(std::move(state)));

@@ -276,6 +276,10 @@ class FailingFile final : public RandomAccessFile {
 
 std::unique_ptr<RandomAccessFile> FailingFiles::open(const std::filesystem::path& file, OpenMode mode,
                                                      OpenFailure& failure) {
+  if (failure_ == Failure::noNewFiles && mode == OpenMode::create) {
+    failure = OpenFailure::notWritable;
+    return nullptr;
+  }
   auto opened = systemFiles().open(file, mode, failure);
   return opened ? std::make_unique<FailingFile>(*this, std::move(opened)) : nullptr;
 }

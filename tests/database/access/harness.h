@@ -95,8 +95,9 @@ class RandomWork {
 class FailingFiles : public FileSystem {
  public:
   enum class Failure {
-    death,     ///< that write is done in part, and nothing is written or removed afterwards
-    diskFull,  ///< that write is done in part, and then files can no longer grow
+    death,       ///< that write is done in part, and nothing is written or removed afterwards
+    diskFull,    ///< that write is done in part, and then files can no longer grow
+    noNewFiles,  ///< at once: files cannot be made, as in a folder where the user may not
   };
   FailingFiles(Failure failure, int writes) : failure_(failure), writesLeft_(writes) {}
 
