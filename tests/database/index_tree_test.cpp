@@ -216,10 +216,10 @@ TEST_F(IndexTreeTest, TakesKeysWithLongCommonBeginnings) {
   for (const bool shuffled : {false, true}) {
     Random random(5);
     std::vector<OwnedEntry> entries;
-    for (std::uint32_t folder = 0; folder < 24; ++folder) {
+    for (std::uint32_t folder = 0; folder < 12; ++folder) {
       for (std::uint32_t file = 0; file < 100; ++file) {
         // In no order, so that each folder comes between others.
-        std::string path(150 + folder * 7 % 24 * 40, static_cast<char>('a' + folder * 7 % 24));
+        std::string path(150 + folder * 7 % 12 * 80, static_cast<char>('a' + folder * 7 % 12));
         path += std::to_string(100000 + file * 37 % 100);
         entries.push_back({{path.begin(), path.end()}, {4 + folder, static_cast<std::uint8_t>(file)}});
       }

@@ -524,7 +524,6 @@ class PatchedFile : public testing::Test {
     // The day 0 masks the password with zeros, so that the header reads as that of any version.
     makeDatabase(file_, {peopleTable()}, {.created = 0.5});
     OpenedFile opened(file_);
-    const auto people = opened.table("People");
     std::string reason;
     const TableDefinition table = findTable(opened.pager(), "People", reason).value();
     definition_ = table.page;
@@ -540,7 +539,9 @@ class PatchedFile : public testing::Test {
     RandomWork work(static_cast<unsigned>(seed));
     for (int i = 0; i < 40; ++i) {
       Model after;
-      model_ = work.step(*people, model_, after) ? std::move(after) : std::move(model_);
+      if (work.step(*people, model_, after)) {
+        model_ = std::move(after);
+      }
     }
   }
   std::string whatIsWrong() {
@@ -622,8 +623,8 @@ TEST_F(PatchedFile, CountsTheKeysOfEachIndex) {
       EXPECT_TRUE(people->update());
     }
   }
-  // ID, Name, Code (null twice: left out), Notes and Price (null: one key), Amount (left out).
-  EXPECT_EQ(counts(), (std::vector<std::uint32_t>{4, 2, 2, 1, 0, 1}));
+  // ID, Name, Code (null twice: left out), Notes and Path (null: one key), Amount (left out), Price.
+  EXPECT_EQ(counts(), (std::vector<std::uint32_t>{4, 2, 2, 1, 1, 0, 1}));
   {
     OpenedFile opened(file_);
     const auto people = opened.table("People");
@@ -632,7 +633,30 @@ TEST_F(PatchedFile, CountsTheKeysOfEachIndex) {
     people->write("Code", "9");
     EXPECT_TRUE(people->update() && people->remove());
   }
-  EXPECT_EQ(counts(), (std::vector<std::uint32_t>{4, 2, 3, 1, 0, 1})) << "they never go down";
+  EXPECT_EQ(counts(), (std::vector<std::uint32_t>{4, 2, 3, 1, 1, 0, 1})) << "they never go down";
+}
+
+TEST_F(PatchedFile, MayLackTheMapOfPagesWithRoom) {
+  fill(1);
+  patch(definition_ * 4096 + 59, std::string(4, '\0'));
+  EXPECT_EQ(whatIsWrong(), "");
+}
+
+TEST_F(PatchedFile, WithAChainThatLeadsOutOfItIsUnsound) {
+  {
+    OpenedFile opened(file_);
+    const auto people = opened.table("People");
+    people->addNew();
+    people->write("ID", 1);
+    people->write("Picture", std::string(5000, 'x'));
+    EXPECT_TRUE(people->update());
+  }
+  // The last piece is the shorter one; its pointer to the next is zero.
+  const std::size_t piece =
+      readWholeFile(file_).value().rfind(std::string(4, '\0') + std::string(5000 % 4072, 'x'));
+  ASSERT_NE(piece, std::string::npos);
+  patch(piece, "\xFF\xFF\xFF\xFF");
+  EXPECT_NE(whatIsWrong(), "");
 }
 
 // A journal with a byte changed is none: whatever death it comes from, the file stays as it is, or becomes what it was.
@@ -660,7 +684,7 @@ TEST_F(PatchedFile, DamagedJournalsAreNotFollowed) {
     }
     ++journals;
     const std::string after = readWholeFile(file_).value();
-    for (std::size_t at = 0; at < record->size(); at += at < 64 ? 1 : 13) {
+    for (std::size_t at = 0; at < record->size(); at += at < 64 ? 1 : 29) {
       std::string damaged = *record;
       damaged[at] = static_cast<char>(damaged[at] ^ 0x55);
       replaceFile(file_, after);

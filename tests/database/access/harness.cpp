@@ -27,11 +27,13 @@ NewTable peopleTable() {
                       {.name = "Flag", .type = ColumnType::boolean},
                       {.name = "Tiny", .type = ColumnType::byte},
                       {.name = "Count", .type = ColumnType::integer},
+                      {.name = "Path"},
                       {.name = "Mark", .type = ColumnType::guid}},
           .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
                       {.name = "ByName", .columns = {{"Name"}, {"Born", false}}},
                       {.name = "ByCode", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true},
                       {.name = "ByNotes", .columns = {{"Notes", false}}},
+                      {.name = "ByPath", .columns = {{"Path"}}},
                       {.name = "ByAmount", .columns = {{"Amount", false}}, .ignoreNulls = true},
                       {.name = "ByPrice", .columns = {{"Price"}, {"Flag"}, {"Mark"}, {"Raw"}}}}};
 }
@@ -151,6 +153,11 @@ std::optional<std::string> RandomWork::randomValue(const NewColumn& column) {
   }
   switch (column.type) {
     case ColumnType::text:
+      if (column.name == "Path") {
+        const int folder = number(12);
+        return std::string(20 + 17 * static_cast<std::size_t>(folder), static_cast<char>('a' + folder)) +
+               "/" + std::to_string(number(1000));
+      }
       return column.name == "Code" ? "c" + std::to_string(number(400)) : randomText(column.size / 2);
     case ColumnType::memo: {
       const std::array<int, 4> lengths = {20, 60, 3000, 9000};
@@ -201,8 +208,7 @@ int RandomWork::randomId(const Model& before) {
 
 bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& after) {
   after = before;
-  const int kind = number(10);
-  added_ = kind < 5 || before.empty();
+  added_ = number(10) < addsOfTen || before.empty();
   if (added_) {
     const int id = randomId(before);
     Record record;
@@ -220,7 +226,7 @@ bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& af
   const auto chosen = std::next(before.begin(), number(static_cast<int>(before.size())));
   recordset.moveFirst();
   EXPECT_TRUE(recordset.find("ID", TextMatcher(std::to_string(chosen->first), CaseRule::exact)));
-  if (kind < 7) {
+  if (number(5) < 2) {
     after.erase(chosen->first);
     return recordset.remove();
   }

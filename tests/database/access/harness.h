@@ -73,6 +73,8 @@ class RandomWork {
 
   /// Whether an ID that is in use may be tried again; a table without a primary key would take it.
   bool repeatsIds = true;
+  /// How many of ten changes add a record; of the others two in five delete one.
+  int addsOfTen = 5;
 
   /// One change, tried on the recordset; `after` is what the model is if it worked. Answers what update or
   /// remove did.
