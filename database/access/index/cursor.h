@@ -47,7 +47,7 @@ class IndexCursor {
   Pager* pager_;
   PageView view_;           ///< the leaf
   std::size_t offset_ = 0;  ///< of the entry in it, when last seen
-  std::size_t behind_ = 0;  ///< offset behind that entry
+  std::size_t end_ = 0;     ///< offset after that entry
   std::vector<std::uint8_t> key_;
   RowPointer row_{};
   std::vector<std::uint8_t> scratch_;

@@ -9,8 +9,7 @@ namespace veltrano::access {
 
 namespace {
 
-/// How many entries of a page that is divided go to the left one. Both parts then fit: between its neighbours
-/// an entry shares what they share, and one at an edge that does not can stand alone.
+/// How many entries of a page that is divided go to the left one.
 std::size_t placeOfCut(const IndexPage& page, const EntryList& entries, std::size_t offset) {
   // Ascending and descending insertions fill pages instead of halving them.
   if (offset == page.end() && page.next() == 0) {
@@ -19,40 +18,7 @@ std::size_t placeOfCut(const IndexPage& page, const EntryList& entries, std::siz
   if (offset == 0 && page.previous() == 0 && page.isLeaf()) {
     return 1;
   }
-  // Packed sizes: a part that loses the common beginning of its keys is longer than its share. With each
-  // entry that goes left the left part grows and the right one shrinks, so the best cut is where they cross.
-  const auto left = [&](std::size_t cut) { return entries.packedSize(0, cut); };
-  const auto right = [&](std::size_t cut) { return entries.packedSize(cut, entries.size()); };
-  std::size_t low = 1;
-  std::size_t high = entries.size() - 1;
-  while (low < high) {
-    const std::size_t middle = low + (high - low) / 2;
-    if (left(middle) < right(middle)) {
-      low = middle + 1;
-    } else {
-      high = middle;
-    }
-  }
-  return low > 1 && right(low - 1) < left(low) ? low - 1 : low;
-}
-
-/// T4: of several children the greatest is the tail.
-bool keepTail(IndexPageEditor& page) {
-  if (page.isLeaf() || page.tail() != 0) {
-    return true;
-  }
-  const std::size_t last = page.empty() ? 0 : page.before(page.end());
-  if (last == 0) {
-    return true;
-  }
-  std::vector<std::uint8_t> scratch;
-  PageNumber child = 0;
-  if (!page.entry(last, scratch, &child)) {
-    return false;
-  }
-  page.remove(last);
-  page.setTail(child);
-  return true;
+  return entries.bestCut();
 }
 
 }  // namespace
@@ -129,32 +95,6 @@ bool IndexTree::growLastChild(Step& step, const IndexEntry& wanted, PageNumber c
   return node.insert(0, entry);
 }
 
-std::optional<bool> IndexTree::containsKey(Bytes key) {
-  // No row is on page 0, so this comes before every entry with the key.
-  const IndexEntry least{key, RowPointer{}};
-  Path path;
-  if (!descend(least, Purpose::look, path)) {
-    return std::nullopt;
-  }
-  PageView view = page(path.leaf().page);
-  std::size_t offset = path.leaf().offset;
-  // An entry that follows may lie on the next leaf; other programs leave empty ones between.
-  for (PageNumber seen = 0; view && seen < pager_->pageCount(); ++seen) {
-    const IndexPage leaf(view.bytes(), pager_->version());
-    if (offset < leaf.end()) {
-      const auto found = leaf.entry(offset, scratch_);
-      return found ? std::optional(std::equal(key.begin(), key.end(), found->key.begin(), found->key.end()))
-                   : std::nullopt;
-    }
-    if (leaf.next() == 0) {
-      return false;
-    }
-    view = page(leaf.next());
-    offset = 0;
-  }
-  return std::nullopt;
-}
-
 /// Whether neither neighbour of the place has the key.
 bool IndexTree::isNewKey(const Step& leaf, Bytes key) {
   const auto hasKey = [&](const IndexPage& index, std::size_t offset) {
@@ -216,7 +156,7 @@ bool IndexTree::put(Path& path, std::size_t depth, Bytes entry) {
   IndexPageEditor page(bytes);
   const std::size_t offset = path.steps[depth].offset;
   if (page.insert(offset, entry)) {
-    return keepTail(page);
+    return page.keepTail();
   }
   const auto entries = page.gather(offset, entry);
   if (!entries) {
@@ -224,7 +164,7 @@ bool IndexTree::put(Path& path, std::size_t depth, Bytes entry) {
   }
   if (entries->packedSize(0, entries->size()) <= indexLayout(pager_->version()).areaSize()) {
     page.write(*entries, 0, entries->size());
-    return keepTail(page);
+    return page.keepTail();
   }
   return split(path, depth, entry);
 }
@@ -256,7 +196,7 @@ bool IndexTree::split(Path& path, std::size_t depth, Bytes entry) {
   left.create(leaf, right.level(), table_);
   right.write(*entries, cut, entries->size());
   left.write(*entries, 0, cut);
-  if (!keepTail(left) || !keepTail(right)) {
+  if (!left.keepTail() || !right.keepTail()) {
     return false;
   }
   left.setNext(step.page);
@@ -412,7 +352,7 @@ bool IndexTree::removeChild(const Path& path, std::size_t depth) {
   }
   const std::vector<std::uint8_t> key(found->key.begin(), found->key.end());
   const RowPointer row = found->row;
-  if (!keepTail(node)) {
+  if (!node.keepTail()) {
     return false;
   }
   return mendGreatest({key, row});

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "database/access/check/database_check.h"
+#include "database/access/engine.h"
 #include "database/access/schema/catalog.h"
 #include "database/text_matcher.h"
 
@@ -43,6 +44,44 @@ NewTable plainTable() {
   table.name = "Plain";
   table.indexes.clear();
   return table;
+}
+
+namespace {
+
+std::string utf8Of(const std::filesystem::path& path) {
+  const auto text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+std::unique_ptr<Database> open(const std::filesystem::path& file,
+                               const std::optional<std::string>& password) {
+  std::string reason;
+  const auto connect =
+      password ? std::optional(std::string(passwordConnectPrefix) + *password) : std::nullopt;
+  return makeAccessEngine()->openDatabase(utf8Of(file), connect, reason);
+}
+
+std::string read(Recordset& recordset, const std::string& field) {
+  std::string text = "not replaced";
+  return recordset.readText(field, text) ? text : "(" + text + ")";
+}
+
+NewTable smallTable() {
+  return {.name = "Peo\xC5\xBCle",
+          .columns = {{.name = "ID", .type = ColumnType::longInteger, .autoNumber = true},
+                      {.name = "Name", .type = ColumnType::text, .size = 5, .required = true},
+                      {.name = "Note",
+                       .type = ColumnType::memo,
+                       .allowZeroLength = false,
+                       .defaultValue = "=\"new\""},
+                      {.name = "Code", .type = ColumnType::text, .size = 10},
+                      {.name = "Tiny", .type = ColumnType::byte},
+                      {.name = "Flag", .type = ColumnType::boolean},
+                      {.name = "Mark", .type = ColumnType::guid, .autoNumber = true}},
+          .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
+                      {.name = "Code", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true}}};
 }
 
 void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,

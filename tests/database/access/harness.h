@@ -28,6 +28,16 @@ NewTable peopleTable();
 /// The same without any index: kept in storage order.
 NewTable plainTable();
 
+/// "Peo\u017Cle": ID counts, Name is required and short, Note has a default, Code is unique.
+NewTable smallTable();
+
+/// Opens a file as a host does; null if it is refused.
+std::unique_ptr<Database> open(const std::filesystem::path& file,
+                               const std::optional<std::string>& password = {});
+
+/// A field's text; in brackets if there is none.
+std::string read(Recordset& recordset, const std::string& field);
+
 /// Makes a database with these tables; fails the test if that fails.
 void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
                   const NewDatabase& options = {});
