@@ -123,7 +123,6 @@ void VeltranoKML::viewVolume(const FieldOfView& view) {
 void VeltranoKML::CreateKML(const std::filesystem::path& filename, const Value& /*Description*/,
                             std::string_view ExtendedData, std::int16_t IncludeGeneratedBy) {
   if (file_) {
-    file_->flush();
     abandonedFiles_.push_back(*std::move(file_));
   }
   file_ = OutputFile::create(filename);
@@ -174,7 +173,8 @@ void VeltranoKML::coordinateLines(std::string_view points) {
   } else {
     writeLines();
     if (file_) {
-      file_->writeLine(points.substr(0, points.size() - lineEnd.size()));
+      file_->write(points.substr(0, points.size() - lineEnd.size()));
+      file_->write(lineEnd);
     }
   }
   line("      </coordinates>");

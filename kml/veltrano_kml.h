@@ -19,7 +19,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/os/files.h"
+#include "base/os/output_file.h"
 #include "base/value.h"
 
 namespace veltrano {

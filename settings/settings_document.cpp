@@ -88,12 +88,13 @@ bool SettingsDocument::save(const std::filesystem::path& file) const {
   // A little is changed as a rule.
   const std::size_t sizeHint = buffer_.size() + buffer_.size() / 8;
   if (auto text = writeXml(document_, form_, sizeHint)) {
-    return replaceFile(file, encodeXml(form_, *std::move(text)), Durability::power);
+    return static_cast<bool>(replaceFile(file, encodeXml(form_, *std::move(text)), Durability::power));
   }
   // A name that the file's encoding lacks has been added.
   const XmlForm unicode = inUtf8(form_);
-  return replaceFile(file, encodeXml(unicode, writeXml(document_, unicode, sizeHint).value_or(std::string())),
-                     Durability::power);
+  return static_cast<bool>(
+      replaceFile(file, encodeXml(unicode, writeXml(document_, unicode, sizeHint).value_or(std::string())),
+                  Durability::power));
 }
 
 pugi::xml_node SettingsDocument::root() const {

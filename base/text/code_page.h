@@ -4,11 +4,10 @@
 // The ANSI code page and the Unicode forms of text.
 //
 // Inside the library text has one of two forms:
-//  - "ANSI text": std::string, one byte a character, in the ANSI code page. It is what ends up in PDF, KML
-//  and INI
-//    files, so lengths and character codes need no second thought.
+//  - "ANSI text": std::string, one byte a character, in the ANSI code page. It is what ends up in PDF and
+//    KML files, so lengths and character codes need no second thought.
 //  - "UTF-8 text": std::string, in settings/ (XML) and database/.
-// UTF-16 exists at the automation boundary only.
+// INI texts are UTF-16, as hosts hand them over.
 //
 // On Windows the code page is the system's own. Elsewhere it is Windows-1252 unless setCodePage chose
 // another. Conversions never fail: what has no counterpart becomes '?' (towards ANSI) or U+FFFD (towards
@@ -16,7 +15,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -32,14 +30,12 @@ extern const CodePageTable windows1250;
 /// Windows-1251, Cyrillic.
 extern const CodePageTable windows1251;
 
-/// The single-byte code page of that name ("ISO-8859-15", "windows-1253", "KOI8-R"; case does not matter) as
-/// the system knows it; zero stands for codes that it leaves unassigned. Nothing when the system does not
-/// know it, or when its lower half is not ASCII or its characters take more bytes than one.
-std::optional<CodePageTable> codePageNamed(std::string_view name);
-
 /// Chooses the code page of the process where the system has none of its own. On Windows it does nothing:
 /// there the system's setting holds. Not to be called while another thread converts text.
 void setCodePage(const CodePageTable& table);
+/// The same for any encoding that encodings.h knows by name, also one of several bytes a character ("CP932").
+/// False if it is not known.
+bool setCodePage(std::string_view encoding);
 
 std::string utf16ToAnsi(std::u16string_view text);
 std::u16string ansiToUtf16(std::string_view text);

@@ -9,6 +9,7 @@
 #include <tuple>
 
 #include "base/os/files.h"
+#include "base/os/output_file.h"
 #include "base/os/host.h"
 #include "pdf/fonts/metrics_cache.h"
 #include "tests/temporary_folder.h"
