@@ -123,12 +123,14 @@ bool otherCellToText(const Column& column, Bytes cell, std::string& text) {
   }
 }
 
-void storedToText(const Pager& pager, Bytes stored, std::string& text) {
-  if (isJet3(pager.version())) {
-    text = codePageToUtf8(pager.codePage(), stored);
-  } else {
+bool storedToText(const Pager& pager, const Column& column, Bytes stored, std::string& text) {
+  if (!isJet3(pager.version())) {
     storedTextToUtf8(stored, text);
+    return true;
   }
+  auto converted = codePageToUtf8(column.codePage, stored);
+  text = converted ? std::move(*converted) : std::string();
+  return converted.has_value();
 }
 
 }  // namespace
@@ -143,8 +145,7 @@ bool cellToText(Pager& pager, const Column& column, Bytes cell, std::string& tex
       booleanToText(!cell.empty() && cell[0] != 0, text);
       return true;
     case ColumnType::text:
-      storedToText(pager, cell, text);
-      return true;
+      return storedToText(pager, column, cell, text);
     case ColumnType::memo:
     case ColumnType::ole: {
       std::vector<std::uint8_t> buffer;
@@ -153,10 +154,9 @@ bool cellToText(Pager& pager, const Column& column, Bytes cell, std::string& tex
         return false;
       }
       if (column.type == ColumnType::memo) {
-        storedToText(pager, *value, text);
-      } else {
-        binaryToText(*value, text);
+        return storedToText(pager, column, *value, text);
       }
+      binaryToText(*value, text);
       return true;
     }
     default:

@@ -2,10 +2,13 @@
 
 #include "base/os/files.h"
 #include "database/access/schema/catalog.h"
+#include "database/access/schema/field_codec.h"
 #include "harness.h"
 
 namespace veltrano::access {
 namespace {
+
+using ByteList = std::vector<std::uint8_t>;
 
 // Files as other programs make them, from ours by changing bytes.
 class PatchedFile : public testing::Test {
@@ -63,12 +66,46 @@ TEST_F(PatchedFile, OfAnyVersionIsOpened) {
     }
     model_.clear();
   }
-  patch(4, "Standard Jet DB");
+}
+
+// Access 97. The code page lies under a mask, so that XOR changes it.
+TEST_F(PatchedFile, OfJet3IsReadInItsCodePages) {
+  const auto setCodePage = [this](unsigned from, unsigned to) {
+    const std::string content = readWholeFile(file_).value();
+    const auto byte = [&](std::size_t at, unsigned change) {
+      return static_cast<char>(content[at] ^ static_cast<char>(change));
+    };
+    patch(0x3C, {byte(0x3C, from ^ to), byte(0x3D, (from ^ to) >> 8)});
+  };
   patch(0x14, std::string(1, '\0'));
-  const OpenedFile opened(file_);
-  ASSERT_TRUE(opened.opened()) << opened.reason();
-  EXPECT_EQ(opened.pager().version(), Version::jet3);
-  EXPECT_TRUE(opened.pager().readOnly());
+  // A definition in one of its pages of 2048 bytes: one text column, with a code page of its own.
+  const ByteList record = {10, 0, 0, 0, 0, 0, 0, 1, 0, 9, 4, 0xE5, 4, 2, 0, 0, 50, 0};
+  ByteList page(2048);
+  const ByteList head = {2, 1, 'V', 'C', 0, 0, 0, 0, 65};
+  std::copy(head.begin(), head.end(), page.begin());
+  page[21] = page[23] = page[25] = 1;  // columns
+  std::copy(record.begin(), record.end(), page.begin() + 43);
+  page[61] = 1;
+  page[62] = 'A';
+  page[63] = page[64] = 0xFF;
+  patch(8192, {page.begin(), page.end()});
+  for (const unsigned own : {1253U, 0U}) {
+    patch(8192 + 43 + 11, {static_cast<char>(own), static_cast<char>(own >> 8)});
+    setCodePage(1252, 1251);
+    {
+      const OpenedFile opened(file_);
+      ASSERT_TRUE(opened.opened()) << opened.reason();
+      EXPECT_TRUE(opened.pager().readOnly());
+      const auto table = readTableDefinition(opened.pager(), 4);
+      ASSERT_TRUE(table && table->find("a") != nullptr);
+      std::string text;
+      EXPECT_TRUE(cellToText(opened.pager(), table->columns[0], ByteList{0xE1}, text));
+      EXPECT_EQ(text, own == 0 ? "\xD0\xB1" : "\xCE\xB1");
+    }
+    setCodePage(1251, 1252);
+  }
+  setCodePage(1252, 7);
+  EXPECT_FALSE(OpenedFile(file_).opened());
 }
 
 TEST_F(PatchedFile, WithEnforcedRelationsIsReadOnly) {
