@@ -1,6 +1,7 @@
 #include "database/access/recordset.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/default_value.h"
@@ -8,9 +9,20 @@
 
 namespace veltrano::access {
 
+void OpenFile::rowDeleted(PageNumber table, RowPointer place) {
+  for (AccessRecordset* recordset : recordsets) {
+    if (recordset->table_.definition().page == table) {
+      recordset->rowDeleted(place);
+    }
+  }
+}
+
 AccessRecordset::AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition definition,
                                  std::uint64_t opener)
-    : file_(std::move(file)), opener_(opener), table_(*file_->pager, std::move(definition)) {
+    : file_(std::move(file)),
+      opener_(opener),
+      table_(*file_->pager, std::move(definition)),
+      current_(table_) {
   file_->recordsets.push_back(this);
   writer_ = TableWriter::create(table_, readOnlyReason_);
   if (const Index* key = table_.definition().primaryKey()) {
@@ -36,8 +48,9 @@ bool AccessRecordset::close() {
   state_ = State::closed;
   edit_ = Edit::none;
   drafts_.clear();
-  row_.reset();
+  current_.release();
   cursor_.reset();
+  keepAutoNumbers();
   std::erase(file_->recordsets, this);
   const bool synced = file_->pager->checkpoint();
   file_.reset();
@@ -46,54 +59,44 @@ bool AccessRecordset::close() {
 
 // --- Moving
 
-// The end of every move: loads the record whose place was found, or the next one that can be loaded.
-bool AccessRecordset::step(bool found) {
-  while (found && !load()) {
-    found = nextPlace();
+// The end of every move: stands on the record at `place`, or on the next one that can be read.
+bool AccessRecordset::settle(std::optional<RowPointer> place) {
+  while (place && !current_.moveTo(*place, file_->generation)) {
+    place = following();
   }
-  state_ = found ? State::onRecord : State::atEnd;
-  if (!found) {
-    row_.reset();
+  state_ = place ? State::onRecord : State::atEnd;
+  if (!place) {
+    current_.release();
   }
-  return true;
+  return place.has_value();
 }
 
-// To the place after the current one; the record there may turn out to be none.
-bool AccessRecordset::nextPlace() {
+// The place after the current one; the record there may turn out to be none. After a deletion it may be the same
+// place, taken by another record.
+std::optional<RowPointer> AccessRecordset::following() {
   if (!cursor_) {
-    const auto next = table_.next(place_);
-    place_ = next.value_or(place_);
-    return next.has_value();
+    return current_.deleted() ? table_.from(current_.place()) : table_.next(current_.place());
   }
-  while (cursor_->next()) {
-    place_ = cursor_->row();
-    if (alreadyMet_.empty() || !alreadyMet_.contains(place_)) {
-      return true;
-    }
+  bool found = current_.deleted() ? cursor_->again() : cursor_->next();
+  while (found && changedKeys_.contains(cursor_->row())) {
+    found = cursor_->next();
   }
-  return false;
+  return found ? std::optional(cursor_->row()) : std::nullopt;
 }
 
-bool AccessRecordset::load() {
-  row_ = table_.fetch(place_);
-  changes_ = file_->changes;
-  if (row_) {
-    view_ = table_.view(*row_);
-  }
-  return row_ && view_.valid();
-}
-
-// Makes sure that the current record's bytes are those of now. False when there is none.
-bool AccessRecordset::look() {
+// Makes sure that the current record is read as it is in the file now. False if there is none.
+bool AccessRecordset::refresh() {
   if (state_ != State::onRecord) {
     return fail("no current record");
   }
-  if (changes_ != file_->changes && !load()) {
-    row_.reset();
-    state_ = State::onDeleted;
-    return fail("the record has been deleted");
+  return current_.refresh(file_->generation) || fail("the record has been deleted");
+}
+
+void AccessRecordset::rowDeleted(RowPointer place) {
+  changedKeys_.erase(place);
+  if (state_ == State::onRecord && current_.place() == place) {
+    current_.markDeleted();
   }
-  return true;
 }
 
 bool AccessRecordset::moveFirst() {
@@ -101,15 +104,11 @@ bool AccessRecordset::moveFirst() {
     return fail("the recordset is closed");
   }
   edit_ = Edit::none;
-  alreadyMet_.clear();
+  changedKeys_.clear();
   if (cursor_) {
-    const bool found = cursor_->first();
-    place_ = found ? cursor_->row() : place_;
-    step(found);
+    settle(cursor_->first() ? std::optional(cursor_->row()) : std::nullopt);
   } else {
-    const auto first = table_.next(std::nullopt);
-    place_ = first.value_or(RowPointer{});
-    step(first.has_value());
+    settle(table_.from({}));
   }
   return state_ == State::onRecord || fail("the table has no records");
 }
@@ -119,29 +118,27 @@ bool AccessRecordset::moveLast() {
     return fail("the recordset is closed");
   }
   edit_ = Edit::none;
-  alreadyMet_.clear();
-  bool found = false;
+  changedKeys_.clear();
+  std::optional<RowPointer> last;
   if (cursor_) {
-    for (found = cursor_->last(); found; found = cursor_->previous()) {
-      place_ = cursor_->row();
-      if (load()) {
-        break;
-      }
+    bool found = cursor_->last();
+    while (found && !current_.moveTo(cursor_->row(), file_->generation)) {
+      found = cursor_->previous();
     }
-  } else if (const auto last = table_.last()) {
-    place_ = *last;
-    found = true;
+    last = found ? std::optional(cursor_->row()) : std::nullopt;
+  } else {
+    last = table_.last();
   }
-  step(found);
-  return state_ == State::onRecord || fail("the table has no records");
+  return settle(last) || fail("the table has no records");
 }
 
 bool AccessRecordset::moveNext() {
   edit_ = Edit::none;
-  if (state_ == State::closed || state_ == State::atEnd) {
+  if (state_ != State::onRecord) {
     return fail("no record follows");
   }
-  return step(nextPlace());
+  settle(following());
+  return true;
 }
 
 std::optional<bool> AccessRecordset::atEnd() {
@@ -180,7 +177,7 @@ std::optional<std::size_t> AccessRecordset::columnIndex(std::string_view field) 
 
 bool AccessRecordset::readText(std::string_view field, std::string& text) {
   text.clear();
-  if (state_ == State::closed || (edit_ != Edit::adding && !look())) {
+  if (state_ == State::closed || (edit_ != Edit::adding && !refresh())) {
     return fail("no current record");
   }
   const auto index = columnIndex(field);
@@ -199,7 +196,7 @@ bool AccessRecordset::readText(std::string_view field, std::string& text) {
     }
     return cellToText(table_.pager(), column, column.isLongValue() ? Bytes(inlineCell) : cell.view(), text);
   }
-  const auto cell = view_.cell(column);
+  const auto cell = current_.view().cell(column);
   return cell ? cellToText(table_.pager(), column, *cell, text) : fail("the field is null");
 }
 
@@ -209,13 +206,13 @@ bool AccessRecordset::find(std::string_view field, const TextMatcher& matcher) {
   if (!index) {
     // As a scan that finds nothing would end.
     if (state_ != State::closed) {
-      step(false);
+      settle(std::nullopt);
     }
     return false;
   }
   const Column& column = table_.definition().columns[*index];
-  for (; state_ != State::atEnd; step(nextPlace())) {
-    const auto cell = look() ? view_.cell(column) : std::nullopt;
+  for (; state_ != State::atEnd; settle(following())) {
+    const auto cell = refresh() ? current_.view().cell(column) : std::nullopt;
     if (cell && cellMatches(table_.pager(), column, *cell, matcher)) {
       return true;
     }
@@ -226,7 +223,7 @@ bool AccessRecordset::find(std::string_view field, const TextMatcher& matcher) {
 // --- Writing
 
 bool AccessRecordset::edit() {
-  if (state_ == State::closed || !look()) {
+  if (state_ == State::closed || !refresh()) {
     return fail("no current record");
   }
   if (!writer_) {
@@ -237,12 +234,32 @@ bool AccessRecordset::edit() {
   return true;
 }
 
-// A new record begins with its columns' defaults and its autonumbers.
+// The table's next autonumber. It is given once, whether or not a record with it is stored.
+std::optional<std::int32_t> AccessRecordset::handOutAutoNumber() {
+  const auto stored = writer_->lastAutoNumber();
+  if (!stored) {
+    return std::nullopt;
+  }
+  std::int32_t& last = file_->autoNumbers.try_emplace(table_.definition().page, *stored).first->second;
+  last = std::max(last, *stored);
+  return last == std::numeric_limits<std::int32_t>::max() ? std::nullopt : std::optional(++last);
+}
+
+// Enters numbers that were shown, but not stored with a record, in the file.
+void AccessRecordset::keepAutoNumbers() {
+  const auto last = file_->autoNumbers.find(table_.definition().page);
+  if (writer_ && last != file_->autoNumbers.end() &&
+      writer_->lastAutoNumber().value_or(last->second) < last->second) {
+    writer_->raiseAutoNumber(last->second);
+  }
+}
+
+// A new record starts with its columns' defaults and its autonumbers.
 void AccessRecordset::prepareNewRecord() {
   const std::vector<Column>& columns = table_.definition().columns;
   drafts_.assign(columns.size(), Draft());
   for (std::size_t i = 0; i < columns.size(); ++i) {
-    auto cell = initialCell(columns[i], writer_->nextAutoNumber());
+    auto cell = initialCell(columns[i], countsUp(columns[i]) ? handOutAutoNumber() : std::nullopt);
     if (cell) {
       drafts_[i] = {{false, std::move(*cell)}, true};
     } else if (columns[i].type == ColumnType::boolean) {
@@ -297,48 +314,48 @@ bool AccessRecordset::update() {
       return fail(writer_->lastError());
     }
   } else {
-    if (!look()) {
+    if (!refresh()) {
       return false;
     }
     if (std::none_of(drafts_.begin(), drafts_.end(), [](const Draft& draft) { return draft.assigned; })) {
       edit_ = Edit::none;
       return true;
     }
-    if (!writer_->update(place_, drafts_)) {
+    if (!writer_->update(current_.place(), drafts_)) {
       return fail(writer_->lastError());
     }
-    const Index* key = cursor_ ? table_.definition().primaryKey() : nullptr;
-    for (std::size_t i = 0; key != nullptr && i < drafts_.size(); ++i) {
-      const auto isColumn = [&](const IndexColumn& part) {
-        return part.column == table_.definition().columns[i].number;
-      };
-      if (drafts_[i].assigned && std::any_of(key->columns.begin(), key->columns.end(), isColumn)) {
-        alreadyMet_.insert(place_);
-      }
-    }
+    noteChangedKey();
   }
   edit_ = Edit::none;
-  ++file_->changes;
+  ++file_->generation;
   return true;
+}
+
+// A record whose new key comes later in the order must not be met twice.
+void AccessRecordset::noteChangedKey() {
+  const Index* key = cursor_ ? table_.definition().primaryKey() : nullptr;
+  const std::vector<Column>& columns = table_.definition().columns;
+  for (std::size_t i = 0; key != nullptr && i < drafts_.size(); ++i) {
+    const auto isColumn = [&](const IndexColumn& part) { return part.column == columns[i].number; };
+    if (drafts_[i].assigned && std::any_of(key->columns.begin(), key->columns.end(), isColumn)) {
+      changedKeys_.insert(current_.place());
+    }
+  }
 }
 
 bool AccessRecordset::remove() {
   edit_ = Edit::none;
-  if (state_ == State::closed || !look()) {
+  if (state_ == State::closed || !refresh()) {
     return fail("no current record");
   }
   if (!writer_) {
     return fail(readOnlyReason_);
   }
-  row_.reset();
-  if (!writer_->remove(place_)) {
-    load();
+  if (!writer_->remove(current_.place())) {
     return fail(writer_->lastError());
   }
-  // A new record may get the same place.
-  alreadyMet_.erase(place_);
-  ++file_->changes;
-  state_ = State::onDeleted;
+  ++file_->generation;
+  file_->rowDeleted(table_.definition().page, current_.place());
   return true;
 }
 

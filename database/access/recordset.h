@@ -13,9 +13,11 @@
 // An edit lies over these: edit (from "on a record" only) and addNew begin one, which readText and write then
 // work on; update stores it and ends it, unless it fails; every move, remove and close drops it.
 //
-// The order is walked as it is at that moment: a record added meanwhile is met if it comes after the current
-// one. A record whose key was changed after it had been met is not met again.
+// The order is walked as it is at that moment: a record added meanwhile is met if it comes after the current one, or
+// in the place of the current one if that was deleted. A record of which the walk itself has changed the key is not
+// met again.
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -25,6 +27,7 @@
 
 #include "database/access/index/cursor.h"
 #include "database/access/index/tree.h"
+#include "database/access/row_handle.h"
 #include "database/access/table.h"
 #include "database/access/table_writer.h"
 #include "database/database_engine.h"
@@ -38,7 +41,14 @@ struct OpenFile {
   std::unique_ptr<Pager> pager;
   std::vector<AccessRecordset*> recordsets;
   std::uint64_t openers = 0;  ///< database objects that the file has had
-  std::uint64_t changes = 0;  ///< counts what was written, so that recordsets know when to look again
+  std::uint64_t generation =
+      0;  ///< counts changes of rows, so that recordsets know when to read theirs again
+  /// The last autonumbers shown to a host, by the table's definition page. They are not given again even if the
+  /// record that showed them was dropped.
+  std::map<PageNumber, std::int32_t> autoNumbers;
+
+  /// Tells the recordsets of a table that a row is gone, before another one can get its place.
+  void rowDeleted(PageNumber table, RowPointer place);
 };
 
 class AccessRecordset final : public Recordset {
@@ -65,15 +75,19 @@ class AccessRecordset final : public Recordset {
   [[nodiscard]] std::uint64_t opener() const { return opener_; }
 
  private:
-  enum class State { onRecord, onDeleted, atEnd, closed };
+  friend struct OpenFile;
+  enum class State { onRecord, atEnd, closed };  // "on a deleted one" is the handle's to say
   enum class Edit { none, changing, adding };
 
-  bool step(bool found);
-  bool nextPlace();
-  bool load();
-  bool look();
+  bool settle(std::optional<RowPointer> place);
+  std::optional<RowPointer> following();
+  bool refresh();
+  void rowDeleted(RowPointer place);
   std::optional<std::size_t> columnIndex(std::string_view field);
   void prepareNewRecord();
+  std::optional<std::int32_t> handOutAutoNumber();
+  void keepAutoNumbers();
+  void noteChangedKey();
 
   std::shared_ptr<OpenFile> file_;
   std::uint64_t opener_;
@@ -84,11 +98,8 @@ class AccessRecordset final : public Recordset {
   std::optional<IndexCursor> cursor_;
 
   State state_ = State::atEnd;
-  RowPointer place_;        // of the current record, or the deleted one
-  std::optional<Row> row_;  // its bytes, as of changes_
-  RowView view_;
-  std::uint64_t changes_ = 0;
-  std::set<RowPointer> alreadyMet_;  // records with a key changed since the last moveFirst or moveLast
+  RowHandle current_;
+  std::set<RowPointer> changedKeys_;  // records of which this walk has changed the key: not met again
 
   Edit edit_ = Edit::none;
   std::vector<Draft> drafts_;

@@ -17,21 +17,20 @@ PageView Table::readPage(PageNumber number) const {
   return page.valid() && page.owner() == definition_.page ? std::move(view) : PageView();
 }
 
-std::optional<RowPointer> Table::next(std::optional<RowPointer> after) const {
+std::optional<RowPointer> Table::firstFrom(PageNumber page, std::uint32_t slot) const {
   const UsageMap owned(*pager_, definition_.ownedPages);
-  std::optional<PageNumber> number = after ? after->page : owned.next(0);
-  std::uint32_t slot = after ? after->row + 1U : 0;
-  while (number && *number < pager_->pageCount()) {
-    if (const PageView view = readPage(*number)) {
-      const DataPage page(view.bytes(), pager_->version());
-      for (; slot < page.slotCount() && slot <= 0xFF; ++slot) {
-        if (!page.isHidden(slot)) {
-          return RowPointer{*number, static_cast<std::uint8_t>(slot)};
-        }
+  for (std::optional<PageNumber> number = page; number && *number < pager_->pageCount();
+       number = owned.next(*number + 1), slot = 0) {
+    const PageView view = readPage(*number);
+    if (!view) {
+      continue;
+    }
+    const DataPage data(view.bytes(), pager_->version());
+    for (; slot < data.slotCount() && slot <= 0xFF; ++slot) {
+      if (!data.isHidden(slot)) {
+        return RowPointer{*number, static_cast<std::uint8_t>(slot)};
       }
     }
-    slot = 0;
-    number = owned.next(*number + 1);
   }
   return std::nullopt;
 }

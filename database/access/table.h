@@ -27,10 +27,16 @@ class Table {
   [[nodiscard]] Pager& pager() const { return *pager_; }
   [[nodiscard]] const TableDefinition& definition() const { return definition_; }
 
-  /// The next row in storage order; the first one when `after` is nothing. Damaged pages are passed over.
-  [[nodiscard]] std::optional<RowPointer> next(std::optional<RowPointer> after) const;
+  /// The first row in storage order that is not before `place`. Damaged pages are skipped.
+  [[nodiscard]] std::optional<RowPointer> from(RowPointer place) const {
+    return firstFrom(place.page, place.row);
+  }
+  /// The row after `place`.
+  [[nodiscard]] std::optional<RowPointer> next(RowPointer place) const {
+    return firstFrom(place.page, place.row + 1U);
+  }
   [[nodiscard]] std::optional<RowPointer> last() const;
-  /// The row; nothing when it is deleted or damaged.
+  /// The row; empty if it is deleted or damaged.
   [[nodiscard]] std::optional<Row> fetch(RowPointer row) const;
   [[nodiscard]] RowView view(const Row& row) const {
     return {row.bytes, pager_->version(), definition_.variableColumns != 0};
@@ -38,6 +44,7 @@ class Table {
 
  private:
   [[nodiscard]] PageView readPage(PageNumber page) const;
+  [[nodiscard]] std::optional<RowPointer> firstFrom(PageNumber page, std::uint32_t slot) const;
 
   Pager* pager_;
   TableDefinition definition_;

@@ -30,6 +30,13 @@ constexpr std::size_t rowsAt = 16;  // in the definition's first page
 constexpr std::size_t autoNumberAt = 20;
 constexpr std::size_t pointerRowSize = 4;
 
+// Of a long value's cell: the value follows in the row instead of lying on other pages.
+bool liesInRow(Bytes cell) {
+  constexpr std::uint32_t kindMask = 0xC0000000;
+  constexpr std::uint32_t kindInline = 0x80000000;
+  return cell.size() > longValueHead && (load32(cell.data()) & kindMask) == kindInline;
+}
+
 bool holdsData(const Column& column) {
   return column.type != ColumnType::complex && !column.calculated;
 }
@@ -104,7 +111,7 @@ bool TableWriter::makeRow(const std::vector<Draft>& drafts) {
   }
   buildRow(definition(), cells_, row_);
   while (row_.size() > maximumRowSize(pager().version())) {
-    if (!storeLongestInline(drafts)) {
+    if (!storeLongestInline()) {
       return false;
     }
     buildRow(definition(), cells_, row_);
@@ -112,22 +119,23 @@ bool TableWriter::makeRow(const std::vector<Draft>& drafts) {
   return true;
 }
 
-// Moves the longest of the assigned long values that lie in the row out of it.
-bool TableWriter::storeLongestInline(const std::vector<Draft>& drafts) {
-  std::size_t longest = drafts.size();
-  for (std::size_t i = 0; i < drafts.size(); ++i) {
-    if (definition().columns[i].isLongValue() && drafts[i].assigned &&
-        cells_[i].bytes.size() > longValueHead &&
-        (longest == drafts.size() || cells_[i].bytes.size() > cells_[longest].bytes.size())) {
+// Moves the longest of the long values that lie in the row out of it, whether this edit assigned it or not.
+bool TableWriter::storeLongestInline() {
+  std::size_t longest = cells_.size();
+  for (std::size_t i = 0; i < cells_.size(); ++i) {
+    if (definition().columns[i].isLongValue() && liesInRow(cells_[i].bytes) &&
+        (longest == cells_.size() || cells_[i].bytes.size() > cells_[longest].bytes.size())) {
       longest = i;
     }
   }
-  if (longest == drafts.size()) {
+  if (longest == cells_.size()) {
     return fail("the record is too large");
   }
-  return storeLongValue(pager(), definition().columns[longest], drafts[longest].cell.bytes,
-                        cells_[longest].bytes) ||
-         failFromPager();
+  std::vector<std::uint8_t> cell;
+  const bool stored = storeLongValue(pager(), definition().columns[longest],
+                                     cells_[longest].view().subspan(longValueHead), cell);
+  cells_[longest].bytes = std::move(cell);
+  return stored || failFromPager();
 }
 
 bool TableWriter::makeKeysOf(Bytes row, TableIndexes::RowKeys& keys) {
@@ -200,31 +208,42 @@ bool TableWriter::releaseLongValues(const RowView& row, const std::vector<Draft>
 
 // --- Counters in the definition
 
-std::optional<std::int32_t> TableWriter::nextAutoNumber() const {
+std::optional<std::int32_t> TableWriter::lastAutoNumber() const {
   const PageView page = pager().read(definition().page);
-  if (!page) {
-    return std::nullopt;
-  }
-  const auto last = static_cast<std::int32_t>(load32(page.data() + autoNumberAt));
-  return last == std::numeric_limits<std::int32_t>::max() ? std::nullopt : std::optional(last + 1);
+  return page ? std::optional(static_cast<std::int32_t>(load32(page.data() + autoNumberAt))) : std::nullopt;
 }
 
-bool TableWriter::assignAutoNumber(std::vector<Draft>& drafts) {
+bool TableWriter::raiseAutoNumber(std::int32_t number) {
+  Transaction transaction(pager());
+  const MutableBytes page = transaction ? pager().edit(definition().page) : MutableBytes();
+  if (page.empty() || static_cast<std::int32_t>(load32(page.data() + autoNumberAt)) >= number) {
+    return !page.empty() || failFromPager();
+  }
+  store32(page.data() + autoNumberAt, static_cast<std::uint32_t>(number));
+  return transaction.commit() || failFromPager();
+}
+
+// Makes the new row's autonumber the table's last one.
+bool TableWriter::enterAutoNumber(std::vector<Draft>& drafts) {
   for (std::size_t i = 0; i < drafts.size(); ++i) {
-    const Column& column = definition().columns[i];
-    if (!column.autoNumber || column.type != ColumnType::longInteger || drawsNumbers(column)) {
+    if (!countsUp(definition().columns[i])) {
       continue;
     }
-    const auto next = nextAutoNumber();
-    const MutableBytes page = next ? pager().edit(definition().page) : MutableBytes();
+    const MutableBytes page = pager().edit(definition().page);
     if (page.empty()) {
-      return fail("no autonumber is left");
+      return failFromPager();
     }
-    drafts[i].assigned = true;
-    drafts[i].cell.null = false;
-    drafts[i].cell.bytes.resize(4);
-    store32(drafts[i].cell.bytes.data(), static_cast<std::uint32_t>(*next));
-    store32(page.data() + autoNumberAt, static_cast<std::uint32_t>(*next));
+    const auto last = static_cast<std::int32_t>(load32(page.data() + autoNumberAt));
+    Draft& draft = drafts[i];
+    if (!draft.assigned) {
+      if (last == std::numeric_limits<std::int32_t>::max()) {
+        return fail("no autonumber is left");
+      }
+      draft = {{false, std::vector<std::uint8_t>(4)}, true};
+      store32(draft.cell.bytes.data(), static_cast<std::uint32_t>(last) + 1);
+    }
+    const auto number = static_cast<std::int32_t>(load32(draft.cell.bytes.data()));
+    store32(page.data() + autoNumberAt, static_cast<std::uint32_t>(std::max(last, number)));
   }
   return true;
 }
@@ -246,7 +265,7 @@ bool TableWriter::countRows(int change) {
 
 std::optional<RowPointer> TableWriter::insertInTransaction(std::vector<Draft>& drafts) {
   cells_.assign(drafts.size(), Cell());
-  if (!assignAutoNumber(drafts) || !checkRequired(drafts, true) || !makeRow(drafts) ||
+  if (!enterAutoNumber(drafts) || !checkRequired(drafts, true) || !makeRow(drafts) ||
       !makeKeysOf(row_, after_)) {
     return std::nullopt;
   }

@@ -27,11 +27,13 @@ class TableWriter {
   /// Nothing when the table may only be read: `reason` then says why. `table` must outlive the writer.
   static std::optional<TableWriter> create(const Table& table, std::string& reason);
 
-  /// The number that the next new row gets in the table's autonumber column. Nothing when all are used up.
-  [[nodiscard]] std::optional<std::int32_t> nextAutoNumber() const;
+  /// The last autonumber that the table's definition knows. Empty if it cannot be read.
+  [[nodiscard]] std::optional<std::int32_t> lastAutoNumber() const;
+  /// Makes `number` the last autonumber, in a transaction of its own, if it is greater.
+  bool raiseAutoNumber(std::int32_t number);
 
-  /// `drafts` are in the order of the definition's columns. Where the row went to; its autonumber is put into
-  /// its draft if the one there has been taken meanwhile.
+  /// Returns where the row went. `drafts` are in the order of the definition's columns; an autonumber that is not
+  /// assigned becomes the one after the last.
   std::optional<RowPointer> insert(std::vector<Draft>& drafts);
   /// The same within a transaction of the caller, who rolls it back if this fails.
   std::optional<RowPointer> insertInTransaction(std::vector<Draft>& drafts);
@@ -50,14 +52,14 @@ class TableWriter {
 
   bool checkRequired(const std::vector<Draft>& drafts, bool all);
   bool makeRow(const std::vector<Draft>& drafts);
-  bool storeLongestInline(const std::vector<Draft>& drafts);
+  bool storeLongestInline();
   bool makeKeysOf(Bytes row, TableIndexes::RowKeys& keys);
   std::optional<RowPointer> placeNewRow(Bytes row, std::uint16_t flags);
   [[nodiscard]] RowSpace space() const;
   bool replaceRow(RowPointer home, RowPointer place, Bytes row);
   bool removeRow(RowPointer place);
   bool releaseLongValues(const RowView& row, const std::vector<Draft>* drafts);
-  bool assignAutoNumber(std::vector<Draft>& drafts);
+  bool enterAutoNumber(std::vector<Draft>& drafts);
   bool countRows(int change);
 
   const Table* table_;

@@ -83,7 +83,8 @@ bool writeFirstPages(const std::filesystem::path& file, const NewDatabase& optio
   fillMapPage(all.subspan(pageSize));
   PageCodec(options.pageKey).apply(1, all.subspan(pageSize));
   OpenFailure failure = {};
-  const auto out = systemFiles().open(file, OpenMode::create, failure);
+  FileSystem& files = options.files != nullptr ? *options.files : systemFiles();
+  const auto out = files.open(file, OpenMode::create, failure);
   return out && out->resize(0) && out->writeAt(0, pages);
 }
 
@@ -91,6 +92,7 @@ bool fillDatabase(const std::filesystem::path& file, const NewDatabase& options,
                   std::string& reason) {
   Pager::Options opening;
   opening.password = options.password;
+  opening.files = options.files;
   const auto pager = Pager::open(file, opening, reason);
   return pager && makeSystemTables(*pager, created, reason) && pager->checkpoint();
 }

@@ -24,9 +24,10 @@
 namespace veltrano::access {
 
 struct NewDatabase {
-  std::string password = {};  ///< UTF-8, up to 20 characters; empty for none
-  std::uint32_t pageKey = 0;  ///< other than 0: the pages are encoded under this key
-  double created = 0;         ///< automation date of the creation; 0 for now
+  std::string password = {};    ///< UTF-8, up to 20 characters; empty for none
+  std::uint32_t pageKey = 0;    ///< other than 0: the pages are encoded under this key
+  double created = 0;           ///< automation date of the creation; 0 for the current time
+  FileSystem* files = nullptr;  ///< where the file is made; the system's files if null
 };
 
 struct NewColumn {

@@ -74,8 +74,11 @@ bool Checker::claim(PageNumber page, const std::string& owner) {
   return true;
 }
 
-// A map's row, and its bitmap pages. Several maps share a page.
+// A map's row, and its bitmap pages. Several maps share a page. Access leaves out maps of pages with room.
 bool Checker::claimMap(RowPointer place, const std::string& owner) {
+  if (place == RowPointer{}) {
+    return true;
+  }
   const PageView view = pager_.read(place.page);
   const auto row = view ? DataPage(view.bytes(), pager_.version()).row(place.row) : std::nullopt;
   if (!row || row->size() < 5 || !maps_.insert(place).second) {
@@ -137,11 +140,11 @@ bool Checker::checkLongValue(const Column& column, Bytes cell) {
       return wrong(name_ + "." + column.name + ": piece " + text(place) + " belongs to two values");
     }
     const PageView view = pager_.read(place.page);
-    const auto row = DataPage(view.bytes(), pager_.version()).row(place.row);
-    if (DataPage(view.bytes(), pager_.version()).isDeleted(place.row)) {
-      return wrong(name_ + "." + column.name + ": piece " + text(place) + " is deleted");
+    const auto row = view ? DataPage(view.bytes(), pager_.version()).row(place.row) : std::nullopt;
+    if (!row || DataPage(view.bytes(), pager_.version()).isDeleted(place.row)) {
+      return wrong(name_ + "." + column.name + ": piece " + text(place) + " is missing");
     }
-    place = kind == 0 && row && row->size() >= 4 ? RowPointer::fromDisk(load32(row->data())) : RowPointer{};
+    place = kind == 0 && row->size() >= 4 ? RowPointer::fromDisk(load32(row->data())) : RowPointer{};
   }
   return true;
 }

@@ -200,9 +200,7 @@ class KeyWriter {
     key_.insert(key_.end(), weight.inlineCode, weight.inlineCode + weight.inlineLength);
     ++places_;
     if (weight.extraLength > 0) {
-      for (; counted_ < place; ++counted_) {
-        extra_.push(0x02);
-      }
+      countUpTo(place);
       extra_.push(weight.extra, weight.extraLength);
       ++counted_;
     }
@@ -242,7 +240,17 @@ class KeyWriter {
     unprintable_.push(weight.inlineCode, weight.inlineLength);
   }
 
+  /// Gives the characters before `place` that have no extra code yet the neutral one.
+  void countUpTo(std::size_t place) {
+    for (; counted_ < place; ++counted_) {
+      extra_.push(0x02);
+    }
+  }
+
+  /// A combining mark adds to the code of the character before it, so that "a" and U+0301 give the key of
+  /// U+00E1.
   void addModifier(const Weight& weight) {
+    countUpTo(places_);
     if (extra_.empty()) {
       extra_.push(weight.inlineCode[0]);
       prefix_ = 1;

@@ -47,9 +47,9 @@ bool IndexCursor::settle(std::size_t offset, Way way) {
       const std::size_t end = leaf.end();
       offset = offset > 0 && end > 0 ? leaf.before(std::min(offset, end)) : end;
     }
-    const std::size_t behind = leaf.after(offset);
-    if (behind != offset) {
-      const auto found = leaf.entry(offset, behind, scratch_);
+    const std::size_t end = leaf.after(offset);
+    if (end != offset) {
+      const auto found = leaf.entry(offset, end, scratch_);
       // Every step leads onwards, so that links in a circle, which repeat entries, end here as well.
       const int order = found && valid_ ? compareEntries(*found, entry()) : 0;
       if (!found || (valid_ && (way == Way::forward ? order <= 0 : order >= 0))) {
@@ -58,7 +58,7 @@ bool IndexCursor::settle(std::size_t offset, Way way) {
       key_.assign(found->key.begin(), found->key.end());
       row_ = found->row;
       offset_ = offset;
-      behind_ = behind;
+      end_ = end;
       return valid_ = true;
     }
     const PageNumber number = way == Way::forward ? leaf.next() : leaf.previous();
@@ -110,7 +110,7 @@ bool IndexCursor::seek(const IndexEntry& wanted) {
 /// True when the entry is still where it was seen.
 bool IndexCursor::stillThere() const {
   const IndexPage leaf(view_.bytes(), pager_->version());
-  return leaf.isLeaf() && leaf.owner() == tree_->table() && leaf.holds(offset_, behind_, entry());
+  return leaf.isLeaf() && leaf.owner() == tree_->table() && leaf.holds(offset_, end_, entry());
 }
 
 bool IndexCursor::toNeighbour(Way way) {
@@ -130,7 +130,7 @@ bool IndexCursor::toNeighbour(Way way) {
   }
   const IndexPage leaf(view_.bytes(), pager_->version());
   if (way == Way::forward) {
-    return settle(behind_, Way::forward);
+    return settle(end_, Way::forward);
   }
   if (offset_ > 0) {
     return settle(offset_, Way::backward);
@@ -143,6 +143,10 @@ bool IndexCursor::toNeighbour(Way way) {
   return view_ ? settle(pager_->pageSize(), Way::backward) : stop(true);
 }
 
+bool IndexCursor::again() {
+  const std::vector<std::uint8_t> key = key_;
+  return valid_ && seek({key, row_});
+}
 bool IndexCursor::next() {
   return toNeighbour(Way::forward);
 }

@@ -20,6 +20,9 @@ class IndexCursor {
   bool last();
   bool next();
   bool previous();
+  /// To the entry that the cursor stands on, should it have been removed and entered again, or else to the one after
+  /// it.
+  bool again();
   /// To the first entry that is not before `wanted`.
   bool seek(const IndexEntry& wanted);
 
@@ -44,7 +47,7 @@ class IndexCursor {
   Pager* pager_;
   PageView view_;           ///< the leaf
   std::size_t offset_ = 0;  ///< of the entry in it, when last seen
-  std::size_t behind_ = 0;  ///< offset behind that entry
+  std::size_t end_ = 0;     ///< offset after that entry
   std::vector<std::uint8_t> key_;
   RowPointer row_{};
   std::vector<std::uint8_t> scratch_;

@@ -12,7 +12,8 @@
 //   unsigned bytes         as they are                          flipped
 //   boolean                00 true, FF false                    FF true, 00 false
 //   floats, dates          big-endian; first bit flipped, or    all bits of that flipped
-//                          all bits if negative
+//                          all bits if negative; minus zero
+//                          is zero
 //   binary, GUID,          blocks of 8 bytes, each followed     data and the last count flipped
 //   extended dates         by 09; the last one padded with
 //                          zeros, followed by its count
@@ -41,6 +42,13 @@ void appendSigned(Key& key, Bytes value, bool ascending) {
 }
 
 void appendFloat(Key& key, Bytes value, bool ascending) {
+  // Minus zero equals zero, so it has the same key.
+  if (value.back() == 0x80 &&
+      std::all_of(value.begin(), value.end() - 1, [](std::uint8_t b) { return b == 0; })) {
+    key.push_back(ascending ? 0x80 : 0x7F);
+    key.insert(key.end(), value.size() - 1, ascending ? 0x00 : 0xFF);
+    return;
+  }
   const bool negative = (value.back() & 0x80) != 0;
   if (negative) {
     appendReversed(key, value, ascending ? 0xFF : 0x00, ascending ? 0xFF : 0x00);

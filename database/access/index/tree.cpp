@@ -12,42 +12,14 @@ namespace {
 
 /// How many entries of a page that is divided go to the left one.
 std::size_t placeOfCut(const IndexPage& page, const EntryList& entries, std::size_t offset) {
-  // What comes in order, upwards or downwards, fills pages instead of halving them.
+  // Ascending and descending insertions fill pages instead of halving them.
   if (offset == page.end() && page.next() == 0) {
     return entries.size() - 1;
   }
   if (offset == 0 && page.previous() == 0 && page.isLeaf()) {
     return 1;
   }
-  std::size_t total = 0;
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    total += entries[i].size();
-  }
-  std::size_t left = 0;
-  std::size_t cut = 0;
-  while (cut + 1 < entries.size() && left + entries[cut].size() <= total / 2) {
-    left += entries[cut++].size();
-  }
-  return std::max<std::size_t>(cut, 1);
-}
-
-/// T4: of several children the greatest is the tail.
-bool keepTail(IndexPageEditor& page) {
-  if (page.isLeaf() || page.tail() != 0) {
-    return true;
-  }
-  const std::size_t last = page.empty() ? 0 : page.before(page.end());
-  if (last == 0) {
-    return true;
-  }
-  std::vector<std::uint8_t> scratch;
-  PageNumber child = 0;
-  if (!page.entry(last, scratch, &child)) {
-    return false;
-  }
-  page.remove(last);
-  page.setTail(child);
-  return true;
+  return entries.bestCut();
 }
 
 }  // namespace
@@ -124,32 +96,6 @@ bool IndexTree::growLastChild(Step& step, const IndexEntry& wanted, PageNumber c
   return node.insert(0, entry);
 }
 
-std::optional<bool> IndexTree::containsKey(Bytes key) {
-  // No row is on page 0, so this comes before every entry with the key.
-  const IndexEntry least{key, RowPointer{}};
-  Path path;
-  if (!descend(least, Purpose::look, path)) {
-    return std::nullopt;
-  }
-  PageView view = page(path.leaf().page);
-  std::size_t offset = path.leaf().offset;
-  // An entry that follows may lie on the next leaf; other programs leave empty ones between.
-  for (PageNumber seen = 0; view && seen < pager_->pageCount(); ++seen) {
-    const IndexPage leaf(view.bytes(), pager_->version());
-    if (offset < leaf.end()) {
-      const auto found = leaf.entry(offset, scratch_);
-      return found ? std::optional(std::equal(key.begin(), key.end(), found->key.begin(), found->key.end()))
-                   : std::nullopt;
-    }
-    if (leaf.next() == 0) {
-      return false;
-    }
-    view = page(leaf.next());
-    offset = 0;
-  }
-  return std::nullopt;
-}
-
 /// Whether neither neighbour of the place has the key.
 bool IndexTree::isNewKey(const Step& leaf, Bytes key) {
   const auto hasKey = [&](const IndexPage& index, std::size_t offset) {
@@ -211,7 +157,7 @@ bool IndexTree::put(Path& path, std::size_t depth, Bytes entry) {
   IndexPageEditor page(bytes);
   const std::size_t offset = path.steps[depth].offset;
   if (page.insert(offset, entry)) {
-    return keepTail(page);
+    return page.keepTail();
   }
   const auto entries = page.gather(offset, entry);
   if (!entries) {
@@ -219,7 +165,7 @@ bool IndexTree::put(Path& path, std::size_t depth, Bytes entry) {
   }
   if (entries->packedSize(0, entries->size()) <= indexLayout(pager_->version()).areaSize()) {
     page.write(*entries, 0, entries->size());
-    return keepTail(page);
+    return page.keepTail();
   }
   return split(path, depth, entry);
 }
@@ -251,7 +197,7 @@ bool IndexTree::split(Path& path, std::size_t depth, Bytes entry) {
   left.create(leaf, right.level(), table_);
   right.write(*entries, cut, entries->size());
   left.write(*entries, 0, cut);
-  if (!keepTail(left) || !keepTail(right)) {
+  if (!left.keepTail() || !right.keepTail()) {
     return false;
   }
   left.setNext(step.page);
@@ -407,7 +353,7 @@ bool IndexTree::removeChild(const Path& path, std::size_t depth) {
   }
   const std::vector<std::uint8_t> key(found->key.begin(), found->key.end());
   const RowPointer row = found->row;
-  if (!keepTail(node)) {
+  if (!node.keepTail()) {
     return false;
   }
   return mendGreatest({key, row});

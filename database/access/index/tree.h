@@ -1,20 +1,19 @@
 #ifndef VELTRANO_DATABASE_ACCESS_INDEX_TREE_H
 #define VELTRANO_DATABASE_ACCESS_INDEX_TREE_H
 
-// The B-tree of one index: looking for keys, entering and removing entries. index_cursor.h walks it.
+// The B-tree of one index: inserts and removes entries. cursor.h walks it.
 //
-// Rules that hold between calls (index_check.h tests them):
+// Invariants between calls (check/index_check.h tests them):
 //  T1  The root page never changes its number.
-//  T2  Leaves are linked in order from the first to the last. Nodes are linked among the children of one
-//  parent. T3  A node entry is a copy of the greatest leaf entry below its child. T4  A node with several
-//  children keeps the greatest as its tail, without an entry; one with a single child keeps
-//      it as an entry.
-//  T5  No leaf is empty but a root.
-// A tree written by another program may break T4 and T5; it is then read all the same, and mended where it is
-// changed.
+//  T2  Leaves are linked in order from the first to the last. Nodes are linked among the children of one parent.
+//  T3  A node entry is a copy of the greatest leaf entry below its child.
+//  T4  A node with several children keeps the greatest as its tail, without an entry. A node with one child keeps it
+//      as an entry, and has no tail.
+//  T5  Only a root leaf is empty.
+// Trees of other programs may break T4 and T5. They are read all the same, and repaired where they are changed.
 //
-// Changing needs a transaction of the pager and a file of Jet 4 or later. A step that fails may have changed
-// part of what it had to: the transaction is to be rolled back.
+// A change needs a transaction of the pager and a file of Jet 4 or later. If it fails, the transaction must be rolled
+// back, since part of the change may have been made.
 
 #include <array>
 #include <optional>
@@ -26,10 +25,10 @@
 
 namespace veltrano::access {
 
-/// The longest key that is entered: with it three entries always fit in a page.
+/// The longest key that is inserted: three entries with such keys fit in a page.
 inline constexpr std::size_t longestKey = 1192;
 
-/// Deeper trees than the largest file can hold are damaged.
+/// A deeper tree is damaged: the largest file could not hold it.
 inline constexpr std::size_t deepestTree = 16;
 
 class IndexTree {
@@ -41,25 +40,21 @@ class IndexTree {
   [[nodiscard]] PageNumber root() const { return root_; }
   [[nodiscard]] PageNumber table() const { return table_; }
 
-  /// True when there is an entry with this key, whatever its row; nothing when the index is damaged.
-  [[nodiscard]] std::optional<bool> containsKey(Bytes key);
-
-  /// Enters a row. `newKey` tells whether no other entry has the key (the definition counts these). False
-  /// when the key is too long, the entry is there already, the index is damaged or the file is full.
+  /// Inserts a row's entry. `newKey` is true if no other entry has the key (the definition counts distinct keys).
+  /// False if the key is too long, the entry exists already, the index is damaged or the file is full.
   bool insert(const IndexEntry& entry, bool& newKey);
-  /// Removes a row's entry. False when there is no such entry, the index is damaged or the file cannot be
-  /// read.
+  /// Removes a row's entry. False if there is no such entry, the index is damaged or the file cannot be read.
   bool remove(const IndexEntry& entry);
 
-  /// The page if it belongs to this index; an empty view if not.
+  /// The page if it belongs to this index, otherwise an empty view.
   [[nodiscard]] PageView page(PageNumber number) const;
 
  private:
-  /// One page on the way from the root to a leaf: where in it the way goes on.
+  /// One page on the path from the root to a leaf.
   struct Step {
     PageNumber page = 0;
-    std::size_t offset =
-        0;  ///< node: the entry whose child is taken, or the end for the tail; leaf: the place of the entry
+    /// Node: the entry of the child that the path takes, or the end for the tail. Leaf: where the entry is or belongs.
+    std::size_t offset = 0;
   };
   struct Path {
     std::array<Step, deepestTree + 1> steps{};

@@ -5,22 +5,22 @@
 #include <bit>
 #include <cstring>
 
-// Jet 3   Jet 4   size
-//   0       0      1      03 node, 04 leaf
-//   1       1      1      01
-//   2       2      2      free bytes behind the last entry
-//   4       4      4      definition page of the table
-//   8      12      4      previous page of this level, 0 at the end (nodes: of this level and parent)
-//  12      16      4      next page
-//  16      20      4      node: tail child
-//  20      24      1, 2   prefix length p: every entry but the first lacks its first p bytes, those of the
-//  first one 21      26      1      level: 0 leaf 22      27   226, 453  mask: bit k (least significant
-//  first) is set where an entry ends at byte k of the area
-// 248     480             area of the entries: key, page (3 bytes, big-endian), row (1), in nodes child (4,
-// big-endian)
+// Jet 3  Jet 4  size
+//   0      0     1     03 node, 04 leaf
+//   1      1     1     01
+//   2      2     2     free bytes after the last entry
+//   4      4     4     definition page of the table
+//   8     12     4     previous page of this level, 0 for none (nodes: of this level and parent)
+//  12     16     4     next page
+//  16     20     4     node: tail child
+//  20     24     1, 2  prefix length p: every entry but the first lacks its first p bytes, which are those of the first
+//  21     26     1     level, 0 for leaves
+//  22     27     226,  mask: bit k (least significant first) is set if an entry ends at byte k of the area
+//                453
+// 248    480           area of the entries: key, page (3 bytes, big-endian), row (1), in nodes child (4, big-endian)
 //
-// Example, the area of a leaf with p = 4: 7F 80 00 00 01 | 00 00 2C 00   02 | 00 00 2C 01   with bits 9 and
-// 14 set are the long integers 1 and 2 in rows 0 and 1 of page 44.
+// For example, the area of a leaf with p = 4 that has the long integers 1 and 2 in rows 0 and 1 of page 44 (bits 9 and
+// 14 are set):   7F 80 00 00 01 | 00 00 2C 00   02 | 00 00 2C 01
 
 namespace veltrano::access {
 
@@ -125,12 +125,12 @@ std::size_t IndexPage::end() const {
   return boundary(layout_->areaSize());
 }
 
-std::optional<IndexEntry> IndexPage::entry(std::size_t offset, std::size_t behind,
+std::optional<IndexEntry> IndexPage::entry(std::size_t offset, std::size_t stop,
                                            std::vector<std::uint8_t>& scratch, PageNumber* child) const {
-  if (behind == offset) {
+  if (stop == offset) {
     return std::nullopt;
   }
-  Bytes whole = area().subspan(offset, behind - offset);
+  Bytes whole = area().subspan(offset, stop - offset);
   const std::size_t shared = offset == 0 ? 0 : prefix();
   if (shared != 0) {
     // The prefix may reach into the row of a short entry, so the parts are joined before they are told apart.
@@ -148,24 +148,24 @@ std::optional<IndexEntry> IndexPage::entry(std::size_t offset, std::size_t behin
   return IndexEntry{whole.first(keySize), loadRow(&whole[keySize])};
 }
 
-bool IndexPage::holds(std::size_t offset, std::size_t behind, const IndexEntry& entry) const {
+bool IndexPage::holds(std::size_t offset, std::size_t stop, const IndexEntry& entry) const {
   const std::size_t shared = offset == 0 ? 0 : prefix();
-  const std::size_t size = behind - offset;
-  if (behind > layout_->areaSize() || shared + size != entry.key.size() + rowSize ||
-      shared > entry.key.size() || boundary(offset) != offset || after(offset) != behind) {
+  const std::size_t size = stop - offset;
+  if (stop > layout_->areaSize() || shared + size != entry.key.size() + rowSize ||
+      shared > entry.key.size() || boundary(offset) != offset || after(offset) != stop) {
     return false;
   }
   const std::uint8_t* stored = area().data();
   return std::equal(entry.key.begin(), entry.key.begin() + static_cast<std::ptrdiff_t>(shared), stored) &&
          std::equal(entry.key.begin() + static_cast<std::ptrdiff_t>(shared), entry.key.end(),
                     stored + offset) &&
-         loadRow(stored + behind - rowSize) == entry.row;
+         loadRow(stored + stop - rowSize) == entry.row;
 }
 
 std::size_t IndexPage::lowerBound(const IndexEntry& wanted, std::vector<std::uint8_t>& scratch) const {
   std::size_t low = 0;
   std::size_t high = end();
-  // All entries behind the first share a prefix, so it is compared once.
+  // All entries after the first share a prefix, so it is compared once.
   const std::size_t shared = prefix();
   const Bytes bytes = area();
   const bool follows =
@@ -230,6 +230,23 @@ std::size_t EntryList::packedSize(std::size_t first, std::size_t last) const {
   return ends_[last - 1] - begin - commonPrefix(first, last) * (last - first - 1);
 }
 
+std::size_t EntryList::bestCut() const {
+  // A part that loses the common beginning of its keys takes more room than its share, so packed sizes count. With
+  // each entry that goes left the left part grows and the right one shrinks: the best cut is where they cross. Both
+  // parts fit: an entry between others shares what they share, and one at an edge that does not can stand alone.
+  std::size_t low = 1;
+  std::size_t high = size() - 1;
+  while (low < high) {
+    const std::size_t middle = low + (high - low) / 2;
+    if (packedSize(0, middle) < packedSize(middle, size())) {
+      low = middle + 1;
+    } else {
+      high = middle;
+    }
+  }
+  return low > 1 && packedSize(low - 1, size()) < packedSize(0, low) ? low - 1 : low;
+}
+
 // --- changing
 
 void IndexPageEditor::create(bool leaf, std::uint8_t level, PageNumber owner) {
@@ -245,13 +262,12 @@ void IndexPageEditor::storeFreeBytes(std::size_t end) {
   store16(&bytes_[2], static_cast<std::uint32_t>(layout_->areaSize() - end));
 }
 
-/// Moves all bits behind bit `behind` up or down by some places. Those that a move down runs over must be
-/// clear.
-void IndexPageEditor::shiftBits(std::size_t behind, std::ptrdiff_t distance) {
+/// Moves all bits after bit `bit` up or down by `distance`. Those that a move down overwrites must be clear.
+void IndexPageEditor::shiftBits(std::size_t bit, std::ptrdiff_t distance) {
   constexpr std::size_t words = (4096 - 480) / wordBits + 1;
   std::array<std::uint64_t, 3 * words> moved{};  // room on both sides, so that no index needs a test
-  const std::size_t first = (behind + 1) / wordBits;
-  const std::uint64_t kept = (std::uint64_t{1} << ((behind + 1) % wordBits)) - 1;
+  const std::size_t first = (bit + 1) / wordBits;
+  const std::uint64_t kept = (std::uint64_t{1} << ((bit + 1) % wordBits)) - 1;
   const std::size_t limit = layout_->areaSize();
   std::array<std::uint64_t, words> mask{};
   for (std::size_t word = 0; word < words; ++word) {
@@ -335,6 +351,21 @@ void IndexPageEditor::remove(std::size_t offset) {
     store16(&bytes_[layout_->prefixAt], 0);
   }
   storeFreeBytes(newEnd);
+}
+
+bool IndexPageEditor::keepTail() {
+  const std::size_t last = empty() ? 0 : before(end());
+  if (isLeaf() || tail() != 0 || last == 0) {
+    return true;
+  }
+  std::vector<std::uint8_t> scratch;
+  PageNumber child = 0;
+  if (!entry(last, scratch, &child)) {
+    return false;
+  }
+  remove(last);
+  setTail(child);
+  return true;
 }
 
 std::optional<EntryList> IndexPageEditor::gather(std::size_t offset, Bytes added) const {

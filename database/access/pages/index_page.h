@@ -1,10 +1,9 @@
 #ifndef VELTRANO_DATABASE_ACCESS_PAGES_INDEX_PAGE_H
 #define VELTRANO_DATABASE_ACCESS_PAGES_INDEX_PAGE_H
 
-// The entries of one page of an index tree. index_page.cpp shows the bytes. An entry is addressed by the
-// offset of its first byte in the page's entry area; the offset behind the last entry stands for the end.
-// Bytes from a file are never trusted: whatever they say, nothing here looks outside the page or fails to
-// end.
+// The entries of one page of an index tree. index_page.cpp shows the bytes. An entry is addressed by the offset of its
+// first byte in the page's entry area; the offset after the last entry stands for the end. Whatever a file's bytes
+// say, everything here ends and stays inside the page.
 
 #include <cstdint>
 #include <optional>
@@ -57,27 +56,27 @@ class IndexPage {
   [[nodiscard]] PageNumber tail() const { return load32(&page_[layout_->tailAt]); }
   [[nodiscard]] std::uint8_t level() const { return page_[layout_->levelAt]; }
   [[nodiscard]] std::size_t prefix() const;
-  /// Offset behind the last entry.
+  /// Offset after the last entry.
   [[nodiscard]] std::size_t end() const;
   [[nodiscard]] bool empty() const { return end() == 0; }
 
-  /// Offset behind the entry at `offset`; the offset itself if none begins there.
+  /// Offset after the entry at `offset`; the offset itself if no entry starts there.
   [[nodiscard]] std::size_t after(std::size_t offset) const;
   /// Offset of the entry that ends at or covers the byte before `offset` (not 0).
   [[nodiscard]] std::size_t before(std::size_t offset) const { return boundary(offset - 1); }
 
-  /// The entry at `offset`; its key lies in the page or in `scratch`. Nothing when the bytes are no entry.
+  /// The entry at `offset`; its key lies in the page or in `scratch`. Empty if the bytes are not an entry.
   /// `child` is set for nodes.
   [[nodiscard]] std::optional<IndexEntry> entry(std::size_t offset, std::vector<std::uint8_t>& scratch,
                                                 PageNumber* child = nullptr) const {
     return entry(offset, after(offset), scratch, child);
   }
-  /// The same for a caller who knows where the entry ends.
-  [[nodiscard]] std::optional<IndexEntry> entry(std::size_t offset, std::size_t behind,
+  /// The same for a caller that knows where the entry ends.
+  [[nodiscard]] std::optional<IndexEntry> entry(std::size_t offset, std::size_t stop,
                                                 std::vector<std::uint8_t>& scratch,
                                                 PageNumber* child = nullptr) const;
-  /// Leaf: true when the bytes between these offsets, which are those of an entry seen earlier, are this one.
-  [[nodiscard]] bool holds(std::size_t offset, std::size_t behind, const IndexEntry& entry) const;
+  /// Leaf: true if `entry`, seen earlier between these offsets, is still there.
+  [[nodiscard]] bool holds(std::size_t offset, std::size_t stop, const IndexEntry& entry) const;
   /// The first entry that is not before `wanted`; end() if there is none. `scratch` is for use in between.
   [[nodiscard]] std::size_t lowerBound(const IndexEntry& wanted, std::vector<std::uint8_t>& scratch) const;
 
@@ -109,6 +108,9 @@ class EntryList {
   /// Bytes that the entries from `first` to before `last` take in a page, with the longest possible prefix.
   [[nodiscard]] std::size_t packedSize(std::size_t first, std::size_t last) const;
   [[nodiscard]] std::size_t commonPrefix(std::size_t first, std::size_t last) const;
+  /// How many entries (of at least two) go to the left when a page that cannot hold them is divided, so that both
+  /// parts take about the same room.
+  [[nodiscard]] std::size_t bestCut() const;
 
  private:
   std::size_t referenceSize_;
@@ -121,19 +123,21 @@ class IndexPageEditor : public IndexPage {
  public:
   explicit IndexPageEditor(MutableBytes page) : IndexPage(page, Version::jet4), bytes_(page) {}
 
-  /// Makes an empty page of whatever was there.
+  /// Makes the page an empty one.
   void create(bool leaf, std::uint8_t level, PageNumber owner);
   void setPrevious(PageNumber page) { store32(&bytes_[layout_->previousAt], page); }
   void setNext(PageNumber page) { store32(&bytes_[layout_->nextAt], page); }
   void setTail(PageNumber page) { store32(&bytes_[layout_->tailAt], page); }
 
-  /// Puts a whole entry before the one at `offset` without touching the others. False, and nothing done, when
-  /// it does not fit or does not share the page's prefix: then the page is to be written anew.
+  /// Inserts a whole entry before the one at `offset` without touching the others. False, with nothing changed, if it
+  /// does not fit or lacks the page's prefix: the page must then be rewritten.
   bool insert(std::size_t offset, Bytes entry);
-  /// Takes out the entry at `offset`.
+  /// Removes the entry at `offset`.
   void remove(std::size_t offset);
-  /// The page's entries with `added` (unless empty) before the one at `offset`. Nothing when an entry is
+  /// Node: makes the child with the greatest entries the tail, if there are several children. False if its entry is
   /// damaged.
+  bool keepTail();
+  /// The page's entries with `added` (unless empty) before the one at `offset`. Empty if an entry is damaged.
   [[nodiscard]] std::optional<EntryList> gather(std::size_t offset, Bytes added) const;
   /// Replaces all entries by the given ones, which must fit; in the shortest form.
   void write(const EntryList& entries, std::size_t first, std::size_t last);
@@ -146,7 +150,7 @@ class IndexPageEditor : public IndexPage {
   void clearBit(std::size_t bit) {
     bytes_[layout_->maskAt + bit / 8] &= static_cast<std::uint8_t>(~(1U << bit % 8));
   }
-  void shiftBits(std::size_t behind, std::ptrdiff_t distance);
+  void shiftBits(std::size_t bit, std::ptrdiff_t distance);
   void storeFreeBytes(std::size_t end);
 
   MutableBytes bytes_;

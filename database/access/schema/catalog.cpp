@@ -1,9 +1,12 @@
 #include "database/access/schema/catalog.h"
 
+#include <algorithm>
+
 #include "base/text/lower_case.h"
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/field_codec.h"
 #include "database/access/schema/properties.h"
+#include "database/access/schema/text_codec.h"
 #include "database/access/table.h"
 
 namespace veltrano::access {
@@ -71,7 +74,7 @@ std::optional<CatalogEntry> readEntry(const Catalog& catalog, RowPointer place) 
 // Calls action(entry) for every object, until it answers false.
 template <typename Action>
 void forEachEntry(const Catalog& catalog, Action action) {
-  for (auto place = catalog.table.next(std::nullopt); place; place = catalog.table.next(place)) {
+  for (auto place = catalog.table.from({}); place; place = catalog.table.next(*place)) {
     const auto entry = readEntry(catalog, *place);
     if (entry && !action(*entry)) {
       return;
@@ -145,6 +148,13 @@ std::optional<TableDefinition> findTable(Pager& pager, std::string_view name, st
   auto definition = readTableDefinition(pager, found->id & 0x00FFFFFF);
   if (!definition) {
     reason = "the table's definition is damaged";
+    return std::nullopt;
+  }
+  const auto unreadable = [&pager](const Column& column) {
+    return isJet3(pager.version()) && column.isText() && !isKnownCodePage(column.codePage);
+  };
+  if (std::any_of(definition->columns.begin(), definition->columns.end(), unreadable)) {
+    reason = "the table has text in a code page that the system cannot convert";
     return std::nullopt;
   }
   definition->name = found->name;

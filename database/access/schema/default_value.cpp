@@ -84,11 +84,15 @@ std::vector<std::uint8_t> randomGuid() {
   return guid;
 }
 
-}  // namespace
-
 bool drawsNumbers(const Column& column) {
   return column.autoNumber &&
          (sameName(column.defaultValue, "GenUniqueID()") || sameName(column.defaultValue, "=GenUniqueID()"));
+}
+
+}  // namespace
+
+bool countsUp(const Column& column) {
+  return column.autoNumber && column.type == ColumnType::longInteger && !drawsNumbers(column);
 }
 
 std::optional<std::vector<std::uint8_t>> initialCell(const Column& column, std::optional<std::int32_t> next) {

@@ -11,12 +11,12 @@
 
 namespace veltrano::access {
 
-/// True for an autonumber column whose numbers are drawn instead of counted.
-bool drawsNumbers(const Column& column);
+/// True for an autonumber column that counts, false for one whose numbers are random.
+bool countsUp(const Column& column);
 
-/// The cell of an autonumber (`next` is the table's next one), of a GUID that is drawn, or of the column's
-/// default: a quoted text, a number, True, False, Yes, No, Null, Now(), Date() or Time(), with or without "="
-/// before it. Other expressions count as no default. Nothing for a null.
+/// The cell of an autonumber (`next` is the table's next one if it counts), of a random GUID, or of the column's
+/// default: a quoted text, a number, True, False, Yes, No, Null, Now(), Date() or Time(), with or without "=" before
+/// it. Other expressions count as no default. Empty for a null.
 std::optional<std::vector<std::uint8_t>> initialCell(const Column& column, std::optional<std::int32_t> next);
 
 }  // namespace veltrano::access

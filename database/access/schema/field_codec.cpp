@@ -123,12 +123,14 @@ bool otherCellToText(const Column& column, Bytes cell, std::string& text) {
   }
 }
 
-void storedToText(const Pager& pager, Bytes stored, std::string& text) {
-  if (isJet3(pager.version())) {
-    text = codePageToUtf8(pager.codePage(), stored);
-  } else {
+bool storedToText(const Pager& pager, const Column& column, Bytes stored, std::string& text) {
+  if (!isJet3(pager.version())) {
     storedTextToUtf8(stored, text);
+    return true;
   }
+  auto converted = codePageToUtf8(column.codePage, stored);
+  text = converted ? std::move(*converted) : std::string();
+  return converted.has_value();
 }
 
 }  // namespace
@@ -143,8 +145,7 @@ bool cellToText(Pager& pager, const Column& column, Bytes cell, std::string& tex
       booleanToText(!cell.empty() && cell[0] != 0, text);
       return true;
     case ColumnType::text:
-      storedToText(pager, cell, text);
-      return true;
+      return storedToText(pager, column, cell, text);
     case ColumnType::memo:
     case ColumnType::ole: {
       std::vector<std::uint8_t> buffer;
@@ -153,10 +154,9 @@ bool cellToText(Pager& pager, const Column& column, Bytes cell, std::string& tex
         return false;
       }
       if (column.type == ColumnType::memo) {
-        storedToText(pager, *value, text);
-      } else {
-        binaryToText(*value, text);
+        return storedToText(pager, column, *value, text);
       }
+      binaryToText(*value, text);
       return true;
     }
     default:
@@ -223,7 +223,7 @@ OptionalCell integerCell(const Value& value) {
 
 std::vector<std::uint8_t> cellOfDouble(double value) {
   std::vector<std::uint8_t> cell(8);
-  storeDouble(cell.data(), value);
+  storeDouble(cell.data(), value + 0.0);  // minus zero becomes zero
   return cell;
 }
 
@@ -232,8 +232,9 @@ OptionalCell singleCell(const Value& value) {
   if (!number) {
     return std::nullopt;
   }
+  const float positiveZero = *number + 0.0F;
   std::uint32_t bits;
-  std::memcpy(&bits, &*number, sizeof bits);
+  std::memcpy(&bits, &positiveZero, sizeof bits);
   std::vector<std::uint8_t> cell(4);
   store32(cell.data(), bits);
   return cell;

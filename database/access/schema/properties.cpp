@@ -24,7 +24,7 @@ constexpr std::uint8_t typeMemo = 12;
 
 std::string readText(Bytes bytes, const Pager& pager) {
   if (isJet3(pager.version())) {
-    return codePageToUtf8(pager.codePage(), bytes);
+    return codePageToUtf8(pager.codePage(), bytes).value_or(std::string());
   }
   std::string text;
   storedTextToUtf8(bytes, text);

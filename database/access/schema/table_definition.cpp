@@ -7,57 +7,108 @@
 
 namespace veltrano::access {
 
-// A definition is one string of bytes: its first page whole, and of the pages that continue it what follows
-// their first 8 bytes. Every page begins 02 01, two bytes, and the number of the next page (0 at the end).
+// A definition is one string of bytes: its first page whole, and what follows the first 8 bytes of the pages that
+// continue it. Every page starts 02 01, two bytes, and the number of the next page (0 at the end).
 //
 // Jet 3  Jet 4  Size
-//   8      8     4   length, from the start of the first page
-//  12     16     4   rows
-//  16     20     4   last autonumber
-//   -     24     4   1
-//   -     28     4   last number of complex columns
-//  20     40     1   'N' user table, 'S' system table
-//  21     41     2   columns ever made
-//  23     43     2   variable columns ever made
-//  25     45     2   columns
-//  27     47     4   logical indexes
-//  31     51     4   real indexes
-//  35     55     4   row pointer: map of the table's data pages
-//  39     59     4   row pointer: map of those with room
-//  43     63        then, one array after another:
-//     real indexes     8 / 12   0, u32 count of distinct entries, (Jet 4) 0
-//     columns         18 / 25   below
-//     columns          names: length in bytes (u8 / u16), text
-//     real indexes    39 / 52   below
-//     logical indexes 20 / 28   below
-//     logical indexes  names
-//     long values     10        u16 column number, row pointers of the maps of its pages and of those with
-//     room; a
-//                               column number of FFFF ends the list
+//   8      8     4    length, from the start of the first page
+//  12     16     4    rows
+//  16     20     4    last autonumber
+//   -     24     4    1
+//   -     28     4    last number of complex columns
+//  20     40     1    'N' user table, 'S' system table
+//  21     41     2    columns ever made
+//  23     43     2    variable columns ever made
+//  25     45     2    columns
+//  27     47     4    logical indexes
+//  31     51     4    real indexes
+//  35     55     4    row pointer: map of the table's data pages
+//  39     59     4    row pointer: map of those with room; 0 for none
+//  43     63          then, one array after another:
+//     real indexes      8, 12   0, u32 count of distinct entries, (Jet 4) 0
+//     columns          18, 25   below
+//     columns                   names: length in bytes (u8, u16), text
+//     real indexes     39, 52   below
+//     logical indexes  20, 28   below
+//     logical indexes           names
+//     long values      10       u16 column number, row pointers: map of its pages, map of those with room
+//     end mark          2       FFFF
 
 namespace {
 
-// Where things are, by version.
-struct Offsets {
-  std::size_t autoNumber, maxColumns, variable, columns, logicalIndexes, realIndexes, maps, arrays;
-  std::size_t counterSize, columnSize, nameLengthSize, realIndexSize, logicalIndexSize;
-  // In a column record.
-  std::size_t number, variableIndex, language, orderVersion, precision, flags, extendedFlags, fixedOffset,
-      length;
-  // In a real index record: the list of columns, the map, the root, the flags. In a logical one: number of
-  // the real index, other side, type.
-  std::size_t indexColumns, indexMap, indexRoot, indexFlags, realNumber, otherIndex, indexType;
+// Where the fields lie, by version: in the head, and in each record of an array.
+struct Layout {
+  struct Head {
+    std::size_t maxColumns, variableColumns, columns, logicalIndexes, realIndexes, ownedPages, freePages,
+        arrays;
+  } head;
+  struct ColumnRecord {
+    std::size_t size, number, variableIndex, language, precision, scale, flags, fixedOffset, length;
+  } column;
+  struct RealIndexRecord {
+    std::size_t size, columns, ownedPages, root, flags;
+  } realIndex;
+  struct LogicalIndexRecord {
+    std::size_t size, realIndex, otherIndex, type;
+  } logicalIndex;
+  std::size_t counterSize;
+  std::size_t nameLengthSize;
 };
 
-constexpr Offsets jet3 = {16, 21, 23, 25, 27, 31, 35, 43, 8,  18, 1,  39, 20, 1, 3,
-                          9,  0,  11, 13, 0,  14, 16, 0,  30, 34, 38, 4,  9,  19};
-constexpr Offsets jet4 = {20, 41, 43, 45, 47, 51, 55, 63, 12, 25, 2,  52, 28, 5, 7,
-                          11, 14, 11, 15, 16, 21, 23, 4,  34, 38, 46, 8,  13, 23};
+constexpr Layout jet3 = {.head = {.maxColumns = 21,
+                                  .variableColumns = 23,
+                                  .columns = 25,
+                                  .logicalIndexes = 27,
+                                  .realIndexes = 31,
+                                  .ownedPages = 35,
+                                  .freePages = 39,
+                                  .arrays = 43},
+                         .column = {.size = 18,
+                                    .number = 1,
+                                    .variableIndex = 3,
+                                    .language = 9,
+                                    .precision = 11,
+                                    .scale = 12,
+                                    .flags = 13,
+                                    .fixedOffset = 14,
+                                    .length = 16},
+                         .realIndex = {.size = 39, .columns = 0, .ownedPages = 30, .root = 34, .flags = 38},
+                         .logicalIndex = {.size = 20, .realIndex = 4, .otherIndex = 9, .type = 19},
+                         .counterSize = 8,
+                         .nameLengthSize = 1};
+
+constexpr Layout jet4 = {.head = {.maxColumns = 41,
+                                  .variableColumns = 43,
+                                  .columns = 45,
+                                  .logicalIndexes = 47,
+                                  .realIndexes = 51,
+                                  .ownedPages = 55,
+                                  .freePages = 59,
+                                  .arrays = 63},
+                         .column = {.size = 25,
+                                    .number = 5,
+                                    .variableIndex = 7,
+                                    .language = 11,
+                                    .precision = 11,
+                                    .scale = 12,
+                                    .flags = 15,
+                                    .fixedOffset = 21,
+                                    .length = 23},
+                         .realIndex = {.size = 52, .columns = 4, .ownedPages = 34, .root = 38, .flags = 46},
+                         .logicalIndex = {.size = 28, .realIndex = 8, .otherIndex = 13, .type = 23},
+                         .counterSize = 12,
+                         .nameLengthSize = 2};
+
+constexpr std::size_t definitionLengthAt = 8;
+// Fields of column records that one version alone has.
+constexpr std::size_t jet3CodePageAt = 11;
+constexpr std::size_t jet4OrderVersionAt = 14;
+constexpr std::size_t jet4ExtendedFlagsAt = 16;
 
 constexpr std::size_t mostColumns = 255;
 constexpr std::size_t mostIndexes = 255;  // 32 by the rules; be lenient
 
-// The bytes of a definition with a place in them; reading past the end makes it fail and give zeros.
+// Reads a definition's bytes in order. Past the end it fails, and gives zeros.
 class Cursor {
  public:
   explicit Cursor(Bytes bytes, std::size_t at) : bytes_(bytes), at_(at) {}
@@ -99,69 +150,81 @@ std::optional<std::vector<std::uint8_t>> readDefinitionBytes(Pager& pager, PageN
   return bytes;
 }
 
-std::string readName(Cursor& cursor, const Pager& pager, const Offsets& offsets) {
-  const Bytes bytes = cursor.take(cursor.takeNumber(offsets.nameLengthSize));
+std::string readName(Cursor& cursor, const Pager& pager, const Layout& layout) {
+  const Bytes bytes = cursor.take(cursor.takeNumber(layout.nameLengthSize));
   std::string name;
   if (isJet3(pager.version())) {
-    name = codePageToUtf8(pager.codePage(), bytes);
+    name = codePageToUtf8(pager.codePage(), bytes).value_or(std::string());
   } else {
     appendUtf16AsUtf8(bytes, name);
   }
   return name;
 }
 
-// Column record, Jet 3 and Jet 4:
-//   0  0  1  type                               9 11  2  text: language of the order
-//   1  5  2  number                             - 14  1  text: version of the order
-//   3  7  2  index among the variable columns  11 11  1  numeric: precision, then scale
-//  13 15  1  flags: 01 fixed, 04 autonumber,   14 21  2  fixed offset
-//            40 autonumber GUID                16 23  2  length in bytes
-//   - 16  1  01 compressed, C0 calculated
-Column readColumn(Bytes record, const Pager& pager, const Offsets& offsets) {
+// Column record:
+// Jet 3  Jet 4  Size
+//   0      0     1   type
+//   1      5     2   number
+//   3      7     2   index among the variable columns
+//   9     11     2   text: language of the order
+//  11      -     2   text: code page, 0 for the file's
+//   -     14     1   text: version of the order
+//  11     11     1   numeric: precision
+//  12     12     1   numeric: scale
+//  13     15     1   flags: 01 fixed, 04 autonumber, 40 autonumber GUID
+//   -     16     1   flags: 01 compressed, C0 calculated
+//  14     21     2   fixed offset
+//  16     23     2   length in bytes
+Column readColumn(Bytes record, const Pager& pager, const Layout::ColumnRecord& at) {
   const std::uint8_t* p = record.data();
   Column column;
   column.type = static_cast<ColumnType>(p[0]);
-  column.number = load16(p + offsets.number);
-  column.variableIndex = load16(p + offsets.variableIndex);
-  column.fixedOffset = load16(p + offsets.fixedOffset);
+  column.number = load16(p + at.number);
+  column.variableIndex = load16(p + at.variableIndex);
+  column.fixedOffset = load16(p + at.fixedOffset);
   const std::uint16_t size = sizeOfType(column.type);
-  column.length = size != 0 ? size : load16(p + offsets.length);
-  column.fixed = (p[offsets.flags] & 0x01) != 0;
-  column.autoNumber = (p[offsets.flags] & 0x04) != 0;
-  column.autoGuid = (p[offsets.flags] & 0x40) != 0 && column.type == ColumnType::guid;
+  column.length = size != 0 ? size : load16(p + at.length);
+  column.fixed = (p[at.flags] & 0x01) != 0;
+  column.autoNumber = (p[at.flags] & 0x04) != 0;
+  column.autoGuid = (p[at.flags] & 0x40) != 0 && column.type == ColumnType::guid;
   if (column.type == ColumnType::numeric) {
-    column.precision = p[offsets.precision];
-    column.scale = p[offsets.precision + 1];
+    column.precision = p[at.precision];
+    column.scale = p[at.scale];
   }
-  if (!isJet3(pager.version())) {
-    column.compressed = (p[offsets.extendedFlags] & 0x01) != 0;
-    column.calculated = (p[offsets.extendedFlags] & 0xC0) != 0;
+  const bool old = isJet3(pager.version());
+  if (!old) {
+    column.compressed = (p[jet4ExtendedFlagsAt] & 0x01) != 0;
+    column.calculated = (p[jet4ExtendedFlagsAt] & 0xC0) != 0;
   }
   if (column.isText()) {
-    column.language = load16(p + offsets.language);
-    column.orderVersion = isJet3(pager.version()) ? std::uint8_t{0} : p[offsets.orderVersion];
+    column.language = load16(p + at.language);
+    column.orderVersion = old ? std::uint8_t{0} : p[jet4OrderVersionAt];
     if (column.language == 0) {
       column.language = static_cast<std::uint16_t>(pager.defaultTextOrder());
       column.orderVersion = static_cast<std::uint8_t>(pager.defaultTextOrder() >> 24);
     }
+    const std::uint16_t own = old ? load16(p + jet3CodePageAt) : std::uint16_t{0};
+    column.codePage = own != 0 ? own : pager.codePage();
   }
   return column;
 }
 
-// Real index record: ten times u16 column number (FFFF none), u8 order (1 ascending); then the row pointer of
-// the map of its pages, the page number of the root, and the flags: 01 unique, 02 ignore nulls, 08 required.
-Index readIndex(Bytes record, const Offsets& offsets) {
-  constexpr int mostIndexColumns = 10;
+// Real index record: ten times u16 column number (FFFF none), u8 order (1 ascending); row pointer of the map of its
+// pages; page number of the root; flags 01 unique, 02 ignore nulls, 08 required.
+Index readIndex(Bytes record, const Layout::RealIndexRecord& at) {
+  constexpr std::size_t mostIndexColumns = 10;
+  constexpr std::size_t columnSize = 3;
+  constexpr std::uint16_t noColumn = 0xFFFF;
   Index index;
   for (std::size_t i = 0; i < mostIndexColumns; ++i) {
-    const std::uint8_t* p = record.data() + offsets.indexColumns + 3 * i;
-    if (load16(p) != 0xFFFF) {
+    const std::uint8_t* p = record.data() + at.columns + columnSize * i;
+    if (load16(p) != noColumn) {
       index.columns.push_back({load16(p), p[2] == 1});
     }
   }
-  index.ownedPages = RowPointer::fromDisk(load32(record.data() + offsets.indexMap));
-  index.root = load32(record.data() + offsets.indexRoot);
-  const std::uint8_t flags = record[offsets.indexFlags];
+  index.ownedPages = RowPointer::fromDisk(load32(record.data() + at.ownedPages));
+  index.root = load32(record.data() + at.root);
+  const std::uint8_t flags = record[at.flags];
   index.unique = (flags & 0x01) != 0;
   index.ignoreNulls = (flags & 0x02) != 0;
   index.required = (flags & 0x08) != 0;
@@ -173,50 +236,52 @@ struct LogicalIndex {
   bool primary = false;
 };
 
-// Logical index record: number of the index, number of the real one; the other side of a relation (FFFFFFFF
-// none); type: 1 primary key, 2 relation.
-LogicalIndex readLogicalIndex(Bytes record, const Offsets& offsets, TableDefinition& table) {
-  const std::uint8_t type = record[offsets.indexType];
-  if (type == 2 && load32(record.data() + offsets.otherIndex) != 0xFFFFFFFF) {
+// Logical index record: number of the index; number of the real one; the other side of a relation; type.
+LogicalIndex readLogicalIndex(Bytes record, const Layout::LogicalIndexRecord& at, TableDefinition& table) {
+  constexpr std::uint8_t primaryKey = 1;
+  constexpr std::uint8_t relation = 2;
+  constexpr std::uint32_t noOtherSide = 0xFFFFFFFF;
+  const std::uint8_t type = record[at.type];
+  if (type == relation && load32(record.data() + at.otherIndex) != noOtherSide) {
     table.enforcedRelations = true;
   }
-  return {load32(record.data() + offsets.realNumber), type == 1};
+  return {load32(record.data() + at.realIndex), type == primaryKey};
 }
 
-void readColumns(Cursor& cursor, const Pager& pager, const Offsets& offsets, std::size_t count,
+void readColumns(Cursor& cursor, const Pager& pager, const Layout& layout, std::size_t count,
                  TableDefinition& table) {
   for (std::size_t i = 0; i < count; ++i) {
-    const Bytes record = cursor.take(offsets.columnSize);
+    const Bytes record = cursor.take(layout.column.size);
     if (!record.empty()) {
-      table.columns.push_back(readColumn(record, pager, offsets));
+      table.columns.push_back(readColumn(record, pager, layout.column));
     }
   }
   for (Column& column : table.columns) {
-    column.name = readName(cursor, pager, offsets);
+    column.name = readName(cursor, pager, layout);
   }
   std::sort(table.columns.begin(), table.columns.end(),
             [](const Column& a, const Column& b) { return a.number < b.number; });
 }
 
-void readIndexes(Cursor& cursor, const Pager& pager, const Offsets& offsets, std::size_t realCount,
+void readIndexes(Cursor& cursor, const Pager& pager, const Layout& layout, std::size_t realCount,
                  std::size_t logicalCount, TableDefinition& table) {
   for (std::size_t i = 0; i < realCount; ++i) {
-    const Bytes record = cursor.take(offsets.realIndexSize);
+    const Bytes record = cursor.take(layout.realIndex.size);
     if (!record.empty()) {
-      table.indexes.push_back(readIndex(record, offsets));
+      table.indexes.push_back(readIndex(record, layout.realIndex));
       table.indexes.back().uniqueCountOffset =
-          static_cast<std::uint32_t>(offsets.arrays + i * offsets.counterSize + 4);
+          static_cast<std::uint32_t>(layout.head.arrays + i * layout.counterSize + 4);
     }
   }
   std::vector<LogicalIndex> logical;
   for (std::size_t i = 0; i < logicalCount; ++i) {
-    const Bytes record = cursor.take(offsets.logicalIndexSize);
+    const Bytes record = cursor.take(layout.logicalIndex.size);
     if (!record.empty()) {
-      logical.push_back(readLogicalIndex(record, offsets, table));
+      logical.push_back(readLogicalIndex(record, layout.logicalIndex, table));
     }
   }
   for (const LogicalIndex& one : logical) {
-    const std::string name = readName(cursor, pager, offsets);
+    const std::string name = readName(cursor, pager, layout);
     if (one.real >= table.indexes.size()) {
       continue;
     }
@@ -230,7 +295,7 @@ void readIndexes(Cursor& cursor, const Pager& pager, const Offsets& offsets, std
   }
 }
 
-// Files of some programs lack entries, or the end mark.
+// Some programs leave out entries, or the end mark.
 void readLongValueMaps(Cursor& cursor, TableDefinition& table) {
   for (;;) {
     const Bytes entry = cursor.take(10);
@@ -302,30 +367,31 @@ const Index* TableDefinition::primaryKey() const {
 }
 
 std::optional<TableDefinition> readTableDefinition(Pager& pager, PageNumber page) {
-  const Offsets& offsets = isJet3(pager.version()) ? jet3 : jet4;
+  const Layout& layout = isJet3(pager.version()) ? jet3 : jet4;
+  const Layout::Head& at = layout.head;
   const auto bytes = readDefinitionBytes(pager, page);
-  if (!bytes || bytes->size() < offsets.arrays) {
+  if (!bytes || bytes->size() < at.arrays) {
     return std::nullopt;
   }
   const std::uint8_t* head = bytes->data();
-  const std::size_t length = std::min<std::size_t>(load32(head + 8), bytes->size());
-  const std::size_t columns = load16(head + offsets.columns);
-  const std::size_t logicalIndexes = load32(head + offsets.logicalIndexes);
-  const std::size_t realIndexes = load32(head + offsets.realIndexes);
+  const std::size_t length = std::min<std::size_t>(load32(head + definitionLengthAt), bytes->size());
+  const std::size_t columns = load16(head + at.columns);
+  const std::size_t logicalIndexes = load32(head + at.logicalIndexes);
+  const std::size_t realIndexes = load32(head + at.realIndexes);
   if (columns > mostColumns || logicalIndexes > mostIndexes || realIndexes > mostIndexes) {
     return std::nullopt;
   }
   TableDefinition table;
   table.page = page;
-  table.maxColumns = load16(head + offsets.maxColumns);
-  table.variableColumns = load16(head + offsets.variable);
-  table.ownedPages = RowPointer::fromDisk(load32(head + offsets.maps));
-  table.freePages = RowPointer::fromDisk(load32(head + offsets.maps + 4));
+  table.maxColumns = load16(head + at.maxColumns);
+  table.variableColumns = load16(head + at.variableColumns);
+  table.ownedPages = RowPointer::fromDisk(load32(head + at.ownedPages));
+  table.freePages = RowPointer::fromDisk(load32(head + at.freePages));
 
-  Cursor cursor(Bytes(*bytes).first(length), offsets.arrays);
-  cursor.take(realIndexes * offsets.counterSize);
-  readColumns(cursor, pager, offsets, columns, table);
-  readIndexes(cursor, pager, offsets, realIndexes, logicalIndexes, table);
+  Cursor cursor(Bytes(*bytes).first(length), at.arrays);
+  cursor.take(realIndexes * layout.counterSize);
+  readColumns(cursor, pager, layout, columns, table);
+  readIndexes(cursor, pager, layout, realIndexes, logicalIndexes, table);
   if (cursor.failed()) {
     return std::nullopt;
   }

@@ -61,12 +61,13 @@ struct Column {
   std::uint8_t scale = 0;           ///< numeric
   std::uint16_t language = 0;       ///< text order: language, 0 for the file's default
   std::uint8_t orderVersion = 0;    ///< text order: 0 General Legacy, 1 General
+  std::uint16_t codePage = 0;       ///< Jet 3: of the text
   bool fixed = false;
   bool autoNumber = false;  ///< long integer handed out by the engine
   bool autoGuid = false;
   bool compressed = false;  ///< text may be stored one byte a character
   bool calculated = false;  ///< its value comes from an expression
-  RowPointer ownedPages{};  ///< long values: map of their pages, page 0 if there is none
+  RowPointer ownedPages{};  ///< long values: map of their pages, page 0 for none
   RowPointer freePages{};
   // Properties of the column, kept in the catalog.
   bool required = false;
@@ -92,7 +93,7 @@ struct Index {
   bool ignoreNulls = false;  ///< rows whose index columns are all null are left out
   bool required = false;     ///< no index column may be null; primary keys included
   bool primary = false;
-  /// Where in the definition (its first page, if that reaches so far) the count of distinct entries lies.
+  /// Offset of the count of distinct entries in the definition, usually on its first page.
   std::uint32_t uniqueCountOffset = 0;
 };
 
@@ -104,16 +105,16 @@ struct TableDefinition {
   std::uint16_t maxColumns = 0;  ///< column numbers ever given
   std::uint16_t variableColumns = 0;
   RowPointer ownedPages{};
-  RowPointer freePages{};
+  RowPointer freePages{};          ///< page 0 for none
   bool enforcedRelations = false;  ///< rows depend on rows of another table
 
-  /// By name, in any case; null when there is none.
+  /// By name, in any case; null if there is no such column.
   [[nodiscard]] const Column* find(std::string_view name) const;
   [[nodiscard]] const Column* byNumber(std::uint16_t number) const;
   [[nodiscard]] const Index* primaryKey() const;
 };
 
-/// Reads the definition that begins at `page`. Nothing when it is damaged.
+/// Reads the definition that starts at `page`. Empty if it is damaged.
 std::optional<TableDefinition> readTableDefinition(Pager& pager, PageNumber page);
 
 }  // namespace veltrano::access

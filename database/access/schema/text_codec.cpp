@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/text/code_page.h"
+#include "base/text/encodings.h"
 #include "base/text/wtf8.h"
 
 namespace veltrano::access {
@@ -56,14 +57,37 @@ void appendLatin1AsUtf8(Bytes bytes, std::string& text) {
 
 }  // namespace
 
-std::string codePageToUtf8(std::uint16_t codePage, Bytes bytes) {
-  const CodePageTable& table = codePage == 1250 ? windows1250 : codePage == 1251 ? windows1251 : windows1252;
-  std::string text;
-  text.reserve(bytes.size());
-  for (const std::uint8_t byte : bytes) {
-    appendUtf8(byte < 0x80 ? char32_t{byte} : char32_t{table[byte - 0x80U]}, text);
+std::optional<std::string> codePageToUtf8(std::uint16_t codePage, Bytes bytes) {
+  if (codePage >= 1250 && codePage <= 1252) {
+    // Nearly all files. Their text is read cell by cell, so it does not go through the system.
+    const CodePageTable& table = codePage == 1250   ? windows1250
+                                 : codePage == 1251 ? windows1251
+                                                    : windows1252;
+    std::string text;
+    text.reserve(bytes.size());
+    for (const std::uint8_t byte : bytes) {
+      appendUtf8(byte < 0x80 ? char32_t{byte} : char32_t{table[byte - 0x80U]}, text);
+    }
+    return text;
   }
-  return text;
+  const std::string encoding = "cp" + std::to_string(codePage);
+  const std::string_view all(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  if (auto units = decodeText(encoding, all)) {
+    return utf16ToUtf8(*units);
+  }
+  if (!isKnownCodePage(codePage)) {
+    return std::nullopt;
+  }
+  // Malformed somewhere: byte by byte, so that what can be read is.
+  std::u16string units;
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    units += decodeText(encoding, all.substr(i, 1)).value_or(u"\uFFFD");
+  }
+  return utf16ToUtf8(units);
+}
+
+bool isKnownCodePage(std::uint16_t codePage) {
+  return (codePage >= 1250 && codePage <= 1252) || decodeText("cp" + std::to_string(codePage), "A") == u"A";
 }
 
 void appendUtf16AsUtf8(Bytes bytes, std::string& text) {

@@ -4,6 +4,7 @@
 // Text as rows hold it: UTF-16 or compressed (Jet 4 and later), in a code page (Jet 3).
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,8 +14,9 @@
 
 namespace veltrano::access {
 
-/// Text in a Windows code page. Single-byte pages that the engine has no table of are read as Windows-1252.
-std::string codePageToUtf8(std::uint16_t codePage, Bytes bytes);
+/// Text in a Windows code page as UTF-8; malformed bytes become U+FFFD. Empty if the system cannot convert from it.
+std::optional<std::string> codePageToUtf8(std::uint16_t codePage, Bytes bytes);
+bool isKnownCodePage(std::uint16_t codePage);
 
 /// Appends UTF-16 (low byte first; an odd last byte is ignored) as UTF-8. Unpaired surrogates stay
 /// (base/text/wtf8.h).

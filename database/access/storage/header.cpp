@@ -46,7 +46,8 @@ std::string storedPassword(const std::uint8_t* header, Version version, std::uin
   if (isJet3(version)) {
     const Bytes bytes(header + passwordAt, jet3PasswordSize);
     const auto end = std::find(bytes.begin(), bytes.end(), std::uint8_t{0});
-    return codePageToUtf8(codePage, bytes.first(static_cast<std::size_t>(end - bytes.begin())));
+    return codePageToUtf8(codePage, bytes.first(static_cast<std::size_t>(end - bytes.begin())))
+        .value_or(std::string());
   }
   const std::uint32_t mask = passwordMask(header);
   std::u16string text;
@@ -107,9 +108,15 @@ std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::st
 
   Header header;
   header.version = *version;
-  header.codePage = load16(page.data() + codePageAt);
+  if (const std::uint16_t codePage = load16(page.data() + codePageAt); codePage != 0) {
+    header.codePage = codePage;
+  }
   header.pageKey = load32(page.data() + pageKeyAt);
   header.textOrder = isJet3(*version) ? load16(page.data() + 0x3A) : load32(page.data() + textOrderAt);
+  if (isJet3(*version) && !isKnownCodePage(header.codePage)) {
+    reason = "the file's texts are in a code page that the system cannot convert";
+    return std::nullopt;
+  }
   const bool ace = *version >= Version::ace12;
   if (ace && header.pageKey != 0) {
     reason = "the file is encrypted";

@@ -35,6 +35,15 @@ void Journal::startAt(std::uint64_t databaseLength) {
   lastHash_ = head_.hash();
 }
 
+bool Journal::canBeMade() {
+  OpenFailure failure = {};
+  if (!files_->open(path_, OpenMode::create, failure)) {
+    return false;
+  }
+  files_->remove(path_);
+  return true;
+}
+
 void Journal::startRecord() {
   // The first record is written together with the head.
   pending_.assign((empty() ? JournalHead::size : 0) + RecordHead::size, 0);

@@ -406,7 +406,8 @@ std::unique_ptr<Pager> Pager::open(const std::filesystem::path& given, const Opt
   auto state = std::make_unique<State>(std::move(file), *header, Journal(files, path, identity),
                                        std::max(options.cachePages, fewestCachePages));
   // P6. Jet 3 is read only: nobody can check what would be written.
-  state->readOnly = readOnly || *size % pageSize != 0 || isJet3(header->version);
+  state->readOnly = readOnly || *size % pageSize != 0 || isJet3(header->version) ||
+                    !state->journal.canBeMade();
   state->pages = static_cast<PageNumber>((*size + pageSize - 1) / pageSize);
   state->committedPages = state->keptPages = state->pages;
   state->fileLength = *size;

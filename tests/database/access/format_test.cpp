@@ -63,6 +63,22 @@ TEST(StoredText, IsDecoded) {
   }
 }
 
+TEST(CodePages, AreThoseThatTheSystemKnows) {
+  const std::vector<std::tuple<std::uint16_t, std::string, std::optional<std::string>>> cases = {
+      {1252, "\x80\x81", "\xE2\x82\xAC\xC2\x81"},
+      {1250, "\xB3", "\xC5\x82"},
+      {1251, "\xE6", "\xD0\xB6"},
+      {1253, "\xE1", "\xCE\xB1"},
+      {932, "a\x83\x41\\", "a\xE3\x82\xA2\\"},
+      {932, "\x83", "\xEF\xBF\xBD"},
+      {7, "a", std::nullopt},
+      {0, "", std::nullopt}};
+  for (const auto& [codePage, bytes, utf8] : cases) {
+    EXPECT_EQ(codePageToUtf8(codePage, bytesOf(bytes)), utf8) << codePage;
+    EXPECT_EQ(isKnownCodePage(codePage), utf8.has_value()) << codePage;
+  }
+}
+
 TEST(StoredText, IsCompressedWhereThatIsAllowed) {
   const std::string longest(1024, 'a');
   const std::vector<std::tuple<std::string, bool, ByteList>> cases = {

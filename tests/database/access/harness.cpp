@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "database/access/check/database_check.h"
+#include "database/access/engine.h"
 #include "database/access/schema/catalog.h"
 #include "database/text_matcher.h"
 
@@ -27,11 +28,13 @@ NewTable peopleTable() {
                       {.name = "Flag", .type = ColumnType::boolean},
                       {.name = "Tiny", .type = ColumnType::byte},
                       {.name = "Count", .type = ColumnType::integer},
+                      {.name = "Path"},
                       {.name = "Mark", .type = ColumnType::guid}},
           .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
                       {.name = "ByName", .columns = {{"Name"}, {"Born", false}}},
                       {.name = "ByCode", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true},
                       {.name = "ByNotes", .columns = {{"Notes", false}}},
+                      {.name = "ByPath", .columns = {{"Path"}}},
                       {.name = "ByAmount", .columns = {{"Amount", false}}, .ignoreNulls = true},
                       {.name = "ByPrice", .columns = {{"Price"}, {"Flag"}, {"Mark"}, {"Raw"}}}}};
 }
@@ -41,6 +44,44 @@ NewTable plainTable() {
   table.name = "Plain";
   table.indexes.clear();
   return table;
+}
+
+namespace {
+
+std::string utf8Of(const std::filesystem::path& path) {
+  const auto text = path.u8string();
+  return {text.begin(), text.end()};
+}
+
+}  // namespace
+
+std::unique_ptr<Database> open(const std::filesystem::path& file,
+                               const std::optional<std::string>& password) {
+  std::string reason;
+  const auto connect =
+      password ? std::optional(std::string(passwordConnectPrefix) + *password) : std::nullopt;
+  return makeAccessEngine()->openDatabase(utf8Of(file), connect, reason);
+}
+
+std::string read(Recordset& recordset, const std::string& field) {
+  std::string text = "not replaced";
+  return recordset.readText(field, text) ? text : "(" + text + ")";
+}
+
+NewTable smallTable() {
+  return {.name = "Peo\xC5\xBCle",
+          .columns = {{.name = "ID", .type = ColumnType::longInteger, .autoNumber = true},
+                      {.name = "Name", .type = ColumnType::text, .size = 5, .required = true},
+                      {.name = "Note",
+                       .type = ColumnType::memo,
+                       .allowZeroLength = false,
+                       .defaultValue = "=\"new\""},
+                      {.name = "Code", .type = ColumnType::text, .size = 10},
+                      {.name = "Tiny", .type = ColumnType::byte},
+                      {.name = "Flag", .type = ColumnType::boolean},
+                      {.name = "Mark", .type = ColumnType::guid, .autoNumber = true}},
+          .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
+                      {.name = "Code", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true}}};
 }
 
 void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
@@ -151,6 +192,11 @@ std::optional<std::string> RandomWork::randomValue(const NewColumn& column) {
   }
   switch (column.type) {
     case ColumnType::text:
+      if (column.name == "Path") {
+        const int folder = number(12);
+        return std::string(20 + 17 * static_cast<std::size_t>(folder), static_cast<char>('a' + folder)) +
+               "/" + std::to_string(number(1000));
+      }
       return column.name == "Code" ? "c" + std::to_string(number(400)) : randomText(column.size / 2);
     case ColumnType::memo: {
       const std::array<int, 4> lengths = {20, 60, 3000, 9000};
@@ -201,8 +247,7 @@ int RandomWork::randomId(const Model& before) {
 
 bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& after) {
   after = before;
-  const int kind = number(10);
-  added_ = kind < 5 || before.empty();
+  added_ = number(10) < addsOfTen || before.empty();
   if (added_) {
     const int id = randomId(before);
     Record record;
@@ -220,7 +265,7 @@ bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& af
   const auto chosen = std::next(before.begin(), number(static_cast<int>(before.size())));
   recordset.moveFirst();
   EXPECT_TRUE(recordset.find("ID", TextMatcher(std::to_string(chosen->first), CaseRule::exact)));
-  if (kind < 7) {
+  if (number(5) < 2) {
     after.erase(chosen->first);
     return recordset.remove();
   }
@@ -237,6 +282,58 @@ bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& af
     after[chosen->first] = std::move(record);
   }
   return recordset.update();
+}
+
+namespace {
+
+class FailingFile final : public RandomAccessFile {
+ public:
+  FailingFile(FailingFiles& files, std::unique_ptr<RandomAccessFile> file)
+      : files_(files), file_(std::move(file)) {}
+
+  std::optional<std::size_t> readAt(std::uint64_t offset, MutableBytes target) override {
+    return file_->readAt(offset, target);
+  }
+  bool writeAt(std::uint64_t offset, Bytes bytes) override {
+    if (files_.dead()) {
+      return false;
+    }
+    if (files_.countWrite()) {
+      file_->writeAt(offset, bytes.first(bytes.size() / 2));
+      return false;
+    }
+    const bool grows = offset + bytes.size() > file_->size();
+    return !(files_.failed() && grows) && file_->writeAt(offset, bytes);
+  }
+  std::optional<std::uint64_t> size() override { return file_->size(); }
+  bool resize(std::uint64_t size) override {
+    return !files_.dead() && !files_.countWrite() && file_->resize(size);
+  }
+  // Waiting for the disk would take most of the tests' time.
+  bool sync() override { return !files_.dead(); }
+
+ private:
+  FailingFiles& files_;
+  std::unique_ptr<RandomAccessFile> file_;
+};
+
+}  // namespace
+
+std::unique_ptr<RandomAccessFile> FailingFiles::open(const std::filesystem::path& file, OpenMode mode,
+                                                     OpenFailure& failure) {
+  if (failure_ == Failure::noNewFiles && mode == OpenMode::create) {
+    failure = OpenFailure::notWritable;
+    return nullptr;
+  }
+  auto opened = systemFiles().open(file, mode, failure);
+  return opened ? std::make_unique<FailingFile>(*this, std::move(opened)) : nullptr;
+}
+
+bool FailingFiles::remove(const std::filesystem::path& file) {
+  return !dead() && systemFiles().remove(file);
+}
+bool FailingFiles::lockFileInUse(const std::filesystem::path& lockFile) {
+  return systemFiles().lockFileInUse(lockFile);
 }
 
 }  // namespace veltrano::access

@@ -28,6 +28,16 @@ NewTable peopleTable();
 /// The same without any index: kept in storage order.
 NewTable plainTable();
 
+/// "Peo\u017Cle": ID counts, Name is required and short, Note has a default, Code is unique.
+NewTable smallTable();
+
+/// Opens a file as a host does; null if it is refused.
+std::unique_ptr<Database> open(const std::filesystem::path& file,
+                               const std::optional<std::string>& password = {});
+
+/// A field's text; in brackets if there is none.
+std::string read(Recordset& recordset, const std::string& field);
+
 /// Makes a database with these tables; fails the test if that fails.
 void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
                   const NewDatabase& options = {});
@@ -73,6 +83,8 @@ class RandomWork {
 
   /// Whether an ID that is in use may be tried again; a table without a primary key would take it.
   bool repeatsIds = true;
+  /// How many of ten changes add a record; of the others two in five delete one.
+  int addsOfTen = 5;
 
   /// One change, tried on the recordset; `after` is what the model is if it worked. Answers what update or
   /// remove did.
@@ -89,6 +101,31 @@ class RandomWork {
 
   std::mt19937 random_;
   bool added_ = false;
+};
+
+/// The system's files, until the given number of writes is reached.
+class FailingFiles : public FileSystem {
+ public:
+  enum class Failure {
+    death,       ///< that write is done in part, and nothing is written or removed afterwards
+    diskFull,    ///< that write is done in part, and then files can no longer grow
+    noNewFiles,  ///< at once: files cannot be made, as in a folder where the user may not
+  };
+  FailingFiles(Failure failure, int writes) : failure_(failure), writesLeft_(writes) {}
+
+  std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
+                                         OpenFailure& failure) override;
+  bool remove(const std::filesystem::path& file) override;
+  bool lockFileInUse(const std::filesystem::path& lockFile) override;
+
+  [[nodiscard]] bool failed() const { return writesLeft_ < 0; }
+  [[nodiscard]] bool dead() const { return failed() && failure_ == Failure::death; }
+  /// Counts a write; true when it is the one that fails.
+  bool countWrite() { return --writesLeft_ == -1; }
+
+ private:
+  Failure failure_;
+  int writesLeft_;
 };
 
 }  // namespace veltrano::access

@@ -81,12 +81,12 @@ TEST(Mdbtools, ReadsEveryColumnType) {
   EXPECT_EQ(
       outputOf("mdb-export -H -Q -d '|' -b hex -T '%Y-%m-%d %H:%M:%S' " + file + " People"),
       "1|Zo\xC3\xAB \xC5\xBB\xC3\xB3\xC5\x82w|plain|abc|short|0102FF|ABCD|1999-12-31 23:59:58|-12.3456|0.5|"
-      "-2.25|123456789.125|1|255|-32768|"
+      "-2.25|123456789.125|1|255|-32768||"
       "7B30303131323233332D343435352D363637372D383839394141424243434444454546467D\n"
       "2||||" +
           longerText +
-          "|||1950-01-02 00:00:00|||||0|||\n"
-          "4|last|||||||||||0|||\n");
+          "|||1950-01-02 00:00:00|||||0||||\n"
+          "4|last|||||||||||0||||\n");
 }
 
 // A writer that adds records 1, 2, 3 ... and says so after each Update is killed, whatever it is doing. The

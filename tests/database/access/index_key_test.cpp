@@ -86,13 +86,26 @@ TEST(IndexKey, OrdersTextsAsAccessDoes) {
       {"\u00df", "7F 6B 6B 01 00"},
       {"\u3042", "7F 7F 02 01 01 01 FF 02 80 FF 80 00"},
       {"\U0001F600", "7F B0 3F B6 FC 01 3F 3F 00"},
+      {"\U00010000", "7F B0 02 B4 F8 01 3F 3F 00"},
+      // Combining marks: with a letter, with two marks, after another accent, before any letter.
+      {"a\u0301", "7F 4A 01 0E 00"},
+      {"aa\u0301", "7F 4A 4A 01 02 0E 00"},
+      {"a\u0301a", "7F 4A 4A 01 0E 00"},
+      {"a\u0301\u0327", "7F 4A 01 28 00"},
+      {"\u00e9\u0301", "7F 51 01 1A 00"},
+      {"\u0301a", "7F 4A 01 0C 00"},
+      {"\u0301a\u0301", "7F 4A 01 0C 0E 00"},
+      {"aa\u0301-", "7F 4A 4A 01 02 0E 01 01 01 80 0F 06 82 00"},
   };
   for (const auto& [text, key] : cases) {
     EXPECT_EQ(keyOf(ColumnType::text, true, utf16Bytes(text)), key) << text;
   }
   // Descending: all bits of the text's part flipped, with a zero byte after it.
   EXPECT_EQ(keyOf(ColumnType::text, false, utf16Bytes("ab")), "80 B5 B3 FE FF 00");
+  EXPECT_EQ(keyOf(ColumnType::text, false, utf16Bytes("a\u0301")), "80 B5 FE F1 FF 00");
   // General, the order of Access 2010.
+  EXPECT_EQ(keyOf(ColumnType::text, true, utf16Bytes("a\u0301"), Version::ace14, 1), "7F 0E 02 01 0E 00");
+  EXPECT_EQ(keyOf(ColumnType::text, false, utf16Bytes("a\u0301"), Version::ace14, 1), "80 F1 FD FE F1 FF 00");
   EXPECT_EQ(keyOf(ColumnType::text, false, utf16Bytes("ab"), Version::ace14, 1), "80 F1 FD F1 F6 FE FF 00");
   // General 97 takes the bytes of the code page.
   EXPECT_EQ(keyOf(ColumnType::text, true, {'T', 'a', 'b', 'l', 'e', '1'}, Version::jet3),
@@ -118,6 +131,9 @@ TEST(IndexKey, OrdersEveryType) {
       {ColumnType::currency, "00 00 00 00 00 00 00 80", "7F 00 00 00 00 00 00 00 00",
        "80 FF FF FF FF FF FF FF FF"},
       {ColumnType::single, "00 00 80 3F", "7F BF 80 00 00", "80 40 7F FF FF"},
+      {ColumnType::single, "00 00 00 80", "7F 80 00 00 00", "80 7F FF FF FF"},  // minus zero is zero
+      {ColumnType::real, "00 00 00 00 00 00 00 80", "7F 80 00 00 00 00 00 00 00",
+       "80 7F FF FF FF FF FF FF FF"},
       {ColumnType::real, "00 00 00 00 00 00 F0 BF", "7F 40 0F FF FF FF FF FF FF",
        "80 BF F0 00 00 00 00 00 00"},
       {ColumnType::dateTime, "00 00 00 00 00 00 00 00", "7F 80 00 00 00 00 00 00 00",

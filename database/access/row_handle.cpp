@@ -1,0 +1,28 @@
+#include "database/access/row_handle.h"
+
+namespace veltrano::access {
+
+bool RowHandle::moveTo(RowPointer place, std::uint64_t generation) {
+  place_ = place;
+  deleted_ = false;
+  generation_ = generation;
+  row_ = table_->fetch(place);
+  if (row_) {
+    view_ = table_->view(*row_);
+  }
+  return row_ && view_.valid();
+}
+
+bool RowHandle::refresh(std::uint64_t generation) {
+  if (!deleted_ && generation_ != generation && !moveTo(place_, generation)) {
+    markDeleted();
+  }
+  return !deleted_;
+}
+
+void RowHandle::markDeleted() {
+  deleted_ = true;
+  row_.reset();
+}
+
+}  // namespace veltrano::access

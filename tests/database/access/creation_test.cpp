@@ -1,0 +1,114 @@
+#include <gtest/gtest.h>
+
+#include "base/os/files.h"
+#include "harness.h"
+
+namespace veltrano::access {
+namespace {
+
+TEST(Creation, RefusesWhatIsNotValid) {
+  const Folder folder;
+  std::string reason;
+  makeDatabase(folder / "a.mdb", {smallTable()});
+  EXPECT_FALSE(createDatabase(folder / "a.mdb", {}, reason)) << "it exists";
+  EXPECT_FALSE(createDatabase(folder / "missing" / "b.mdb", {}, reason));
+  const NewColumn id = {.name = "ID", .type = ColumnType::longInteger};
+  const std::vector<NewTable> bad = {
+      smallTable(),
+      {.name = "", .columns = {id}},
+      {.name = "a.b", .columns = {id}},
+      {.name = "T"},
+      {.name = "T", .columns = {id, id}},
+      {.name = "T", .columns = std::vector<NewColumn>(256, id)},
+      {.name = "T", .columns = {{.name = "t", .size = 256}}},
+      {.name = "T", .columns = {{.name = "d", .type = ColumnType::numeric, .precision = 29}}},
+      {.name = "T", .columns = {{.name = "c", .type = ColumnType::complex}}},
+      {.name = "T", .columns = {id}, .indexes = {{.name = "i", .columns = {{"other"}}}}},
+      {.name = "T", .columns = {id}, .indexes = {{.name = "i"}}},
+      {.name = "T",
+       .columns = {id},
+       .indexes = std::vector<NewIndex>(33, {.name = "i", .columns = {{"ID"}}})},
+      {.name = "T",
+       .columns = {{.name = "o", .type = ColumnType::ole}},
+       .indexes = {{.name = "i", .columns = {{"o"}}}}},
+  };
+  const std::string before = readWholeFile(folder / "a.mdb").value();
+  for (std::size_t i = 0; i < bad.size(); ++i) {
+    EXPECT_FALSE(createTable(folder / "a.mdb", bad[i], reason)) << "table " << i;
+  }
+  EXPECT_EQ(readWholeFile(folder / "a.mdb"), before);
+}
+
+TEST(Creation, TakesPasswordsOfTwentyCharacters) {
+  const Folder folder;
+  std::string reason;
+  const std::string longest = "12345678901234567890";
+  makeDatabase(folder / "a.mdb", {smallTable()}, {.password = longest});
+  EXPECT_TRUE(open(folder / "a.mdb", longest));
+  EXPECT_FALSE(open(folder / "a.mdb", longest.substr(1)));
+  EXPECT_FALSE(createDatabase(folder / "b.mdb", {.password = longest + "1"}, reason));
+  EXPECT_FALSE(std::filesystem::exists(folder / "b.mdb"));
+}
+
+TEST(Creation, LeavesNothingOnAFullDisk) {
+  const Folder folder;
+  std::string reason;
+  bool full = true;
+  for (int writes = 0; full; ++writes) {
+    FailingFiles files(FailingFiles::Failure::diskFull, writes);
+    const bool made = createDatabase(folder / "a.mdb", {.files = &files}, reason);
+    full = files.failed();
+    ASSERT_EQ(std::filesystem::exists(folder / "a.mdb"), made) << writes;
+    ASSERT_FALSE(std::filesystem::exists(folder / "a.mdb.new")) << writes;
+    if (made) {
+      ASSERT_EQ(OpenedFile(folder / "a.mdb").check(), "") << writes;
+      std::filesystem::remove(folder / "a.mdb");
+    }
+  }
+  makeDatabase(folder / "b.mdb", {});
+  full = true;
+  for (int writes = 0; full; ++writes) {
+    const std::string name = "T" + std::to_string(writes);
+    FailingFiles files(FailingFiles::Failure::diskFull, writes);
+    OpenedFile file(folder / "b.mdb", &files);
+    NewTable table = peopleTable();
+    table.name = name;
+    const bool made = createTable(file.pager(), table, reason);
+    full = files.failed();
+    ASSERT_EQ(file.check(), "") << writes;
+    ASSERT_EQ(file.table(name) != nullptr, made) << writes;
+  }
+}
+
+TEST(Creation, TakesAsManyColumnsAsTheFormatHas) {
+  const Folder folder;
+  NewTable wide = {.name = "Wide"};
+  for (int i = 0; i < 255; ++i) {
+    const auto type = i % 3 == 0 ? ColumnType::memo : i % 3 == 1 ? ColumnType::boolean : ColumnType::text;
+    wide.columns.push_back({.name = "Column number " + std::to_string(i), .type = type});
+  }
+  for (int i = 0; i < 32; ++i) {
+    wide.indexes.push_back(
+        {.name = "Index " + std::to_string(i), .columns = {{"column number " + std::to_string(i * 3 + 1)}}});
+  }
+  makeDatabase(folder / "a.mdb", {wide});
+  {
+    const auto database = open(folder / "a.mdb");
+    const auto table = database->openTable("wide");
+    ASSERT_TRUE(table);
+    table->addNew();
+    EXPECT_TRUE(table->write("Column number 254", std::string(200, 'x')));
+    EXPECT_TRUE(table->write("Column number 252", std::string(3000, 'x')));
+    EXPECT_TRUE(table->write("Column number 253", true));
+    EXPECT_TRUE(table->update()) << table->lastError();
+    table->moveFirst();
+    EXPECT_EQ(read(*table, "Column number 252").size(), 3000U);
+    EXPECT_EQ(read(*table, "Column number 253"), "True");
+    EXPECT_EQ(read(*table, "Column number 1"), "False");
+    EXPECT_EQ(read(*table, "Column number 2"), "()");
+  }
+  EXPECT_EQ(OpenedFile(folder / "a.mdb").check(), "");
+}
+
+}  // namespace
+}  // namespace veltrano::access
