@@ -17,8 +17,8 @@ void VeltranoPDF::raise(std::string_view message) {
 }
 
 void VeltranoPDF::PDFInit() {
-  if (fonts_.metrics.folder().empty()) fonts_.metrics.setFolder(metricsFolder());
-  PDFLoadAfm(fonts_.metrics.folder());
+  if (fonts_.folder.path().empty()) fonts_.folder.setPath(metricsFolder());
+  PDFLoadAfm(std::filesystem::path(fonts_.folder.path()));
 
   const int pageCount = assembly_.pageCount;
   assembly_ = Assembly();

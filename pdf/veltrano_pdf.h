@@ -134,7 +134,7 @@ class VeltranoPDF {
   /// A right or bottom margin of -1 (omitted) is that of the left or top.
   void PDFSetMargins(std::int16_t left, std::int16_t top, std::int16_t right = -1, std::int16_t bottom = -1);
   /// The current position, rounded; 0 when it does not fit 16 bits.
-  [[nodiscard]] std::int16_t PDFGetX();
+  [[nodiscard]] std::int16_t PDFGetX() const;
   [[nodiscard]] std::int16_t PDFGetY() const;
 
   // Assembly
@@ -269,11 +269,8 @@ class VeltranoPDF {
   void findFontNumber();
 
   // Text (text.cpp).
-  /// The current x, once the width of a text that it waits for is certain.
-  double settledX();
   /// Sets the current position. A coordinate that is not finite leaves the one of before.
   void moveTo(double x, double y);
-  void advanceBehind(std::string_view text, double x, double y);
   void appendColorStart();
   void appendColorEnd();
   /// Font, text and "ET": what follows the position of a text.

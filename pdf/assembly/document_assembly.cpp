@@ -22,8 +22,9 @@ std::int16_t hostCount(Count count) {
 }  // namespace
 
 void VeltranoPDF::PDFBeginDoc() {
-  // The text so far stays: only PDFFileName and PDFInit empty it. So does what was drawn outside a document,
-  // which becomes part of the first page.
+  // The output so far stays: only PDFFileName and PDFInit empty it. A document given up takes its unfinished
+  // page with it; what was drawn outside a document becomes part of the first page.
+  if (assembly_.open) assembly_.pageContent.clear();
   assembly_.writer.restart();
   assembly_.pages.clear();
   assembly_.pageCount = 1;
@@ -81,6 +82,7 @@ std::int16_t VeltranoPDF::PDFNbPage() const {
 }
 
 void VeltranoPDF::beginPage() {
+  fonts_.lookAtMetrics();
   assembly_.pages.push_back({assembly_.writer.nextNumber(), geometry_.currentPage, {}});
 }
 

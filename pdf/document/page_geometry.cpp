@@ -166,8 +166,8 @@ void VeltranoPDF::PDFSetMargins(std::int16_t left, std::int16_t top, std::int16_
   geometry_.bottomMargin = bottom == omitted ? top : bottom;
 }
 
-std::int16_t VeltranoPDF::PDFGetX() {
-  return roundToInt16(settledX()).value_or(0);
+std::int16_t VeltranoPDF::PDFGetX() const {
+  return roundToInt16(geometry_.currentX).value_or(0);
 }
 std::int16_t VeltranoPDF::PDFGetY() const {
   return roundToInt16(geometry_.currentY).value_or(0);

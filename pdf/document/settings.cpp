@@ -6,8 +6,7 @@
 namespace veltrano {
 
 void VeltranoPDF::PDFPathConfiguration(const std::filesystem::path& folder) {
-  settledX();  // measures by the folder of before
-  fonts_.metrics.setFolder(folder);
+  fonts_.folder.setPath(folder);
 }
 
 void VeltranoPDF::PDFProducer(std::string_view text) {

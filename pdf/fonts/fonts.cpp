@@ -52,19 +52,16 @@ void VeltranoPDF::findFontNumber() {
 
 void VeltranoPDF::PDFLoadAfm(const std::filesystem::path& folder) {
   const auto files = listFiles(folder);
-  if (!files) {
-    traceSkipped("PDFLoadAfm", "no such folder");
-    return;
-  }
-  settledX();  // measures by the folder of before
+  if (!files) traceSkipped("PDFLoadAfm", "no such folder");
   // The table is overwritten from its start and never shrinks: entries of a longer folder before stay.
   std::size_t count = 0;
   const auto isNamed = [](std::string_view name) {
     return ansiLower(name).find(extension) != std::string::npos;
   };
   // The whole path counts: in a folder "fonts.afm" every file is taken for a font, as hosts know it.
-  const bool anyFile = isNamed(pathToAnsi(folder));
-  for (const std::filesystem::path& file : *files) {
+  std::error_code ignored;
+  const bool anyFile = isNamed(pathToAnsi(std::filesystem::absolute(folder, ignored)));
+  for (const std::filesystem::path& file : files.value_or(std::vector<std::filesystem::path>())) {
     const std::string name = pathToAnsi(file);
     if (!anyFile && !isNamed(name)) {
       continue;
@@ -78,9 +75,10 @@ void VeltranoPDF::PDFLoadAfm(const std::filesystem::path& folder) {
     }
   }
   if (count > 0) {
-    fonts_.metrics.setFolder(folder);
+    fonts_.folder.setPath(folder);
   }
   findFontNumber();
+  fonts_.metrics = fonts_.folder.read(fonts_.currentFontName);
 }
 
 void VeltranoPDF::PDFSetFont(std::int32_t font, std::int16_t size, std::int32_t style) {
@@ -107,14 +105,16 @@ void VeltranoPDF::PDFSetFont(std::int32_t font, std::int16_t size, std::int32_t 
     ++fonts_.fontCounter;
   }
   findFontNumber();
+  fonts_.lookAtMetrics();
 }
 
 double VeltranoPDF::PDFGetStringWidth(std::string_view text, std::string_view fontName, std::int16_t size) {
-  settledX();  // by the metrics known, before they are read again
-  const std::string_view font = fontName.empty() ? std::string_view(fonts_.currentFontName) : fontName;
-  const double width = fonts_.metrics.metrics(font).width(text, size);
-  fonts_.metrics.callEnds();
-  return width;
+  const bool current = fontName.empty() || fontName == fonts_.currentFontName;
+  const auto metrics = fonts_.folder.read(current ? fonts_.currentFontName : fontName);
+  if (current) {
+    fonts_.metrics = metrics;
+  }
+  return metrics->width(text, size);
 }
 
 }  // namespace veltrano

@@ -4,24 +4,13 @@
 // The fonts that the metrics folder offers, the current font and how text is set in it.
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "pdf/fonts/metrics_cache.h"
+#include "pdf/fonts/metrics_folder.h"
 
 namespace veltrano {
-
-/// A text behind which the current position lies. It is measured when the position is asked for, by the
-/// metrics of the time when it was written: texts mostly come with positions of their own, and looking at the
-/// metrics file for each would cost more than the rest.
-struct PendingAdvance {
-  std::string text;
-  std::string fontName;
-  std::int16_t size = 0;
-  std::int64_t writtenAt = 0;  ///< clock of FileIdentity
-  /// The current x is still where the text begins. Whoever sets it puts an end to the waiting.
-  bool waiting = false;
-};
 
 struct FontState {
   std::vector<std::string> fontTable;  ///< base-font names; the resource of entry i is "/F" followed by i + 1
@@ -38,10 +27,12 @@ struct FontState {
   /// Resource number of the current font: its position in the table from 1, 1 while no font is set, 0 when
   /// the table lacks it. Hosts know the "/F0" that comes of it.
   int fontNumber = 1;
-  MetricsCache metrics;
-  PendingAdvance pendingAdvance;
+  MetricsFolder folder;
+  /// Of the current font, never null. What is drawn uses these; their file is looked at when a font is set,
+  /// the fonts are loaded, a page begins or a width is asked for.
+  std::shared_ptr<const FontMetrics> metrics = FontMetrics::none();
 
-  [[nodiscard]] const FontMetrics& currentMetrics() { return metrics.metrics(currentFontName); }
+  void lookAtMetrics() { metrics = folder.look(currentFontName); }
 };
 
 }  // namespace veltrano

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -25,13 +26,20 @@ std::optional<double> numberAt(const Value& point, std::size_t index) {
   return list != nullptr && index < list->size() ? (*list)[index].toDouble() : std::nullopt;
 }
 
+bool isArray(const Value& value) {
+  return value.as<Value::List>() != nullptr || value.as<Value::Doubles>() != nullptr;
+}
+
+/// Script hosts may pass one array of points instead of one argument per point.
+const Value::List& pointValues(const Value::List& arguments) {
+  const auto* only = arguments.size() == 1 ? arguments[0].as<Value::List>() : nullptr;
+  return only != nullptr && std::any_of(only->begin(), only->end(), isArray) ? *only : arguments;
+}
+
 /// A point of fewer than two numbers, or of numbers that cannot be written, is left out, and the outline goes
 /// on with the next one.
-std::vector<Point> readPoints(const Value::List& values) {
-  // Script hosts may hand over one array of points instead of one argument a point.
-  const auto* nested = values.size() == 1 ? values[0].as<Value::List>() : nullptr;
-  if (nested != nullptr && !nested->empty() && numberAt((*nested)[0], 0)) return readPoints(*nested);
-
+std::vector<Point> readPoints(const Value::List& arguments) {
+  const Value::List& values = pointValues(arguments);
   std::vector<Point> points;
   points.reserve(values.size());
   for (const Value& value : values) {
@@ -193,10 +201,7 @@ void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height
 
   const auto* target = link.as<std::string>();
   if (link.isEmpty() || (target != nullptr && target->empty())) return;
-  // With a link as without, an ellipse leaves the current position alone.
-  const Point position{settledX(), geometry_.currentY};
   placeShapeLink(link, {LinkKind::ellipse, x, y, width, height});
-  moveTo(position.x, position.y);
 }
 
 void VeltranoPDF::PDFDrawPolygon(const Value::List& points) {
@@ -205,15 +210,17 @@ void VeltranoPDF::PDFDrawPolygon(const Value::List& points) {
   appendLine(content, graphics_.lineDashOp);
   appendPaintColors();
   appendLineWidth(" w ");
-  std::string_view segment = " m";
+  bool anyPath = false;
   for (const Point& point : readPoints(points)) {
     ContentLine line(content);
-    line.point(geometry_.xPoints(point.x), geometry_.yPoints(point.y)).text(segment);
-    if (line.end()) segment = " l";
+    line.point(geometry_.xPoints(point.x), geometry_.yPoints(point.y)).text(anyPath ? " l" : " m");
+    anyPath |= line.end();
   }
-  // The other two operators close the outline themselves.
-  if (graphics_.drawMode == DrawMode::fillAndLine) appendLine(content, "h");
-  appendLine(content, closedPaintOperator(graphics_.drawMode));
+  if (anyPath) {
+    // The other two operators close the outline themselves.
+    if (graphics_.drawMode == DrawMode::fillAndLine) appendLine(content, "h");
+    appendLine(content, closedPaintOperator(graphics_.drawMode));
+  }
   appendLine(content, "%FIN_POLY/%");
 }
 

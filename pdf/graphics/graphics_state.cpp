@@ -1,5 +1,6 @@
 #include "pdf/graphics/graphics_state.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -44,7 +45,7 @@ Color splitColor(const Value& value) {
   if (const auto* integer = value.as<std::int64_t>()) {
     whole = *integer;
   } else if (const auto number = value.toDouble()) {
-    whole = roundToInt32(std::floor(*number)).value_or(0);
+    whole = roundToInt32(std::trunc(*number)).value_or(0);
   }
   const auto bits = whole == static_cast<std::int32_t>(whole) ? static_cast<std::uint32_t>(whole) : 0U;
   return {static_cast<int>(bits & 0xFF), static_cast<int>(bits >> 8 & 0xFF),
@@ -66,6 +67,12 @@ Color numbersColor(const Value::Doubles& numbers) {
   return color;
 }
 
+Color bytesColor(const Value::Bytes& bytes) {
+  Color color{};
+  std::copy_n(bytes.begin(), std::min(color.size(), bytes.size()), color.begin());
+  return color;
+}
+
 bool isMisspelled(const Value& value) {
   const auto* text = value.as<std::string>();
   return text != nullptr && !text->starts_with('#');
@@ -74,6 +81,7 @@ bool isMisspelled(const Value& value) {
 Color readColor(const Value& value) {
   if (const auto* list = value.as<Value::List>()) return listColor(*list);
   if (const auto* numbers = value.as<Value::Doubles>()) return numbersColor(*numbers);
+  if (const auto* bytes = value.as<Value::Bytes>()) return bytesColor(*bytes);
   if (const auto* text = value.as<std::string>()) return isMisspelled(value) ? Color{} : parseHexColor(*text);
   return splitColor(value);
 }

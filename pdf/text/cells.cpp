@@ -32,6 +32,18 @@ struct VeltranoPDF::CellFrame {
   [[nodiscard]] double lineTop(std::size_t index) const {
     return firstTop + leading * static_cast<double>(index);
   }
+  /// From the cell's top down to the baseline of a line: it stands in the middle of its strip, where three
+  /// tenths of the size below it leave about the same room for capitals and for descenders.
+  [[nodiscard]] double baseline(std::size_t index, int fontSize) const {
+    return lineTop(index) + leading / 2 + descent * fontSize;
+  }
+  /// From the cell's top down to where no letter of a line reaches. Text of a negative size stands on its
+  /// head.
+  [[nodiscard]] double lineBottom(std::size_t index, int fontSize) const {
+    return baseline(index, fontSize) + (fontSize < 0 ? -1.0 * fontSize : descent * fontSize);
+  }
+  /// No descender of the standard fonts is longer, in font sizes.
+  static constexpr double descent = 0.3;
 };
 
 namespace {
@@ -43,17 +55,17 @@ double hundredths(double value) {
 
 }  // namespace
 
-// The box belongs to each line of text: the first line draws all of it, a later one, which has no border any
-// more, fills only where the first has filled. It stays below its own top, so that no line hides the text
-// above it, and far from the edges: the border there was drawn with the line that was stroked last, which may
-// be any wider than that of now.
+// The box is drawn for each line of text. The first line draws all of it. A later line, which has no border
+// any more, fills a part that the first has filled already: below everything the line before it reaches down
+// to, and well inside the edges, since the border there may be wider than the current line width.
 void VeltranoPDF::appendCellBox(const CellFrame& frame, std::size_t index) {
   const bool border = graphics_.border.all;
   if (!border && !graphics_.fillFlag) {
     return;
   }
+  const int fontSize = fonts_.fontSize;
   const double inset = index == 0 ? 0 : frame.width / 4;
-  const double above = index == 0 ? 0 : frame.lineTop(index);
+  const double above = index == 0 ? 0 : frame.lineBottom(index - 1, fontSize);
   const double height = (frame.height - above) * (index == 0 ? 1 : 0.5);
   if (index > 0 && !(height > 0)) {
     return;
@@ -148,9 +160,7 @@ void VeltranoPDF::appendCellLine(const CellFrame& frame, const TextLine& line, s
     textWidth += space * static_cast<double>(std::count(counted.begin(), counted.end(), ' '));
   }
 
-  // The line stands in the middle of its strip: three tenths of the size below it, capitals and descenders
-  // leave about the same room.
-  const double baseline = frame.top - frame.lineTop(index) - frame.leading / 2 - 0.3 * fonts_.fontSize;
+  const double baseline = frame.top - frame.baseline(index, fonts_.fontSize);
   appendColorStart();
   appendLine(content, "BT");
   ContentLine(content).point(frame.left + offset, baseline).text(" Td").end();
@@ -161,12 +171,9 @@ void VeltranoPDF::appendCellLine(const CellFrame& frame, const TextLine& line, s
   appendColorEnd();
 }
 
-// Left-aligned and justified text begins two margins from the edge and ends one from the other; the others
-// keep one at both.
 std::vector<TextLine> VeltranoPDF::breakCellText(const CellFrame& frame, std::string_view text) const {
-  const bool both = graphics_.alignment == Alignment::right || graphics_.alignment == Alignment::center;
-  const double margins = (both ? 2.0 : 3.0) * geometry_.cellMargin;
-  return breakText(text, {frame.metrics.widths, fonts_.fontSize / 1000.0, frame.width - margins});
+  const double available = frame.width - 2.0 * geometry_.cellMargin;
+  return breakText(text, {frame.metrics.widths, fonts_.fontSize / 1000.0, available});
 }
 
 void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double width, double height,
@@ -180,7 +187,7 @@ void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double widt
                   .width = width * k,
                   .height = height * k,
                   .lineWidth = graphics_.lineWidth * k,
-                  .metrics = fonts_.currentMetrics()};
+                  .metrics = *fonts_.metrics};
   const std::vector<TextLine> textLines = breakCellText(frame, text);
   frame.stack(textLines.size(), fonts_.fontSize);
 
@@ -200,7 +207,6 @@ void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double widt
   placeLink(link, {LinkKind::cell, x, y, width, height}, x, y);
   // As after a rectangle: at the lower left corner.
   moveTo(x, y + height);
-  fonts_.metrics.callEnds();
 }
 
 }  // namespace veltrano

@@ -7,25 +7,23 @@ namespace veltrano {
 
 namespace {
 
-/// A break is not searched beyond this many characters of a line: what fits up to here stays one line.
+/// A break is searched only within this many characters; without one there, the rest stays one line.
 constexpr std::size_t lastBreakPosition = 65534;
 
-/// Where a line ends and where the next one begins.
+/// Points. A host that makes a cell exactly as wide as its text gets one line, whatever the conversion to
+/// its units has rounded; real widths differ by far more.
+constexpr double rounding = 1e-6;
+
+/// Where a line ends and where the next one starts.
 struct LineEnd {
   std::size_t length;
   std::size_t next;
 };
 
-/// End of the word that begins at `from`, with the blanks behind it. The last blank is the break; a word that
-/// ends the text has none.
-LineEnd endOfWord(std::string_view rest, std::size_t from) {
-  const std::size_t blank = rest.find(' ', from);
-  const std::size_t next = blank == std::string_view::npos ? blank : rest.find_first_not_of(' ', blank);
-  return next == std::string_view::npos ? LineEnd{rest.size(), rest.size()} : LineEnd{next - 1, next};
-}
-
+/// A line ends at the last blank that still fits. A word wider than the line ends at the first blank after it.
 LineEnd findLineEnd(std::string_view rest, const LineMeasure& measure) {
   std::size_t lineBreak = std::string_view::npos;
+  bool tooWide = false;
   double width = 0;
   const std::size_t searched = std::min(rest.size(), lastBreakPosition);
   for (std::size_t i = 0; i < searched; ++i) {
@@ -35,25 +33,23 @@ LineEnd findLineEnd(std::string_view rest, const LineMeasure& measure) {
       if (i + 1 < rest.size() && rest[i + 1] != ' ') {
         lineBreak = i;
       }
-      continue;
+    } else {
+      tooWide = tooWide || !measure.fits(width);
     }
-    if (width * measure.scale <= measure.available) {
-      continue;
-    }
-    if (lineBreak != std::string_view::npos) {
+    if (tooWide && lineBreak != std::string_view::npos) {
       return {lineBreak, lineBreak + 1};
     }
-    return i > 0 ? LineEnd{i, i} : endOfWord(rest, 0);
   }
   return {rest.size(), rest.size()};
 }
 
+/// Thousandths of the font size.
 double widthOf(std::string_view text, const LineMeasure& measure) {
   double width = 0;
   for (const char c : text) {
     width += measure.widths[static_cast<unsigned char>(c)];
   }
-  return width * measure.scale;
+  return width;
 }
 
 /// Length without the blanks at the end.
@@ -63,7 +59,7 @@ std::size_t visibleLength(std::string_view line) {
 
 void breakParagraph(std::string_view paragraph, const LineMeasure& measure, std::vector<TextLine>& lines) {
   // The comparison is false for what is not a number.
-  if (!(measure.available > 0) || widthOf(paragraph, measure) <= measure.available) {
+  if (!(measure.available > 0) || measure.fits(widthOf(paragraph, measure))) {
     lines.push_back({paragraph, paragraph.size(), true});
     return;
   }
@@ -71,7 +67,7 @@ void breakParagraph(std::string_view paragraph, const LineMeasure& measure, std:
     const LineEnd end = findLineEnd(paragraph, measure);
     const std::string_view line = paragraph.substr(0, end.length);
     const bool last = end.next == paragraph.size();
-    const bool hangs = !last || widthOf(line, measure) > measure.available;
+    const bool hangs = !last || !measure.fits(widthOf(line, measure));
     lines.push_back({line, hangs ? visibleLength(line) : line.size(), last});
     if (last) {
       return;
@@ -81,6 +77,10 @@ void breakParagraph(std::string_view paragraph, const LineMeasure& measure, std:
 }
 
 }  // namespace
+
+bool LineMeasure::fits(double width) const {
+  return width * scale <= available + rounding;
+}
 
 std::vector<TextLine> breakText(std::string_view text, const LineMeasure& measure) {
   constexpr std::string_view lineEnd = "\r\n";

@@ -42,7 +42,7 @@ LinkEntry shapeArea(const LinkShape& shape, const PageGeometry& page) {
 /// descender up. For a turned text the upright box around that.
 LinkEntry textArea(const FontMetrics& metrics, double x, double y, double width, int size,
                    TextDirection direction) {
-  const double lower = metrics.descender() * size / 1000;
+  const double lower = metrics.descender * size / 1000;
   LinkEntry area;
   double right = -std::numeric_limits<double>::infinity();
   double bottom = std::numeric_limits<double>::infinity();
@@ -84,12 +84,10 @@ void VeltranoPDF::PDFLink(double x, double y, std::string_view text, std::string
   const LinkShape shape = links_.shape;
   LinkEntry area;
   if (shape.kind == LinkKind::text) {
-    const double startX = x == 0 ? settledX() : x;
+    const double startX = x == 0 ? geometry_.currentX : x;
     const double startY = y == 0 ? geometry_.currentY : y;
     PDFTextOut(text, startX, startY);
-    // The underline has just been measured.
-    const FontMetrics* known = fonts_.metrics.knownMetrics(fonts_.currentFontName);
-    const FontMetrics& metrics = known != nullptr ? *known : fonts_.currentMetrics();
+    const FontMetrics& metrics = *fonts_.metrics;
     area = textArea(metrics, geometry_.xPoints(startX), geometry_.yPoints(startY),
                     metrics.width(text, fonts_.fontSize), fonts_.fontSize,
                     TextDirection::fromDegrees(-fonts_.rotation));

@@ -1,53 +1,14 @@
 #include <cmath>
 
-#include "base/os/files.h"
 #include "pdf/graphics/content_line.h"
 #include "pdf/text/text_operators.h"
 #include "pdf/veltrano_pdf.h"
 
 namespace veltrano {
 
-double VeltranoPDF::settledX() {
-  PendingAdvance& pending = fonts_.pendingAdvance;
-  if (!pending.waiting) {
-    return geometry_.currentX;
-  }
-  pending.waiting = false;
-  // A file that changed only after the text was written has no say.
-  const bool changedLater = fonts_.metrics.changedAfter(pending.fontName, pending.writtenAt);
-  const FontMetrics* known = changedLater ? fonts_.metrics.knownMetrics(pending.fontName) : nullptr;
-  const FontMetrics& metrics = known != nullptr ? *known : fonts_.metrics.metrics(pending.fontName);
-  geometry_.currentX += metrics.width(pending.text, pending.size);
-  return geometry_.currentX;
-}
-
 void VeltranoPDF::moveTo(double x, double y) {
-  if (std::isfinite(x)) {
-    fonts_.pendingAdvance.waiting = false;
-    geometry_.currentX = x;
-  }
-  if (std::isfinite(y)) {
-    geometry_.currentY = y;
-  }
-}
-
-/// The width is in points and not divided by the points of a unit, and so is the font size: after a text the
-/// current position is in mixed units, as hosts rely on.
-void VeltranoPDF::advanceBehind(std::string_view text, double x, double y) {
-  moveTo(x, y + fonts_.fontSize);
-  if (text.empty() || !std::isfinite(x)) {  // no text: as it is for every link over a shape
-    return;
-  }
-  PendingAdvance& pending = fonts_.pendingAdvance;
-  pending.waiting = fonts_.metrics.knownMetrics(fonts_.currentFontName) != nullptr;
-  if (!pending.waiting) {
-    geometry_.currentX += fonts_.currentMetrics().width(text, fonts_.fontSize);
-    return;
-  }
-  pending.text = text;
-  pending.fontName = fonts_.currentFontName;
-  pending.size = fonts_.fontSize;
-  pending.writtenAt = fileClockNow();
+  if (std::isfinite(x)) geometry_.currentX = x;
+  if (std::isfinite(y)) geometry_.currentY = y;
 }
 
 void VeltranoPDF::appendColorStart() {
@@ -75,7 +36,7 @@ void VeltranoPDF::appendTextOperators(std::string_view text) {
 
 void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
   if (x == 0) {
-    x = settledX();
+    x = geometry_.currentX;
   }
   if (y == 0) {
     y = geometry_.currentY;
@@ -101,16 +62,17 @@ void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
     line.point(left, baseline).text(" Td").end();
   }
   appendTextOperators(text);
-  if (fonts_.underlineFlag && !text.empty()) {
-    const FontMetrics& metrics = fonts_.currentMetrics();
-    appendUnderline(content, metrics, fonts_.fontSize, left, baseline, metrics.width(text, fonts_.fontSize),
-                    direction);
+  const double width = fonts_.metrics->width(text, fonts_.fontSize);
+  if (fonts_.underlineFlag) {
+    appendUnderline(content, *fonts_.metrics, fonts_.fontSize, left, baseline, width, direction);
   }
   appendColorEnd();
   appendLine(content, "%FIN_TEXT/%");
 
   fonts_.underlineFlag = false;
-  advanceBehind(text, x, y);
+  // The width is in points and not divided by the points of a unit, and so is the font size: after a text the
+  // current position is in mixed units, kept because hosts rely on it.
+  moveTo(x + width, y + fonts_.fontSize);
 }
 
 double VeltranoPDF::PDFTextHeight() const {

@@ -4,8 +4,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "base/byte_lanes.h"
-#include "pdf/fonts/afm_file.h"
+#include "pdf/fonts/font_metrics.h"
 #include "pdf/graphics/content_line.h"
 
 namespace veltrano {
@@ -16,24 +15,9 @@ bool isSpecial(char c) {
   return c == '\\' || c == '(' || c == ')';
 }
 
-/// Nearly every text has nothing to escape, and asking that must not cost more than copying it.
-bool hasSpecial(std::string_view text) {
-  for (; text.size() >= ByteLanes::count; text.remove_prefix(ByteLanes::count)) {
-    const ByteLanes lanes(text.data());
-    if (((lanes == '\\') | (lanes == '(') | (lanes == ')')).any()) {
-      return true;
-    }
-  }
-  return std::any_of(text.begin(), text.end(), isSpecial);
-}
-
 }  // namespace
 
 void appendEscapedText(ContentText& target, std::string_view text) {
-  if (!hasSpecial(text)) {
-    target.append(text);
-    return;
-  }
   while (!text.empty()) {
     const auto plain =
         static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isSpecial) - text.begin());
@@ -61,8 +45,8 @@ void appendUnderline(ContentText& target, const FontMetrics& metrics, int size, 
   if (!(width > 0)) {
     return;
   }
-  const double thickness = metrics.underlineThickness() * size / 1000;
-  const double bottom = metrics.underlinePosition() * size / 1000 - thickness / 2;
+  const double thickness = metrics.underlineThickness * size / 1000;
+  const double bottom = metrics.underlinePosition * size / 1000 - thickness / 2;
   ContentLine line(target);
   if (direction.sine == 0 && direction.cosine == 1) {
     line.point(x, y + bottom).text(" ").point(width, thickness).text(" re f").end();

@@ -2,15 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <fstream>
 #include <string>
-#include <thread>
 #include <tuple>
 
 #include "base/os/files.h"
 #include "base/os/host.h"
-#include "pdf/fonts/metrics_cache.h"
+#include "pdf/fonts/metrics_folder.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {
@@ -55,6 +52,12 @@ constexpr Reading readings[] = {
      "StartCharMetrics\nC 65 ; WX 99999999999\nC 66 ; WX 2\nC 99999999999 ; WX 3\nC 300 ; WX "
      "3\nEndCharMetrics",
      0, 2, 0},
+    {"a short line long before the next",
+     "StartCharMetrics\nC 65 ; WX 1\n                                                                      "
+     "                                                                                                      "
+     "                                                                                                      "
+     "                                                                  C 66 ; WX 2\nEndCharMetrics",
+     1, 2, 0},
     {"the line after a second start is taken as it is",
      "StartCharMetrics\nC 65 ; WX 1\nStartCharMetrics\nC 66 ; WX 2\nC 67 ; WX 4\nEndCharMetrics", 1, 2, 4},
 };
@@ -87,6 +90,16 @@ TEST(Afm, SumStaysWithin32Bits) {
       2147483000);
 }
 
+TEST(Afm, HeaderGivesUnderlineAndDescender) {
+  const auto metrics = parseAfm(
+      "xDescender -9\r\nDescender -207\r\nUnderlinePosition x\r\nUnderlineThickness 55.5\r\n"
+      "StartCharMetrics\r\nUnderlinePosition -7\r\nEndCharMetrics\r\n",
+      true);
+  EXPECT_EQ(metrics->descender, -207);
+  EXPECT_EQ(metrics->underlinePosition, -100) << "the usual one";
+  EXPECT_EQ(metrics->underlineThickness, 55.5);
+}
+
 TEST(ShippedMetrics, MeasureByTheCodesOfWindows1252) {
   // Widths as the makers of the fonts publish them.
   constexpr std::tuple<const char*, unsigned char, std::int32_t> table[] = {
@@ -95,14 +108,14 @@ TEST(ShippedMetrics, MeasureByTheCodesOfWindows1252) {
       {"Courier", 0xFF, 600},     {"Helvetica", 0x81, 350},  {"Symbol", 'a', 631},
       {"ZapfDingbats", '!', 974}, {"Symbol", 0x80, 0},
   };
-  MetricsCache cache;
-  cache.setFolder(libraryFolder());
+  MetricsFolder metrics;
+  metrics.setPath(libraryFolder());
   for (const auto& [font, code, width] : table) {
-    EXPECT_EQ(cache.metrics(font).widths[code], width) << font << ' ' << int{code};
+    EXPECT_EQ(metrics.read(font)->widths[code], width) << font << ' ' << int{code};
   }
   for (const char* font : {"Helvetica", "Courier-Oblique", "Times-Bold", "TimesItalic"}) {
     for (std::size_t code = 32; code < 256; ++code) {
-      EXPECT_GT(cache.metrics(font).widths[code], 0) << font << ' ' << code;
+      EXPECT_GT(metrics.read(font)->widths[code], 0) << font << ' ' << code;
     }
   }
 }
@@ -111,14 +124,14 @@ std::string afmWithWidth(int width) {
   return "StartCharMetrics\nC 65 ; WX " + std::to_string(width) + "\nEndCharMetrics\n";
 }
 
-TEST(MetricsCacheTest, SeesEachEditAtOnce) {
+TEST(MetricsFolderTest, SeesEachEditAtOnce) {
   const TemporaryFolder folder;
-  MetricsCache cache;
-  cache.setFolder(folder.path());
+  MetricsFolder metrics;
+  metrics.setPath(folder.path());
   const auto file = folder / "Font.afm";
-  const auto width = [&] { return cache.metrics("Font").widths['A']; };
+  const auto width = [&] { return metrics.read("Font")->widths['A']; };
   EXPECT_EQ(width(), 0);
-  for (int edit = 100; edit < 140; ++edit) {  // of one size and within one step of the clock
+  for (int edit = 100; edit < 140; ++edit) {  // of one size and within one step of the file system's times
     replaceFile(file, afmWithWidth(edit));
     ASSERT_EQ(width(), edit);
     auto inPlace = OutputFile::create(file);
@@ -126,51 +139,30 @@ TEST(MetricsCacheTest, SeesEachEditAtOnce) {
     inPlace.reset();
     ASSERT_EQ(width(), edit + 500);
   }
+  const auto held = metrics.look("Font");
+  EXPECT_EQ(metrics.read("Font"), held) << "read again, but not parsed again";
+  replaceFile(file, afmWithWidth(7));
+  EXPECT_EQ(metrics.look("Font")->widths['A'], 7) << "of another size";
+  EXPECT_EQ(held->widths['A'], 639) << "what is held does not change";
   std::filesystem::remove(file);
   EXPECT_EQ(width(), 0);
-  EXPECT_EQ(cache.knownMetrics("Font"), nullptr);
 }
 
-// A host that holds the file open needs no more than one call of the system between two measurements.
-TEST(MetricsCacheTest, SeesAnEditThroughAnOpenFile) {
-  const TemporaryFolder folder;
-  const auto nameOf = [](int font) { return "Font" + std::to_string(font); };
-  constexpr int fonts = 40;
-  for (int font = 0; font < fonts; ++font) {
-    replaceFile(folder / (nameOf(font) + ".afm"), afmWithWidth(100));
-  }
-  std::this_thread::sleep_for(std::chrono::milliseconds(2100));  // until their time stamps are trusted
-  MetricsCache cache;
-  cache.setFolder(folder.path());
-  for (int font = 0; font < fonts; ++font) {
-    const std::string name = nameOf(font);
-    const auto width = [&] { return cache.metrics(name).widths['A']; };
-    std::fstream file(folder / (name + ".afm"), std::ios::binary | std::ios::in | std::ios::out);
-    file << afmWithWidth(200);
-    for (int i = 0; i < 3; ++i) {
-      ASSERT_EQ(width(), 100);
-      cache.callEnds();
-    }
-    file.flush();
-    ASSERT_EQ(width(), 200);
-  }
-}
-
-TEST(MetricsCacheTest, OtherFoldersAndMadeUpNames) {
+TEST(MetricsFolderTest, OtherFoldersAndMadeUpNames) {
   const TemporaryFolder one;
   const TemporaryFolder two;
   replaceFile(one / "Font.afm", afmWithWidth(1));
   replaceFile(two / "Font.afm", std::string(40000, 'x') + "\n" + afmWithWidth(2));  // a long header
-  MetricsCache cache;
-  cache.setFolder(one.path());
-  EXPECT_EQ(cache.metrics("Font").widths['A'], 1);
-  cache.setFolder(two.path());
-  EXPECT_EQ(cache.metrics("Font").widths['A'], 2);
+  MetricsFolder metrics;
+  metrics.setPath(one.path());
+  EXPECT_EQ(metrics.read("Font")->widths['A'], 1);
+  metrics.setPath(two.path());
+  EXPECT_EQ(metrics.read("Font")->widths['A'], 2);
   for (int i = 0; i < 1000; ++i) {
-    EXPECT_EQ(cache.metrics("No font " + std::to_string(i)).widths['A'], 0);
+    EXPECT_EQ(metrics.read("No font " + std::to_string(i))->widths['A'], 0);
   }
-  EXPECT_EQ(cache.metrics(std::string("Font\0x", 6)).widths['A'], 0);
-  EXPECT_EQ(cache.metrics("Font").widths['A'], 2);
+  EXPECT_EQ(metrics.read(std::string("Font\0x", 6))->widths['A'], 0);
+  EXPECT_EQ(metrics.read("Font")->widths['A'], 2);
 }
 
 }  // namespace

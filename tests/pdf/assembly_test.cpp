@@ -79,6 +79,19 @@ TEST(Assembly, SecondDocumentFollowsTheFirstUnlessTheFileNameIsSetAgain) {
   EXPECT_TRUE(std::filesystem::is_empty(taken) && document.errors.empty());
 }
 
+TEST(Assembly, ADocumentGivenUpTakesItsUnfinishedPageWithIt) {
+  Document document;
+  document.pdf.PDFBeginDoc();
+  document.pdf.PDFTextOut("abandoned", 1, 1);
+  document.pdf.PDFLink(1, 1, "gone");
+  document.pdf.PDFFileName(document.file());
+  document.pdf.PDFBeginDoc();
+  document.pdf.PDFDrawLine(0, 0, 0, 0);
+  const std::string file = document.finish();
+  EXPECT_TRUE(pageContent(file, 1).starts_with("%DEBUT_LN/%"));
+  EXPECT_FALSE(holds(file, "/Annots"));
+}
+
 TEST(Assembly, NothingHappensWithoutAnOpenDocument) {
   Document document;
   document.pdf.PDFNewPage();

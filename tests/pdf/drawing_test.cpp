@@ -16,8 +16,10 @@ TEST(Drawing, MovesTheCurrentPosition) {
   EXPECT_EQ(position(), std::pair(10, 30));
   pdf.PDFDrawRectangle(3, 4, 50, 60);
   EXPECT_EQ(position(), std::pair(3, 64));
-  pdf.PDFDrawEllipse(30, 40, 50, 60, "t");
+  pdf.PDFDrawEllipse(30, 40, 50, 60);
   EXPECT_EQ(position(), std::pair(3, 64));
+  pdf.PDFDrawEllipse(30, 40, 50, 60, "t");
+  EXPECT_EQ(position(), std::pair(35, 80)) << "where its link has left it, 10 being the font size";
   pdf.PDFCell("x", 7, 8, 9, 10);
   EXPECT_EQ(position(), std::pair(7, 18));
 }
@@ -40,6 +42,32 @@ TEST(Drawing, StraightLinesLeaveTheirColorAsTheFillColor) {
             }),
             "1.000 0.000 0.000 rg");
   EXPECT_EQ(fillAfter([](VeltranoPDF& pdf) { pdf.PDFDrawLine(0, 0, 1, 1); }), "0.000 1.000 0.000 rg");
+}
+
+TEST(Drawing, PolygonTakesThePointsThatAreOnes) {
+  const Value one = Value::List{10, 20};
+  const Value other = Value::Doubles{30, 40};
+  const Value none = Value::List{"x"};
+  const std::pair<Value::List, int> rows[] = {
+      {{one, none, other}, 2},
+      {{Value::List{none, one, other}}, 2},  // one array, its first point malformed
+      {{Value::List{Value(), one}}, 1},
+      {{one}, 1},
+      {{none, Value(), 1e308}, 0},
+      {{Value::List{}}, 0},
+      {{}, 0},
+  };
+  for (const auto& [points, usable] : rows) {
+    const std::string content = tests::contentOf([&, given = points](VeltranoPDF& pdf) {
+      pdf.PDFSetDrawMode(DRAW_DRAWBORDER);
+      pdf.PDFDrawPolygon(given);
+    });
+    const auto painted = content.ends_with("h\r\nB\r\n%FIN_POLY/%\r\n");
+    EXPECT_EQ(painted, usable > 0) << content;
+    EXPECT_EQ(content.ends_with(" w \r\n%FIN_POLY/%\r\n"), usable == 0) << "no operator without a path";
+    EXPECT_EQ(tests::countOf(content, " m\r\n") + tests::countOf(content, " l\r\n"),
+              static_cast<std::size_t>(usable));
+  }
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+
 #include "tests/pdf/pdf_testing.h"
 
 namespace veltrano {
@@ -94,14 +96,59 @@ TEST(Fonts, LoadingAFolder) {
 }
 
 TEST(Fonts, AFolderNamedLikeMetricsHoldsOnlyFonts) {
+  const auto before = std::filesystem::current_path();
   Document document;
-  std::filesystem::create_directory(document.folder / "fonts.afm");
-  for (const char* name : {"fonts.afm/a", "fonts.afm/readme.txt"}) replaceFile(document.folder / name, "x");
-  document.pdf.PDFLoadAfm(document.folder / "fonts.afm");
-  document.pdf.PDFBeginDoc();
-  const std::string file = document.finish();
-  EXPECT_TRUE(holds(file, "/BaseFont /Courier-Bold\r\n"));  // "a" is too short to give a name
-  EXPECT_TRUE(holds(file, "/Name /F2\r\n/BaseFont /readme\r\n"));
+  const auto folder = document.folder / "fonts.afm";
+  std::filesystem::create_directory(folder);
+  for (const char* name : {"a", "readme.txt"}) replaceFile(folder / name, "x");
+  std::filesystem::current_path(folder);
+  for (const auto& given : {folder, std::filesystem::path(".")}) {  // the whole path counts
+    VeltranoPDF pdf;
+    pdf.PDFFileName(document.file());
+    pdf.PDFLoadAfm(given);
+    pdf.PDFBeginDoc();
+    pdf.PDFEndDoc();
+    const std::string file = readWholeFile(document.file()).value_or("");
+    EXPECT_TRUE(holds(file, "/BaseFont /Courier-Bold\r\n"));  // "a" is too short to give a name
+    EXPECT_TRUE(holds(file, "/Name /F2\r\n/BaseFont /readme\r\n"));
+  }
+  std::filesystem::current_path(before);
+}
+
+TEST(Fonts, MetricsAreLookedAtWhenAFontIsSetOrLoadedAPageBeginsOrAWidthIsAskedFor) {
+  Document document;
+  VeltranoPDF& pdf = document.pdf;
+  const auto write = [&](const char* width) {
+    replaceFile(document.folder / "Helvetica.afm",
+                std::string("StartCharMetrics\nC 65 ; WX ") + width + "\nEndCharMetrics");
+  };
+  const auto widthDrawn = [&] {
+    pdf.PDFTextOut("A", 5, 5);
+    return pdf.PDFGetX() - 5;
+  };
+  write("800");
+  pdf.PDFLoadAfm(document.folder.path());
+  pdf.PDFSetFont(FONT_ARIAL, 10);
+  pdf.PDFBeginDoc();
+  const std::function<void()> moments[] = {
+      [&] { pdf.PDFSetFont(FONT_ARIAL, 10); },
+      [&] { pdf.PDFLoadAfm(document.folder.path()); },
+      [&] { pdf.PDFNewPage(); },
+      [&] { pdf.PDFBeginDoc(); },
+      [&] { EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 1), 2); },
+  };
+  for (const auto& moment : moments) {
+    write("800");
+    EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 10), 8);
+    write("2000");
+    EXPECT_EQ(widthDrawn(), 8) << "what is drawn uses the metrics in hand";
+    EXPECT_EQ(pdf.PDFGetStringWidth("A", "Courier", 10), 0);
+    EXPECT_EQ(widthDrawn(), 8) << "another font's width is no look at this one";
+    moment();
+    EXPECT_EQ(widthDrawn(), 20);
+  }
+  std::filesystem::remove(document.folder / "Helvetica.afm");
+  EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 10), 0);
 }
 
 }  // namespace

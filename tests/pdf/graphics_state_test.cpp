@@ -20,6 +20,8 @@ TEST(Colors, OfEveryForm) {
       {COLOR_JAUNE, "1.000 1.000 0.000"},
       {COLOR_BLEU, "0.000 0.000 1.000"},
       {255.9, "1.000 0.000 0.000"},
+      {-0.5, "0.000 0.000 0.000"},  // fractions go towards zero
+      {-1.5, "1.000 1.000 1.000"},
       {-1, "1.000 1.000 1.000"},
       {1e10, "0.000 0.000 0.000"},
       {std::numeric_limits<double>::quiet_NaN(), "0.000 0.000 0.000"},
@@ -28,6 +30,8 @@ TEST(Colors, OfEveryForm) {
       {Value::List{70000, Opaque(), 255, 9}, "0.000 0.000 1.000"},
       {Value::List{255}, "1.000 0.000 0.000"},
       {Value::Doubles{255, 0, 255, 9}, "1.000 0.000 1.000"},
+      {Value::Bytes{255, 128, 0, 9}, "1.000 0.502 0.000"},
+      {Value::Bytes{0, 255}, "0.000 1.000 0.000"},
   };
   for (const auto& [color, numbers] : rows) {
     const std::string content = contentOf([&, given = color](VeltranoPDF& pdf) {

@@ -1,14 +1,9 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
-
 #include "tests/pdf/pdf_testing.h"
 
 namespace veltrano {
 namespace {
-
-using tests::Document;
 
 TEST(Text, PositionBehindATextIsInMixedUnits) {
   VeltranoPDF pdf;
@@ -33,30 +28,6 @@ TEST(Text, WithoutASizeIsWrittenAtTen) {
   pdf.PDFTextOut("Hello", 1, 1);
   EXPECT_EQ(pdf.PDFGetX(), 24);
   EXPECT_EQ(pdf.PDFGetY(), 11);
-}
-
-TEST(Text, PositionTakesTheMetricsOfItsTime) {
-  Document document;
-  VeltranoPDF& pdf = document.pdf;
-  const auto write = [&](const char* width) {
-    replaceFile(document.folder / "Helvetica.afm",
-                std::string("StartCharMetrics\nC 65 ; WX ") + width + "\nEndCharMetrics");
-  };
-  write("1000");
-  pdf.PDFLoadAfm(document.folder.path());
-  pdf.PDFSetFont(FONT_ARIAL, 10);
-  // Only an old file is known well enough to be looked at later.
-  std::this_thread::sleep_for(std::chrono::milliseconds(2100));
-  EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 10), 10);
-  pdf.PDFTextOut("A", 5, 5);
-  std::this_thread::sleep_for(std::chrono::milliseconds(30));
-  write("2000");
-  EXPECT_EQ(pdf.PDFGetX(), 15);
-  pdf.PDFTextOut("A", 5, 5);
-  EXPECT_EQ(pdf.PDFGetX(), 25);
-  pdf.PDFTextOut("A", 5, 5);
-  std::filesystem::remove(document.folder / "Helvetica.afm");
-  EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 10), 0);
 }
 
 }  // namespace
