@@ -10,7 +10,7 @@
 #include "pdf/fonts/afm_file.h"
 #include "pdf/fonts/metrics_folder.h"
 #include "pdf/text/line_breaking.h"
-#include "pdf/veltrano_pdf.h"
+#include "veltrano/pdf.h"
 
 namespace veltrano {
 namespace {
@@ -92,7 +92,7 @@ void breakingParagraph(benchmark::State& state) {
     text += eightyCharacters + ' ';
   }
   for (auto _ : state) {
-    benchmark::DoNotOptimize(breakText(text, {metrics->widths, 0.01, 300}));
+    benchmark::DoNotOptimize(breakText(text, {*metrics, 10, 300}));
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(text.size()) * state.iterations());
 }

@@ -24,10 +24,14 @@ class Lines {
 
   /// False after the last line.
   bool next(std::string_view& line) {
-    if (rest_.empty()) return false;
+    if (rest_.empty()) {
+      return false;
+    }
     const std::size_t end = std::min(rest_.find('\n'), rest_.size());
     line = rest_.substr(0, end);
-    if (line.ends_with('\r')) line.remove_suffix(1);
+    if (line.ends_with('\r')) {
+      line.remove_suffix(1);
+    }
     rest_.remove_prefix(std::min(end + 1, rest_.size()));
     return true;
   }
@@ -57,8 +61,13 @@ class CharacterTable {
   void readLine(std::string_view line) {
     const auto codeNumber = takeNumber(line);
     const auto code = codeNumber ? roundToInt32(*codeNumber) : std::nullopt;
-    if (!code) return;
-    if (!first_) first_ = code;
+    if (!code) {
+      return;
+    }
+    if (!anyCode_) {
+      anyCode_ = true;
+      first_ = *code;
+    }
     last_ = *code;
     const auto width = takeNumber(line);
     if (*code >= 1 && *code <= 255 && width && std::abs(*width) < std::numeric_limits<std::int32_t>::max()) {
@@ -71,13 +80,16 @@ class CharacterTable {
   void finish(bool endMet) {
     const std::int32_t last = endMet ? last_ : 0;
     for (std::int32_t code = 0; code <= 255; ++code) {
-      if (code == 0 || code < first_.value_or(0) || code > last) widths_[static_cast<std::size_t>(code)] = 0;
+      if (code == 0 || code < first_ || code > last) {
+        widths_[static_cast<std::size_t>(code)] = 0;
+      }
     }
   }
 
  private:
   std::array<std::int32_t, 256>& widths_;
-  std::optional<std::int32_t> first_;
+  bool anyCode_ = false;
+  std::int32_t first_ = 0;
   std::int32_t last_ = 0;
 };
 
@@ -95,10 +107,14 @@ bool readCharacters(std::string_view text, std::array<std::int32_t, 256>& widths
     if (has(line, startMark)) {
       // The line is dropped and the next one taken in its place, whatever it is.
       started = true;
-      if (!lines.next(line)) break;
+      if (!lines.next(line)) {
+        break;
+      }
     }
     endMet = has(line, endMark) || has(line, unencodedMark);
-    if (started && !endMet) table.readLine(line);
+    if (started && !endMet) {
+      table.readLine(line);
+    }
   }
   table.finish(endMet);
   return endMet;
@@ -112,7 +128,9 @@ void readHeader(std::string_view text, FontMetrics& metrics) {
   Lines lines(text);
   for (std::string_view line; lines.next(line) && !has(line, startMark);) {
     for (const auto& [key, number] : keys) {
-      if (line.starts_with(key)) number = parseNumber(line.substr(key.size())).value_or(number);
+      if (line.starts_with(key)) {
+        number = parseNumber(line.substr(key.size())).value_or(number);
+      }
     }
   }
 }
@@ -121,7 +139,9 @@ void readHeader(std::string_view text, FontMetrics& metrics) {
 std::string withoutLoneReturns(std::string_view text) {
   std::string result(text);
   for (std::size_t i = 0; i < result.size(); ++i) {
-    if (result[i] == '\r' && (i + 1 == result.size() || result[i + 1] != '\n')) result[i] = '\n';
+    if (result[i] == '\r' && (i + 1 == result.size() || result[i + 1] != '\n')) {
+      result[i] = '\n';
+    }
   }
   return result;
 }
@@ -145,7 +165,12 @@ std::optional<FontMetrics> parseAfm(std::string_view text, bool wholeFile) {
     text = text.substr(0, lastLine == std::string_view::npos ? 0 : lastLine + 1);
   }
   FontMetrics metrics;
-  if (!readCharacters(text, metrics.widths) && !wholeFile) return std::nullopt;
+  if (!readCharacters(text, metrics.widths) && !wholeFile) {
+    return std::nullopt;
+  }
+  metrics.ordinary = std::all_of(metrics.widths.begin(), metrics.widths.end(), [](std::int32_t width) {
+    return width >= 0 && width <= FontMetrics::widestOrdinary;
+  });
   readHeader(text, metrics);
   return metrics;
 }

@@ -14,6 +14,9 @@ namespace veltrano {
 struct FontMetrics {
   /// By character code; entry 0 is always 0.
   std::array<std::int32_t, 256> widths{};
+  /// No width is negative or wider than `widestOrdinary`: texts of usual lengths are summed without checks.
+  bool ordinary = true;
+  static constexpr std::int32_t widestOrdinary = 10000;
   /// From the baseline to the middle of an underline, negative below it.
   double underlinePosition = -100;
   double underlineThickness = 50;

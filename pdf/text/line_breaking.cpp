@@ -7,6 +7,8 @@ namespace veltrano {
 
 namespace {
 
+constexpr std::string_view paragraphEnd = "\r\n";
+
 /// A break is searched only within this many characters; without one there, the rest stays one line.
 constexpr std::size_t lastBreakPosition = 65534;
 
@@ -25,16 +27,17 @@ LineEnd findLineEnd(std::string_view rest, const LineMeasure& measure) {
   std::size_t lineBreak = std::string_view::npos;
   bool tooWide = false;
   double width = 0;
+  const double pointsPerUnit = measure.size / 1000.0;
   const std::size_t searched = std::min(rest.size(), lastBreakPosition);
   for (std::size_t i = 0; i < searched; ++i) {
-    width += measure.widths[static_cast<unsigned char>(rest[i])];
+    width += measure.metrics.widths[static_cast<unsigned char>(rest[i])];
     if (rest[i] == ' ') {
       // The last blank of several is the break; those before it hang.
       if (i + 1 < rest.size() && rest[i + 1] != ' ') {
         lineBreak = i;
       }
     } else {
-      tooWide = tooWide || !measure.fits(width);
+      tooWide = tooWide || !(width * pointsPerUnit <= measure.available + rounding);
     }
     if (tooWide && lineBreak != std::string_view::npos) {
       return {lineBreak, lineBreak + 1};
@@ -43,55 +46,47 @@ LineEnd findLineEnd(std::string_view rest, const LineMeasure& measure) {
   return {rest.size(), rest.size()};
 }
 
-/// Thousandths of the font size.
-double widthOf(std::string_view text, const LineMeasure& measure) {
-  double width = 0;
-  for (const char c : text) {
-    width += measure.widths[static_cast<unsigned char>(c)];
-  }
-  return width;
-}
-
-/// Length without the blanks at the end.
-std::size_t visibleLength(std::string_view line) {
-  return line.find_last_not_of(' ') + 1;
+/// The paragraph as one line, if it fits in one.
+std::optional<TextLine> paragraphAsOneLine(std::string_view paragraph, const LineMeasure& measure) {
+  const double width = measure.metrics.width(paragraph, measure.size);
+  // The comparison is false for what is not a number.
+  const bool fits = !(measure.available > 0) || width <= measure.available + rounding;
+  return fits ? std::optional(TextLine{paragraph, paragraph, width, true}) : std::nullopt;
 }
 
 void breakParagraph(std::string_view paragraph, const LineMeasure& measure, std::vector<TextLine>& lines) {
-  // The comparison is false for what is not a number.
-  if (!(measure.available > 0) || measure.fits(widthOf(paragraph, measure))) {
-    lines.push_back({paragraph, paragraph.size(), true});
+  if (const auto whole = paragraphAsOneLine(paragraph, measure)) {
+    lines.push_back(*whole);
     return;
   }
-  for (;;) {
+  for (bool last = false; !last;) {
     const LineEnd end = findLineEnd(paragraph, measure);
-    const std::string_view line = paragraph.substr(0, end.length);
-    const bool last = end.next == paragraph.size();
-    const bool hangs = !last || !measure.fits(widthOf(line, measure));
-    lines.push_back({line, hangs ? visibleLength(line) : line.size(), last});
-    if (last) {
-      return;
-    }
+    last = end.next == paragraph.size();
+    const std::string_view text = paragraph.substr(0, end.length);
+    // Blanks at the end of a paragraph count as long as they fit; those before a break hang over the edge.
+    const auto fitting = last ? paragraphAsOneLine(text, measure) : std::nullopt;
+    const std::string_view counted = text.substr(0, text.find_last_not_of(' ') + 1);
+    lines.push_back(
+        fitting.value_or(TextLine{text, counted, measure.metrics.width(counted, measure.size), last}));
     paragraph.remove_prefix(end.next);
   }
 }
 
 }  // namespace
 
-bool LineMeasure::fits(double width) const {
-  return width * scale <= available + rounding;
+std::optional<TextLine> asOneLine(std::string_view text, const LineMeasure& measure) {
+  return text.find(paragraphEnd) == std::string_view::npos ? paragraphAsOneLine(text, measure) : std::nullopt;
 }
 
 std::vector<TextLine> breakText(std::string_view text, const LineMeasure& measure) {
-  constexpr std::string_view lineEnd = "\r\n";
   std::vector<TextLine> lines;
   for (;;) {
-    const std::size_t end = text.find(lineEnd);
+    const std::size_t end = text.find(paragraphEnd);
     breakParagraph(text.substr(0, end), measure, lines);
     if (end == std::string_view::npos) {
       return lines;
     }
-    text.remove_prefix(end + lineEnd.size());
+    text.remove_prefix(end + paragraphEnd.size());
   }
 }
 

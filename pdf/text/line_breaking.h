@@ -3,11 +3,13 @@
 
 // How the text of a cell becomes lines.
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
+
+#include "pdf/fonts/font_metrics.h"
 
 namespace veltrano {
 
@@ -15,20 +17,21 @@ namespace veltrano {
 /// was broken.
 struct TextLine {
   std::string_view text;
-  /// Characters that count for the alignment: blanks that hang over the edge at the end do not.
-  std::size_t measured = 0;
+  /// What counts for the alignment: the text without the blanks at its end that hang over the edge.
+  std::string_view counted;
+  double width = 0;  ///< of what counts, points
   bool endsParagraph = true;
 };
 
 /// How wide a line may get and what its characters measure.
 struct LineMeasure {
-  const std::array<std::int32_t, 256>& widths;  ///< thousandths of the font size, by character code
-  double scale;                                 ///< points per such thousandth
-  double available;                             ///< points
-
-  /// Whether a line of `width` thousandths fits.
-  [[nodiscard]] bool fits(double width) const;
+  const FontMetrics& metrics;
+  std::int16_t size;  ///< points
+  double available;   ///< points
 };
+
+/// The text as its one line, without the cost of a list. Empty if it must be broken.
+std::optional<TextLine> asOneLine(std::string_view text, const LineMeasure& measure);
 
 /// The lines of `text`, whose paragraphs end at CR LF; an empty text is one empty line. A line that does not
 /// fit is broken at its last blank that does; further blanks before that one hang over the edge. Words are
