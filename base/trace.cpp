@@ -5,6 +5,8 @@
 #include <mutex>
 #include <string>
 
+#include "base/os/paths.h"
+
 namespace veltrano {
 
 namespace {
@@ -47,6 +49,12 @@ void traceSkipped(std::string_view member, std::string_view reason, std::string_
     std::fflush(file);
   } else {
     std::fclose(file);
+  }
+}
+
+void traceFailure(std::string_view member, const Status& failure, const std::filesystem::path& file) {
+  if (traceEnabled()) {
+    traceSkipped(member, failure.reason(), pathToUtf8(file));
   }
 }
 

@@ -6,7 +6,10 @@
 // VELTRANO_TRACE=<file> appends to that file, VELTRANO_TRACE=stderr writes to the standard error. Off, it
 // costs one test of a flag. Traces name the member and the reason, never document content.
 
+#include <filesystem>
 #include <string_view>
+
+#include "base/status.h"
 
 namespace veltrano {
 
@@ -15,6 +18,9 @@ bool traceEnabled();
 
 /// "member: reason (detail)", one line. Callable at any time, from any thread, also when tracing is off.
 void traceSkipped(std::string_view member, std::string_view reason, std::string_view detail = {});
+
+/// The same with the reason of a failure and the file that it befell.
+void traceFailure(std::string_view member, const Status& failure, const std::filesystem::path& file = {});
 
 }  // namespace veltrano
 

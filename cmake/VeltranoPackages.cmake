@@ -1,9 +1,9 @@
-# The libraries of others: ZLIB::ZLIB, PNG::PNG, JPEG::JPEG and pugixml::pugixml, the same names for every target. On
+# The libraries of others: ZLIB::ZLIB, PNG::PNG, JPEG::JPEG, EXPAT::EXPAT and pugixml::pugixml, the same names for every target. On
 # Linux they are the distribution's packages; for Windows scripts/build-windows-libraries.sh has put static ones into
 # a cache folder, which the toolchain file makes the search root.
 
 if(WIN32)
-  if(NOT EXISTS "${VELTRANO_WINDOWS_LIBRARIES}/lib/libjpeg.a")
+  if(NOT EXISTS "${VELTRANO_WINDOWS_LIBRARIES}/lib/libexpat.a")
     message(FATAL_ERROR "The Windows libraries are not built yet: run scripts/build-windows-libraries.sh")
   endif()
 
@@ -18,9 +18,12 @@ if(WIN32)
   veltrano_static_package(ZLIB::ZLIB libz.a)
   veltrano_static_package(PNG::PNG libpng16.a ZLIB::ZLIB)
   veltrano_static_package(JPEG::JPEG libjpeg.a)
+  veltrano_static_package(EXPAT::EXPAT libexpat.a)
+  target_compile_definitions(EXPAT::EXPAT INTERFACE XML_STATIC)
   veltrano_static_package(pugixml::pugixml libpugixml.a)
 else()
   find_package(PNG REQUIRED)
   find_package(JPEG REQUIRED)
+  find_package(EXPAT REQUIRED)
   find_package(pugixml CONFIG REQUIRED)
 endif()

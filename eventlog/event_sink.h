@@ -9,8 +9,8 @@
 
 namespace veltrano {
 
-/// One entry is one open, at most one report, and one close, whatever open and report came to. Texts are ANSI
-/// texts. Nothing here throws but std::bad_alloc; failures are silent.
+/// One entry is one open, at most one report, and one close, whether or not open and report succeeded. Texts
+/// are in the ANSI code page. Throws only std::bad_alloc; failures are silent.
 class EventSink {
  public:
   EventSink() = default;
@@ -21,7 +21,7 @@ class EventSink {
   virtual ~EventSink() = default;
 
   virtual void open(const std::string& source) = 0;
-  /// `type` and `id` are handed on as they stand.
+  /// `type` and `id` are passed on unchanged.
   virtual void report(std::uint16_t type, std::int32_t id, const std::string& message) = 0;
   virtual void close() = 0;
 };

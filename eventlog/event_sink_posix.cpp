@@ -2,7 +2,7 @@
 
 #include "base/text/code_page.h"
 #include "eventlog/event_sink.h"
-#include "eventlog/veltrano_wev.h"
+#include "veltrano/wev.h"
 
 namespace veltrano {
 

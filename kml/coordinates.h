@@ -17,7 +17,7 @@ class CoordinateTriple {
   /// X is the latitude, y the longitude.
   CoordinateTriple(double X, double y, double altitude);
 
-  /// False when one of the numbers is not finite; the texts are then empty.
+  /// False if one of the numbers is not finite; the texts are then empty.
   explicit operator bool() const { return length_ != 0; }
   [[nodiscard]] std::string_view withoutLineEnd() const {
     return {text_.data(), length_ - (length_ ? 2 : 0)};

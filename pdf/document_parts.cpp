@@ -1,7 +1,7 @@
 #include "pdf/document_parts.h"
 
-#include "base/os/files.h"
 #include "base/os/host.h"
+#include "base/os/replace_file.h"
 #include "base/trace.h"
 #include "pdf/graphics/color.h"
 #include "pdf/text/cell.h"
@@ -88,8 +88,8 @@ void DocumentParts::endDocument() {
   drawWatermark();
   closePage();
   assembly.finish({fontTable.names(), images, links, bookmarks, viewer, geometry.scaleFactor});
-  if (!replaceFile(fileName, assembly.output())) {
-    traceSkipped("PDFEndDoc", "the file cannot be written");
+  if (const Status status = replaceFile(fileName, assembly.output()); !status) {
+    traceSkipped("PDFEndDoc", status.reason());
   }
 }
 

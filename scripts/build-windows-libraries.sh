@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds pugixml, libpng and libjpeg-turbo (with its SIMD code) as static libraries for 32-bit and 64-bit Windows from
-# Debian's source packages, once, into $VELTRANO_CACHE (else $XDG_CACHE_HOME/veltrano, else ~/.cache/veltrano).
+# Builds Expat, pugixml, libpng and libjpeg-turbo (with its SIMD code) as static libraries for 32-bit and 64-bit Windows
+# from Debian's source packages, once, into $VELTRANO_CACHE (else $XDG_CACHE_HOME/veltrano, else ~/.cache/veltrano).
 #   scripts/build-windows-libraries.sh [i686-w64-mingw32] [x86_64-w64-mingw32]      (both when none is named)
 #
 # Safe to run again: finished work is left alone, a broken run is taken up where it stopped. Needs no root. What it
@@ -13,12 +13,14 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cache=${VELTRANO_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/veltrano}
-packages=(pugixml libpng1.6 libjpeg-turbo)
+packages=(expat pugixml libpng1.6 libjpeg-turbo)
 # Raise it when the way of building changes: every cache is then built anew.
-recipe=1
+recipe=2
 
 # Archive sums of the versions that this project was built and tested with.
 knownSums="
+ab00ee05c7067fd10a35c5d2a4922ebba746ddd50ff83b79c828da17bbdf1757  expat_2.5.0.orig.tar.gz
+7e29f5db5067e55193540089ed0f3ec9676704cf79dcea81a9bfb9f49435ae53  expat_2.5.0-1+deb12u2.debian.tar.xz
 5c5ad5d7caeb791420408042a7d88c2c6180781bf218feca259fd9d840a888e1  pugixml_1.13.orig.tar.gz
 15ad5e40790d0155f6d4d55b7dd382974264d04e328de800a65e9fa5d5e8fb5d  pugixml_1.13-0.2.debian.tar.xz
 a00e9d2f2f664186e4202db9299397f851aea71b36a35e74910b8820e380d441  libpng1.6_1.6.39.orig.tar.gz
@@ -109,12 +111,14 @@ fetchSources() {
 
 # build <triplet> <source package> [cmake option ...]
 build() {
-  local triplet=$1 package=$2 toolchain=win32 log
+  local triplet=$1 package=$2 toolchain=win32 folder=source log
   shift 2
   [ "$triplet" = x86_64-w64-mingw32 ] && toolchain=win64
   log="$work/$package-$triplet.log"
+  # Expat's repository keeps the library in a folder of its own.
+  [ -e "$work/$package/source/CMakeLists.txt" ] || folder=source/$package
   {
-    VELTRANO_CACHE=$cache cmake -G Ninja -S "$work/$package/source" -B "$work/$package/$triplet" \
+    VELTRANO_CACHE=$cache cmake -G Ninja -S "$work/$package/$folder" -B "$work/$package/$triplet" \
       -DCMAKE_TOOLCHAIN_FILE="$root/cmake/$toolchain.cmake" -DCMAKE_BUILD_TYPE=Release \
       -DCMAKE_INSTALL_PREFIX="$work/install/$triplet" -DCMAKE_INSTALL_LIBDIR:STRING=lib "$@" &&
       cmake --build "$work/$package/$triplet" -j "$(nproc)" &&
@@ -124,6 +128,10 @@ build() {
 
 buildTriplet() {
   local triplet=$1
+  # EXPAT_DTD=OFF: documents with a document type are refused, and a patch of Debian's builds with autotools only where
+  # parameter entities are on.
+  build "$triplet" expat -DEXPAT_DTD=OFF -DEXPAT_SHARED_LIBS=OFF -DEXPAT_BUILD_TOOLS=OFF \
+    -DEXPAT_BUILD_EXAMPLES=OFF -DEXPAT_BUILD_TESTS=OFF -DEXPAT_BUILD_DOCS=OFF
   build "$triplet" pugixml -DBUILD_SHARED_LIBS=OFF
   # The assembler reads picture filters only, and this library writes.
   build "$triplet" libpng1.6 -DPNG_SHARED=OFF -DPNG_STATIC=ON -DPNG_TESTS=OFF -DPNG_HARDWARE_OPTIMIZATIONS=OFF \
@@ -141,7 +149,7 @@ flock 9  # two builds may ask for the libraries at once
 # complete <prefix>
 complete() {
   local library
-  for library in pugixml png16 jpeg z; do
+  for library in expat pugixml png16 jpeg z; do
     [ -e "$1/lib/lib$library.a" ] || return 1
   done
 }
@@ -159,7 +167,7 @@ for triplet in "${wanted[@]}"; do
 done
 [ ${#triplets[@]} -gt 0 ] || exit 0
 
-echo "Building pugixml, libpng and libjpeg-turbo for Windows (${triplets[*]}) into $cache"
+echo "Building Expat, pugixml, libpng and libjpeg-turbo for Windows (${triplets[*]}) into $cache"
 checkTools
 work=$cache/work
 rm -rf "$work"

@@ -1,9 +1,11 @@
 #include "settings/xml_encoding.h"
 
 #include <algorithm>
-#include <array>
+#include <set>
 #include <utility>
 
+#include "base/text/code_page.h"
+#include "base/text/encodings.h"
 #include "settings/xml_characters.h"
 
 namespace veltrano {
@@ -15,31 +17,22 @@ using Encoding = XmlForm::Encoding;
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view utf16LittleMark = "\xFF\xFE";
 constexpr std::string_view utf16BigMark = "\xFE\xFF";
-constexpr std::string_view declarationBegin = "<?xml";
+constexpr std::string_view declarationStart = "<?xml";
 
-constexpr CodePageTable latin1 = [] {
-  CodePageTable table{};
-  for (std::size_t i = 0; i < table.size(); ++i) {
-    table[i] = static_cast<char16_t>(0x80 + i);
-  }
-  return table;
-}();
-
-/// US-ASCII has no upper half.
-constexpr CodePageTable nothing = {};
-
-bool equalIgnoringCase(std::string_view a, std::string_view b) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [lower](char x, char y) { return lower(x) == lower(y); });
+/// True for encodings whose names are in lower case here.
+bool isOneOf(std::initializer_list<std::string_view> names, std::string_view encoding) {
+  std::string lowered(encoding);
+  std::transform(lowered.begin(), lowered.end(), lowered.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; });
+  return std::find(names.begin(), names.end(), lowered) != names.end();
 }
 
 // Declaration
-// -------------------------------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------------------------------------
 
 bool isDeclaration(std::string_view text) {
-  return text.starts_with(declarationBegin) && text.size() > declarationBegin.size() &&
-         isXmlBlank(text[declarationBegin.size()]);
+  return text.starts_with(declarationStart) && text.size() > declarationStart.size() &&
+         isXmlBlank(text[declarationStart.size()]);
 }
 
 /// Where the value of a declaration's attribute lies in it.
@@ -48,7 +41,7 @@ struct Extent {
   std::size_t size = 0;
 };
 
-/// Reads blanks, name="value" at `at`, which moves behind it.
+/// Reads blanks, name="value" at `at`, which moves to after it.
 std::optional<Extent> pseudoAttribute(std::string_view text, std::size_t& at, std::string_view name) {
   std::size_t i = at;
   const auto skipBlanks = [&] {
@@ -82,9 +75,9 @@ struct Declaration {
   std::optional<Extent> encoding;
 };
 
-/// Nothing when it is malformed. Only the characters of ASCII are looked at.
+/// Empty if it is malformed.
 std::optional<Declaration> parseDeclaration(std::string_view text) {
-  std::size_t at = declarationBegin.size();
+  std::size_t at = declarationStart.size();
   const auto version = pseudoAttribute(text, at, "version");
   if (!version || !text.substr(version->begin, version->size).starts_with("1.")) {
     return std::nullopt;
@@ -102,69 +95,28 @@ std::optional<Declaration> parseDeclaration(std::string_view text) {
   return declaration;
 }
 
-/// The usual ones are the same everywhere; the system is asked for the others.
-std::optional<CodePageTable> singleByteTable(std::string_view encoding) {
-  const struct {
-    std::string_view name;
-    const CodePageTable& table;
-  } known[] = {{"iso-8859-1", latin1},        {"latin1", latin1},      {"iso_8859-1", latin1},
-               {"windows-1252", windows1252}, {"cp1252", windows1252}, {"windows-1250", windows1250},
-               {"windows-1251", windows1251}, {"us-ascii", nothing},   {"ascii", nothing}};
-  for (const auto& [name, table] : known) {
-    if (equalIgnoringCase(name, encoding)) {
-      return table;
-    }
-  }
-  return codePageNamed(encoding);
-}
-
 // Bytes to UTF-8
-// ----------------------------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------------------------------------
 
-/// Nothing for an odd number of bytes or unpaired surrogates.
+/// Empty for an odd number of bytes or unpaired surrogates.
 std::optional<std::string> fromUtf16(std::string_view bytes, bool big) {
   if (bytes.size() % 2 != 0) {
     return std::nullopt;
   }
-  const auto unitAt = [&](std::size_t i) {
+  std::u16string units;
+  units.reserve(bytes.size() / 2);
+  for (std::size_t i = 0; i < bytes.size(); i += 2) {
     const auto first = static_cast<unsigned char>(bytes[i]);
     const auto second = static_cast<unsigned char>(bytes[i + 1]);
-    return static_cast<char32_t>(big ? first * 256 + second : second * 256 + first);
-  };
-  std::string text;
-  text.reserve(bytes.size());
-  for (std::size_t i = 0; i < bytes.size(); i += 2) {
-    char32_t code = unitAt(i);
-    if (code >= 0xD800 && code <= 0xDFFF) {
-      const char32_t low = i + 2 < bytes.size() ? unitAt(i + 2) : 0;
-      if (code > 0xDBFF || low < 0xDC00 || low > 0xDFFF) {
-        return std::nullopt;
-      }
-      code = 0x10000 + ((code - 0xD800) << 10U) + (low - 0xDC00);
-      i += 2;
-    }
-    appendUtf8(text, code);
+    units.push_back(static_cast<char16_t>(big ? first * 256 + second : second * 256 + first));
   }
-  return text;
+  std::string text = utf16ToUtf8(units);
+  return utf8ToUtf16(text) == units ? std::optional(std::move(text)) : std::nullopt;
 }
 
-std::optional<std::string> fromSingleByte(std::string_view bytes, const CodePageTable& upperHalf) {
-  std::string text;
-  text.reserve(bytes.size());
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    const char32_t code = byte < 0x80 ? byte : upperHalf[byte - 0x80U];
-    if (code == 0 && byte >= 0x80) {
-      return std::nullopt;
-    }
-    appendUtf8(text, code);
-  }
-  return text;
-}
-
-/// Decodes what has no byte-order mark and begins with ASCII characters: its declaration decides. One that
-/// names a two-byte encoding is wrong, evidently; such files are UTF-8 texts that were saved without looking
-/// at it.
+/// Decodes what has no byte-order mark and starts with ASCII characters: its declaration decides. One that
+/// names an encoding of two bytes a character is evidently wrong; such files are UTF-8 texts that were saved
+/// without regard to it.
 std::optional<std::string> decodeAsDeclared(std::string bytes, XmlForm& form) {
   if (!isDeclaration(bytes)) {
     return bytes;
@@ -176,18 +128,18 @@ std::optional<std::string> decodeAsDeclared(std::string bytes, XmlForm& form) {
   if (!declaration->encoding) {
     return bytes;
   }
-  const auto name = std::string_view(bytes).substr(declaration->encoding->begin, declaration->encoding->size);
-  if (equalIgnoringCase(name, "utf-8") || equalIgnoringCase(name, "utf8") ||
-      equalIgnoringCase(name, "utf-16")) {
+  const std::string name = bytes.substr(declaration->encoding->begin, declaration->encoding->size);
+  if (isOneOf({"utf-8", "utf8", "utf-16", "utf-16le", "utf-16be", "ucs-2", "iso-10646-ucs-2", "unicode"},
+              name)) {
     return bytes;
   }
-  const auto table = singleByteTable(name);
-  if (!table) {
+  if (!isKnownEncoding(name)) {
     return std::nullopt;
   }
-  form.encoding = Encoding::singleByte;
-  form.upperHalf = *table;
-  return fromSingleByte(bytes, *table);
+  form.encoding = Encoding::named;
+  form.name = name;
+  const auto text = decodeText(name, bytes);
+  return text ? std::optional(utf16ToUtf8(*text)) : std::nullopt;
 }
 
 std::optional<std::string> decode(std::string bytes, XmlForm& form) {
@@ -210,46 +162,26 @@ std::optional<std::string> decode(std::string bytes, XmlForm& form) {
 }
 
 // UTF-8 to bytes
-// ----------------------------------------------------------------------------------------------------
+// -----------------------------------------------------------------------------------------------------------
 
-void appendUnit(std::string& bytes, char32_t unit, bool big) {
-  const auto high = static_cast<char>(unit >> 8U);
-  const auto low = static_cast<char>(unit & 0xFFU);
-  bytes.push_back(big ? high : low);
-  bytes.push_back(big ? low : high);
-}
-
-void appendUtf16(std::string& bytes, std::string_view text, bool big) {
-  while (const auto character = decodeCharacter(text)) {
-    const char32_t code = character->code;
-    if (code < 0x10000) {
-      appendUnit(bytes, code, big);
-    } else {
-      appendUnit(bytes, 0xD800 + ((code - 0x10000) >> 10U), big);
-      appendUnit(bytes, 0xDC00 + ((code - 0x10000) & 0x3FFU), big);
-    }
-    text.remove_prefix(character->length);
+std::string toUtf16(const XmlForm& form, std::string_view text) {
+  const bool big = form.encoding == Encoding::utf16Big;
+  const std::u16string units = utf8ToUtf16(text);
+  std::string bytes;
+  bytes.reserve(units.size() * 2 + utf16BigMark.size());
+  if (form.byteOrderMark) {
+    bytes.append(big ? utf16BigMark : utf16LittleMark);
   }
-}
-
-void appendSingleBytes(std::string& bytes, std::string_view text, const CodePageTable& upperHalf) {
-  while (const auto character = decodeCharacter(text)) {
-    char32_t byte = character->code;
-    if (byte >= 0x80) {
-      const auto at = std::find(upperHalf.begin(), upperHalf.end(), character->code);
-      byte = at == upperHalf.end() ? '?' : static_cast<char32_t>(0x80 + (at - upperHalf.begin()));
-    }
-    bytes.push_back(static_cast<char>(byte));
-    text.remove_prefix(character->length);
+  for (const char16_t unit : units) {
+    const auto high = static_cast<char>(unit >> 8U);
+    const auto low = static_cast<char>(unit & 0xFFU);
+    bytes.push_back(big ? high : low);
+    bytes.push_back(big ? low : high);
   }
+  return bytes;
 }
 
 }  // namespace
-
-bool XmlForm::canHold(char32_t code) const {
-  return encoding != Encoding::singleByte || code < 0x80 ||
-         std::find(upperHalf.begin(), upperHalf.end(), code) != upperHalf.end();
-}
 
 std::optional<DecodedXml> decodeXml(std::string bytes) {
   DecodedXml result;
@@ -270,27 +202,36 @@ std::optional<DecodedXml> decodeXml(std::string bytes) {
   return result;
 }
 
-std::string encodeXml(const XmlForm& form, std::string text) {
-  std::string bytes;
+std::optional<std::string> encodeXml(const XmlForm& form, std::string text) {
   switch (form.encoding) {
     case Encoding::utf8:
-      return form.byteOrderMark ? std::move(text.insert(0, utf8Mark)) : text;
+      return form.byteOrderMark ? std::move(text.insert(0, utf8Mark)) : std::move(text);
     case Encoding::utf16Little:
-    case Encoding::utf16Big: {
-      const bool big = form.encoding == Encoding::utf16Big;
-      bytes.reserve(text.size() * 2 + utf16BigMark.size());
-      if (form.byteOrderMark) {
-        bytes.append(big ? utf16BigMark : utf16LittleMark);
-      }
-      appendUtf16(bytes, text, big);
-      break;
-    }
-    case Encoding::singleByte:
-      bytes.reserve(text.size());
-      appendSingleBytes(bytes, text, form.upperHalf);
+    case Encoding::utf16Big:
+      return toUtf16(form, text);
+    case Encoding::named:
       break;
   }
-  return bytes;
+  return encodeText(form.name, utf8ToUtf16(text));
+}
+
+std::u32string missingCharacters(const XmlForm& form, std::string_view text) {
+  std::set<std::string_view> characters;
+  for (std::size_t i = 0; i < text.size();) {
+    const auto character = decodeCharacter(text.substr(i));
+    const std::size_t length = character ? character->length : 1;
+    if (length > 1) {
+      characters.insert(text.substr(i, length));
+    }
+    i += length;
+  }
+  std::u32string missing;
+  for (const std::string_view character : characters) {  // in the order of UTF-8, which is that of the codes
+    if (!encodeXml(form, std::string(character))) {
+      missing.push_back(decodeCharacter(character)->code);
+    }
+  }
+  return missing;
 }
 
 XmlForm inUtf8(XmlForm form) {

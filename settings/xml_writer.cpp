@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
-#include <string_view>
 
 #include "base/numbers/numbers.h"
 #include "settings/xml_characters.h"
@@ -88,10 +87,10 @@ class Gatherer {
 
 class Writer {
  public:
-  Writer(const XmlForm& form, std::string& target)
-      : form_(form),
+  Writer(const XmlForm& form, std::u32string_view missing, std::string& target)
+      : missing_(missing),
         lineEnd_(form.crlf ? "\r\n" : "\n"),
-        always_(form.encoding == XmlForm::Encoding::singleByte ? unsigned{inNarrow} : 0U),
+        always_(missing.empty() ? 0U : unsigned{inNarrow}),
         text_(target) {}
 
   /// Goes from node to node without recursion. Each question to the document is a call into another library,
@@ -256,7 +255,7 @@ class Writer {
   /// encoding lacks it.
   std::size_t wholeCharacter(const char* text) {
     const auto character = characterAt(text);
-    if (!form_.canHold(character.code)) {
+    if (std::binary_search(missing_.begin(), missing_.end(), character.code)) {
       return 0;
     }
     put({text, character.length});
@@ -269,7 +268,7 @@ class Writer {
     return decodeCharacter({text, strnlen(text, longest)}).value_or(DecodedCharacter{0xFFFD, 1});
   }
 
-  const XmlForm& form_;
+  const std::u32string_view missing_;
   std::string_view lineEnd_;
   /// What needs a closer look everywhere.
   const unsigned always_;
@@ -280,11 +279,11 @@ class Writer {
 }  // namespace
 
 std::optional<std::string> writeXml(const pugi::xml_document& document, const XmlForm& form,
-                                    std::size_t sizeHint) {
+                                    std::u32string_view missing, std::size_t sizeHint) {
   std::string text;
   text.reserve(sizeHint);
   text = form.declaration;
-  Writer writer(form, text);
+  Writer writer(form, missing, text);
   writer.write(document);
   if (!writer.complete()) {
     return std::nullopt;

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include <pugixml.hpp>
 
@@ -14,11 +15,11 @@
 
 namespace veltrano {
 
-/// The document in UTF-8 behind the form's declaration. Characters that the form's encoding lacks become
-/// references. Nothing when one of them stands where there are no references (a name, a comment): then only
+/// The document in UTF-8, after the form's declaration. Characters of `missing`, which is sorted, become
+/// references. Empty if one of them stands where there are no references (a name, a comment): then only
 /// Unicode will do.
 std::optional<std::string> writeXml(const pugi::xml_document& document, const XmlForm& form,
-                                    std::size_t sizeHint);
+                                    std::u32string_view missing, std::size_t sizeHint);
 
 }  // namespace veltrano
 

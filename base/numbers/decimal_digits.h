@@ -9,8 +9,7 @@
 namespace veltrano {
 
 /// The decimal digits of a finite magnitude: 0.d1 d2 d3 ... times ten to the power `pointAfter`, so that the
-/// decimal point stands behind digit number `pointAfter`. Trailing zeros are not kept; zero has no digits at
-/// all.
+/// decimal point stands after digit number `pointAfter`. Trailing zeros are not kept; zero has no digits.
 struct DecimalDigits {
   std::array<char, 20> digits{};
   int count = 0;

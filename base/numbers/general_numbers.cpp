@@ -1,3 +1,5 @@
+#include "base/numbers/general_numbers.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -6,8 +8,6 @@
 #include "base/numbers/decimal_digits.h"
 #include "base/numbers/digit_writing.h"
 #include "base/numbers/numbers.h"
-
-// The text that the runtime of hosts gives a number when nothing else is said.
 
 namespace veltrano {
 

@@ -25,11 +25,6 @@ double roundHalfEven(double value) {
 
 }  // namespace
 
-void NumberText::append(std::string_view text) {
-  std::memcpy(digits_ + length_, text.data(), text.size());
-  length_ += text.size();
-}
-
 char* writeInteger(char* target, std::int64_t value) {
   auto magnitude = static_cast<std::uint64_t>(value);
   if (value < 0) {

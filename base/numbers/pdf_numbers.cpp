@@ -1,12 +1,11 @@
+#include "base/numbers/pdf_numbers.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 
 #include "base/numbers/decimal_digits.h"
 #include "base/numbers/digit_writing.h"
-#include "base/numbers/numbers.h"
-
-// The numbers of PDF pages.
 
 namespace veltrano {
 

@@ -1,7 +1,7 @@
 #ifndef VELTRANO_BASE_OS_CLOCK_H
 #define VELTRANO_BASE_OS_CLOCK_H
 
-// The local time of day, read anew at each call.
+// The local time of day, read anew at each call, and short pauses.
 
 namespace veltrano {
 
@@ -20,6 +20,9 @@ LocalTime localTime();
 /// Seconds since local midnight in steps of a hundredth, in single precision as the host runtime's timer has
 /// them: what is derived from it is the same within a hundredth.
 float secondsSinceMidnight();
+
+/// The calling thread sleeps.
+void pauseThread(int milliseconds);
 
 }  // namespace veltrano
 

@@ -28,4 +28,10 @@ float secondsSinceMidnight() {
   return static_cast<float>(seconds + hundredths / 100.0);
 }
 
+void pauseThread(int milliseconds) {
+  constexpr long nanosecondsOfAMillisecond = 1'000'000;
+  const timespec duration = {milliseconds / 1000, milliseconds % 1000 * nanosecondsOfAMillisecond};
+  nanosleep(&duration, nullptr);
+}
+
 }  // namespace veltrano

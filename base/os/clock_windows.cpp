@@ -19,4 +19,8 @@ float secondsSinceMidnight() {
   return static_cast<float>(seconds + hundredths / 100.0);
 }
 
+void pauseThread(int milliseconds) {
+  Sleep(static_cast<DWORD>(milliseconds));
+}
+
 }  // namespace veltrano

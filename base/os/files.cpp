@@ -1,14 +1,69 @@
 #include "base/os/files.h"
 
 #include <algorithm>
+#include <memory>
 #include <system_error>
 
+#include "base/os/file.h"
 #include "base/trace.h"
 
 namespace veltrano {
 
-bool replaceFile(const std::filesystem::path& file, std::string_view content, Durability durability) {
-  return replaceFile(file, std::span(&content, 1), durability);
+std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
+  return readFileStart(file, PTRDIFF_MAX);
+}
+
+std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit) {
+  auto opened = File::open(file, Opening::read);
+  auto size = opened ? opened->size() : Result<std::uint64_t>(opened.status());
+  if (!size) {
+    traceFailure("readFile", size.status(), file);
+    return std::nullopt;
+  }
+  if (std::min<std::uint64_t>(*size, limit) >= PTRDIFF_MAX) {
+    traceSkipped("readFile", "the file is too large for the memory");
+    return std::nullopt;
+  }
+  std::string content;
+  std::size_t length = 0;
+  // One byte more than the file says it has: some have more (pipes), and the read that finds the end then
+  // needs no larger buffer.
+  for (std::uint64_t room = *size + 1; length < limit; room *= 2) {
+    content.resize(static_cast<std::size_t>(std::min<std::uint64_t>(room, limit)));
+    const auto count = opened->read(std::span(content).subspan(length));
+    if (!count) {
+      traceFailure("readFile", count.status(), file);
+      return std::nullopt;
+    }
+    length += *count;
+    if (length < content.size()) {
+      break;
+    }
+  }
+  content.resize(length);
+  return content;
+}
+
+bool readFileInPieces(const std::filesystem::path& file,
+                      const std::function<bool(std::string_view piece)>& take) {
+  // Small enough to stay in the processor's cache while it is examined.
+  constexpr std::size_t pieceSize = std::size_t{256} * 1024;
+  auto opened = File::open(file, Opening::read);
+  if (!opened) {
+    traceFailure("readFile", opened.status(), file);
+    return false;
+  }
+  const auto buffer = std::make_unique_for_overwrite<char[]>(pieceSize);
+  for (;;) {
+    const auto count = opened->read({buffer.get(), pieceSize});
+    if (!count) {
+      traceFailure("readFile", count.status(), file);
+      return false;
+    }
+    if (*count == 0 || !take({buffer.get(), *count}) || *count < pieceSize) {
+      return true;
+    }
+  }
 }
 
 std::optional<std::vector<std::filesystem::path>> listFiles(const std::filesystem::path& folder) {
@@ -20,7 +75,7 @@ std::optional<std::vector<std::filesystem::path>> listFiles(const std::filesyste
   }
   std::vector<std::filesystem::path> names;
   while (!error && entry != std::filesystem::directory_iterator()) {
-    std::error_code ignored;  // an entry that vanished meanwhile is none
+    std::error_code ignored;  // an entry that vanished meanwhile is not listed
     if (entry->is_regular_file(ignored)) {
       names.push_back(entry->path().filename());
     }

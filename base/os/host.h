@@ -12,13 +12,13 @@ namespace veltrano {
 /// linked statically, elsewhere. No separator at its end.
 std::filesystem::path libraryFolder();
 
-/// Folder of the font metrics that come with the library: the library's own folder. Where that holds none (a
-/// program linked with an installed library, elsewhere than Windows) it is the folder
-/// "share/veltranoframework/metrics" beside the program's, or that of the installation. Asked anew each time,
-/// since files come and go.
+/// Folder of the font metrics that come with the library: the library's own folder. If that has none (a program
+/// linked with an installed library, elsewhere than Windows) it is the folder
+/// "share/veltranoframework/metrics" beside the program's, or that of the installation. Checked anew at each
+/// call, since files come and go.
 std::filesystem::path metricsFolder();
 
-/// Says where the library is installed, by the path of one of its headers; base/installed.h calls it. True.
+/// The installation's folder, told by the path of its header veltrano/installed.h, which calls this. True.
 bool setInstallation(const char* header);
 
 /// The application's name as ANSI text: the product name from the executable's version resource when it has

@@ -26,8 +26,8 @@ bool holdsMetrics(const std::filesystem::path& folder) {
   return files && std::ranges::any_of(*files, [](const auto& file) { return file.extension() == ".afm"; });
 }
 
-/// The folder that the installation's lib, include and share stand in; empty when the program was linked with
-/// a library that is not installed.
+/// The folder with the installation's lib, include and share; empty if the library that the program was linked
+/// with is not installed.
 std::filesystem::path& installation() {
   static std::filesystem::path folder;
   return folder;
@@ -56,7 +56,7 @@ std::filesystem::path libraryFolder() {
 bool setInstallation(const char* header) {
   std::error_code error;
   const auto path = std::filesystem::absolute(header, error).lexically_normal();
-  // <installation>/include/veltranoframework/base/installed.h
+  // <installation>/include/veltranoframework/veltrano/installed.h
   installation() = path.parent_path().parent_path().parent_path().parent_path();
   return true;
 }

@@ -14,8 +14,8 @@ struct FreeBlock {
 };
 using MemoryBlock = std::unique_ptr<char[], FreeBlock>;
 
-/// `size` (not 0) bytes of undefined content. Where the system offers large pages to whoever asks, blocks of
-/// some megabytes get them: fetching memory page by page costs more than filling it. Throws std::bad_alloc.
+/// `size` (not 0) bytes of undefined content. Blocks of some megabytes get large pages where the system offers
+/// them: fetching memory page by page costs more than filling it. Throws std::bad_alloc.
 MemoryBlock allocateBlock(std::size_t size);
 
 }  // namespace veltrano

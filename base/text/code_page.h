@@ -1,24 +1,19 @@
 #ifndef VELTRANO_BASE_TEXT_CODE_PAGE_H
 #define VELTRANO_BASE_TEXT_CODE_PAGE_H
 
-// The ANSI code page and the Unicode forms of text.
+// What the library itself needs of the ANSI code page beside veltrano/text.h.
 //
-// Inside the library text has one of two forms:
-//  - "ANSI text": std::string, one byte a character, in the ANSI code page. It is what ends up in PDF, KML
-//  and INI
-//    files, so lengths and character codes need no second thought.
-//  - "UTF-8 text": std::string, in settings/ (XML) and database/.
-// UTF-16 exists at the automation boundary only.
-//
-// On Windows the code page is the system's own. Elsewhere it is Windows-1252 unless setCodePage chose
-// another. Conversions never fail: what has no counterpart becomes '?' (towards ANSI) or U+FFFD (towards
-// Unicode).
+// Text has one of three forms inside the library:
+//  - ANSI text, std::string: one byte a character in most code pages. What ends up in PDF and KML files.
+//  - UTF-8 text, std::string: in settings/ (XML) and database/.
+//  - UTF-16 text: INI texts, calls of Windows, the automation boundary, and where characters are compared.
 
 #include <array>
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
+
+#include "base/text/utf.h"
+#include "veltrano/text.h"
 
 namespace veltrano {
 
@@ -32,30 +27,15 @@ extern const CodePageTable windows1250;
 /// Windows-1251, Cyrillic.
 extern const CodePageTable windows1251;
 
-/// The single-byte code page of that name ("ISO-8859-15", "windows-1253", "KOI8-R"; case does not matter) as
-/// the system knows it; zero stands for codes that it leaves unassigned. Nothing when the system does not
-/// know it, or when its lower half is not ASCII or its characters take more bytes than one.
-std::optional<CodePageTable> codePageNamed(std::string_view name);
-
-/// Chooses the code page of the process where the system has none of its own. On Windows it does nothing:
-/// there the system's setting holds. Not to be called while another thread converts text.
-void setCodePage(const CodePageTable& table);
-
+/// Conversions never fail: see veltrano/text.h.
 std::string utf16ToAnsi(std::u16string_view text);
 std::u16string ansiToUtf16(std::string_view text);
-std::string utf8ToAnsi(std::string_view text);
-std::string ansiToUtf8(std::string_view text);
 
-/// Unpaired surrogates become U+FFFD.
-std::string utf16ToUtf8(std::u16string_view text);
-/// Malformed sequences become U+FFFD, one for each maximal broken part.
-std::u16string utf8ToUtf16(std::string_view text);
-
-/// For each byte the lower-case form of that character in the ANSI code page ('É' to 'é' in Windows-1252),
-/// itself when it has none. Under a multi-byte code page only the ASCII letters change.
+/// For each byte the lower-case form of that character in the ANSI code page ('\xC9' to '\xE9' in
+/// Windows-1252), itself if it has none. Under a multi-byte code page only the ASCII letters change.
 const std::array<char, 256>& ansiLowerTable();
 
-/// `text` in lower case, character by character.
+/// `text` in lower case by ansiLowerTable.
 std::string ansiLower(std::string_view text);
 
 }  // namespace veltrano

@@ -1,56 +1,37 @@
-#include <iconv.h>
-
 #include <algorithm>
-#include <bit>
-#include <cerrno>
 #include <unordered_map>
 
 #include "base/text/code_page.h"
+#include "base/text/encodings.h"
+#include "base/text/iconv_posix.h"
+#include "base/text/lower_case.h"
 
 namespace veltrano {
 
 namespace {
 
-// Lower-case form of the characters that single-byte code pages hold: Latin, Greek and Cyrillic.
-char16_t lowerCharacter(char16_t c) {
-  const auto within = [c](char16_t first, char16_t last) { return c >= first && c <= last; };
-  const auto plus = [c](int distance) { return static_cast<char16_t>(c + distance); };
-  if (within(u'A', u'Z') || (within(0x00C0, 0x00DE) && c != 0x00D7) || within(0x0391, 0x03A9) ||
-      within(0x0410, 0x042F)) {
-    return plus(0x20);
-  }
-  if (within(0x0400, 0x040F)) {
-    return plus(0x50);
-  }
-  if (c == 0x0178) {
-    return 0x00FF;
-  }
-  // Latin Extended-A pairs a capital with the character after it; the capital is odd in two stretches.
-  if (within(0x0139, 0x0147) || within(0x0179, 0x017D)) {
-    return (c & 1) != 0 ? plus(1) : c;
-  }
-  if (within(0x0100, 0x0137) || within(0x014A, 0x0177) || c == 0x0490) {
-    return (c & 1) == 0 ? plus(1) : c;
-  }
-  return c;
-}
-
 struct ActivePage {
   CodePageTable unicode{};
   std::unordered_map<char16_t, char> codes;
   std::array<char, 256> lower{};
+  /// The system's name of a page of several bytes a character, which has no table; else empty.
+  std::string encoding;
 
   explicit ActivePage(const CodePageTable& table) { use(table); }
 
-  void use(const CodePageTable& table) {
+  void use(const CodePageTable& table, const std::string& multiByteEncoding = {}) {
     unicode = table;
+    encoding = multiByteEncoding;
     codes.clear();
     for (std::size_t i = 0; i < table.size(); ++i) {
       codes.emplace(table[i], static_cast<char>(i + 128));
     }
+    // Bytes beyond ASCII are no letters where they are parts of characters.
+    const std::size_t letters = encoding.empty() ? lower.size() : 128;
     for (std::size_t code = 0; code < lower.size(); ++code) {
+      const auto byte = static_cast<char>(code);
       lower[code] =
-          ansi(lowerCharacter(character(static_cast<unsigned char>(code))), static_cast<char>(code));
+          code < letters ? ansi(lowerCase(character(static_cast<unsigned char>(code))), byte) : byte;
     }
   }
 
@@ -72,75 +53,52 @@ ActivePage& activePage() {
   return page;
 }
 
-/// The system's converter of one encoding to UTF-16.
-class Converter {
- public:
-  explicit Converter(const std::string& from)
-      : handle_(
-            iconv_open(std::endian::native == std::endian::little ? "UTF-16LE" : "UTF-16BE", from.c_str())) {}
-  Converter(const Converter&) = delete;
-  Converter& operator=(const Converter&) = delete;
-  ~Converter() {
-    if (*this) {
-      iconv_close(handle_);
-    }
-  }
-  explicit operator bool() const { return handle_ != invalid(); }
+std::string toMultiByte(std::u16string_view text, const std::string& encoding) {
+  const std::string_view units(reinterpret_cast<const char*>(text.data()), text.size() * sizeof(char16_t));
+  std::string result;
+  Converter(nativeUtf16, encoding).convert(units, result, [&](std::string_view rest, std::string& bytes) {
+    const char16_t unit = text[text.size() - rest.size() / sizeof(char16_t)];
+    bytes.push_back('?');
+    return (unit >= 0xD800 && unit < 0xDC00 ? 2 : 1) * sizeof(char16_t);
+  });
+  return result;
+}
 
-  /// The one character that the byte stands for, zero when it stands for none. Nothing when more bytes would
-  /// have to follow, or when the byte stands for anything else.
-  std::optional<char16_t> character(unsigned char code) {
-    auto byte = static_cast<char>(code);
-    char16_t result = 0;
-    char* from = &byte;
-    char* to = reinterpret_cast<char*>(&result);
-    std::size_t inputLeft = 1;
-    std::size_t outputLeft = sizeof result;
-    if (iconv(handle_, &from, &inputLeft, &to, &outputLeft) != 0) {
-      const bool unassigned = errno == EILSEQ;
-      iconv(handle_, nullptr, nullptr, nullptr, nullptr);
-      return unassigned ? std::optional<char16_t>(u'\0') : std::nullopt;
-    }
-    return outputLeft == 0 ? std::optional(result) : std::nullopt;
-  }
-
- private:
-  // NOLINTNEXTLINE(performance-no-int-to-ptr): what iconv_open answers.
-  static iconv_t invalid() { return reinterpret_cast<iconv_t>(-1); }
-
-  iconv_t handle_;
-};
+std::u16string fromMultiByte(std::string_view text, const std::string& encoding) {
+  static constexpr char16_t replacement = 0xFFFD;
+  std::string units;
+  Converter(encoding, nativeUtf16).convert(text, units, [](std::string_view, std::string& result) {
+    result.append(reinterpret_cast<const char*>(&replacement), sizeof replacement);
+    return std::size_t{1};
+  });
+  std::u16string result(units.size() / sizeof(char16_t), u'\0');
+  units.copy(reinterpret_cast<char*>(result.data()), units.size());
+  return result;
+}
 
 }  // namespace
 
-std::optional<CodePageTable> codePageNamed(std::string_view name) {
-  // The system would read more than a name from others ("//TRANSLIT").
-  const bool plain = std::all_of(name.begin(), name.end(), [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_';
-  });
-  if (name.empty() || !plain) {
-    return std::nullopt;
+bool setCodePage(std::string_view encoding) {
+  if (!isKnownEncoding(encoding)) {
+    return false;
   }
-  Converter converter((std::string(name)));
   CodePageTable table{};
-  for (unsigned code = 0; code < 256; ++code) {
-    const auto character = converter ? converter.character(static_cast<unsigned char>(code)) : std::nullopt;
-    if (!character || (code < 128 && *character != code)) {
-      return std::nullopt;
-    }
-    if (code >= 128) {
-      table[code - 128U] = *character;
-    }
+  bool singleByte = true;
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    const auto byte = static_cast<char>(i + 128);
+    const auto character = decodeText(encoding, {&byte, 1});
+    table[i] = character ? character->front() : u'\0';
+    singleByte &= character.has_value();
   }
-  return table;
-}
-
-void setCodePage(const CodePageTable& table) {
-  activePage().use(table);
+  activePage().use(table, singleByte ? std::string() : systemEncodingName(encoding));
+  return true;
 }
 
 std::string utf16ToAnsi(std::u16string_view text) {
   const ActivePage& page = activePage();
+  if (!page.encoding.empty()) {
+    return toMultiByte(text, page.encoding);
+  }
   std::string result(text.size(), '\0');
   std::transform(text.begin(), text.end(), result.begin(), [&page](char16_t c) { return page.ansi(c, '?'); });
   return result;
@@ -148,6 +106,9 @@ std::string utf16ToAnsi(std::u16string_view text) {
 
 std::u16string ansiToUtf16(std::string_view text) {
   const ActivePage& page = activePage();
+  if (!page.encoding.empty()) {
+    return fromMultiByte(text, page.encoding);
+  }
   std::u16string result(text.size(), u'\0');
   std::transform(text.begin(), text.end(), result.begin(),
                  [&page](char c) { return page.character(static_cast<unsigned char>(c)); });

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/text/code_page.h"
+#include "base/text/utf.h"
 
 namespace veltrano {
 

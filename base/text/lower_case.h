@@ -1,12 +1,14 @@
 #ifndef VELTRANO_BASE_TEXT_LOWER_CASE_H
 #define VELTRANO_BASE_TEXT_LOWER_CASE_H
 
-// Lower case of Unicode text, character by character and the same on every system and in every locale: what a
-// search that ignores case compares, and what makes table and field names equal.
+// Lower case of Unicode text and comparison without regard to case, character by character and the same on every
+// system and in every locale. Code pages have theirs in code_page.h.
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 namespace veltrano {
 
@@ -35,8 +37,21 @@ inline char16_t lowerCase(char16_t c) {
 /// Lower case of UTF-8 text, as UTF-16.
 std::u16string lowerCaseUtf16(std::string_view utf8);
 
-/// True when two names (UTF-8) differ at most in their case.
+/// True if two names (UTF-8) differ at most in their case.
 bool sameName(std::string_view left, std::string_view right);
+
+/// True if two strings of any one character type differ at most in the case of ASCII letters: for keywords and
+/// names that consist of these.
+template <typename Character>
+bool sameAsciiName(std::basic_string_view<Character> left,
+                   std::type_identity_t<std::basic_string_view<Character>> right) {
+  const auto lower = [](Character c) { return c >= 'A' && c <= 'Z' ? static_cast<Character>(c + 0x20) : c; };
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                    [lower](Character a, Character b) { return lower(a) == lower(b); });
+}
+inline bool sameAsciiName(std::string_view left, std::string_view right) {
+  return sameAsciiName<char>(left, right);
+}
 
 }  // namespace veltrano
 

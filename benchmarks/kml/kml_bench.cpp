@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "kml/veltrano_kml.h"
+#include "veltrano/kml.h"
 
 namespace {
 

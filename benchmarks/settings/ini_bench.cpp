@@ -10,7 +10,7 @@
 #include <string>
 
 #include "base/os/files.h"
-#include "settings/veltrano_ini.h"
+#include "veltrano/ini.h"
 
 namespace {
 
@@ -27,10 +27,14 @@ std::string iniText(std::size_t size) {
   return text + lastKey + "=1\r\n";
 }
 
+std::u16string wide(const std::string& ascii) {
+  return {ascii.begin(), ascii.end()};
+}
+
 void getValue(benchmark::State& state, const char* key) {
-  const std::string text = iniText(tenMegabytes);
+  const std::u16string text = wide(iniText(tenMegabytes));
   for ([[maybe_unused]] auto round : state) {
-    benchmark::DoNotOptimize(veltrano::VeltranoINI().GetValue(text, key));
+    benchmark::DoNotOptimize(veltrano::VeltranoINI().GetValue(text, wide(key)));
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
@@ -59,9 +63,9 @@ void memchrLineScan(benchmark::State& state) {
 }
 
 void changeValue(benchmark::State& state) {
-  const std::string text = iniText(tenMegabytes);
+  const std::u16string text = wide(iniText(tenMegabytes));
   for ([[maybe_unused]] auto round : state) {
-    benchmark::DoNotOptimize(veltrano::VeltranoINI().ChangeValue(text, lastKey, "2"));
+    benchmark::DoNotOptimize(veltrano::VeltranoINI().ChangeValue(text, wide(lastKey), u"2"));
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
@@ -92,7 +96,7 @@ class IniFile {
 void getIniValue(benchmark::State& state) {
   const IniFile file(static_cast<std::size_t>(state.range(0)));
   for ([[maybe_unused]] auto round : state) {
-    benchmark::DoNotOptimize(veltrano::VeltranoINI().GetIniValue(file.path, lastKey, ""));
+    benchmark::DoNotOptimize(veltrano::VeltranoINI().GetIniValue(file.path, wide(lastKey), u""));
   }
 }
 

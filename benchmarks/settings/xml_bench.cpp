@@ -7,7 +7,7 @@
 #include <random>
 
 #include "base/os/files.h"
-#include "settings/veltrano_xml.h"
+#include "veltrano/xml.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "base/os/files.h"
-#include "settings/veltrano_xml.h"
+#include "veltrano/xml.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 //   pdf.PDFNewPage();
 //   pdf.PDFEndDoc();
 //
-// Text is in the ANSI code page, file names are paths. Positions and lengths are user units, from the
+// Text is in the ANSI code page (veltrano/text.h), file names are paths. Positions and lengths are user units, from the
 // top left of the page downwards, unless points are named. Properties are functions of the name that hosts
 // see; a put takes the value, a get returns it. Where a member looks at the kind of a value before it
 // converts it, it takes a Value.
@@ -28,9 +28,9 @@
 #include <string>
 #include <string_view>
 
-#include "base/value.h"
+#include "veltrano/value.h"
 #ifdef VELTRANO_INSTALLED
-#include "base/os/installed.h"
+#include "veltrano/installed.h"
 #endif
 
 namespace veltrano {

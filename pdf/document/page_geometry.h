@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "base/value.h"
+#include "veltrano/value.h"
 
 namespace veltrano {
 

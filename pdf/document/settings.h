@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "base/value.h"
+#include "veltrano/value.h"
 
 namespace veltrano {
 

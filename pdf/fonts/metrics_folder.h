@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/os/files.h"
+#include "base/os/file_identity.h"
 #include "pdf/fonts/font_metrics.h"
 
 namespace veltrano {

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "base/value.h"
+#include "veltrano/value.h"
 
 namespace veltrano {
 

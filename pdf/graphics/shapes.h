@@ -6,10 +6,10 @@
 #include <string_view>
 #include <vector>
 
-#include "base/value.h"
 #include "pdf/document/content_stream.h"
 #include "pdf/document/page_geometry.h"
 #include "pdf/graphics/graphics_state.h"
+#include "veltrano/value.h"
 
 namespace veltrano {
 

@@ -30,7 +30,7 @@ struct LineMeasure {
   double available;   ///< points
 };
 
-/// The text as its one line, without the cost of a list. Empty if it must be broken.
+/// The text as its one line, without the cost of a list. Empty if it is wider or has several paragraphs.
 std::optional<TextLine> asOneLine(std::string_view text, const LineMeasure& measure);
 
 /// The lines of `text`, whose paragraphs end at CR LF; an empty text is one empty line. A line that does not

@@ -3,8 +3,8 @@
 
 // The look of the text that is drawn diagonally across pages.
 
-#include "base/value.h"
 #include "pdf/document/page_geometry.h"
+#include "veltrano/value.h"
 
 namespace veltrano::watermark {
 

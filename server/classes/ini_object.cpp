@@ -6,30 +6,38 @@ namespace veltrano::server {
 
 namespace {
 
-// The texts of this class end in an ANSI file.
-void answer(BSTR* result, const std::string& text) {
-  server::answer(result, text, TextForm::ansi);
+// The texts of this class are as hosts hand them over.
+
+std::u16string_view unicode(const BSTR* text) {
+  return text != nullptr ? characters(*text) : std::u16string_view();
+}
+
+void answer(BSTR* result, const std::u16string& text) {
+  if (result != nullptr) {
+    *result =
+        SysAllocStringLen(reinterpret_cast<const wchar_t*>(text.data()), static_cast<UINT>(text.size()));
+  }
 }
 
 }  // namespace
 
 STDMETHODIMP IniObject::GetIniValue(BSTR* filename, BSTR* Key, BSTR* Default, BSTR* result) {
   return run("GetIniValue", result,
-             [&] { answer(result, ini_.GetIniValue(path(filename), ansi(Key), ansi(Default))); });
+             [&] { answer(result, ini_.GetIniValue(path(filename), unicode(Key), unicode(Default))); });
 }
 
 STDMETHODIMP IniObject::SetIniValue(BSTR* filename, BSTR* Key, BSTR* Value) {
-  return run("SetIniValue", [&] { ini_.SetIniValue(path(filename), ansi(Key), ansi(Value)); });
+  return run("SetIniValue", [&] { ini_.SetIniValue(path(filename), unicode(Key), unicode(Value)); });
 }
 
 STDMETHODIMP IniObject::ChangeValue(BSTR* xFileBuffer, BSTR* Key, BSTR* Value, BSTR* result) {
   return run("ChangeValue", result,
-             [&] { answer(result, ini_.ChangeValue(ansi(xFileBuffer), ansi(Key), ansi(Value))); });
+             [&] { answer(result, ini_.ChangeValue(unicode(xFileBuffer), unicode(Key), unicode(Value))); });
 }
 
 STDMETHODIMP IniObject::GetValue(BSTR* xFileBuffer, BSTR* Key, BSTR* Default, BSTR* result) {
   return run("GetValue", result,
-             [&] { answer(result, ini_.GetValue(ansi(xFileBuffer), ansi(Key), ansi(Default))); });
+             [&] { answer(result, ini_.GetValue(unicode(xFileBuffer), unicode(Key), unicode(Default))); });
 }
 
 STDMETHODIMP IniObject::OpenFile(BSTR* xFilename, BSTR* result) {
@@ -37,7 +45,7 @@ STDMETHODIMP IniObject::OpenFile(BSTR* xFilename, BSTR* result) {
 }
 
 STDMETHODIMP IniObject::CloseFile(BSTR* filename, BSTR* xText) {
-  return run("CloseFile", [&] { ini_.CloseFile(path(filename), ansi(xText)); });
+  return run("CloseFile", [&] { ini_.CloseFile(path(filename), unicode(xText)); });
 }
 
 }  // namespace veltrano::server

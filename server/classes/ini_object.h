@@ -2,7 +2,7 @@
 #define VELTRANO_SERVER_CLASSES_INI_OBJECT_H
 
 #include "server/com/automation_object.h"
-#include "settings/veltrano_ini.h"
+#include "veltrano/ini.h"
 
 namespace veltrano::server {
 

@@ -16,12 +16,10 @@ constexpr const char* defaultShape = "rectangle";
 
 }  // namespace
 
-STDMETHODIMP KmlObject::CreateKML(BSTR* filename, VARIANT* Description, BSTR* ExtendedData,
+STDMETHODIMP KmlObject::CreateKML(BSTR* filename, VARIANT* /*Description*/, BSTR* ExtendedData,
                                   VARIANT_BOOL* IncludeGeneratedBy) {
-  return run("CreateKML", [&] {
-    kml_.CreateKML(path(filename), value(Description, TextForm::ansi), ansi(ExtendedData),
-                   number(IncludeGeneratedBy));
-  });
+  return run("CreateKML",
+             [&] { kml_.CreateKML(path(filename), {}, ansi(ExtendedData), number(IncludeGeneratedBy)); });
 }
 
 STDMETHODIMP KmlObject::ClearPath() {

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_SERVER_CLASSES_KML_OBJECT_H
 #define VELTRANO_SERVER_CLASSES_KML_OBJECT_H
 
-#include "kml/veltrano_kml.h"
 #include "server/com/automation_object.h"
+#include "veltrano/kml.h"
 
 namespace veltrano::server {
 

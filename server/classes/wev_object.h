@@ -1,7 +1,7 @@
 #ifndef VELTRANO_SERVER_CLASSES_WEV_OBJECT_H
 #define VELTRANO_SERVER_CLASSES_WEV_OBJECT_H
 
-#include "eventlog/veltrano_wev.h"
+#include "veltrano/wev.h"
 #include "server/com/automation_object.h"
 
 namespace veltrano::server {

@@ -2,7 +2,7 @@
 #define VELTRANO_SERVER_CLASSES_XML_OBJECT_H
 
 #include "server/com/automation_object.h"
-#include "settings/veltrano_xml.h"
+#include "veltrano/xml.h"
 
 namespace veltrano::server {
 

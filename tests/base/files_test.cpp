@@ -1,8 +1,13 @@
 #include "base/os/files.h"
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <sys/stat.h>
+#endif
 
 #include <algorithm>
+#include <random>
+#include <thread>
 
 #include "tests/temporary_folder.h"
 
@@ -12,9 +17,67 @@ namespace {
 using tests::TemporaryFolder;
 namespace fs = std::filesystem;
 
-std::size_t entriesOf(const fs::path& folder) {
-  return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+std::string noise(std::size_t size) {
+  std::mt19937 random(7);
+  std::string text(size, '\0');
+  std::generate(text.begin(), text.end(), [&random] { return static_cast<char>(random()); });
+  return text;
 }
+
+TEST(ReadFile, TakesAsManyReadsAsItNeeds) {
+  const TemporaryFolder folder;
+  const auto file = folder / "large";
+  const std::string content = noise((std::size_t{1} << 24) + 5);
+  ASSERT_TRUE(replaceFile(file, content));
+  EXPECT_TRUE(readWholeFile(file) == content);
+  std::string pieces;
+  std::size_t count = 0;
+  EXPECT_TRUE(readFileInPieces(file, [&](std::string_view piece) {
+    pieces += piece;
+    return ++count < 3;
+  }));
+  EXPECT_EQ(count, 3U) << "until it is refused";
+  EXPECT_TRUE(content.starts_with(pieces));
+  EXPECT_TRUE(readFileInPieces(file, [&](std::string_view piece) {
+    pieces += piece;
+    return true;
+  }));
+  EXPECT_TRUE(pieces.ends_with(content));
+  EXPECT_TRUE(readFileStart(file, 70'000) == content.substr(0, 70'000));
+}
+
+TEST(ReadFile, OnlyFilesThatAreThere) {
+  const TemporaryFolder folder;
+  const auto none = [](std::string_view) { return true; };
+  for (const auto& name : {folder.path(), folder / "missing", folder / "missing/a", fs::path()}) {
+    EXPECT_FALSE(readWholeFile(name)) << name;
+    EXPECT_FALSE(readFileInPieces(name, none)) << name;
+  }
+}
+
+#ifndef _WIN32
+// A pipe hands out less than it is asked for and does not say how much is to come.
+TEST(ReadFile, PipesToTheirEnd) {
+  const TemporaryFolder folder;
+  const auto pipe = folder / "pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  const std::string content = noise(300'000);
+  for (const bool inPieces : {false, true}) {
+    std::thread writer([&] { EXPECT_TRUE(replaceFile(pipe, content)); });
+    std::string text;
+    if (inPieces) {
+      readFileInPieces(pipe, [&text](std::string_view piece) {
+        text += piece;
+        return true;
+      });
+    } else {
+      text = readWholeFile(pipe).value_or("");
+    }
+    writer.join();
+    EXPECT_TRUE(text == content);
+  }
+}
+#endif
 
 TEST(ReadIdentified, StopsAtTheLimitOrTheEnd) {
   const TemporaryFolder folder;
@@ -25,89 +88,6 @@ TEST(ReadIdentified, StopsAtTheLimitOrTheEnd) {
   EXPECT_EQ(readIdentified(folder / "a", 4)->identity, fileIdentity(folder / "a"));
   EXPECT_FALSE(readIdentified(folder / "missing", 4));
   EXPECT_FALSE(readIdentified(folder.path(), 4));
-}
-
-TEST(ReplaceFile, PutsAllPiecesAndLeavesNothingElse) {
-  const TemporaryFolder folder;
-  const auto file = folder / u"d\u00E9j\u00E0 vu.bin";
-  for (const auto durability : {Durability::process, Durability::power}) {
-    const std::string_view pieces[] = {"one", std::string_view("\0\r\n", 3), "", "two"};
-    ASSERT_TRUE(replaceFile(file, pieces, durability));
-    EXPECT_EQ(readWholeFile(file), std::string("one\0\r\ntwo", 9));
-    ASSERT_TRUE(replaceFile(file, "short", durability));
-    EXPECT_EQ(readWholeFile(file), "short");
-  }
-  EXPECT_EQ(entriesOf(folder.path()), 1U);
-}
-
-TEST(ReplaceFile, RefusalsKeepWhatWasThere) {
-  const TemporaryFolder folder;
-  const auto file = folder / "kept.txt";
-  ASSERT_TRUE(replaceFile(file, "kept"));
-  EXPECT_FALSE(replaceFile(folder / "no such folder/x", "lost"));
-  EXPECT_FALSE(replaceFile(folder / "kept.txt/x", "lost"));
-  EXPECT_FALSE(replaceFile({}, "lost"));
-  fs::create_directory(folder / "sub");
-  EXPECT_FALSE(replaceFile(folder / "sub", "lost"));
-  EXPECT_EQ(readWholeFile(file), "kept");
-  EXPECT_EQ(entriesOf(folder.path()), 2U);
-}
-
-#ifndef _WIN32
-TEST(ReplaceFile, LinksAndRightsSurvive) {
-  const TemporaryFolder folder;
-  ASSERT_TRUE(replaceFile(folder / "real.txt", "old"));
-  fs::permissions(folder / "real.txt", fs::perms::owner_read | fs::perms::owner_write);
-  fs::create_symlink("real.txt", folder / "link.txt");
-  fs::create_symlink("absent.txt", folder / "dangling.txt");
-  ASSERT_TRUE(replaceFile(folder / "link.txt", "new"));
-  ASSERT_TRUE(replaceFile(folder / "dangling.txt", "made"));
-  EXPECT_TRUE(fs::is_symlink(folder / "link.txt"));
-  EXPECT_EQ(readWholeFile(folder / "real.txt"), "new");
-  EXPECT_EQ(readWholeFile(folder / "absent.txt"), "made");
-  EXPECT_EQ(fs::status(folder / "real.txt").permissions(), fs::perms::owner_read | fs::perms::owner_write);
-}
-
-TEST(ReplaceFile, AFullDiskLosesNothing) {
-  EXPECT_FALSE(replaceFile("/dev/full", "text"));
-  EXPECT_TRUE(replaceFile("/dev/null", "text"));
-  EXPECT_TRUE(fs::is_character_file("/dev/null"));
-}
-#endif
-
-TEST(OutputFile, WritesThroughItsBufferAndWhenItGoesAway) {
-  const TemporaryFolder folder;
-  const auto file = folder / "lines.txt";
-  ASSERT_TRUE(replaceFile(file, "old content that must go"));
-  std::string expected;
-  {
-    auto output = OutputFile::create(file);
-    ASSERT_TRUE(output);
-    for (const std::size_t length :
-         {std::size_t{0}, std::size_t{10}, std::size_t{65535}, std::size_t{200000}}) {
-      const std::string line(length, 'x');
-      output->writeLine(line);
-      expected += line + "\r\n";
-    }
-    ASSERT_TRUE(output->flush());
-    EXPECT_EQ(readWholeFile(file), expected);
-    output->write("end");
-    OutputFile moved = std::move(*output);
-    moved.write(".");
-  }
-  EXPECT_EQ(readWholeFile(file), expected + "end.");
-}
-
-TEST(OutputFile, AFileBeingWrittenCannotBeTakenAway) {
-  const TemporaryFolder folder;
-  auto first = OutputFile::create(folder / "a.txt");
-  ASSERT_TRUE(first);
-  first->write("first");
-  EXPECT_FALSE(OutputFile::create(folder / "a.txt"));
-  EXPECT_FALSE(OutputFile::create(folder / "none/a.txt"));
-  first.reset();
-  EXPECT_EQ(readWholeFile(folder / "a.txt"), "first");
-  EXPECT_TRUE(OutputFile::create(folder / "a.txt"));
 }
 
 TEST(FileIdentity, TellsAChangedFile) {

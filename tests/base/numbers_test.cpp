@@ -106,6 +106,9 @@ TEST(GeneralNumber, FollowsTheRuntimesText) {
       {100, "100"},
       {0.5, "0.5"},
       {999999999999999.9, "1E+15"},
+      {5e-324, "4.94065645841247E-324"},
+      {1e-310, "9.99999999999997E-311"},
+      {2.2250738585072014e-308, "2.2250738585072E-308"},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(generalNumberText(c.value).view(), c.text);
@@ -137,6 +140,7 @@ TEST(SingleNumber, HasSevenDigits) {
   EXPECT_EQ(singleNumberText(0.1F).view(), "0.1");
   EXPECT_EQ(singleNumberText(8639999.5F).view(), "8640000");
   EXPECT_EQ(singleNumberText(1e7F).view(), "1E+07");
+  EXPECT_EQ(singleNumberText(1e-45F).view(), "1.401298E-45");
 }
 
 TEST(IntegerText, CoversTheWholeRange) {

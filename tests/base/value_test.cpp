@@ -1,4 +1,4 @@
-#include "base/value.h"
+#include "veltrano/value.h"
 
 #include <gtest/gtest.h>
 

@@ -8,8 +8,8 @@
 
 #include "base/os/files.h"
 #include "kml/markup.h"
-#include "kml/veltrano_kml.h"
 #include "tests/temporary_folder.h"
+#include "veltrano/kml.h"
 
 namespace {
 std::size_t largestBlock = std::numeric_limits<std::size_t>::max();

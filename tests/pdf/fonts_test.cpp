@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "base/os/host.h"
+#include "base/os/output_file.h"
 #include "pdf/fonts/afm_file.h"
 #include "pdf/fonts/metrics_folder.h"
 #include "tests/pdf/pdf_testing.h"

@@ -1,4 +1,5 @@
-// A folder so large that its keys are found by an index: it must answer as going through the children does.
+// A folder so large that its keys are found by a table of names: it must answer as going through the children
+// does.
 
 #include <gtest/gtest.h>
 
@@ -6,8 +7,8 @@
 #include <random>
 
 #include "base/os/files.h"
-#include "settings/veltrano_xml.h"
 #include "tests/temporary_folder.h"
+#include "veltrano/xml.h"
 
 namespace veltrano {
 namespace {
@@ -42,6 +43,28 @@ TEST(LargeFolder, AnswersAsAMapDoesWhateverIsAddedAndRemoved) {
   EXPECT_EQ(xml.XML_EnumKeys("F")->size(), model.size() + 1);
   xml.XML_DeleteSetting({}, "F");
   EXPECT_EQ(xml.XML_GetSetting("F", model.begin()->first, "none"), "none");
+}
+
+TEST(LargeFolder, AnEmptiedFolderLeavesNothingOfItsTable) {
+  VeltranoXML xml;
+  // Elements made later may lie where removed ones lay.
+  for (int round = 0; round < 20; ++round) {
+    for (unsigned i = 0; i < 100; ++i) {
+      xml.XML_SaveSetting("F", keyName(i), "1");
+    }
+    for (unsigned i = 0; i < 100; ++i) {
+      xml.XML_DeleteSetting({}, "F", keyName(i));
+      ASSERT_EQ(xml.XML_GetSetting("F", keyName(i), "none"), "none");
+    }
+    xml.XML_DeleteSetting({}, "F");
+    for (unsigned i = 0; i < 30; ++i) {
+      xml.XML_SaveSetting("G" + keyName(i), "K", "2");
+      ASSERT_EQ(xml.XML_GetSetting("G" + keyName(i), "K"), "2");
+    }
+    for (unsigned i = 0; i < 30; ++i) {
+      xml.XML_DeleteSetting({}, "G" + keyName(i));
+    }
+  }
 }
 
 TEST(LargeFolder, TheFirstOfEqualKeysCountsAlsoWhenOneIsGone) {

@@ -5,9 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "base/os/files.h"
-#include "settings/veltrano_ini.h"
-#include "settings/veltrano_xml.h"
 #include "tests/temporary_folder.h"
+#include "veltrano/ini.h"
+#include "veltrano/xml.h"
 
 namespace veltrano {
 namespace {
@@ -51,8 +51,8 @@ TEST(LockedFiles, IniFilesAnswerDefaultsAndStay) {
   VeltranoINI ini;
   {
     const Lock lock(file);
-    EXPECT_EQ(ini.GetIniValue(file, "A", "default"), "default");
-    ini.SetIniValue(file, "A", "2");
+    EXPECT_EQ(ini.GetIniValue(file, u"A", u"default"), u"default");
+    ini.SetIniValue(file, u"A", u"2");
   }
   EXPECT_EQ(readWholeFile(file), "A=1\r\n");
 }

@@ -4,9 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "base/os/files.h"
-#include "settings/veltrano_xml.h"
-#include "tests/temporary_folder.h"
+#include "tests/settings/xml_fixture.h"
 
 namespace veltrano {
 namespace {
@@ -15,21 +13,7 @@ using namespace std::string_literals;
 using testing::IsEmpty;
 using testing::Optional;
 
-class XmlFiles : public testing::Test {
- protected:
-  void open(std::string_view content) {
-    ASSERT_TRUE(replaceFile(file, content));
-    xml.XML_Open(file);
-  }
-  std::string saved() {
-    xml.XML_Save();
-    return readWholeFile(file).value_or("(no file)");
-  }
-
-  tests::TemporaryFolder folder;
-  std::filesystem::path file = folder / "settings.xml";
-  VeltranoXML xml;
-};
+using XmlFiles = tests::XmlFixture;
 
 std::string utf16(std::u16string_view text, bool big) {
   std::string bytes;
@@ -67,6 +51,17 @@ TEST_F(XmlFiles, UntouchedFilesAreSavedAsTheyWere) {
       "<?xml version=\"1.0\" encoding=\"UTF-16\"?><XML>\xC3\xA9</XML>",
       "<?xml version='1.0' encoding='iso-8859-15'?><XML><K>\xA4 \xE9</K></XML>",
       "<?xml version='1.0' encoding='KOI8-R'?><XML><\xD0>\xD2</\xD0></XML>",
+      "<?xml version='1.0' encoding='Shift_JIS'?><XML><\x83\x5C>\\ \x95\\ \xB1</\x83\x5C></XML>",
+      "<?xml version='1.0' encoding='Big5'?><XML><K>\xA4\xA4 \xB3\\</K></XML>",
+      "<?xml version='1.0' encoding='GBK'?><XML><K>\xD6\xD0</K></XML>",
+      "<?xml version='1.0' encoding='euc-kr'?><XML><K>\xC7\xD1</K></XML>",
+#ifndef _WIN32
+      // Wine lacks these tables.
+      "<?xml version='1.0' encoding='EUC-JP'?><XML><K>\xA5\xA2</K></XML>",
+      "<?xml version='1.0' encoding='GB18030'?><XML><K>\x81\x30\x84\x36\xD6\xD0</K></XML>",
+#endif
+      "<?xml version='1.0' encoding='utf-16le'?><XML>\xC3\xA9</XML>",
+      "\xFF\xFE" + utf16(u"<?xml version='1.0' encoding='utf-16le'?><XML>\u4E2D</XML>", false),
   };
   for (const auto& content : files) {
     open(content);
@@ -84,6 +79,12 @@ TEST_F(XmlFiles, AChangedFileKeepsItsEncoding) {
   EXPECT_EQ(saved(),
             "<?xml version='1.0' encoding='UTF-8'?><XML><A><K>\xC3\xA8\xE2\x82\xAC</K>"
             "<\xCE\xA9>1</\xCE\xA9></A></XML>");
+
+  const std::string japanese = "<?xml version='1.0' encoding='Shift_JIS'?>";
+  open(japanese + "<XML><A><K>\x83\x5C</K></A></XML>");
+  EXPECT_EQ(xml.XML_GetSetting("A", "K"), "\xE3\x82\xBD");
+  xml.XML_SaveSetting("A", "K", "\xE8\xA1\xA8\xC3\xA9\\");
+  EXPECT_EQ(saved(), japanese + "<XML><A><K>\x95\\&#233;\\</K></A></XML>");
 
   open("\xFF\xFE" + utf16(u"<XML><A/></XML>", false));
   xml.XML_SaveSetting("A", "K", "\xF0\x9F\x98\x80");
@@ -105,34 +106,18 @@ TEST_F(XmlFiles, WhatIsNotWellFormedLoadsAsEmptyAndStays) {
   const std::string files[] = {
       "",
       "text",
-      "<XML>",
-      "<XML></xml>",
-      "<XML/><XML/>",
       "<XML/>text",
       "&#32;<XML/>",
-      "<XML/>&#32;",
-      "text<XML/>",
       "<!-- only -->",
-      "<XML>&nbsp;</XML>",
-      "<XML>&#0;</XML>",
-      "<XML>&#xD800;</XML>",
-      "<XML>& </XML>",
-      "<XML>]]></XML>",
-      "<XML a='1' a='2'/>",
-      "<XML a='1'b='2'/>",
-      "<XML a='<'/>",
-      "<XML a=1/>",
-      "<XML><!-- -- --></XML>",
-      "<XML><![CDATA[</XML>",
+      "<XML a='1' b='2' a='3'/>",
       "<XML><?xml version='1.0'?></XML>",
       " <?xml version='1.0'?><XML/>",
+      "<?xml version='1.0'?><?xml version='1.0'?><XML/>",
       "<?xml encoding='UTF-8'?><XML/>",
-      "<?xml version='1.0' encoding='Shift_JIS'?><XML/>",
-      "<XML>\x01</XML>",
+      "<?xml version='1.0' encoding='no such encoding'?><XML/>",
+      "<?xml version='1.0' encoding='Shift_JIS'?><XML>\x83</XML>",
       "<XML/>\0"s,
       "<XML>\xFF</XML>",
-      "<XML>\xC0\xBC</XML>",
-      "<XML>\xEF\xBF\xBF</XML>",
       "\xFF\xFE<\0X\0M\0L\0/\0>"s,
       "\xFF\xFE" + utf16(u"<XML>\xD800</XML>", false),
       "<!DOCTYPE XML><XML/>",
@@ -160,11 +145,18 @@ TEST_F(XmlFiles, AsDeepAsAllowedButNotDeeper) {
   EXPECT_EQ(saved(), "<XML><New><K>1</K></New></XML>");
 }
 
-TEST_F(XmlFiles, CutAnywhereAFileIsEmptyOrWhole) {
-  const std::string whole = "<?xml version='1.0'?>\n<XML a='1'><A><K>&lt;\xC3\xA9</K><!--c--></A></XML>\n";
-  for (std::size_t size = 0; size <= whole.size(); ++size) {
-    open(whole.substr(0, size));
-    EXPECT_EQ(xml.XML_GetSetting("A", "K", "x"), size + 1 >= whole.size() ? "<\xC3\xA9" : "x") << size;
+// Whatever needs more than copying, at every place around the end of what the writer gathers before it goes
+// on.
+TEST_F(XmlFiles, WhatIsWrittenDoesNotDependOnWhereItStands) {
+  constexpr std::size_t block = 4096;
+  const std::string start = "<?xml version='1.0' encoding='us-ascii'?>\r\n<XML>";
+  const std::string pieces[] = {"\r\n", "&#233;", "&amp;", "&#13;&#10;", "<!--\r\n-->", "<K a=\"&#10;\"/>"};
+  for (const std::string& piece : pieces) {
+    for (std::size_t before = block - 24; before < block + 2; ++before) {
+      const std::string text = start + std::string(before, 'x') + piece + std::string(block, 'y') + "</XML>";
+      open(text);
+      ASSERT_EQ(saved(), text) << before;
+    }
   }
 }
 

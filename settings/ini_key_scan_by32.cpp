@@ -1,9 +1,0 @@
-#include "settings/ini_key_scan_lanes.h"
-
-namespace veltrano {
-
-const char* scanBy32(const char* from, const char* to, const IniProbes& probes) {
-  return IniLanes<32>(probes).scan(from, to);
-}
-
-}  // namespace veltrano

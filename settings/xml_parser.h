@@ -1,0 +1,29 @@
+#ifndef VELTRANO_SETTINGS_XML_PARSER_H
+#define VELTRANO_SETTINGS_XML_PARSER_H
+
+// Reads settings files strictly: what is not well-formed is refused, and so are document types, which could
+// name files to fetch and entities that grow.
+
+#include <cstddef>
+#include <string_view>
+
+#include <pugixml.hpp>
+
+namespace veltrano {
+
+/// Elements may be nested this deep, as in the parsers of other vendors, which must read what is saved here.
+constexpr std::size_t deepestNesting = 256;
+
+enum class ParseResult { parsed, malformed, outOfMemory };
+
+/// Reads a whole document in UTF-8, whatever encoding its declaration names, into `document`, which is empty.
+/// All of it becomes nodes, white space between elements and around the root included, but for the
+/// declaration. If the result is not `parsed`, `document` holds the part before.
+ParseResult parseXml(std::string_view text, pugi::xml_document& document);
+
+/// True for a name that an element can have: one XML name, or two with a colon between them.
+bool isElementName(std::string_view name);
+
+}  // namespace veltrano
+
+#endif

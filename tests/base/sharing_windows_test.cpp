@@ -1,0 +1,84 @@
+// What other programs that have a file open allow.
+
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include "base/os/files.h"
+#include "base/os/output_file.h"
+#include "tests/temporary_folder.h"
+
+namespace veltrano {
+namespace {
+
+struct Case {
+  const char* label;
+  DWORD access;
+  DWORD share;
+  bool replaced;
+  bool emptied;
+};
+
+constexpr Case cases[] = {
+    {"a reader", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, true, true},
+    {"a reader that allows anything", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+     true, true},
+    {"an editor", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, true, false},
+    {"a reader that allows readers", GENERIC_READ, FILE_SHARE_READ, false, false},
+    {"one that wants it for itself", GENERIC_READ, 0, false, false},
+};
+
+TEST(SharedFiles, AreReplacedUnlessTheOtherForbidsIt) {
+  for (const Case& c : cases) {
+    const tests::TemporaryFolder folder;
+    for (const bool asOutput : {false, true}) {
+      const auto file = folder / (asOutput ? "output" : "replaced");
+      ASSERT_TRUE(replaceFile(file, "the old content"));
+      const HANDLE other = CreateFileW(file.c_str(), c.access, c.share, nullptr, OPEN_EXISTING, 0, nullptr);
+      ASSERT_NE(other, INVALID_HANDLE_VALUE) << c.label;
+      bool done = false;
+      if (asOutput) {
+        auto output = OutputFile::create(file);
+        done = output && output->write("new");
+      } else {
+        done = static_cast<bool>(replaceFile(file, "new", Durability::power));
+      }
+      CloseHandle(other);
+      EXPECT_EQ(done, asOutput ? c.emptied : c.replaced) << c.label;
+      EXPECT_EQ(readWholeFile(file), done ? "new" : "the old content") << c.label;
+    }
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()),
+                            std::filesystem::directory_iterator()),
+              2)
+        << c.label;
+  }
+}
+
+// Deleting such a file would succeed, making another one of that name would not.
+TEST(SharedFiles, AnOutputFileThatCannotBeMadeLeavesTheOldOne) {
+  const tests::TemporaryFolder folder;
+  const auto file = folder / "a";
+  ASSERT_TRUE(replaceFile(file, "old"));
+  const HANDLE reader = CreateFileW(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                    OPEN_EXISTING, 0, nullptr);
+  EXPECT_FALSE(OutputFile::create(file));
+  CloseHandle(reader);
+  EXPECT_EQ(readWholeFile(file), "old");
+}
+
+TEST(SharedFiles, AReplacedFileKeepsItsAttributesAndTimeOfCreation) {
+  const tests::TemporaryFolder folder;
+  const auto file = folder / "a";
+  ASSERT_TRUE(replaceFile(file, "old"));
+  SetFileAttributesW(file.c_str(), FILE_ATTRIBUTE_HIDDEN);
+  WIN32_FILE_ATTRIBUTE_DATA before = {};
+  WIN32_FILE_ATTRIBUTE_DATA after = {};
+  GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &before);
+  Sleep(20);
+  ASSERT_TRUE(replaceFile(file, "new"));
+  GetFileAttributesExW(file.c_str(), GetFileExInfoStandard, &after);
+  EXPECT_NE(after.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN, 0U);
+}
+
+}  // namespace
+}  // namespace veltrano

@@ -1,0 +1,71 @@
+#include "base/text/utf.h"
+
+#include <gtest/gtest.h>
+
+#include "base/text/lower_case.h"
+
+namespace veltrano {
+namespace {
+
+TEST(Unicode, EveryCharacterSurvivesTheTrip) {
+  for (char32_t c = 0; c <= 0x10FFFF; ++c) {
+    const bool surrogate = isHighSurrogate(c) || isLowSurrogate(c);
+    const auto lone = surrogate ? LoneSurrogate::kept : LoneSurrogate::replaced;
+    std::string utf8;
+    std::u16string utf16;
+    appendUtf8(utf8, c);
+    appendUtf16(utf16, c);
+    std::size_t i = 0;
+    std::size_t j = 0;
+    ASSERT_EQ(nextCharacter(utf8, i, lone), c);
+    ASSERT_EQ(nextCharacter(utf16, j, lone), c);
+    ASSERT_EQ(i, utf8.size());
+    ASSERT_EQ(j, utf16.size());
+  }
+  EXPECT_EQ(utf8ToUtf16("a\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80"), u"a\u00E9\u4E2D\U0001F600");
+  EXPECT_EQ(utf16ToUtf8(u"a\u00E9\u4E2D\U0001F600"), "a\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80");
+}
+
+TEST(Unicode, HalvesOfCharactersCanBeKept) {
+  const std::u16string halves({0xD800, u'a', 0xDC00, 0xD83D, 0xDE00, 0xD83D});
+  const std::string utf8 = utf16ToUtf8(halves, LoneSurrogate::kept);
+  EXPECT_EQ(utf8,
+            "\xED\xA0\x80"
+            "a"
+            "\xED\xB0\x80\xF0\x9F\x98\x80\xED\xA0\xBD");
+  EXPECT_EQ(utf8ToUtf16(utf8, LoneSurrogate::kept), halves);
+}
+
+TEST(Unicode, MalformedTextBecomesReplacementCharacters) {
+  struct Case {
+    const char* label;
+    std::string utf8;
+    std::u16string utf16;
+  };
+  const Case cases[] = {
+      {"lone continuation", "a\x80z", u"a\uFFFDz"},
+      {"overlong slash", "\xC0\xAF", u"\uFFFD\uFFFD"},
+      {"surrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
+      {"cut at the end", "\xE2\x82", u"\uFFFD"},
+      {"above U+10FFFF", "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(utf8ToUtf16(c.utf8), c.utf16) << c.label;
+  }
+  EXPECT_EQ(utf16ToUtf8(std::u16string({0xD800, u'a', 0xDC00})),
+            "\xEF\xBF\xBD"
+            "a\xEF\xBF\xBD");
+}
+
+TEST(LowerCase, NamesAreComparedByCharacters) {
+  EXPECT_TRUE(sameName("Num\xC3\x89ro", "nUM\xC3\xA9RO"));
+  EXPECT_FALSE(sameName("Num\xC3\x89ro", "numero"));
+  EXPECT_TRUE(sameAsciiName("UTF-8", "utf-8"));
+  EXPECT_FALSE(sameAsciiName("UTF-8", "utf-16"));
+  EXPECT_FALSE(sameAsciiName("\xC3\x89", "\xC3\xA9"));
+  EXPECT_FALSE(sameAsciiName("[", "{")) << "not letters";
+  EXPECT_TRUE(sameAsciiName<wchar_t>(L"Name", L"nAME"));
+}
+
+}  // namespace
+}  // namespace veltrano

@@ -1,0 +1,224 @@
+#include "veltrano/ini.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+#include "base/os/files.h"
+#include "base/text/code_page.h"
+#include "base/text/lower_case.h"
+#include "tests/file_call_log.h"
+#include "tests/temporary_folder.h"
+
+namespace veltrano {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+const std::u16string absent = u"(absent)";
+
+TEST(IniGetValue, Table) {
+  const struct {
+    std::u16string buffer;
+    std::u16string key;
+    std::u16string value;
+  } cases[] = {
+      {u"Width=800", u"width", u"800"},
+      {u"Width=800", u"Wid", absent},
+      {u"Width = 800", u"Width", absent},
+      {u"A=x=y", u"A", u"x=y"},
+      {u"A=1\r\na=2", u"A", u"1"},
+      {u"[Main]\r\n; A=0\r\n A=0\r\nA= 1 \r\n", u"A", u" 1 "},
+      {u"AA=1\r\nA=2", u"A", u"2"},
+      {u"A=1\r\nB=2\nA=3\rA=4\r\nC=5", u"B", u"2\nA=3\rA=4"},
+      {u"x\r\r\nA=1\r", u"A", u"1\r"},
+      {u"x\nA=1", u"A", absent},
+      {u"\uFEFFA=1", u"A", absent},
+      {u"A\0B=1\0\x1A\u00FF\r\n"s, u"a\0b"s, u"1\0\x1A\u00FF"s},
+      {u"\u00C9t\u00E9=1", u"\u00E9T\u00C9", u"1"},
+      {u"k=\u4E2D\u0141", u"k", u"\u4E2D\u0141"},
+      {u"\u4E2D=1\r\n\u0416=2", u"\u0436", u"2"},
+      {u"\u0141=1", u"L", absent},
+      {u"k="s + char16_t{0xD800}, u"k", {char16_t{0xD800}}},
+      {u"=1", u"", u"1"},
+      {u"A=\r\nA=2", u"A", u""},
+      {u"A=1\r\nB=2", u"A=1\r\nB", absent},
+      {u"x=1\r\nB\r=2", u"B\r", u"2"},
+      {u"A=B=1", u"A=B", u"1"},
+      {u"", u"A", absent},
+      {u"A", u"A", absent},
+  };
+  for (const auto& [buffer, key, value] : cases) {
+    EXPECT_EQ(VeltranoINI().GetValue(buffer, key, absent), value) << utf16ToUtf8(buffer + u" / " + key);
+  }
+  EXPECT_EQ(VeltranoINI().GetValue(u"A=1", u"B"), u"");
+}
+
+TEST(IniChangeValue, Table) {
+  const struct {
+    std::u16string buffer;
+    std::u16string key;
+    std::u16string value;
+    std::u16string changed;
+  } cases[] = {
+      {u"A=1\r\nA=2", u"a", u"3", u"a=3\r\na=3"},
+      {u"", u"A", u"1", u"\r\nA=1"},
+      {u"B=1\r\n", u"A", u"1", u"B=1\r\n\r\nA=1"},
+      {u"x\r\nA=1\r\n\r\ny\n\0\r"s, u"A", u"2", u"x\r\nA=2\r\n\r\ny\n\0\r"s},
+      {u"A=1\r\nB=2\r\nA=3\r\n", u"A", u"", u"A=\r\nB=2\r\nA=\r\n"},
+      {u"A=1", u"A=", u"2", u"A=1\r\nA==2"},
+      {u"=1", u"", u"2", u"=2"},
+      {u"\u4E2D=1", u"\u0416", u"2", u"\u4E2D=1\r\n\u0416=2"},
+      {u"\u0142=\u4E2D", u"\u0141", u"\u0416", u"\u0141=\u0416"},
+  };
+  for (const auto& [buffer, key, value, changed] : cases) {
+    EXPECT_EQ(VeltranoINI().ChangeValue(buffer, key, value), changed) << utf16ToUtf8(buffer + u" / " + key);
+  }
+}
+
+// The rules said once more in the plainest way: cut at every CR LF, compare line by line.
+std::vector<std::u16string> split(const std::u16string& text) {
+  std::vector<std::u16string> lines;
+  std::size_t begin = 0;
+  for (std::size_t end = 0; (end = text.find(u"\r\n", begin)) != std::string::npos; begin = end + 2) {
+    lines.push_back(text.substr(begin, end - begin));
+  }
+  lines.push_back(text.substr(begin));
+  return lines;
+}
+
+bool belongsTo(const std::u16string& line, const std::u16string& key) {
+  const auto lower = [](std::u16string text) {
+    std::transform(text.begin(), text.end(), text.begin(), lowerCase);
+    return text;
+  };
+  return lower(line.substr(0, key.size() + 1)) == lower(key) + u"=";
+}
+
+class IniFiles : public testing::Test {
+ protected:
+  void put(std::string_view content) { ASSERT_TRUE(replaceFile(file, content)); }
+  std::string content() { return readWholeFile(file).value_or("(no file)"); }
+
+  tests::TemporaryFolder folder;
+  fs::path file = folder / u"r\u00E9glages.ini";
+  VeltranoINI ini;
+};
+
+// Random texts of few different characters, as buffers and as files.
+TEST_F(IniFiles, RandomTextsObeyTheRules) {
+  std::mt19937 random(4);
+  const auto pick = [&](std::size_t n) {
+    return std::uniform_int_distribution<std::size_t>(0, n - 1)(random);
+  };
+  const std::vector<std::u16string> atoms = {u"\r\n", u"\r\n", u"\r", u"\n", u"=",      u"K1=",     u"k1=",
+                                             u"K2=",  u"K",    u"1",  u"x",  u"\u00E9", u"\u00C9=", u"\0"s};
+  const std::vector<std::u16string> keys = {u"k1", u"K2",   u"",   u"\u00E9", u"=",
+                                            u"1",  u"k1=k", u"\r", u"\n",     u"k\u00C9"};
+  for (int round = 0; round < 3000; ++round) {
+    std::u16string text;
+    for (std::size_t i = pick(40); i > 0; --i) {
+      text += atoms[pick(atoms.size())];
+    }
+    const std::u16string& key = keys[pick(keys.size())];
+    const auto lines = split(text);
+    const auto match =
+        std::find_if(lines.begin(), lines.end(), [&](auto& line) { return belongsTo(line, key); });
+    const std::u16string expected = match == lines.end() ? absent : match->substr(key.size() + 1);
+    ASSERT_EQ(ini.GetValue(text, key, absent), expected) << round;
+    const std::u16string changed = ini.ChangeValue(text, key, u"new");
+    const auto changedLines = split(changed);
+    ASSERT_EQ(changedLines.size(), lines.size() + (match == lines.end() ? 1 : 0)) << round;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      ASSERT_EQ(changedLines[i], belongsTo(lines[i], key) ? key + u"=new" : lines[i]) << round;
+    }
+    if (round % 10 == 0) {
+      put(utf16ToAnsi(text));
+      ASSERT_EQ(ini.GetIniValue(file, key, absent), expected) << round;
+      ini.SetIniValue(file, key, u"new");
+      ASSERT_EQ(content(), utf16ToAnsi(changed.ends_with(u"\r\n") ? changed : changed + u"\r\n")) << round;
+    }
+  }
+}
+
+TEST_F(IniFiles, SetIniValueKeepsTheRestOfTheFile) {
+  ini.SetIniValue(file, u"A", u"1");
+  EXPECT_EQ(content(), "\r\nA=1\r\n");
+  ini.SetIniValue(file, u"a", u"2");
+  EXPECT_EQ(content(), "\r\na=2\r\n");
+  put("; keep\n\0\x1A\x81\r\nA=1\r\n[x]"s);
+  ini.SetIniValue(file, u"A", u"\u00E9");
+  EXPECT_EQ(content(), "; keep\n\0\x1A\x81\r\nA=\xE9\r\n[x]\r\n"s);
+}
+
+TEST_F(IniFiles, WhatIsWrittenIsOnTheDiskBeforeTheOldContentGoes) {
+  put("A=1");
+  const tests::FileCallLog calls;
+  ini.SetIniValue(file, u"A", u"2");
+  EXPECT_EQ(calls.count(FileCall::sync), 1U) << calls.text();
+  ini.CloseFile(file, u"A=3");
+  EXPECT_EQ(calls.count(FileCall::sync), 2U) << calls.text();
+}
+
+TEST_F(IniFiles, KeysThatTheCodePageLacksAreOnNoLine) {
+  put("?=1\r\nL=2\r\n");
+  EXPECT_EQ(ini.GetIniValue(file, u"\u4E2D", u"\u0416"), u"\u0416");
+  EXPECT_EQ(ini.GetIniValue(file, u"\u0141", u"none"), u"none");
+  ini.SetIniValue(file, u"\u4E2D", u"3");
+  EXPECT_EQ(content(), "?=1\r\nL=2\r\n\r\n?=3\r\n");
+}
+
+#ifndef _WIN32
+// Windows has one code page for all of a machine's programs; this one has none of its own.
+TEST_F(IniFiles, KeysAreCharactersWhereThoseTakeTwoBytes) {
+  ASSERT_TRUE(setCodePage("CP932"));
+  // The second byte of one letter is "A", of another "a"; a lone lead byte stays what it is.
+  const std::string before = "\x83\x61=1\r\n\x83\x5C=\x95\\\r\n\x82\x60=3\r\n\x83\r\n";
+  put(before);
+  EXPECT_EQ(ini.GetIniValue(file, u"\u30A2", u"none"), u"none");
+  EXPECT_EQ(ini.GetIniValue(file, u"\u30C2", u"none"), u"1");
+  EXPECT_EQ(ini.GetIniValue(file, u"\u30BD", u"none"), u"\u8868");
+  EXPECT_EQ(ini.GetIniValue(file, u"\uFF41", u"none"), u"3") << "wide letters have cases, too";
+  ini.SetIniValue(file, u"\u30A2", u"\u30C2");
+  EXPECT_EQ(content(), before + "\r\n\x83\x41=\x83\x61\r\n");
+  ini.SetIniValue(file, u"\u30BD=", u"x");
+  EXPECT_EQ(content(), before + "\r\n\x83\x41=\x83\x61\r\n\r\n\x83\x5C==x\r\n");
+  EXPECT_TRUE(setCodePage("windows-1252"));
+}
+#endif
+
+TEST_F(IniFiles, OpenAndClose) {
+  EXPECT_EQ(ini.OpenFile(file), u"");
+  for (const auto& [text, written] : {std::pair{u"A=1\r\n"s, u"A=1\r\n"s},
+                                      {u"A=1"s, u"A=1\r\n"s},
+                                      {u""s, u"\r\n"s},
+                                      {u"\0\n\r"s, u"\0\n\r\r\n"s},
+                                      {u"\u4E2D\u20AC"s, u"?\u20AC\r\n"s},
+                                      {u"\r\n\r\n"s, u"\r\n\r\n"s}}) {
+    ini.CloseFile(file, text);
+    EXPECT_EQ(ini.OpenFile(file), written);
+  }
+}
+
+TEST_F(IniFiles, WhatCannotBeReadOrWrittenIsNoError) {
+  for (const auto& name : {folder.path(), folder / "no such folder/x.ini", fs::path()}) {
+    EXPECT_EQ(ini.GetIniValue(name, u"A", absent), absent);
+    EXPECT_EQ(ini.OpenFile(name), u"");
+    ini.SetIniValue(name, u"A", u"1");
+    ini.CloseFile(name, u"A=1");
+  }
+  EXPECT_TRUE(fs::is_empty(folder.path()));
+#ifdef _WIN32
+  put("A=1");
+  fs::permissions(file, fs::perms::owner_read);
+  ini.SetIniValue(file, u"A", u"2");
+  fs::permissions(file, fs::perms::owner_all);
+  EXPECT_EQ(content(), "A=1");
+#endif
+}
+
+}  // namespace
+}  // namespace veltrano
