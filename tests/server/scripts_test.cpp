@@ -4,7 +4,7 @@
 
 #include "database/access/authoring/create_database.h"
 #include "host.h"
-#include "pdf/veltrano_pdf.h"
+#include "veltrano/pdf.h"
 
 namespace veltrano::tests {
 
