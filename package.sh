@@ -19,7 +19,7 @@ if ! scripts/install-packages.sh native windows packages; then
 fi
 scripts/build-windows-libraries.sh
 
-scripts/build.sh native VeltranoFrameWork
+scripts/build.sh native VeltranoFrameWork make_contacts
 scripts/build.sh win32 VeltranoFrameWorkDLL veltrano_metrics
 scripts/build.sh win64 VeltranoFrameWorkDLL veltrano_metrics
 
@@ -48,6 +48,16 @@ samples() {
   find "$1/samples" -name CMakeLists.txt -delete
 }
 
+# The database that contacts.vbs works on holds the time of its creation: that of the last commit, too.
+contacts() {
+  TZ=UTC faketime -f "$(date -u -d "@$epoch" '+%Y-%m-%d %H:%M:%S')" build/native/samples/make_contacts "$1/contacts.mdb"
+}
+
+# What NOTICE names.
+apache_license() { cp -L /usr/share/common-licenses/Apache-2.0 "$1/Apache-2.0.txt"; }
+
+for_windows() { sed 's/\r*$/\r/' "$1"; }
+
 # The texts of what is linked into the DLLs, as Debian ships them with the very sources and libraries that were used.
 licenses() {
   local name package
@@ -70,11 +80,15 @@ top="$stage/$windows"
 for target in 32:x86 64:x64; do
   cmake --install "build/win${target%:*}" --prefix "$top/${target#*:}" --component windows >"$stage/install.log"
 done
-fill packaging/windows/README.txt.in | sed 's/$/\r/' >"$top/README.txt"
-sed 's/$/\r/' LICENSE >"$top/LICENSE.txt"
+fill packaging/windows/README.txt.in | for_windows - >"$top/README.txt"
+for text in LICENSE NOTICE CHANGELOG.md; do for_windows "$text" >"$top/${text%.md}.txt"; done
 licenses "$top/licenses"
+apache_license "$top/licenses"
 documentation "$top/docs"
 samples "$top"
+contacts "$top/samples"
+# Visual Basic's editor reads nothing else.
+for_windows samples/hosts/hello.bas >"$top/samples/hosts/hello.bas"
 find "$stage" -exec touch -h -d "@$epoch" {} +
 # Without -r: the order of the names is then ours.
 (cd "$stage" && find "$windows" -type f | LC_ALL=C sort | zip -q -X -9 -@ "../../out/$windows.zip")
@@ -93,7 +107,8 @@ cmake --install build/native --prefix "$top" --component linux >"$stage/install.
 fill packaging/linux/README.in >"$top/README"
 own="$top/share/doc/veltranoframework"
 mkdir -p "$own"
-cp LICENSE "$own/"
+cp LICENSE NOTICE CHANGELOG.md "$own/"
+apache_license "$own"
 documentation "$own/docs"
 samples "$own"
 tar -C "$stage" --sort=name --mtime="@$epoch" --owner=0 --group=0 --numeric-owner -cf - "$linux" | gzip -n9 >"out/$linux.tar.gz"

@@ -96,6 +96,25 @@ page() {
   fi
 }
 
+# contacts x86|AMD64 SAMPLES_FOLDER_ON_WINDOWS LABEL: works on a copy of the database that lies there.
+contacts() {
+  local said
+  rm -rf "$work/contacts"
+  mkdir "$work/contacts"
+  said=$("$wine" "$work/cscript-$1.exe" //nologo "$2\\contacts.vbs" "$(windows_path "$work/contacts")" 2>/dev/null | tr -d '\r') || true
+  expect "$3: contacts.vbs says" "done" "$(tail -n 1 <<<"$said")"
+  expect "$3: people in its database" 7 "$(mdb-export "$work/contacts/contacts.mdb" Contacts 2>/dev/null | grep -cE '^[0-9]+,"' || true)"
+}
+
+# texts FOLDER FILE ...: each is there, and not empty.
+texts() {
+  local folder=$1 name
+  shift
+  for name in "$@"; do
+    expect "$name" "there" "$([ -s "$folder/$name" ] && echo "there" || echo "missing")"
+  done
+}
+
 # script x86|AMD64 SAMPLES_FOLDER_ON_WINDOWS LABEL
 script() {
   local pdf="$work/script.pdf" said
@@ -109,7 +128,10 @@ echo "The zip, $(basename "$zip")"
 unzip -q "$zip" -d "$work/zip"
 folder=$(echo "$work/zip"/*)
 saw "files" "$(find "$folder" -type f | wc -l), $(du -sh --apparent-size "$folder" | cut -f 1) unpacked"
-expect "licence texts" 6 "$(find "$folder/licenses" -name '*.txt' ! -name README.txt -size +1k | wc -l)"
+expect "licence texts" 7 "$(find "$folder/licenses" -name '*.txt' ! -name README.txt -size +1k | wc -l)"
+texts "$folder" README.txt LICENSE.txt NOTICE.txt CHANGELOG.txt licenses/Apache-2.0.txt
+expect "lines of hello.bas that end in CR LF" "all" \
+  "$(grep -qv $'\r$' "$folder/samples/hosts/hello.bas" && echo "not all" || echo "all")"
 for architecture in x86 x64; do
   expect "$architecture: metrics beside the DLL" 16 "$(find "$folder/$architecture" -maxdepth 1 -name '*.afm' | wc -l)"
 done
@@ -117,8 +139,10 @@ use_prefix zip
 registry >"$work/zip-before"
 "$wine" 'C:\windows\syswow64\regsvr32.exe' /s "$(windows_path "$folder/x86/VeltranoFrameWorkDLL.dll")"
 script x86 "$(windows_path "$folder/samples")" "x86 by regsvr32"
+contacts x86 "$(windows_path "$folder/samples")" "x86 by regsvr32"
 "$wine" 'C:\windows\system32\regsvr32.exe' /s "$(windows_path "$folder/x64/VeltranoFrameWorkDLL.dll")"
 script AMD64 "$(windows_path "$folder/samples")" "x64 by regsvr32"
+contacts AMD64 "$(windows_path "$folder/samples")" "x64 by regsvr32"
 registry >"$work/zip-registered"
 i686-w64-mingw32-g++-posix -municode -static "$folder/samples/hosts/hello.cpp" "$folder/x86/include/veltrano_i.c" \
   -I "$folder/x86/include" -o "$work/hello.exe" -lole32 -loleaut32 -luuid 2>"$work/hello.log" || cat "$work/hello.log"
@@ -145,6 +169,7 @@ try_installer() {
   files >"$work/$name-files-before"
   expect "msiexec /i answers" 0 "$(install /i "$(windows_path "$file")")"
   expect "DLLs installed" "$#" "$(find "$WINEPREFIX/drive_c" -name VeltranoFrameWorkDLL.dll | wc -l)"
+  texts "$WINEPREFIX/drive_c/Program Files/VeltranoFrameWork" LICENSE.txt NOTICE.txt CHANGELOG.txt licenses/Apache-2.0.txt
   for architecture in "$@"; do
     script "${architecture/x64/AMD64}" 'C:\Program Files\VeltranoFrameWork\samples' "$architecture by the installer"
   done
@@ -179,6 +204,7 @@ prefix=$(echo "$work/linux"/*)
 plain=$(mktemp -d)
 cp -r "$prefix" "$plain/veltrano"
 saw "files" "$(find "$prefix" -type f | wc -l), $(du -sh --apparent-size "$prefix" | cut -f 1) unpacked"
+texts "$prefix/share/doc/veltranoframework" LICENSE NOTICE CHANGELOG.md Apache-2.0.txt
 cat >"$work/program/hello.cpp" <<'PROGRAM'
 #include "pdf/veltrano_pdf.h"
 
