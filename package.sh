@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Makes the packages in out/ and tries them: a zip and installers for Windows, an archive of the portable library for
-# Linux. Installs what is missing first.
-#   ./package.sh              makes and tries
-#   ./package.sh --no-try     only makes
+# Linux. First installs the Debian packages that it needs.
+#   ./package.sh              makes and tries them
+#   ./package.sh --no-try     only makes them
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
@@ -31,12 +31,12 @@ stage=build/package
 rm -rf "$stage" out
 mkdir -p "$stage/$windows" "$stage/$linux" out
 
-# What the packages hold carries the time of the last commit, so that the same sources make the same packages.
+# All files in the packages have the time of the last commit, so that the same sources make the same packages.
 epoch=$(git log -1 --format=%ct 2>/dev/null || date +%s)
 
 fill() { sed "s/@version@/$version/g; s/@machine@/$machine/g" "$1"; }
 
-# The pages that users read: neither the notes that the reference is made from nor anything for contributors.
+# The pages for users, without the notes that the reference is made from.
 documentation() {
   mkdir -p "$1/reference"
   cp docs/*.md "$1/"
@@ -48,17 +48,17 @@ samples() {
   find "$1/samples" -name CMakeLists.txt -delete
 }
 
-# The database that contacts.vbs works on holds the time of its creation: that of the last commit, too.
+# The database for contacts.vbs, created at the time of the last commit as well.
 contacts() {
   TZ=UTC faketime -f "$(date -u -d "@$epoch" '+%Y-%m-%d %H:%M:%S')" build/native/samples/make_contacts "$1/contacts.mdb"
 }
 
-# What NOTICE names.
+# The licence that NOTICE names.
 apache_license() { cp -L /usr/share/common-licenses/Apache-2.0 "$1/Apache-2.0.txt"; }
 
 for_windows() { sed 's/\r*$/\r/' "$1"; }
 
-# The texts of what is linked into the DLLs, as Debian ships them with the very sources and libraries that were used.
+# The licences of the libraries linked into the DLLs, from the Debian packages that were used.
 licenses() {
   local name package
   mkdir -p "$1"
@@ -87,16 +87,16 @@ apache_license "$top/licenses"
 documentation "$top/docs"
 samples "$top"
 contacts "$top/samples"
-# Visual Basic's editor reads nothing else.
+# Visual Basic's editor needs CR LF; the work tree may be older than .gitattributes.
 for_windows samples/hosts/hello.bas >"$top/samples/hosts/hello.bas"
 find "$stage" -exec touch -h -d "@$epoch" {} +
-# Without -r: the order of the names is then ours.
+# A sorted list instead of -r, whose order depends on the file system.
 (cd "$stage" && find "$windows" -type f | LC_ALL=C sort | zip -q -X -9 -@ "../../out/$windows.zip")
 
 for architecture in x64 x86; do
   echo "Packing VeltranoFrameWork-$version-$architecture.msi"
   python3 packaging/windows/make_installer_source.py "$architecture" "$version" "$top" >"$stage/$architecture.wxs"
-  # Its files are named relative to their folder.
+  # The source names its files relative to this folder.
   (cd "$top" && wixl --arch "$architecture" -o "../../../out/VeltranoFrameWork-$version-$architecture.msi" \
     "../$architecture.wxs")
 done

@@ -48,7 +48,7 @@ std::vector<std::string> split(std::string_view line, char separator) {
   return fields;
 }
 
-/// The lines behind the heading; what has not six fields is no order. The text stays in the ANSI code page.
+/// The lines after the heading; lines without six fields are skipped. The text stays in the ANSI code page.
 std::vector<Order> readOrders(const fs::path& file) {
   std::vector<Order> orders;
   const auto content = readWholeFile(file);
@@ -102,7 +102,7 @@ class Report {
   void table(const std::vector<Order>& orders);
   void finish() { pdf_.PDFEndDoc(); }
   void begin() { pdf_.PDFBeginDoc(); }
-  /// An empty watermark ends it: the pages that follow have none.
+  /// The empty watermark draws nothing on the pages that follow.
   void endCover() {
     pdf_.PDFEndPage();
     pdf_.PDFFiligran("");
@@ -127,7 +127,7 @@ class Report {
     pdf_.PDFSetLineWidth(0.6);
     pdf_.PDFDrawLineHor(left, 28, right - left);
   }
-  /// The box of a cell is drawn with the line that was drawn last.
+  /// The box of a cell has the colour and width of the line stroked last.
   void hairline(double y) {
     pdf_.PDFSetLineColor("#9AA5B1");
     pdf_.PDFSetLineWidth(0.15);
@@ -215,7 +215,7 @@ void Report::shapeSamples() {
     pdf_.PDFSetLineWidth(0.5);
     pdf_.PDFSetDrawMode(mode);
     pdf_.PDFDrawEllipse(left + 62, y, 34, 14);
-    // A rectangle writes its line width behind itself: its own outline has the width of the shape before.
+    // A rectangle writes its line width after its outline, which so has the width of the shape before.
     pdf_.PDFDrawRectangle(left + 22, y, 34, 14);
     pdf_.PDFDrawEllipse(left + 102, y, 14);
     pdf_.PDFDrawPolygon(

@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
-"""Checks formatting (clang-format), layers and faults (clang-tidy) of the project's sources.
+"""Checks the formatting (clang-format), the layers and the faults (clang-tidy) of the project's sources.
 
     scripts/lint.py BUILD_FOLDER
 
-BUILD_FOLDER is a configured and built native preset: its compile commands say how each file is compiled, its
-dependencies which headers it sees. A file that was clean is not checked again until it, one of these headers or
-the checks themselves change.
+BUILD_FOLDER is a configured and built native preset, which has the compile command and the headers of each file. A
+clean file is not checked again until it, one of its headers or the checks change.
 """
 
 import concurrent.futures
@@ -18,7 +17,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-# Tests and benchmarks are formatted but not searched for faults: their macros drown the findings.
+# Tests and benchmarks are only formatted: their macros would flood the findings.
 TIDIED = ("base", "pdf", "kml", "settings", "imaging", "database", "eventlog")
 
 
@@ -29,7 +28,7 @@ def tracked(*patterns):
 
 
 def against_the_layers():
-    """base/ includes no feature, a feature no other one, and only the server's and the systems' files name Windows."""
+    """base/ includes no feature, features do not include each other, and only server/ and the files of a system include its headers."""
     wrong = False
     for source in tracked(*[f"{folder}/*.{ending}" for folder in TIDIED for ending in ("cpp", "h")]):
         name = source.relative_to(ROOT)

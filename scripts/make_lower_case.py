@@ -2,13 +2,13 @@
 """Writes base/text/lower_case_table.cpp: the simple lower-case forms of the Basic Multilingual Plane as runs.
 
 Usage: scripts/make_lower_case.py > base/text/lower_case_table.cpp
-The figures are those of the Unicode character database that Python carries.
+The data is the Unicode character database of Python.
 """
 import unicodedata
 
 
 def simple_lower(code):
-    # The one character whose full lower-case form is longer; its simple form is a plain i.
+    # The only character whose full lower-case form is longer; its simple form is i.
     text = "i" if code == 0x130 else chr(code).lower()
     return ord(text) if len(text) == 1 and ord(text) < 0x10000 else code
 
