@@ -34,9 +34,7 @@ def main():
               if not 0xD800 <= c < 0xE000 and simple_lower(c) != c}
     print("// Written by scripts/make_lower_case.py from the Unicode character database, version "
           f"{unicodedata.unidata_version}.\n")
-    print('#include "base/text/lower_case.h"
-
-#include <iterator>\n\nnamespace veltrano {\n')
+    print('#include "base/text/lower_case.h"\n\n#include <iterator>\n\nnamespace veltrano {\n')
     print("// clang-format off\nconst LowerCaseRun lowerCaseRuns[] = {")
     lines = [f"{{0x{a:04X}, 0x{b:04X}, {d}, {s}}}," for a, b, d, s in runs(shifts)]
     for i in range(0, len(lines), 4):
