@@ -14,7 +14,7 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cache=${VELTRANO_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/veltrano}
 packages=(pugixml libpng1.6 libjpeg-turbo)
-# Raise it when the way of building changes: every cache is then rebuilt.
+# Raise it when the way of building changes: every cache is then built anew.
 recipe=1
 
 # Archive sums of the versions that this project was built and tested with.
@@ -125,7 +125,7 @@ build() {
 buildTriplet() {
   local triplet=$1
   build "$triplet" pugixml -DBUILD_SHARED_LIBS=OFF
-  # libpng has assembler code for reading only, and this library only writes.
+  # The assembler reads picture filters only, and this library writes.
   build "$triplet" libpng1.6 -DPNG_SHARED=OFF -DPNG_STATIC=ON -DPNG_TESTS=OFF -DPNG_HARDWARE_OPTIMIZATIONS=OFF \
     -DZLIB_LIBRARY="/usr/$triplet/lib/libz.a" -DZLIB_INCLUDE_DIR="/usr/$triplet/include"
   # REQUIRE_SIMD: without it a missing assembler gives a library that works several times slower.

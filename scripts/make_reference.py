@@ -288,7 +288,8 @@ def page(cls, notes, enumerations):
            f"docs/reference/notes/{cls.name}.md: change those. -->", "", f"{cls.help}.", "",
            f"- automation: `CreateObject(\"VeltranoFrameWorkDLL.{cls.name}\")`"]
     if notes.header:
-        out.append(f"- C++ on Linux: `#include \"{notes.header}\"`, class `veltrano::{cls.name}`; strings are `std::string` "
+        text = "std::u16string" if notes.texts == "UTF-16" else "std::string"
+        out.append(f"- C++ on Linux: `#include <{notes.header}>`, class `veltrano::{cls.name}`; strings are `{text}` "
                    f"in {notes.texts}, file names `std::filesystem::path`")
     out += ["", notes.introduction, ""]
     if cls.members:

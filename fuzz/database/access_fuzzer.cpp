@@ -1,6 +1,7 @@
-// Changes bytes of a valid database and uses the file as a host would. The input is a list of changes of six
-// bytes each: u24 offset, u8 kind of change, u16 argument. This way the fuzzer reaches the structures without
-// having to find the format's magic numbers first. A kind past the last one replaces a page by another page.
+// Changes bytes of a good database and uses the file as a host would. The input is a list of changes, six
+// bytes each: u24 offset, u8 kind of change, u16 argument. So the fuzzer works on the structures instead of
+// finding the format's magic numbers first; a kind of change past the last one replaces the page by that of
+// another number.
 
 #include <unistd.h>
 
@@ -19,7 +20,7 @@ using namespace veltrano::access;
 
 constexpr std::size_t pageSize = 4096;
 
-// Files in memory, so that nothing waits for a disk.
+// Files in memory: no waiting for a disk.
 class MemoryFiles final : public FileSystem {
  public:
   std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,

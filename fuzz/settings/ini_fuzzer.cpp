@@ -1,5 +1,5 @@
-// Changes any key of any text: the value is read back, and a second change gives the same bytes. The key ends
-// at the first zero byte of the input.
+// Any text and key: what is changed is read back, and a second change gives the same bytes. The key ends at
+// the first zero byte of the input.
 
 #include <cstdint>
 #include <cstdlib>
@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   veltrano::VeltranoINI ini;
   ini.GetValue(text, key, "none");
   const std::string changed = ini.ChangeValue(text, key, "value");
-  // A key that contains a line end matches no line and is added each time.
+  // A key with a line end in it is on no line, and is added each time.
   if (key.find("\r\n") == std::string::npos) {
     if (ini.GetValue(changed, key, "none") != "value" || ini.ChangeValue(changed, key, "value") != changed) {
       std::abort();
