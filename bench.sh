@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# Builds and runs the benchmarks, each beside its peers and floors in one run.
-#   ./bench.sh           all of them
-#   ./bench.sh pdf kml   those of the named areas (base pdf kml settings imaging database server)
+# Builds and runs the benchmarks, each together with its peers and lower bounds.
+#   ./bench.sh           all areas
+#   ./bench.sh pdf kml   only these areas (of base pdf kml settings imaging database server)
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")"
 scripts/install-packages.sh native benchmarks
 scripts/build.sh bench
-# wanted AREA: whether the command line names it, or names nothing
+# wanted AREA: true if the command line names it or no area at all
 wanted() {
   [ ${#areas[@]} -eq 0 ] && return 0
   local area
@@ -22,7 +22,7 @@ for program in build/bench/benchmarks/*_bench; do
   "$program" --benchmark_min_time=0.2
 done
 
-# What a call costs is a matter of the Windows build.
+# The cost of a call is measured in the Windows build.
 if wanted server; then
   if ! scripts/install-packages.sh windows; then
     echo "bench.sh: Wine cannot be installed here; the cost of automation calls is not measured" >&2

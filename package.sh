@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Makes the packages in out/ and tries them: a zip and installers for Windows, an archive of the portable library for
-# Linux. Installs what is missing first.
-#   ./package.sh              makes and tries
-#   ./package.sh --no-try     only makes
+# Linux. First installs the Debian packages that it needs.
+#   ./package.sh              makes and tries them
+#   ./package.sh --no-try     only makes them
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
@@ -19,7 +19,7 @@ if ! scripts/install-packages.sh native windows packages; then
 fi
 scripts/build-windows-libraries.sh
 
-scripts/build.sh native VeltranoFrameWork
+scripts/build.sh native VeltranoFrameWork make_contacts
 scripts/build.sh win32 VeltranoFrameWorkDLL veltrano_metrics
 scripts/build.sh win64 VeltranoFrameWorkDLL veltrano_metrics
 
@@ -31,12 +31,12 @@ stage=build/package
 rm -rf "$stage" out
 mkdir -p "$stage/$windows" "$stage/$linux" out
 
-# What the packages hold carries the time of the last commit, so that the same sources make the same packages.
+# All files in the packages have the time of the last commit, so that the same sources make the same packages.
 epoch=$(git log -1 --format=%ct 2>/dev/null || date +%s)
 
 fill() { sed "s/@version@/$version/g; s/@machine@/$machine/g" "$1"; }
 
-# The pages that users read: neither the notes that the reference is made from nor anything for contributors.
+# The pages for users, without the notes that the reference is made from.
 documentation() {
   mkdir -p "$1/reference"
   cp docs/*.md "$1/"
@@ -48,7 +48,17 @@ samples() {
   find "$1/samples" -name CMakeLists.txt -delete
 }
 
-# The texts of what is linked into the DLLs, as Debian ships them with the very sources and libraries that were used.
+# The database for contacts.vbs, created at the time of the last commit as well.
+contacts() {
+  TZ=UTC faketime -f "$(date -u -d "@$epoch" '+%Y-%m-%d %H:%M:%S')" build/native/samples/make_contacts "$1/contacts.mdb"
+}
+
+# The licence that NOTICE names.
+apache_license() { cp -L /usr/share/common-licenses/Apache-2.0 "$1/Apache-2.0.txt"; }
+
+for_windows() { sed 's/\r*$/\r/' "$1"; }
+
+# The licences of the libraries linked into the DLLs, from the Debian packages that were used.
 licenses() {
   local name package
   mkdir -p "$1"
@@ -71,19 +81,23 @@ top="$stage/$windows"
 for target in 32:x86 64:x64; do
   cmake --install "build/win${target%:*}" --prefix "$top/${target#*:}" --component windows >"$stage/install.log"
 done
-fill packaging/windows/README.txt.in | sed 's/$/\r/' >"$top/README.txt"
-sed 's/$/\r/' LICENSE >"$top/LICENSE.txt"
+fill packaging/windows/README.txt.in | for_windows - >"$top/README.txt"
+for text in LICENSE NOTICE CHANGELOG.md; do for_windows "$text" >"$top/${text%.md}.txt"; done
 licenses "$top/licenses"
+apache_license "$top/licenses"
 documentation "$top/docs"
 samples "$top"
+contacts "$top/samples"
+# Visual Basic's editor needs CR LF; the work tree may be older than .gitattributes.
+for_windows samples/hosts/hello.bas >"$top/samples/hosts/hello.bas"
 find "$stage" -exec touch -h -d "@$epoch" {} +
-# Without -r: the order of the names is then ours.
+# A sorted list instead of -r, whose order depends on the file system.
 (cd "$stage" && find "$windows" -type f | LC_ALL=C sort | zip -q -X -9 -@ "../../out/$windows.zip")
 
 for architecture in x64 x86; do
   echo "Packing VeltranoFrameWork-$version-$architecture.msi"
   python3 packaging/windows/make_installer_source.py "$architecture" "$version" "$top" >"$stage/$architecture.wxs"
-  # Its files are named relative to their folder.
+  # The source names its files relative to this folder.
   (cd "$top" && wixl --arch "$architecture" -o "../../../out/VeltranoFrameWork-$version-$architecture.msi" \
     "../$architecture.wxs")
 done
@@ -94,7 +108,8 @@ cmake --install build/native --prefix "$top" --component linux >"$stage/install.
 fill packaging/linux/README.in >"$top/README"
 own="$top/share/doc/veltranoframework"
 mkdir -p "$own"
-cp LICENSE "$own/"
+cp LICENSE NOTICE CHANGELOG.md "$own/"
+apache_license "$own"
 documentation "$own/docs"
 samples "$own"
 tar -C "$stage" --sort=name --mtime="@$epoch" --owner=0 --group=0 --numeric-owner -cf - "$linux" | gzip -n9 >"out/$linux.tar.gz"

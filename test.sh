@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Builds and runs every test: native (with the address and undefined-behaviour sanitizers), 32-bit Windows and 64-bit
-# Windows, the latter two under Wine. Installs what is missing first.
+# Windows, the latter two under Wine. First installs the Debian packages that it needs.
 #   ./test.sh            everything
-#   ./test.sh --native   the native part alone
+#   ./test.sh --native   only the native part
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
@@ -42,7 +42,7 @@ if [ ${#groups[@]} -gt 1 ]; then
   scripts/wine.sh --prepare
 fi
 
-# One run over all targets, so that the closing lines speak for everything.
+# One run for all targets, so that the summary covers everything.
 {
   for preset in "${presets[@]}"; do echo "subdirs(\"$preset\")"; done
 } >build/CTestTestfile.cmake

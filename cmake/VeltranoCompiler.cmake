@@ -6,7 +6,7 @@ target_compile_options(veltrano_compiler INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast -Werror)
 
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-  # GCC 12 reports overlaps inside std::string's own operator+ that cannot happen (its bug 105651).
+  # GCC 12 warns of overlaps inside std::string's operator+ that cannot happen (its bug 105651).
   target_compile_options(veltrano_compiler INTERFACE -Wno-restrict)
 endif()
 
@@ -20,8 +20,8 @@ if(WIN32)
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     target_link_options(veltrano_compiler INTERFACE -Wl,--high-entropy-va)
   else()
-    # SSE2 arithmetic, so that doubles round as they do everywhere else; hosts call in with the stack
-    # aligned to 4 bytes only.
+    # SSE2 arithmetic, so that doubles round as on the other targets; hosts call with the stack aligned to
+    # only 4 bytes.
     target_compile_options(veltrano_compiler INTERFACE -msse2 -mfpmath=sse -mstackrealign)
   endif()
 else()
@@ -35,7 +35,7 @@ if(VELTRANO_SANITIZE)
 endif()
 
 if(VELTRANO_FUZZERS)
-  # The libraries under test are watched by the fuzzer as well: coverage guides it, the sanitizers judge.
+  # The libraries under test are instrumented too: coverage guides the fuzzer, the sanitizers find the faults.
   target_compile_options(veltrano_compiler INTERFACE
     -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(veltrano_compiler INTERFACE -fsanitize=address,undefined)

@@ -1,7 +1,7 @@
 # veltrano_library(<folder> SOURCES ... [PORTABLE_PAIRS name ...] [LIBRARIES ...] [PRIVATE_LIBRARIES ...])
 #
-# One folder is one static library, veltrano_<folder>. PORTABLE_PAIRS names the units that exist once for each
-# operating system, as <name>_windows.cpp and <name>_posix.cpp.
+# Makes the static library veltrano_<folder>. PORTABLE_PAIRS names the files that exist for each operating system, as
+# <name>_windows.cpp and <name>_posix.cpp.
 function(veltrano_library folder)
   cmake_parse_arguments(ARG "" "" "SOURCES;PORTABLE_PAIRS;LIBRARIES;PRIVATE_LIBRARIES" ${ARGN})
   if(WIN32)

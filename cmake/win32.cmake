@@ -1,4 +1,4 @@
-# 32-bit Windows, built with Debian's MinGW-w64 (the variant with POSIX threads) and tried under Wine.
+# 32-bit Windows, built with Debian's MinGW-w64 (the variant with POSIX threads) and tested under Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86)
 set(VELTRANO_WINDOWS_TRIPLET i686-w64-mingw32)

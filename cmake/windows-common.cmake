@@ -1,9 +1,9 @@
-# What both Windows toolchains share.
+# Shared by both Windows toolchains.
 set(CMAKE_C_COMPILER ${VELTRANO_WINDOWS_TRIPLET}-gcc-posix)
 set(CMAKE_CXX_COMPILER ${VELTRANO_WINDOWS_TRIPLET}-g++-posix)
 set(CMAKE_RC_COMPILER ${VELTRANO_WINDOWS_TRIPLET}-windres)
 
-# The libraries that scripts/build-windows-libraries.sh puts there, one folder a target.
+# The libraries that scripts/build-windows-libraries.sh has built, one folder for each target.
 if(NOT DEFINED VELTRANO_CACHE)
   if(DEFINED ENV{VELTRANO_CACHE})
     set(VELTRANO_CACHE "$ENV{VELTRANO_CACHE}")

@@ -1,5 +1,7 @@
-' Works on the table of contacts that make_contacts has made: adds, finds, edits and deletes people.
+' Adds, finds, edits and deletes people in a table of contacts.
 '   cscript //nologo contacts.vbs OUTPUT_FOLDER
+' Works on contacts.mdb in that folder: a fresh copy of the one beside this script, if there is one (packages bring it),
+' otherwise the one that make_contacts has made there.
 Option Explicit
 
 ' Accented letters by their codes, so that this file is plain ASCII.
@@ -14,9 +16,13 @@ If WScript.Arguments.Count < 1 Then
     WScript.Echo "usage: cscript //nologo contacts.vbs OUTPUT_FOLDER"
     WScript.Quit 1
 End If
-Dim mdb
+Dim files, original, database, mdb
+Set files = CreateObject("Scripting.FileSystemObject")
+original = files.GetParentFolderName(WScript.ScriptFullName) & "\contacts.mdb"
+database = WScript.Arguments(0) & "\contacts.mdb"
+If files.FileExists(original) Then files.CopyFile original, database, True
 Set mdb = CreateObject("VeltranoFrameWorkDLL.VeltranoMDB")
-If Not mdb.OpenDB(WScript.Arguments(0) & "\contacts.mdb") Then Fail "contacts.mdb does not open; make_contacts makes it"
+If Not mdb.OpenDB(database) Then Fail "contacts.mdb does not open; make_contacts makes it"
 If Not mdb.OpenTable("Contacts") Then Fail "there is no table of contacts"
 WScript.Echo CountRecords() & " people are there"
 

@@ -1,4 +1,4 @@
-// Makes an Access database with a table of contacts, from nothing, and puts the first people into it.
+// Creates an Access database with a table of contacts and adds the first people.
 //   make_contacts FILE.mdb
 
 #include <cstdio>

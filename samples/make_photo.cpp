@@ -1,4 +1,4 @@
-// Draws photo.jpg, an evening at a lake: a picture of our own to put into documents and to resize.
+// Draws photo.jpg, an evening at a lake, for the samples that place and resize pictures.
 //   make_photo FILE
 
 #include <algorithm>
@@ -50,7 +50,7 @@ double fractal(double x, double y, int octaves) {
   return sum;
 }
 
-// All lengths are in picture heights; x to the right from 0 to 1.5, y down from 0 to 1.
+// All lengths are in picture heights; x runs to the right from 0 to 1.5, y down from 0 to 1.
 constexpr double horizon = 0.60;
 constexpr double sunX = 1.02, sunY = 0.475;
 constexpr Colour ember{255, 176, 84};
@@ -115,7 +115,7 @@ Colour water(double x, double y) {
   const double wave = fractal(x * 14 / (0.25 + depth), 60 / (0.12 + depth), 5) - 0.5;
   const double mirrored = std::max(0.02, 2 * horizon - y * 1.02 + 0.012 + wave * 0.10 * (0.25 + depth));
   Colour colour = mix(scenery(x + wave * 0.03, mirrored) * 0.80, {26, 52, 86}, 0.18 + 0.30 * depth);
-  // The sun's road.
+  // The reflection of the sun.
   const double road = std::exp(-std::pow((x - sunX + wave * 0.10) / (0.045 + 0.07 * depth), 2));
   colour = mix(colour, {255, 214, 140}, 0.85 * road * smooth(0.05, 0.22, wave + 0.16));
   // The boat's reflection, broken by the ripples.
@@ -155,7 +155,7 @@ Colour pixel(double x, double y) {
 
 void render(veltrano::cDIBSection& dib) {
   const double height = dib.Height();
-  constexpr int samples = 3;  // each way, against ragged edges
+  constexpr int samples = 3;  // in each direction, against jagged edges
   for (int row = 0; row < dib.Height(); ++row) {
     std::uint8_t* out =
         dib.DIBSectionBitsPtr() + static_cast<std::int64_t>(dib.Height() - 1 - row) * dib.BytesPerScanLine();

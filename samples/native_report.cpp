@@ -5,15 +5,16 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "base/numbers/numbers.h"
-#include "base/os/files.h"
 #include "base/text/code_page.h"
 #include "veltrano/pdf.h"
 
@@ -48,32 +49,26 @@ std::vector<std::string> split(std::string_view line, char separator) {
   return fields;
 }
 
-/// The lines behind the heading; what has not six fields is no order. The text stays in the ANSI code page.
+/// The lines after the heading; lines without six fields are skipped. The text stays in the ANSI code page.
 std::vector<Order> readOrders(const fs::path& file) {
   std::vector<Order> orders;
-  const auto content = readWholeFile(file);
-  if (!content) return orders;
-  for (std::string& line : split(*content, '\n')) {
-    if (line.ends_with('\r')) line.pop_back();
+  std::ifstream lines(file, std::ios::binary);
+  std::string line;
+  std::getline(lines, line);
+  while (std::getline(lines, line)) {
     const auto fields = split(line, ';');
     if (fields.size() != 6) continue;
-    const auto quantity = parseNumber(fields[4]);
-    const auto price = parseNumber(fields[5]);
-    if (quantity && price) orders.push_back({fields[0], fields[1], fields[2], fields[3], *quantity, *price});
+    orders.push_back({fields[0], fields[1], fields[2], fields[3], std::strtod(fields[4].c_str(), nullptr),
+                      std::strtod(fields[5].c_str(), nullptr)});
   }
   return orders;
 }
 
-std::optional<fs::path> photoIn(const fs::path& folder) {
-  for (const fs::path& name : listFiles(folder).value_or(std::vector<fs::path>())) {
-    if (name.extension() == ".jpg") return folder / name;
-  }
-  return std::nullopt;
-}
-
 /// "12 345.60"
 std::string money(double amount) {
-  std::string text(formatPdfNumber(amount, 2).view());
+  std::string text = std::to_string(std::llround(amount * 100));
+  if (text.size() < 3) text.insert(0, 3 - text.size(), '0');
+  text.insert(text.size() - 2, 1, '.');
   for (std::size_t at = text.find('.'); at > 3; at -= 3) text.insert(at - 3, 1, ' ');
   return text;
 }
@@ -102,7 +97,7 @@ class Report {
   void table(const std::vector<Order>& orders);
   void finish() { pdf_.PDFEndDoc(); }
   void begin() { pdf_.PDFBeginDoc(); }
-  /// An empty watermark ends it: the pages that follow have none.
+  /// The empty watermark draws nothing on the pages that follow.
   void endCover() {
     pdf_.PDFEndPage();
     pdf_.PDFFiligran("");
@@ -127,7 +122,7 @@ class Report {
     pdf_.PDFSetLineWidth(0.6);
     pdf_.PDFDrawLineHor(left, 28, right - left);
   }
-  /// The box of a cell is drawn with the line that was drawn last.
+  /// The box of a cell has the colour and width of the line stroked last.
   void hairline(double y) {
     pdf_.PDFSetLineColor("#9AA5B1");
     pdf_.PDFSetLineWidth(0.15);
@@ -215,7 +210,7 @@ void Report::shapeSamples() {
     pdf_.PDFSetLineWidth(0.5);
     pdf_.PDFSetDrawMode(mode);
     pdf_.PDFDrawEllipse(left + 62, y, 34, 14);
-    // A rectangle writes its line width behind itself: its own outline has the width of the shape before.
+    // A rectangle writes its line width after its outline, which so has the width of the shape before.
     pdf_.PDFDrawRectangle(left + 22, y, 34, 14);
     pdf_.PDFDrawEllipse(left + 102, y, 14);
     pdf_.PDFDrawPolygon(
@@ -381,7 +376,7 @@ void Report::table(const std::vector<Order>& orders) {
     const double sum = order.quantity * order.price;
     total += sum;
     row({order.date, order.customer, order.city, order.article,
-         std::string(integerText(static_cast<int>(order.quantity)).view()), money(sum)},
+         std::to_string(static_cast<int>(order.quantity)), money(sum)},
         y, false, i % 2 == 1);
     y += 6;
   }
@@ -411,7 +406,8 @@ int main(int argc, char** argv) {
   }
   Report report(file);
   report.begin();
-  report.cover(photoIn(source), orders.size());
+  const fs::path photo = source / "photo.jpg";
+  report.cover(fs::exists(photo) ? std::optional(photo) : std::nullopt, orders.size());
   report.endCover();
   report.drawings();
   report.nextPage();

@@ -24,7 +24,7 @@ struct ReleaseInterface {
 template <typename Interface>
 using Owned = std::unique_ptr<Interface, ReleaseInterface>;
 
-// A VARIANT that frees what it holds.
+// A VARIANT that frees its content.
 class Argument {
  public:
   Argument() { VariantInit(&value_); }
@@ -115,7 +115,7 @@ Owned<IPictureDisp> loadPicture(const std::vector<char>& bytes) {
   return Owned<IPictureDisp>(static_cast<IPictureDisp*>(picture));
 }
 
-// JPEG bytes as the library hands them over: one character a byte, by the ANSI code page.
+// JPEG bytes as the library passes them: one character a byte, by the ANSI code page.
 std::string bytesOf(const Argument& text) {
   if (text.value_.vt != VT_BSTR) return {};
   const int length = static_cast<int>(SysStringLen(text.value_.bstrVal));
@@ -124,7 +124,7 @@ std::string bytesOf(const Argument& text) {
   return bytes;
 }
 
-// A picture object around a bitmap, which it deletes at its end.
+// A picture object that owns the bitmap.
 Owned<IPictureDisp> pictureOf(HBITMAP bitmap) {
   PICTDESC description{};
   description.cbSizeofstruct = sizeof(description);
@@ -175,7 +175,7 @@ int run(const std::string& samples, const std::string& output) {
   saved =
       png.call(L"SavePNG", {sheet.get(), folder + L"\\sheet.png"}).value_.boolVal == VARIANT_TRUE && saved;
 
-  // What is no bitmap gives a plain failure.
+  // A picture that is not a bitmap gives False.
   const bool nothing =
       png.call(L"SavePNG", {static_cast<IDispatch*>(nullptr), folder + L"\\nothing.png"}).value_.boolVal != 0;
   std::printf("host.jpg, host.png and sheet.png are written%s\n", nothing ? ", and so is nothing" : "");

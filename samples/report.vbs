@@ -133,7 +133,7 @@ Function TableHead(page)
     pdf.PDFSetFont ARIAL, 16, BOLD
     pdf.PDFTextOut "Orders", 15, 20
     pdf.PDFSetFont ARIAL, 9
-    ' The width is in points and a position in millimetres.
+    ' The width is in points, the position in millimetres.
     pdf.PDFTextOut "page " & page, 195 - pdf.PDFGetStringWidth("page " & page, "", 9) * 25.4 / 72, 20
     pdf.PDFSetLineColor = "#17365D"
     pdf.PDFSetLineWidth = 0.4
@@ -246,7 +246,7 @@ Sub Shape(x, mode)
     pdf.PDFSetDrawMode = mode
     pdf.PDFSetDrawColor = "#F6D58A"
     pdf.PDFDrawEllipse x, 87, 32, 16, "https://en.wikipedia.org/wiki/Ellipse"
-    ' A rectangle writes its line width behind itself: its own outline has the width of the shape before.
+    ' A rectangle writes its line width after its outline, which so has the width of the shape before.
     pdf.PDFSetDrawColor = "#BFE3C8"
     pdf.PDFDrawRectangle x, 66, 32, 16, "https://www.openstreetmap.org/"
     pdf.PDFSetDrawColor = "#C9D8F0"

@@ -21,7 +21,7 @@ WScript.Echo "done"
 Sub Tour()
     Dim kml, style, track, line, points, flown, written, latitude, longitude, altitude
     Set kml = CreateObject("VeltranoFrameWorkDLL.VeltranoKML")
-    ' What the writer has no member for comes as markup: here the style of street views.
+    ' Markup for which the class has no member: here the style of street views.
     style = "<Style id=""sn_camera""><IconStyle><scale>0.8</scale></IconStyle></Style>"
     kml.CreateKML output & "\tour.kml", "", style, True
 
@@ -36,7 +36,7 @@ Sub Tour()
             altitude = Number(Between(line, "<ele>", "</ele>"))
         End If
         If InStr(line, "<wpt ") > 0 Then
-            ' Texts are written as they are: the track's own markup ("&amp;") stays what it was.
+            ' Texts are written as they are, so markup of the track ("&amp;") is kept.
             kml.CreatePlaceMark latitude, longitude, altitude, Between(line, "<name>", "</name>"), _
                                 Between(line, "<desc>", "</desc>")
         ElseIf InStr(line, "<trkpt ") > 0 Then
@@ -56,7 +56,7 @@ Sub Tour()
     track.Close
 
     kml.CreatePathFromPlaceMarks 4, "ff1478ff"
-    ' Two styles made within the same hundredth of a second would share their identifier.
+    ' Two styles made within two hundredths of a second could share their identifier.
     written = Timer
     Do While Abs(Timer - written) < 0.02
     Loop
@@ -64,10 +64,10 @@ Sub Tour()
     kml.CreateStreetView "photo.jpg", 45.900650, 6.139210, 447.1, "Bathing beach", _
                          "<a href=""%streetview_id"">Look around</a>", "rectangle", "210"
     kml.CreateCameraOverlay "photo.jpg", 45.907820, 6.139740, 531.4, "From the viewpoint", "1"
-    ' This member alone takes the longitude first.
+    ' Only this member takes the longitude first.
     kml.CreateGroundOverlay "photo.jpg", 6.129520, 45.899260, 448.2, "Quay", ""
     kml.CloseKML
-    ' The overlays name their picture without a folder: it lies beside the file.
+    ' The overlays name their picture without a folder, so it must be beside the file.
     CreateObject("Scripting.FileSystemObject").CopyFile samples & "\photo.jpg", output & "\photo.jpg"
     WScript.Echo "tour.kml: " & points & " points of the track"
 End Sub

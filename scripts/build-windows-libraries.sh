@@ -3,12 +3,12 @@
 # from Debian's source packages, once, into $VELTRANO_CACHE (else $XDG_CACHE_HOME/veltrano, else ~/.cache/veltrano).
 #   scripts/build-windows-libraries.sh [i686-w64-mingw32] [x86_64-w64-mingw32]      (both when none is named)
 #
-# Safe to run again: finished work is left alone, a broken run is taken up where it stopped. Needs no root. What it
-# needs installed is named by checkTools below.
+# Safe to run again: complete libraries are not built again. Does not need root; checkTools below names what must be
+# installed.
 #
-# Where the sources come from: the machine's own package sources, read as source packages through a private list, so
-# that nothing of the system's configuration changes. apt checks the archive's signature, and through it the .dsc and
-# every archive; for the versions that this script knows, the sums are compared once more with those written here.
+# The sources are source packages from the package sources of this machine, read through a private list so that the
+# system's configuration does not change. apt checks the archive's signature, and through it the .dsc and every archive;
+# the sums of versions that this script knows are also compared with those below.
 set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -46,7 +46,7 @@ checkTools() {
   [ ${#missing[@]} -eq 0 ] || fail "not installed: ${missing[*]}"
 }
 
-# apt with source lists and state of its own below "$1".
+# apt with its own source lists and state in "$1".
 privateApt() {
   local state=$1 tool=$2
   shift 2
@@ -65,11 +65,11 @@ prepareSourceLists() {
       *.sources) sed -E 's/^Types:.*/Types: deb-src/' "$file" >"$state/parts/$name" ;;
     esac 2>/dev/null || true
   done
-  # One failing index (a foreign repository without sources) is no reason to stop: what matters is checked next.
+  # An index may fail (a foreign repository without sources); whether a source is available is checked next.
   privateApt "$state" apt-get update >"$state/update.log" 2>&1 || true
 }
 
-# Downloads the newest version of source package "$2" that the archive really hands out into the current folder.
+# Downloads the newest available version of source package "$2" into the current folder.
 download() {
   local state=$1 package=$2 version
   for version in $(privateApt "$state" apt-cache showsrc --only-source "$package" |
@@ -103,7 +103,7 @@ fetchSources() {
     mkdir -p "$folder/$package"
     (cd "$folder/$package" && download "$state" "$package")
     verify "$folder/$package"
-    # The signature was checked by apt, from the archive's key down to these files.
+    # apt has checked the signatures already.
     (cd "$folder/$package" && dpkg-source --no-check --extract ./*.dsc source >extract.log 2>&1) ||
       fail "cannot unpack $package: see $folder/$package/extract.log"
   done
@@ -136,7 +136,7 @@ buildTriplet() {
   # The assembler reads picture filters only, and this library writes.
   build "$triplet" libpng1.6 -DPNG_SHARED=OFF -DPNG_STATIC=ON -DPNG_TESTS=OFF -DPNG_HARDWARE_OPTIMIZATIONS=OFF \
     -DZLIB_LIBRARY="/usr/$triplet/lib/libz.a" -DZLIB_INCLUDE_DIR="/usr/$triplet/include"
-  # REQUIRE_SIMD: without it a missing assembler gives a library that works, several times slower.
+  # REQUIRE_SIMD: without it a missing assembler gives a library that works several times slower.
   build "$triplet" libjpeg-turbo -DENABLE_SHARED=OFF -DENABLE_STATIC=ON -DWITH_TURBOJPEG=OFF -DREQUIRE_SIMD=ON
   cp "/usr/$triplet/lib/libz.a" "$work/install/$triplet/lib/"
   cp "/usr/$triplet/include/zlib.h" "/usr/$triplet/include/zconf.h" "$work/install/$triplet/include/"
@@ -144,7 +144,7 @@ buildTriplet() {
 
 mkdir -p "$cache"
 exec 9>"$cache/.lock"
-flock 9  # two builds may ask for the libraries at once
+flock 9  # two builds may need the libraries at once
 
 # complete <prefix>
 complete() {
@@ -156,7 +156,7 @@ complete() {
 
 wanted=("$@")
 [ $# -gt 0 ] || wanted=(i686-w64-mingw32 x86_64-w64-mingw32)
-triplets=()  # what is not there yet
+triplets=()  # not built yet
 for triplet in "${wanted[@]}"; do
   case $triplet in
     i686-w64-mingw32 | x86_64-w64-mingw32) ;;
@@ -177,7 +177,7 @@ for triplet in "${triplets[@]}"; do
   buildTriplet "$triplet"
   complete "$work/install/$triplet" || fail "the build for $triplet left libraries out: see $work"
   echo "$recipe" >"$work/install/$triplet/recipe"
-  # Only a complete prefix ever stands under its final name.
+  # Moved last, so that the final name only ever has a complete prefix.
   rm -rf "${cache:?}/$triplet"
   mv "$work/install/$triplet" "$cache/$triplet"
 done

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Configures and builds a preset; shows what the tools said only when they fail.
+# Configures and builds a preset; shows the output of the tools only if they fail.
 #   scripts/build.sh PRESET [TARGET ...]
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that a task needs and the machine lacks. Silent and instant when nothing is missing.
+# Installs the Debian packages that a task needs. Silent and instant if nothing is missing.
 #   scripts/install-packages.sh native|windows|benchmarks|packages ...
-# As root it works as it is, otherwise through sudo. Exits 1 with one line when a package cannot be had.
+# Needs root or sudo. Exits 1 with one line if a package cannot be installed.
 set -eu
 
 native=(g++ cmake ninja-build ccache pkg-config git python3 util-linux
@@ -9,7 +9,7 @@ native=(g++ cmake ninja-build ccache pkg-config git python3 util-linux
         clang-format clang-tidy poppler-utils mupdf-tools qpdf libxml2-utils libxml2-dev pngcheck mdbtools imagemagick)
 windows=(wine wine32:i386 wine64 libwine-dev g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools
          libz-mingw-w64-dev googletest nasm dpkg-dev)
-packages=(wixl zip unzip)
+packages=(wixl zip unzip faketime)
 benchmarks=(libbenchmark-dev libhpdf-dev libkml-dev libpixman-1-dev libiniparser-dev libsimpleini-dev libsqlite3-dev)
 
 wanted=()
@@ -54,9 +54,9 @@ trap 'rm -f "$log"' EXIT
 if $foreign && ! dpkg --print-foreign-architectures | grep -qx i386; then
   "${as_root[@]}" dpkg --add-architecture i386
 fi
-# An index of a foreign architecture may be absent although what is needed is there: the install decides.
+# An update may fail for a foreign architecture although all packages are available, so only the installation decides.
 "${as_root[@]}" apt-get update >"$log" 2>&1 || true
-# One suite for all: otherwise two architectures can disagree on the version of a library they share.
+# One suite for all packages: otherwise two architectures may get different versions of a library they share.
 suite=$(. /etc/os-release && echo "${VERSION_CODENAME:-bookworm}")
 if ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends \
   -t "$suite" "${missing[@]}" >>"$log" 2>&1; then

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks formatting (clang-format), layers and faults (clang-tidy) of the project's sources.
+"""Checks the formatting (clang-format), the layers and the faults (clang-tidy) of the project's sources.
 
     scripts/lint.py BUILD_FOLDER [WINDOWS_BUILD_FOLDER]
 
@@ -18,7 +18,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-# Tests and benchmarks are formatted but not searched for faults: their macros drown the findings.
+# Tests and benchmarks are formatted but not searched for faults: their macros would flood the findings.
 PORTABLE = ("base", "pdf", "kml", "settings", "imaging", "database", "eventlog")
 TIDIED = (*PORTABLE, "server")
 
@@ -30,7 +30,7 @@ def tracked(*patterns):
 
 
 def against_the_layers():
-    """base/ includes no feature, a feature no other one, and only the server's and the systems' files name Windows."""
+    """base/ includes no feature, features do not include each other, and only server/ and the files of a system include its headers."""
     wrong = False
     for source in tracked(*[f"{folder}/*.{ending}" for folder in PORTABLE for ending in ("cpp", "h")]):
         name = source.relative_to(ROOT)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Packs the measured figures of Access's text orders into tables of runs.
+"""Packs the published index codes of Access's text orders into tables of runs.
 
 Usage: scripts/make_collations.py FOLDER
 FOLDER holds the published code lists (NOTICE says where they come from): index_codes_gen.txt and
@@ -61,7 +61,7 @@ class Packer:
         """How many records from `start` on one run with this divisor covers."""
         base = records[start][1]
         if divisor and len(base) > 4:
-            return 0  # codes that long are stored, not reckoned
+            return 0  # codes of that length are stored, not computed
         period = max(divisor, 1)
         head = records[start:start + period]
         if len(head) < period or len({len(r[1]) for r in head}) > 1 or records[start][0] == "X" and divisor:
@@ -73,7 +73,7 @@ class Packer:
             if shape(record) != shape(head[count % period]) or record[1] != expected:
                 break
             count += 1
-        # A group of kinds is worth its place in long runs only.
+        # A group of kinds pays off in long runs only.
         return count if divisor < 2 or count >= 12 else 0
 
     def pack(self, first, records):
@@ -123,7 +123,7 @@ def main():
         records = lines(f"index_codes_{suffix}.txt") + lines(f"index_codes_ext_{suffix}.txt")
         packer = Packer()
         packer.pack(0, records[:0xD800])
-        # The surrogates have no lines: their codes follow from their numbers.
+        # Surrogates have no lines: their codes are computed from their numbers.
         packer.pack(0xE000, records[0xD800:])
         emit(target / f"{stem}.cpp", name, packer)
     packer = Packer()

@@ -2,13 +2,13 @@
 """Writes base/text/lower_case_table.cpp: the simple lower-case forms of the Basic Multilingual Plane as runs.
 
 Usage: scripts/make_lower_case.py > base/text/lower_case_table.cpp
-The figures are those of the Unicode character database that Python carries.
+The data is the Unicode character database of Python.
 """
 import unicodedata
 
 
 def simple_lower(code):
-    # The one character whose full lower-case form is longer; its simple form is a plain i.
+    # The only character whose full lower-case form is longer; its simple form is i.
     text = "i" if code == 0x130 else chr(code).lower()
     return ord(text) if len(text) == 1 and ord(text) < 0x10000 else code
 
@@ -34,9 +34,7 @@ def main():
               if not 0xD800 <= c < 0xE000 and simple_lower(c) != c}
     print("// Written by scripts/make_lower_case.py from the Unicode character database, version "
           f"{unicodedata.unidata_version}.\n")
-    print('#include "base/text/lower_case.h"
-
-#include <iterator>\n\nnamespace veltrano {\n')
+    print('#include "base/text/lower_case.h"\n\n#include <iterator>\n\nnamespace veltrano {\n')
     print("// clang-format off\nconst LowerCaseRun lowerCaseRuns[] = {")
     lines = [f"{{0x{a:04X}, 0x{b:04X}, {d}, {s}}}," for a, b, d, s in runs(shifts)]
     for i in range(0, len(lines), 4):

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Makes the metrics files that the library ships from the published ones.
+"""Makes the metrics files shipped with the library from the published ones.
 
     scripts/make_metrics.py <folder of the 14 published AFM files> [<output folder>]
 
 The library measures a text by its Windows-1252 codes and shows it with WinAnsiEncoding, while the published text
 fonts carry the codes of StandardEncoding: an accented letter would measure as another glyph or as nothing. So the
-text fonts are given the codes of WinAnsiEncoding here. Symbol and ZapfDingbats keep their built-in codes. Kerning,
+text fonts get the codes of WinAnsiEncoding here. Symbol and ZapfDingbats keep their built-in codes. Kerning,
 ligatures and glyphs without a code are left out, since nothing reads them.
 
-A developer runs this; its output is committed in data/metrics.
+A developer runs this; the output is committed in data/metrics.
 """
 
 import pathlib
@@ -18,7 +18,7 @@ import unicodedata
 
 BUILT_IN_CODES = {"Symbol", "ZapfDingbats"}
 
-# The names that the library gives to upright and to italic Times in some calls.
+# Other names that the library uses for upright and italic Times.
 SECOND_NAMES = {"Times-Italic": "TimesItalic", "Times-Roman": "TimesRoman"}
 
 # Glyph names that do not follow from the character's Unicode name.
@@ -72,7 +72,7 @@ def glyph_name(code: int) -> str:
 
 
 def character_lines(lines: list[str], font: str) -> list[str]:
-    """The lines between StartCharMetrics and EndCharMetrics, in code order, each with a code."""
+    """The lines between StartCharMetrics and EndCharMetrics that have a code, in code order."""
     glyphs = {}
     own_codes = []
     for line in lines:
@@ -118,7 +118,7 @@ def remake(text: str, font: str, name: str) -> str:
 
 
 def notice(readme: str) -> str:
-    """The paragraph of the notice, word for word, on one line as its makers ask for it to stay unmodified."""
+    """The notice, word for word and on one line, since its authors require it to be unmodified."""
     paragraph = re.search(r'"(This file and the 14.*?files\.)"', readme, re.DOTALL)
     if not paragraph:
         raise SystemExit("README.md of the published files: no notice found")

@@ -2,23 +2,23 @@
 """Makes the reference pages in docs/reference from the type library's source and the hand-written notes.
 
   scripts/make_reference.py                 writes docs/reference/<class>.md
-  scripts/make_reference.py --check         says what is missing or out of date, and exits 1 then
+  scripts/make_reference.py --check         lists what is missing or out of date; exits 1 if anything is
   scripts/make_reference.py --examples FOLDER
-                                            prints a VBScript that runs every example; its files lie in FOLDER
+                                            prints a VBScript that runs every example with its files in FOLDER
 
 Names, types, order, enumerations and the first sentence of each member come from server/veltrano.idl, defaults from
-server/com/defaults.cpp, everything else from docs/reference/notes/<class>.md. A note says of its member, one key a line,
-continued by lines that begin with two blanks:
+server/com/defaults.cpp, everything else from docs/reference/notes/<class>.md. A note has one key
+a line, continued by lines that start with two blanks:
 
   <parameter>: units, range and meaning, for every parameter ("value" for what a property is set to)
-  result:      needed when the member has one
-  fallback:    what happens instead when something is wrong
+  result:      required if the member has one
+  fallback:    what happens instead if something is wrong
   event:       "text" when ..., once for each message
   note:        anything else
-  example:     VBScript; "example not run:" when a script host has not what it needs
+  example:     VBScript; "example not run:" if a script host cannot run it
 
-Before the members stands "object:", the name of the object in the examples, "header:", where C++ finds the class, and
-"texts:", the encoding of its texts there if it is not the ANSI code page; then what is said of the class as a whole.
+Before the members come "object:", the name of the object in the examples, "header:", the C++ header of the class, and
+"texts:", the encoding of its strings there if it is not the ANSI code page; then the introduction of the class.
 """
 
 import argparse
@@ -85,7 +85,7 @@ class Class:
 
 
 def attribute_block(text, start):
-    """The text within the brackets that open at `start`, and the position behind them."""
+    """The text within the brackets that open at `start`, and the position after them."""
     depth, quoted, position = 0, False, start
     while True:
         character = text[position]
@@ -101,7 +101,7 @@ def attribute_block(text, start):
 
 
 def split_parameters(text):
-    """At the commas outside of brackets and parentheses."""
+    """Splits at the commas outside brackets and parentheses."""
     depth, part = 0, ""
     for character in text:
         depth += character in "[("
@@ -163,7 +163,7 @@ def read_members(body, owner, defaults, event=False):
 
 
 def read_library():
-    """The classes, and the enumerations as name: (help text, [(constant, value, meaning)])."""
+    """Classes by name, and enumerations as name: (help text, [(constant, value, meaning)])."""
     text = (ROOT / "server/veltrano.idl").read_text()
     enumerations = {}
     for attributes, name, body in re.findall(r"typedef \[(.*?)\]\s*enum (\w+) \{(.*?)\}", text, re.S):
@@ -185,7 +185,7 @@ def read_library():
 
 
 class Notes:
-    """A notes file: what stands before the members, and a list of (key, text) for each of them."""
+    """A notes file: its introduction, and a list of (key, lines) for each member."""
 
     def __init__(self, path):
         head, *sections = re.split(r"^## (?=\w+$)", path.read_text(), flags=re.M)
@@ -214,7 +214,7 @@ class Notes:
 
 
 def problems_of(cls, notes):
-    """What the notes lack, or have too much of."""
+    """What the notes lack, or have that the type library does not."""
     members = cls.members + cls.events
     for name in notes.members.keys() - {member.name for member in members}:
         yield f"{cls.name}: a note on {name}, which the type library does not have"
@@ -273,7 +273,7 @@ def anchor(name):
 
 
 def event_table(cls, notes):
-    """Every message and the members that raise it, in the order of the members."""
+    """Each message with the members that raise it, in the order of the members."""
     raised = {}
     for member in cls.members:
         for key, lines in notes.members[member.name]:
@@ -289,7 +289,7 @@ def page(cls, notes, enumerations):
            f"- automation: `CreateObject(\"VeltranoFrameWorkDLL.{cls.name}\")`"]
     if notes.header:
         text = "std::u16string" if notes.texts == "UTF-16" else "std::string"
-        out.append(f"- C++ on Linux: `#include \"{notes.header}\"`, class `veltrano::{cls.name}`; texts are `{text}` "
+        out.append(f"- C++ on Linux: `#include <{notes.header}>`, class `veltrano::{cls.name}`; strings are `{text}` "
                    f"in {notes.texts}, file names `std::filesystem::path`")
     out += ["", notes.introduction, ""]
     if cls.members:
@@ -314,15 +314,15 @@ def page(cls, notes, enumerations):
             out += member_section(member, notes.members[member.name])
         out += event_table(cls, notes)
     if cls.members:
-        out += ["## Each member", "", f"The examples go on with `{notes.object}`, the object of the example at the top.", ""]
+        out += ["## Each member", "", f"The examples use `{notes.object}`, the object created in the example at the top.", ""]
         for member in cls.members:
             out += member_section(member, notes.members[member.name])
     return "\n".join(out).rstrip() + "\n"
 
 
 def examples_script(classes, notes, folder):
-    """Each example, those of members on a new object, announced by its name, and "done" at the end: script hosts hide
-    errors. Those at the top of a page that begin with a remark on their language are for other hosts."""
+    """Every example, announced by the name of its member and run on a new object, and "done" at the end, since script hosts
+    hide errors. Introductory examples that start with a remark on their language are for other hosts."""
     out = []
     for name, cls in classes.items():
         for example in re.findall(r"^```vb\n(.*?)^```", notes[name].introduction, re.M | re.S):

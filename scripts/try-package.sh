@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Tries the packages in out/ as their users would and says what it saw: the zip and the installers under Wine, the
-# archive for Linux with CMake and with pkg-config. Needs what package.sh installs. Exits 1 when anything is amiss.
+# Tries the packages in out/ as their users would and reports the results: the zip and the installers under Wine, the
+# archive for Linux with CMake and with pkg-config. Needs what package.sh installs. Exits 1 if anything is wrong.
 set -eu
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
@@ -38,7 +38,7 @@ x64=$(one 'VeltranoFrameWork-*-x64.msi')
 x86=$(one 'VeltranoFrameWork-*-x86.msi')
 tar=$(one 'VeltranoFrameWork-*-linux-*.tar.gz')
 
-# Nothing of the prefixes keeps running. They are large: they stay only for who looks for a fault.
+# Stops all Wine processes. The folder is large and is kept only after a failure, for debugging.
 end() {
   local prefix
   for prefix in "$work"/prefix*/; do WINEPREFIX=${prefix%/} wineserver -k 2>/dev/null || true; done
@@ -48,8 +48,8 @@ trap 'end $?' EXIT
 
 windows_path() { printf 'Z:%s' "${1//\//\\}"; }
 
-# use_prefix NAME [win32]: a new Wine prefix, in which the script hosts have run: Wine registers them at their first use.
-# They are copied out of it, because to a 32-bit loader system32 is syswow64: a copy elsewhere is what it is.
+# use_prefix NAME [win32]: makes a new Wine prefix and runs the script hosts in it once, since Wine registers them at their
+# first use. They are copied out of it, because a 32-bit loader redirects system32 to syswow64.
 use_prefix() {
   local folder host
   export WINEPREFIX="$work/prefix $1"
@@ -68,8 +68,8 @@ use_prefix() {
   done
 }
 
-# The registry, a line a value with its key in front, so that it can be compared. What the installer service keeps for
-# itself is not what it installs, and the time of a display driver that Wine writes anew each time is nobody's.
+# The registry for comparison, one value a line, preceded by its key; without what the installer service stores for itself
+# and the time of a display driver, which Wine writes each time.
 registry() {
   wineserver -k || true
   wineserver -w
@@ -78,14 +78,14 @@ registry() {
     grep -v 'DriverDateData' | grep -vE '^\[Software\\\\(Wow6432Node\\\\)?(Microsoft\\\\Windows\\\\CurrentVersion|Classes)\\\\Installer' | LC_ALL=C sort
 }
 
-# What was registered between two states of the registry, with the DLL's name for its path. Neither where Windows lists
-# installed programs nor the folder of a help file that there is not.
+# The registration added between two states of the registry, with the path of the DLL reduced to its name; without the list
+# of installed programs and the folder of a help file that does not exist.
 additions() {
   LC_ALL=C comm -13 "$1" "$2" | grep -E '^\[Software\\\\Classes' | grep -v 'HELPDIR' |
     sed -E 's/"[^"]*\\\\(VeltranoFrameWorkDLL\.dll)"/"\1"/'
 }
 
-# The page that a script or program wrote: its first line of text and whether its font is there.
+# The first line of text of the page that a program wrote, or what is missing.
 page() {
   if [ ! -e "$1" ]; then
     echo "no file"
@@ -94,6 +94,25 @@ page() {
   else
     pdftotext "$1" - 2>/dev/null | head -n 1
   fi
+}
+
+# contacts x86|AMD64 SAMPLES_FOLDER_ON_WINDOWS LABEL: runs contacts.vbs, which copies the database there.
+contacts() {
+  local said
+  rm -rf "$work/contacts"
+  mkdir "$work/contacts"
+  said=$("$wine" "$work/cscript-$1.exe" //nologo "$2\\contacts.vbs" "$(windows_path "$work/contacts")" 2>/dev/null | tr -d '\r') || true
+  expect "$3: contacts.vbs says" "done" "$(tail -n 1 <<<"$said")"
+  expect "$3: people in its database" 7 "$(mdb-export "$work/contacts/contacts.mdb" Contacts 2>/dev/null | grep -cE '^[0-9]+,"' || true)"
+}
+
+# texts FOLDER FILE ...: each file exists and is not empty.
+texts() {
+  local folder=$1 name
+  shift
+  for name in "$@"; do
+    expect "$name" "there" "$([ -s "$folder/$name" ] && echo "there" || echo "missing")"
+  done
 }
 
 # script x86|AMD64 SAMPLES_FOLDER_ON_WINDOWS LABEL
@@ -109,7 +128,10 @@ echo "The zip, $(basename "$zip")"
 unzip -q "$zip" -d "$work/zip"
 folder=$(echo "$work/zip"/*)
 saw "files" "$(find "$folder" -type f | wc -l), $(du -sh --apparent-size "$folder" | cut -f 1) unpacked"
-expect "licence texts" 6 "$(find "$folder/licenses" -name '*.txt' ! -name README.txt -size +1k | wc -l)"
+expect "licence texts" 7 "$(find "$folder/licenses" -name '*.txt' ! -name README.txt -size +1k | wc -l)"
+texts "$folder" README.txt LICENSE.txt NOTICE.txt CHANGELOG.txt licenses/Apache-2.0.txt
+expect "lines of hello.bas that end in CR LF" "all" \
+  "$(grep -qv $'\r$' "$folder/samples/hosts/hello.bas" && echo "not all" || echo "all")"
 for architecture in x86 x64; do
   expect "$architecture: metrics beside the DLL" 16 "$(find "$folder/$architecture" -maxdepth 1 -name '*.afm' | wc -l)"
 done
@@ -117,8 +139,10 @@ use_prefix zip
 registry >"$work/zip-before"
 "$wine" 'C:\windows\syswow64\regsvr32.exe' /s "$(windows_path "$folder/x86/VeltranoFrameWorkDLL.dll")"
 script x86 "$(windows_path "$folder/samples")" "x86 by regsvr32"
+contacts x86 "$(windows_path "$folder/samples")" "x86 by regsvr32"
 "$wine" 'C:\windows\system32\regsvr32.exe' /s "$(windows_path "$folder/x64/VeltranoFrameWorkDLL.dll")"
 script AMD64 "$(windows_path "$folder/samples")" "x64 by regsvr32"
+contacts AMD64 "$(windows_path "$folder/samples")" "x64 by regsvr32"
 registry >"$work/zip-registered"
 i686-w64-mingw32-g++-posix -municode -static "$folder/samples/hosts/hello.cpp" "$folder/x86/include/veltrano_i.c" \
   -I "$folder/x86/include" -o "$work/hello.exe" -lole32 -loleaut32 -luuid 2>"$work/hello.log" || cat "$work/hello.log"
@@ -131,10 +155,10 @@ done
 registry >"$work/zip-after"
 same "registry after regsvr32 /u of both" "as before" "$work/zip-before" "$work/zip-after"
 
-# install FILE ...: what msiexec answers.
+# install ARGUMENT ...: runs msiexec and prints its exit code.
 install() { "$wine" msiexec "$@" /qn >/dev/null 2>&1 && echo 0 || echo "$?"; }
 
-# Of the drive, but for the folder in which the installer service keeps its copies.
+# All files of the drive, except the copies of the installer service.
 files() { (cd "$WINEPREFIX/drive_c" && find . ! -path ./windows/Installer ! -path './windows/temp/*' | LC_ALL=C sort); }
 
 # try_installer NAME FILE ARCHITECTURE ...
@@ -145,6 +169,7 @@ try_installer() {
   files >"$work/$name-files-before"
   expect "msiexec /i answers" 0 "$(install /i "$(windows_path "$file")")"
   expect "DLLs installed" "$#" "$(find "$WINEPREFIX/drive_c" -name VeltranoFrameWorkDLL.dll | wc -l)"
+  texts "$WINEPREFIX/drive_c/Program Files/VeltranoFrameWork" LICENSE.txt NOTICE.txt CHANGELOG.txt licenses/Apache-2.0.txt
   for architecture in "$@"; do
     script "${architecture/x64/AMD64}" 'C:\Program Files\VeltranoFrameWork\samples' "$architecture by the installer"
   done
@@ -172,13 +197,14 @@ try_installer x86 "$x86" x86
 unset WINEARCH
 
 echo "The archive for Linux, $(basename "$tar")"
-# A blank in the name, as users have them. pkg-config's answers are split at blanks by the shell: another name for it.
+# In a folder with a blank in its name, as users have them; not for pkg-config, whose output the shell splits at blanks.
 mkdir -p "$work/linux" "$work/program"
 tar -xf "$tar" -C "$work/linux"
 prefix=$(echo "$work/linux"/*)
 plain=$(mktemp -d)
 cp -r "$prefix" "$plain/veltrano"
 saw "files" "$(find "$prefix" -type f | wc -l), $(du -sh --apparent-size "$prefix" | cut -f 1) unpacked"
+texts "$prefix/share/doc/veltranoframework" LICENSE NOTICE CHANGELOG.md Apache-2.0.txt
 cat >"$work/program/hello.cpp" <<'PROGRAM'
 #include "veltrano/pdf.h"
 
@@ -203,7 +229,7 @@ PROJECT
 expect "its $(wc -l <"$work/headers.cpp") headers, compiled together" "clean" "$(g++ -std=c++20 -Wall -Wextra -fsyntax-only \
   -I "$prefix/include/veltranoframework" "$work/headers.cpp" 2>"$work/headers.log" && [ ! -s "$work/headers.log" ] && echo "clean" ||
   echo "not clean, see $work/headers.log")"
-# hello FOLDER LABEL: runs the program that lies there.
+# hello FOLDER LABEL: runs the program in that folder.
 hello() {
   rm -f "$1/hello.pdf"
   expect "$2: its text is measured" "yes" "$(cd "$1" && ./hello && echo yes || echo no)"
@@ -218,7 +244,7 @@ PKG_CONFIG_PATH="$plain/veltrano/lib/pkgconfig" sh -c 'g++ -std=c++20 "$1/progra
   $(pkg-config --cflags --libs veltranoframework) -o "$1/pkgconfig/hello"' sh "$work" 2>"$work/pkgconfig.log" ||
   tail -n 20 "$work/pkgconfig.log"
 hello "$work/pkgconfig" "by pkg-config"
-# Carried to a machine without the package: the metrics beside the program, or in share beside its folder.
+# On a machine without the package: the metrics are beside the program, or in share beside its folder.
 rm -rf "$plain"
 mkdir -p "$work/carried/beside" "$work/carried/tree/bin" "$work/carried/tree/share/veltranoframework"
 cp "$work/pkgconfig/hello" "$prefix"/share/veltranoframework/metrics/*.afm "$work/carried/beside/"
@@ -228,7 +254,7 @@ cp -r "$prefix/share/veltranoframework/metrics" "$work/carried/tree/share/veltra
 hello "$work/carried/tree/bin" "carried, metrics in ../share"
 
 if [ "$failures" -gt 0 ]; then
-  echo "try-package: $failures things are amiss" >&2
+  echo "try-package: $failures checks failed" >&2
   exit 1
 fi
-echo "The packages do what they should."
+echo "The packages work."

@@ -1,20 +1,20 @@
 #!/usr/bin/env bash
-# Runs a Windows program under Wine in the project's private prefix (made on first use below build/).
+# Runs a Windows program under Wine in the project's private prefix (created in build/ at the first use).
 #   scripts/wine.sh program.exe [argument ...]
-#   scripts/wine.sh --prepare        only makes the prefix
+#   scripts/wine.sh --prepare        only creates the prefix
 set -eu
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
 export WINEDEBUG=${WINEDEBUG:--all}
-# Neither .NET nor a browser engine is wanted: without this Wine offers to download them.
+# Without this Wine offers to download .NET and a browser engine, which are not needed.
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree=;mshtml=}
-# Under Wine the locale decides the code page, the language and how names of files are written. In that of a machine
-# where nobody chose one, no file may have an accent in its name.
+# Under Wine the locale determines the code page, the language and the encoding of file names. Without UTF-8 no file name
+# could have an accent.
 export LC_ALL=C.UTF-8
 unset DISPLAY
 if [ ! -e "$WINEPREFIX/.ready" ]; then
   mkdir -p "$WINEPREFIX"
-  # Two tests may start at once: only one makes the prefix.
+  # Two tests may start at once, but only one creates the prefix.
   (
     flock 9
     if [ ! -e "$WINEPREFIX/.ready" ]; then

@@ -1,5 +1,5 @@
-// The number texts, the hottest functions of the library, beside what the standard library takes for similar
-// work.
+// Formatting of numbers, the hottest functions of the library, compared with the standard library's for
+// similar work.
 
 #include <benchmark/benchmark.h>
 
@@ -25,7 +25,7 @@ std::vector<double> pagePositions() {
   return values;
 }
 
-// Coordinates as GPS receivers give them: six decimals.
+// Coordinates with six decimals, as GPS receivers give them.
 std::vector<double> degrees() {
   std::mt19937_64 random(2);
   std::uniform_real_distribution<double> range(-180, 180);

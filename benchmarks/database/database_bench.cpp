@@ -1,7 +1,7 @@
-// The Access engine as a host drives it, on 100,000 rows of an integer key, a text of 40 characters, a double
-// and a date. Beside it: mdb-export on the same file, and SQLite with one transaction a row that is not
-// synced, which gives the guarantee that our Update gives (the process may die; the power may fail after
-// CloseTable only).
+// The Access engine as a host uses it, on 100,000 rows of an integer key, a text of 40 characters, a double
+// and a date. Compared with mdb-export on the same file, and with SQLite with one transaction a row and
+// without syncing, which gives the same guarantee as Update (safe if the process dies; safe against power
+// failure only after CloseTable).
 
 #include <benchmark/benchmark.h>
 #include <sqlite3.h>
@@ -27,7 +27,7 @@ std::filesystem::path inTemporary(const char* name) {
   return std::filesystem::temp_directory_path() / name;
 }
 
-/// 40 characters, another text for each row, in no order: the second index changes everywhere.
+/// 40 characters, different for each row and in random order, so that the second index changes everywhere.
 std::string textOf(int row) {
   std::string text = "Somebody's name and address, entry ";
   text += std::to_string(100000 + row * 7919LL % rows).substr(1);
@@ -160,7 +160,7 @@ void mdbExport(benchmark::State& state) {
 }
 BENCHMARK(mdbExport)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-/// The last of all rows: FindRecord reads through the table.
+/// The last row, so that FindRecord reads the whole table.
 void findRecord(benchmark::State& state, const char* field, const std::string& value, std::int16_t exact) {
   const std::string& file = fullFile();
   VeltranoMDB mdb;

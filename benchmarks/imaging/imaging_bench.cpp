@@ -1,5 +1,5 @@
-// The picture classes beside the libraries they stand on, on a photo-like image of 4000 by 3000: gradients,
-// shapes and a little noise.
+// The picture classes compared with the libraries they use, on a photo-like image of 4000 by 3000 pixels:
+// gradients, shapes and a little noise.
 
 #include <benchmark/benchmark.h>
 #include <pixman.h>
@@ -93,7 +93,7 @@ void JpegEncodePeer(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(encodeWithPeer(static_cast<int>(state.range(0))));
 }
 
-// Both decode into memory of their own each time.
+// Both allocate the memory they decode into each time.
 void JpegDecodeOurs(benchmark::State& state) {
   const auto size = static_cast<std::int32_t>(encodeWithPeer(80));
   for (auto _ : state) {
@@ -160,7 +160,8 @@ void ResampleOurs(benchmark::State& state) {
   for (auto _ : state) benchmark::DoNotOptimize(photo().Resample2(height / 2, width / 2));
 }
 
-// The least work: a table of source columns and three bytes a pixel, into fresh memory as Resample2 has it.
+// The least possible work: a table of source columns and three bytes a pixel, into new memory as in
+// Resample2.
 void ResampleBareLoop(benchmark::State& state) {
   const std::uint8_t* source = photo().DIBSectionBitsPtr();
   for (auto _ : state) {

@@ -1,5 +1,5 @@
-// Place marks a second: this library, a peer, and the least work known that gives the same file (to_chars
-// into a buffer of 64 KB). Names and coordinates are made beforehand; they look like those of a GPS receiver.
+// Placemarks a second: this library, a peer, and the least work known that gives the same file (to_chars into
+// a buffer of 64 KB). Names and coordinates are made beforehand and look like those of a GPS receiver.
 
 #include <benchmark/benchmark.h>
 #include <kml/dom.h>

@@ -65,7 +65,7 @@ void run(benchmark::State& state, Maker make) {
   std::uintmax_t bytes = 0;
   for (auto _ : state) {
     make(file, pages);
-    // The next one writes to a fresh name: what the file system does about a file that goes is none of ours.
+    // The next run writes under a new name, so that deleting the old file is not measured.
     state.PauseTiming();
     bytes = std::filesystem::file_size(file);
     std::filesystem::remove(file);
@@ -87,8 +87,8 @@ long peakMemory(Maker make, const std::filesystem::path& file, int pages) {
   return usage.ru_maxrss * 1024;
 }
 
-/// Peak memory of a process that makes one document, less that of one that makes a single page, in file
-/// sizes.
+/// Peak memory of a process that makes one document, minus that of one that makes a single page, as a
+/// multiple of the file size.
 void memory(benchmark::State& state, Maker make) {
   const auto file = outputFile();
   const auto pages = static_cast<int>(state.range(0));
@@ -106,7 +106,7 @@ void sizes(benchmark::internal::Benchmark* benchmark) {
   benchmark->Arg(100)->Arg(1000)->Arg(10000)->Unit(benchmark::kMillisecond)->UseRealTime();
 }
 
-// First, while this process is small: a child starts with its parent's memory.
+// First, while this process is small: a child starts with the memory of its parent.
 BENCHMARK_CAPTURE(memory, text_ours, textPages)->Arg(10000)->Iterations(1);
 BENCHMARK_CAPTURE(memory, text_libharu, haruTextPages)->Arg(10000)->Iterations(1);
 BENCHMARK_CAPTURE(memory, table_ours, tablePages)->Arg(10000)->Iterations(1);

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_BENCHMARKS_PDF_PEERS_H
 #define VELTRANO_BENCHMARKS_PDF_PEERS_H
 
-// The same pages made by others: libharu without compression, and the least work that gives the same operator
-// lines (one string, numbers printed from rounded hundredths, one write).
+// The same pages made by libharu without compression, and by the least work that gives the same operators
+// (one string, numbers printed from rounded hundredths, one write).
 
 #include <filesystem>
 #include <string>

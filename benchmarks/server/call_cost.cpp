@@ -1,6 +1,6 @@
-// What a call costs a host: early bound, late bound through the server's own dispatcher, and late bound
-// through the system's (DispInvoke) on the same interface. Medians of rounds, in nanoseconds a call, with the
-// names looked up once as hosts do it.
+// The cost of a call to a host: early bound, late bound through the server's dispatcher, and late bound
+// through the system's (DispInvoke) on the same interface. Medians of rounds, in nanoseconds a call; names
+// are looked up once, as hosts do.
 
 #include <algorithm>
 #include <cstdio>
@@ -32,11 +32,11 @@ struct Contender {
   std::vector<double> times;
 };
 
-/// The contenders take turns, so that a busy machine troubles all of them alike.
+/// The candidates take turns, so that a busy machine slows all of them alike.
 void compare(const char* title, _VeltranoPDF& pdf, std::vector<Contender> contenders) {
   for (int round = 0; round < rounds; ++round) {
     for (Contender& contender : contenders) {
-      // The page starts anew: its growth is not what is measured.
+      // A new page, so that its growth is not measured.
       pdf.PDFBeginDoc();
       const double start = now();
       for (int i = 0; i < callsPerRound; ++i) {
@@ -60,7 +60,7 @@ void compare(const char* title, _VeltranoPDF& pdf, std::vector<Contender> conten
   }
 }
 
-/// A call ready to be made again and again.
+/// A call that can be repeated.
 struct PreparedCall {
   DISPID id = 0;
   WORD flags = 0;

@@ -1,4 +1,4 @@
-// The last of many keys, read and changed: beside memory's own speed, a line-by-line scan and two INI
+// Reads and changes the last of many keys, compared with the speed of memory, a line-by-line scan and two INI
 // libraries.
 
 #include <SimpleIni.h>
@@ -79,7 +79,7 @@ void copy(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
-/// A file with that many lines, the last one being the key's.
+/// A file with that many lines, the last one with the key.
 class IniFile {
  public:
   explicit IniFile(std::size_t lines) {
@@ -119,7 +119,7 @@ void getByIniparser(benchmark::State& state) {
 }
 
 BENCHMARK_CAPTURE(getValue, lastKey, lastKey)->Unit(benchmark::kMicrosecond);
-/// Ends like one line in a hundred, so that many lines pass the first look.
+/// Ends like one line in a hundred, so that many lines pass the first check.
 BENCHMARK_CAPTURE(getValue, alikeKey, "Settinx99")->Unit(benchmark::kMicrosecond);
 BENCHMARK(memchrScan)->Unit(benchmark::kMicrosecond);
 BENCHMARK(memchrLineScan)->Unit(benchmark::kMicrosecond);

@@ -1,4 +1,4 @@
-// A store of 200 folders with 500 keys each, beside the parser doing the same by itself.
+// A store of 200 folders with 500 keys each, compared with the parser alone doing the same.
 
 #include <benchmark/benchmark.h>
 
@@ -42,7 +42,7 @@ class Store {
   const std::filesystem::path file = std::filesystem::temp_directory_path() / "veltrano-bench.xml";
 };
 
-/// Plain values, and values with a reference and a letter beyond ASCII, which take the closer look.
+/// Plain values, and values with a reference and a letter beyond ASCII, which take the slower path.
 constexpr const char* valueKinds[] = {"value ", "\xC3\xA9 & "};
 
 constexpr unsigned everything =
@@ -82,7 +82,7 @@ void saveByPugixml(benchmark::State& state) {
   }
 }
 
-/// As safe as ours: the new file is on the disk before the old one goes.
+/// As safe as ours: the new file is on the disk before the old one is replaced.
 void saveSafelyByPugixml(benchmark::State& state) {
   struct StringWriter final : pugi::xml_writer {
     std::string text;

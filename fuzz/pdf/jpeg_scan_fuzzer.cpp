@@ -1,5 +1,5 @@
-// The marker scan over any bytes: with the ends that it asks for, so that the walk between them is reached,
-// and without.
+// Scans any bytes for markers: as they are, and with the start and end markers that the scan requires, so
+// that the walk between them is reached.
 
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   bytes.append("\xFF\xD9");
   std::size_t turns = 0;
   const veltrano::JpegScan scan = veltrano::scanJpeg(bytes, [&turns] { ++turns; });
-  // Every step of the walk goes on by a byte at least.
+  // Every step advances by at least one byte.
   if (turns > bytes.size() || scan.header.has_value() != scan.message.empty()) {
     std::abort();
   }

@@ -1,4 +1,4 @@
-// Any text in any width: nothing is lost, nothing comes twice, and it ends.
+// Breaks any text at any width: nothing is lost or repeated, and it ends.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Any bytes as a settings file: loading and saving again changes nothing but the way things are said, so that
-// a second round gives the same bytes; a setting saved into it is there afterwards.
+// Loads any bytes as a settings file. Saving may change the notation only, so a second round gives the same
+// bytes; a setting that is saved can be read afterwards.
 
 #include <unistd.h>
 
@@ -28,7 +28,7 @@ std::string loadedAndSaved(const std::filesystem::path& file) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::filesystem::path file = workFile();
   const std::string input(reinterpret_cast<const char*>(data), size);
-  // The first line says which names are looked up, the rest is the file.
+  // The first line has the names to look up, the rest is the file.
   const std::size_t cut = input.find('\n');
   const std::string name = input.substr(0, cut);
   const std::string content = cut == std::string::npos ? std::string() : input.substr(cut + 1);
@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   xml.XML_Save();
   veltrano::VeltranoXML again;
   again.XML_Open(file);
-  // "none" is right where another root takes no settings.
+  // "none" is right if the root is another one, which takes no settings.
   if (value != "none" && again.XML_GetSetting("Folder", "Key", "lost") != value) {
     std::abort();
   }

@@ -3,10 +3,9 @@
 
   make_installer_source.py x86|x64 VERSION FOLDER
 
-FOLDER is what the zip for Windows holds. The x64 package brings both DLLs, each registered for the hosts of its word
-size; the x86 package is for a 32-bit Windows and refuses to run on another. What is registered is what the DLL's own
-registration writes (server/com/registration.cpp), as rows that the installer puts there and takes away again;
-scripts/try-package.sh compares the two.
+FOLDER is the unpacked zip for Windows. The x64 package has both DLLs, each registered for the hosts of its word size;
+the x86 package is for a 32-bit Windows and refuses to run on another. The installer writes and removes the registry rows
+that the DLL's own registration (server/com/registration.cpp) writes; scripts/try-package.sh compares the two.
 """
 
 import re
@@ -16,9 +15,11 @@ from pathlib import Path
 from xml.sax.saxutils import quoteattr
 
 ROOT = Path(__file__).resolve().parent.parent.parent
-# Fixed once: by it Windows knows that one version replaces another.
+# Never changes: it tells Windows that one version replaces another.
 UPGRADE_CODES = {"x86": "8ff4b051-3a61-43c1-827f-8b33f3e94e90", "x64": "d1db014a-5bd0-4ae8-84d3-4c67653bf765"}
-MARSHALLER = "{00020424-0000-0000-C000-000000000046}"
+# Of interfaces that a type library describes, and of plain dispatch interfaces, which the events are.
+TYPE_LIBRARY_MARSHALLER = "{00020424-0000-0000-C000-000000000046}"
+DISPATCH_MARSHALLER = "{00020420-0000-0000-C000-000000000046}"
 LIBRARY_VERSION = "1.0"
 
 
@@ -27,12 +28,12 @@ def braced(text):
 
 
 def derived(*parts):
-    """An identifier that is the same each time for the same parts."""
+    """An identifier that is the same for the same parts."""
     return braced(str(uuid.uuid5(uuid.UUID(UPGRADE_CODES["x64"]), "/".join(parts))))
 
 
 class Contract:
-    """The identifiers of the type library and the classes that the server has."""
+    """The identifiers of the type library and the classes of the server."""
 
     def __init__(self):
         text = re.sub(r"^\s*//.*$", "", (ROOT / "server/veltrano.idl").read_text(), flags=re.M)
@@ -49,7 +50,7 @@ class Contract:
                            for face in ("_" + name, "__" + name) if face in interfaces]
 
     def entries(self, architecture, dll):
-        """(key, value name or None, text) of everything that the registration of one DLL writes."""
+        """(key, value name or None, text) for every entry that the registration of one DLL writes."""
         for clsid, name, description in self.classes:
             program = f"VeltranoFrameWorkDLL.{name}"
             for key in (program, f"{program}.1"):
@@ -68,7 +69,7 @@ class Contract:
         for iid, name in self.interfaces:
             key = f"Interface\\{iid}"
             yield key, None, name
-            yield f"{key}\\ProxyStubClsid32", None, MARSHALLER
+            yield f"{key}\\ProxyStubClsid32", None, DISPATCH_MARSHALLER if name.startswith("__") else TYPE_LIBRARY_MARSHALLER
             yield f"{key}\\TypeLib", None, self.library
             yield f"{key}\\TypeLib", "Version", LIBRARY_VERSION
         key = f"TypeLib\\{self.library}\\{LIBRARY_VERSION}"
@@ -94,7 +95,7 @@ class Source:
         yield f"{indent}</Component>"
 
     def files(self, folder, indent):
-        """Every file below a folder of the zip, a component a folder; the DLL's brings its registration."""
+        """Every file below a folder of the zip, one component for each folder; that of the DLL has its registration."""
         relative = folder.relative_to(self.folder).as_posix()
         lines = []
         for number, path in enumerate(sorted(path for path in folder.iterdir() if path.is_file())):
@@ -122,7 +123,7 @@ class Source:
         yield f'      <Directory Id="{root}">'
         yield f'        <Directory Id="{name}" Name="VeltranoFrameWork">'
         if "." not in folders:
-            # No file lies here, so nothing else would take the folder away.
+            # Without files in it, the folder would not be removed.
             lines = [f'            <RemoveFolder Id="r_{name}" On="uninstall"/>']
             yield from self.component("c_" + name, False, "          ", lines)
         for folder in folders:

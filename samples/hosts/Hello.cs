@@ -1,5 +1,5 @@
-// Writes a page that greets. Not run by the project's tests: it needs .NET on Windows, for the platform (x86, x64) of
-// the registered DLL.
+// Writes a page with a greeting. The project's tests do not run it: it needs .NET on Windows. Build it for the platform
+// (x86, x64) of the registered DLL.
 //   csc /platform:x86 Hello.cs && Hello.exe C:\Temp\hello.pdf
 using System;
 using System.IO;

@@ -1,5 +1,5 @@
 Attribute VB_Name = "HelloModule"
-' Writes a page that greets. Not run by the project's tests: it needs Office. Import it into a VBA project, set the
+' Writes a page with a greeting. The project's tests do not run it: it needs Office. Import it into a VBA project, set the
 ' reference to "Veltrano FrameWork" under Tools, References, and run Hello.
 Option Explicit
 

@@ -1,6 +1,6 @@
-// Writes a page that greets, bound early through the header that is made from the type library.
+// Writes a page with a greeting, bound early through the header that is made from the type library.
 //   hello.exe C:\Temp\hello.pdf
-// Build it with veltrano.h and veltrano_i.c of the package's include folder:
+// Build it with veltrano.h and veltrano_i.c from the include folder of the package:
 //   i686-w64-mingw32-g++ -municode hello.cpp veltrano_i.c -o hello.exe -lole32 -loleaut32 -luuid
 #include <windows.h>
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// An automation text for the time of a call.
+/// A BSTR for the duration of a call.
 class Text {
  public:
   explicit Text(const wchar_t* text) : text_(SysAllocString(text)) {}

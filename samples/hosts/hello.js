@@ -1,4 +1,4 @@
-// Writes a page that greets.
+// Writes a page with a greeting.
 //   cscript //nologo hello.js OUTPUT.pdf
 var UNIT_MM = 1, FONT_ARIAL = 0, FONT_BOLD = 2;
 

@@ -1,4 +1,4 @@
-# Writes a page that greets. Not run by the project's tests: it needs Windows PowerShell.
+# Writes a page with a greeting. The project's tests do not run it: it needs Windows PowerShell.
 #   powershell -File hello.ps1 C:\Temp\hello.pdf
 param([Parameter(Mandatory = $true)][string]$Output)
 
@@ -6,7 +6,7 @@ $unitMm = 1; $fontArial = 0; $fontBold = 2
 
 $pdf = New-Object -ComObject VeltranoFrameWorkDLL.VeltranoPDF
 $pdf.PDFTitle = "Hello"
-# The process's current folder is not PowerShell's: give the whole path.
+# PowerShell's current folder is not that of the process: pass a full path.
 $pdf.PDFFileName = $ExecutionContext.SessionState.Path.GetUnresolvedProviderPathFromPSPath($Output)
 $pdf.PDFSetUnit = $unitMm
 $pdf.PDFBeginDoc()

@@ -1,4 +1,4 @@
-' Writes a page that greets.
+' Writes a page with a greeting.
 '   cscript //nologo hello.vbs OUTPUT.pdf
 Option Explicit
 
