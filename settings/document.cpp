@@ -32,6 +32,7 @@ SettingsDocument::LoadResult SettingsDocument::load(const std::filesystem::path&
   const auto clear = [this] {
     names_.forget();
     document_.reset();
+    text_ = std::string();
     form_ = XmlForm();
   };
   clear();
@@ -58,9 +59,8 @@ SettingsDocument::LoadResult SettingsDocument::read(const std::filesystem::path&
     return LoadResult::malformed;
   }
   form_ = std::move(decoded->form);
-  // A little is changed as a rule.
-  sizeHint_ = decoded->text.size() + decoded->text.size() / 8;
-  switch (parseXml(decoded->text, document_)) {
+  text_ = std::move(decoded->text);
+  switch (parseXml(text_, form_.declaration.size(), document_)) {
     case ParseResult::parsed:
       return LoadResult::loaded;
     case ParseResult::outOfMemory:
@@ -88,19 +88,24 @@ bool SettingsDocument::save(const std::filesystem::path& file) {
 }
 
 std::string SettingsDocument::bytes() const {
-  const std::string text = writeXml(document_, form_, {}, sizeHint_).value_or(std::string());
+  // A little is changed as a rule.
+  const std::size_t sizeHint = text_.size() + text_.size() / 8;
+  std::string text = writeXml(document_, form_, {}, sizeHint).value_or(std::string());
+  if (form_.encoding != XmlForm::Encoding::named) {
+    return encodeXml(form_, std::move(text)).value_or(std::string());
+  }
   if (auto bytes = encodeXml(form_, text)) {
     return *std::move(bytes);
   }
   const std::u32string missing = missingCharacters(form_, text);
-  if (const auto referring = writeXml(document_, form_, missing, sizeHint_)) {
+  if (const auto referring = writeXml(document_, form_, missing, sizeHint)) {
     if (auto bytes = encodeXml(form_, *referring)) {
       return *std::move(bytes);
     }
   }
   // A name that the file's encoding lacks has been added.
   const XmlForm unicode = inUtf8(form_);
-  return encodeXml(unicode, writeXml(document_, unicode, {}, sizeHint_).value_or(std::string()))
+  return encodeXml(unicode, writeXml(document_, unicode, {}, sizeHint).value_or(std::string()))
       .value_or(std::string());
 }
 

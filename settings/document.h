@@ -3,7 +3,6 @@
 
 // A settings file in memory: its document and how it was encoded.
 
-#include <cstddef>
 #include <filesystem>
 #include <string>
 
@@ -45,10 +44,10 @@ class SettingsDocument {
   LoadResult read(const std::filesystem::path& file);
   [[nodiscard]] std::string bytes() const;
 
+  std::string text_;  ///< the document points into it
   pugi::xml_document document_;
   NameTables names_;
   XmlForm form_;
-  std::size_t sizeHint_ = 0;  ///< of the text to be saved
   LoadResult lastLoad_ = LoadResult::missing;
 };
 

@@ -153,6 +153,10 @@ std::string textOf(const pugi::xpath_node& node) {
   if (top.type() == pugi::node_comment || top.type() == pugi::node_pi) {
     return top.value();
   }
+  const pugi::xml_node only = top.first_child();
+  if (only.type() == pugi::node_pcdata && !only.next_sibling()) {
+    return only.value();  // as in nearly all keys
+  }
   std::string text;
   for (pugi::xml_node part = top; part; part = nextNode(part, top)) {
     if ((part.type() == pugi::node_pcdata && !isLayout(part)) || part.type() == pugi::node_cdata) {

@@ -3,20 +3,10 @@
 
 // Characters as XML has them, in UTF-8.
 
-#include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 
 namespace veltrano {
-
-struct DecodedCharacter {
-  char32_t code = 0;
-  std::size_t length = 0;  ///< bytes
-};
-
-/// The character at the start of `text`; empty if `text` is empty or does not start with well-formed UTF-8.
-std::optional<DecodedCharacter> decodeCharacter(std::string_view text);
 
 inline bool isXmlBlank(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r';

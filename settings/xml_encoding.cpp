@@ -4,8 +4,8 @@
 #include <set>
 #include <utility>
 
-#include "base/text/code_page.h"
 #include "base/text/encodings.h"
+#include "base/text/utf.h"
 #include "settings/xml_characters.h"
 
 namespace veltrano {
@@ -216,19 +216,16 @@ std::optional<std::string> encodeXml(const XmlForm& form, std::string text) {
 }
 
 std::u32string missingCharacters(const XmlForm& form, std::string_view text) {
-  std::set<std::string_view> characters;
+  std::set<char32_t> characters;
   for (std::size_t i = 0; i < text.size();) {
-    const auto character = decodeCharacter(text.substr(i));
-    const std::size_t length = character ? character->length : 1;
-    if (length > 1) {
-      characters.insert(text.substr(i, length));
-    }
-    i += length;
+    characters.insert(nextCharacter(text, i));
   }
   std::u32string missing;
-  for (const std::string_view character : characters) {  // in the order of UTF-8, which is that of the codes
-    if (!encodeXml(form, std::string(character))) {
-      missing.push_back(decodeCharacter(character)->code);
+  for (const char32_t code : characters) {
+    std::string character;
+    appendUtf8(character, code);
+    if (code >= 0x80 && !encodeXml(form, character)) {
+      missing.push_back(code);
     }
   }
   return missing;

@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "base/numbers/numbers.h"
-#include "settings/xml_characters.h"
+#include "base/text/utf.h"
 
 namespace veltrano {
 
@@ -251,7 +251,7 @@ class Writer {
     }
   }
 
-  /// Writes the character beyond ASCII at the begin of `text`, and returns its bytes; or none, when the
+  /// Writes the character beyond ASCII at the start of `text`, and returns its bytes; writes nothing if the
   /// encoding lacks it.
   std::size_t wholeCharacter(const char* text) {
     const auto character = characterAt(text);
@@ -262,10 +262,17 @@ class Writer {
     return character.length;
   }
 
+  struct Character {
+    char32_t code;
+    std::size_t length;  ///< bytes
+  };
+
   /// The document holds well-formed texts only.
-  static DecodedCharacter characterAt(const char* text) {
+  static Character characterAt(const char* text) {
     constexpr std::size_t longest = 4;
-    return decodeCharacter({text, strnlen(text, longest)}).value_or(DecodedCharacter{0xFFFD, 1});
+    std::size_t length = 0;
+    const char32_t code = nextCharacter(std::string_view(text, strnlen(text, longest)), length);
+    return {code, length};
   }
 
   const std::u32string_view missing_;

@@ -72,6 +72,7 @@ TEST_F(LateBinding, CoercesEveryKindToAText) {
   EXPECT_EQ(L"k=5", text(5));
   EXPECT_EQ(L"k=True", text(true));
   EXPECT_EQ(L"k=", text(Argument()));
+  EXPECT_EQ(L"k=\u4e2d\u0416\xD800", text(L"\u4e2d\u0416\xD800")) << "the code page must not touch it";
   EXPECT_EQ(L"k=a\u00e9", text(bytes));
   EXPECT_EQ(L"k=value", text(ComPointer<IDispatch>(new FakeObject(Argument(L"value"))).get()));
 }
