@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "host.h"
-#include "pdf/veltrano_pdf.h"
+#include "veltrano/pdf.h"
 
 namespace veltrano::tests {
 

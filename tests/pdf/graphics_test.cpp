@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <tuple>
 
 #include "tests/pdf/pdf_testing.h"
 
@@ -20,6 +21,8 @@ TEST(Colors, OfEveryForm) {
       {COLOR_JAUNE, "1.000 1.000 0.000"},
       {COLOR_BLEU, "0.000 0.000 1.000"},
       {255.9, "1.000 0.000 0.000"},
+      {-0.5, "0.000 0.000 0.000"},  // fractions go towards zero
+      {-1.5, "1.000 1.000 1.000"},
       {-1, "1.000 1.000 1.000"},
       {1e10, "0.000 0.000 0.000"},
       {std::numeric_limits<double>::quiet_NaN(), "0.000 0.000 0.000"},
@@ -28,6 +31,8 @@ TEST(Colors, OfEveryForm) {
       {Value::List{70000, Opaque(), 255, 9}, "0.000 0.000 1.000"},
       {Value::List{255}, "1.000 0.000 0.000"},
       {Value::Doubles{255, 0, 255, 9}, "1.000 0.000 1.000"},
+      {Value::Bytes{255, 128, 0, 9}, "1.000 0.502 0.000"},
+      {Value::Bytes{0, 255}, "0.000 1.000 0.000"},
   };
   for (const auto& [color, numbers] : rows) {
     const std::string content = contentOf([&, given = color](VeltranoPDF& pdf) {
@@ -85,7 +90,6 @@ TEST(GraphicsState, EveryRefusalHasItsMessage) {
       {"Incorrect Unit", [](VeltranoPDF& pdf) { pdf.PDFSetUnit(3); }},
       {"Incorrect Page Orientation", [](VeltranoPDF& pdf) { pdf.PDFOrientation(2); }},
       {"Incorrect Layout", [](VeltranoPDF& pdf) { pdf.PDFSetLayoutMode(4); }},
-      {"Incorrect Layout", [](VeltranoPDF& pdf) { pdf.PDFSetLayoutMode(-1); }},
   };
   Document document;
   for (const auto& [message, call] : rows) {
@@ -106,6 +110,72 @@ TEST(GraphicsState, HandlerMayUseTheObjectAndReplaceItself) {
   document.pdf.PDFFormatPage("none");
   EXPECT_EQ(seen, "Incorrect Page Code");
   EXPECT_EQ(document.pdf.PDFGetPageWidth(), 595.28);
+}
+
+TEST(Drawing, MovesTheCurrentPosition) {
+  const std::tuple<void (*)(VeltranoPDF&), int, int> rows[] = {
+      {[](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(10, 20, 100); }, 110, 20},
+      {[](VeltranoPDF& pdf) { pdf.PDFDrawLineVer(10, 20, 100); }, 10, 120},
+      {[](VeltranoPDF& pdf) { pdf.PDFDrawLine(10, 20, 5, 30); }, 10, 30},
+      {[](VeltranoPDF& pdf) { pdf.PDFDrawRectangle(3, 4, 50, 60); }, 3, 64},
+      {[](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(30, 40, 50, 60); }, 3, 64},
+      // Where its link has left it, 10 being the font size.
+      {[](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(30, 40, 50, 60, "t"); }, 35, 80},
+      {[](VeltranoPDF& pdf) { pdf.PDFCell("x", 7, 8, 9, 10); }, 7, 18},
+  };
+  VeltranoPDF pdf;
+  for (const auto& [draw, x, y] : rows) {
+    draw(pdf);
+    EXPECT_EQ(pdf.PDFGetX(), x);
+    EXPECT_EQ(pdf.PDFGetY(), y);
+  }
+}
+
+TEST(Drawing, StraightLinesLeaveTheirColorAsTheFillColor) {
+  const std::pair<void (*)(VeltranoPDF&), const char*> rows[] = {
+      {[](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(0, 0, 1); }, "0 g\r\n"},
+      {[](VeltranoPDF& pdf) {
+         pdf.PDFSetLineColor(COLOR_ROUGE);
+         pdf.PDFDrawLineVer(0, 0, 1);
+       },
+       "1.000 0.000 0.000 rg\r\n"},
+      {[](VeltranoPDF& pdf) { pdf.PDFDrawLine(0, 0, 1, 1); }, "0.000 1.000 0.000 rg\r\n"},
+  };
+  for (const auto& [draw, fill] : rows) {
+    const std::string content = contentOf([&, line = draw](VeltranoPDF& pdf) {
+      pdf.PDFSetDrawMode(DRAW_DRAW);
+      pdf.PDFSetDrawColor(COLOR_VERT);
+      line(pdf);
+      pdf.PDFDrawRectangle(0, 0, 1, 1);
+    });
+    EXPECT_TRUE(tests::holds(content, std::string("%DEBUT_RECT/%\r\n") + fill));
+  }
+}
+
+TEST(Drawing, PolygonTakesThePointsThatAreOnes) {
+  const Value one = Value::List{10, 20};
+  const Value other = Value::Doubles{30, 40};
+  const Value none = Value::List{"x"};
+  const std::pair<Value::List, int> rows[] = {
+      {{one, none, other}, 2},
+      {{Value::List{none, one, other}}, 2},  // one array, its first point malformed
+      {{Value::List{Value(), one}}, 1},
+      {{one}, 1},
+      {{none, Value(), 1e308}, 0},
+      {{Value::List{}}, 0},
+      {{}, 0},
+  };
+  for (const auto& [points, usable] : rows) {
+    const std::string content = tests::contentOf([&, given = points](VeltranoPDF& pdf) {
+      pdf.PDFSetDrawMode(DRAW_DRAWBORDER);
+      pdf.PDFDrawPolygon(given);
+    });
+    const auto painted = content.ends_with("h\r\nB\r\n%FIN_POLY/%\r\n");
+    EXPECT_EQ(painted, usable > 0) << content;
+    EXPECT_EQ(content.ends_with(" w \r\n%FIN_POLY/%\r\n"), usable == 0) << "no operator without a path";
+    EXPECT_EQ(tests::countOf(content, " m\r\n") + tests::countOf(content, " l\r\n"),
+              static_cast<std::size_t>(usable));
+  }
 }
 
 }  // namespace

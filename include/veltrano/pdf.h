@@ -1,5 +1,5 @@
-#ifndef VELTRANO_PDF_VELTRANO_PDF_H
-#define VELTRANO_PDF_VELTRANO_PDF_H
+#ifndef VELTRANO_PDF_H
+#define VELTRANO_PDF_H
 
 // A PDF document, built in memory page by page and written to a file at its end.
 //
@@ -8,44 +8,105 @@
 //   pdf.PDFBeginDoc();
 //   pdf.PDFSetFont(veltrano::FONT_ARIAL, 12);
 //   pdf.PDFTextOut("Hello", 2, 2);
-//   pdf.PDFEndPage();  // the geometry moves on: formats and orientations set now are the next page's
+//   pdf.PDFEndPage();  // formats and orientations set from here on are the next page's
 //   pdf.PDFNewPage();
 //   pdf.PDFEndDoc();
 //
-// Text is ANSI text (base/code_page.h), file names are paths. Positions and lengths are user units, from the
+// Text is in the ANSI code page (veltrano/text.h), file names are paths. Positions and lengths are user units, from the
 // top left of the page downwards, unless points are named. Properties are functions of the name that hosts
 // see; a put takes the value, a get returns it. Where a member looks at the kind of a value before it
 // converts it, it takes a Value.
 //
-// Nothing here reports failure except through onError. A rejected argument is replaced as the member says;
-// any other fault inside a member (an overflow, a number that is not finite) skips that step, and the steps
-// after it still run. Only memory exhaustion leaves a member as an exception. One object is for one thread at
-// a time.
+// Failure is reported through onError only. A rejected argument is replaced as the member says; any other
+// fault inside a member (an overflow, a number that is not finite) skips that step, and the steps after it
+// still run. Only memory exhaustion leaves a member as an exception. One object is for one thread at a time.
 
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "base/value.h"
-#include "pdf/assembly/bookmarks.h"
-#include "pdf/assembly/document_assembly.h"
-#include "pdf/document/page_geometry.h"
-#include "pdf/document/settings.h"
-#include "pdf/enumerations.h"
-#include "pdf/fonts/fonts.h"
-#include "pdf/graphics/graphics_state.h"
-#include "pdf/images/images.h"
-#include "pdf/text/line_breaking.h"
-#include "pdf/text/links.h"
+#include "veltrano/value.h"
 #ifdef VELTRANO_INSTALLED
-#include "base/os/installed.h"
+#include "veltrano/installed.h"
 #endif
 
 namespace veltrano {
+
+// The enumerations, under the names that hosts see. Members take plain 32-bit numbers, since hosts may pass
+// any value; these convert to them by themselves.
+
+enum PDFUnitStr : std::int32_t { UNIT_PT = 0, UNIT_MM = 1, UNIT_CM = 2 };
+
+enum PDFOrientationStr : std::int32_t { ORIENT_PAYSAGE = 0, ORIENT_PORTRAIT = 1 };
+
+enum PDFFormatPgStr : std::int32_t {
+  FORMAT_A4 = 0,
+  FORMAT_A3 = 1,
+  FORMAT_A5 = 2,
+  FORMAT_LETTER = 3,
+  FORMAT_LEGAL = 4
+};
+
+enum PDFZoomMd : std::int32_t { ZOOM_FULLPAGE = 0, ZOOM_FULLWIDTH = 1, ZOOM_REAL = 2, ZOOM_DEFAULT = 3 };
+
+enum PDFLayoutMd : std::int32_t {
+  LAYOUT_SINGLE = 0,
+  LAYOUT_CONTINOUS = 1,
+  LAYOUT_TWO = 2,
+  LAYOUT_DEFAULT = 3
+};
+
+enum PDFViewerCst : std::int32_t {
+  VIEW_HIDETOOLBAR = 1,
+  VIEW_HIDEMENUBAR = 2,
+  VIEW_HIDEWINDOWUI = 3,
+  VIEW_FITWINDOW = 4,
+  VIEW_CENTERWINDOW = 5,
+  VIEW_DISPLAYDOCTITLE = 6
+};
+
+enum PDFStyleLgn : std::int32_t { pPDF_SOLID = 0, pPDF_DASH = 1, pPDF_DASHDOT = 2, pPDF_DASHDOTDOT = 3 };
+
+enum PDFFontNme : std::int32_t {
+  FONT_ARIAL = 0,
+  FONT_COURIER = 1,
+  FONT_TIMES = 2,
+  FONT_SYMBOL = 3,
+  FONT_ZAPFDINGBATS = 4
+};
+
+/// Styles combine by writing their digits together: 12 is bold italic.
+enum PDFFontStl : std::int32_t { FONT_NORMAL = 0, FONT_ITALIC = 1, FONT_BOLD = 2, FONT_UNDERLINE = 3 };
+
+enum PDFDrawMd : std::int32_t { DRAW_NORMAL = 0, DRAW_DRAW = 1, DRAW_DRAWBORDER = 2 };
+
+/// Red in the lowest byte, green in the next, blue in the third.
+enum PDFColorValue : std::int32_t {
+  COLOR_NONE = 16777215,
+  COLOR_NOIR = 0,
+  COLOR_BLEU = 16711680,
+  COLOR_VERT = 65280,
+  COLOR_CYAN = 16776960,
+  COLOR_ROUGE = 255,
+  COLOR_MAGENTA = 16711935,
+  COLOR_JAUNE = 65535,
+  COLOR_BLANC = 16777215
+};
+
+enum PDFAlignValue : std::int32_t { ALIGN_CENTER = 0, ALIGN_LEFT = 1, ALIGN_RIGHT = 2, ALIGN_FJUSTIFY = 3 };
+
+/// Borders combine by writing their digits together: 23 is top and bottom.
+enum PDFBorderValue : std::int32_t {
+  BORDER_NONE = 0,
+  BORDER_ALL = 1,
+  BORDER_TOP = 2,
+  BORDER_BOTTOM = 3,
+  BORDER_LEFT = 4,
+  BORDER_RIGHT = 5
+};
 
 class VeltranoPDF {
  public:
@@ -76,8 +137,8 @@ class VeltranoPDF {
   void PDFAuthor(std::string_view text);
   void PDFTitle(std::string_view text);
 
-  /// Also empties the output: without it a second document is appended to the first, as hosts rely on. To be
-  /// set before PDFBeginDoc.
+  /// Also empties the output: without it a second document is appended to the first, kept because hosts rely
+  /// on it. To be set before PDFBeginDoc.
   void PDFFileName(const std::filesystem::path& file);
   /// Always empty: it reads a field that no member sets. Kept as hosts know it.
   [[nodiscard]] std::string PDFGetFileName() const;
@@ -90,7 +151,7 @@ class VeltranoPDF {
   /// A text that is drawn diagonally across the pages.
   void PDFFiligran(std::string_view text);
 
-  /// PDFZoomMd or a factor in per cent. "Zoom mode incorrect." and 0 for what is no number.
+  /// PDFZoomMd or a factor in per cent. "Zoom mode incorrect." and 0 for a value that is not a number.
   void PDFSetZoomMode(const Value& zoom);
   [[nodiscard]] Value PDFGetZoomMode() const;
   /// PDFLayoutMd. "Incorrect Layout" and LAYOUT_SINGLE for others.
@@ -134,12 +195,12 @@ class VeltranoPDF {
   /// A right or bottom margin of -1 (omitted) is that of the left or top.
   void PDFSetMargins(std::int16_t left, std::int16_t top, std::int16_t right = -1, std::int16_t bottom = -1);
   /// The current position, rounded; 0 when it does not fit 16 bits.
-  [[nodiscard]] std::int16_t PDFGetX();
+  [[nodiscard]] std::int16_t PDFGetX() const;
   [[nodiscard]] std::int16_t PDFGetY() const;
 
   // Assembly
 
-  /// Starts a document and its first page.
+  /// Starts a document and its first page. An open document is given up, its unfinished page with it.
   void PDFBeginDoc();
   /// Closes the page and begins the next one. Does nothing when no document is open.
   void PDFNewPage();
@@ -160,9 +221,12 @@ class VeltranoPDF {
 
   // Fonts
 
-  /// Adds the fonts whose metrics `folder` holds and makes it the metrics folder when it holds any.
+  /// Overwrites the font table from its start with the fonts whose metrics `folder` holds, and makes it the
+  /// metrics folder if it holds any.
   void PDFLoadAfm(const std::filesystem::path& folder);
-  /// PDFFontNme, size in points, digits of PDFFontStl. "Invalid Fort " and "TimesRoman" for other fonts.
+  /// PDFFontNme, size in points, digits of PDFFontStl. "Invalid Fort " and "TimesRoman" for other fonts. The
+  /// font's metrics are those of its file now; it is looked at again when a page begins or a width is asked
+  /// for.
   void PDFSetFont(std::int32_t font, std::int16_t size, std::int32_t style = FONT_NORMAL);
   /// Width in points at `size` points: 0 when the size is left out. An empty name is the current font.
   [[nodiscard]] double PDFGetStringWidth(std::string_view text, std::string_view fontName = {},
@@ -170,18 +234,18 @@ class VeltranoPDF {
 
   // Graphics state
 
-  /// A colour is a number (PDFColorValue), "#RRGGBB" or a list of red, green and blue from 0 to 255. A text
-  /// of another form is black and reported: "Invalid Text Color", "Invalid Line Color", "Invalide Draw
+  /// A colour is a number (PDFColorValue), "#RRGGBB", or a list or bytes of red, green and blue from 0 to 255.
+  /// Other text is black and reported: "Invalid Text Color", "Invalid Line Color", "Invalide Draw
   /// Color".
   void PDFSetTextColor(const Value& color);
   void PDFSetLineColor(const Value& color);
   void PDFSetDrawColor(const Value& color);
-  /// Always empty, as hosts know them.
+  /// Always empty.
   [[nodiscard]] std::string PDFGetTextColor() const;
   [[nodiscard]] std::string PDFGetLineColor() const;
   [[nodiscard]] std::string PDFGetDrawColor() const;
   void PDFSetLineWidth(double width);
-  /// PDFStyleLgn, in the unit of now. "Incorrect Line Style" and no operator for others.
+  /// PDFStyleLgn, in the current unit. "Incorrect Line Style" and no operator for others.
   void PDFSetLineStyle(std::int32_t style);
   /// PDFDrawMd. "Incorrect Draw line" and DRAW_NORMAL for others.
   void PDFSetDrawMode(std::int32_t mode);
@@ -194,24 +258,27 @@ class VeltranoPDF {
   /// Whether cells are filled.
   void PDFSetFill(bool fill);
 
-  // Drawing. A link that is no text raises "Unable to include this link"; an empty one is none.
+  // Drawing. A link that is not text raises "Unable to include this link"; an empty one is no link.
 
-  /// Also turns the fill colour into the line colour, as hosts rely on; so does PDFDrawLineVer.
+  /// Also makes the line colour the fill colour, kept because hosts rely on it; so does PDFDrawLineVer.
   void PDFDrawLineHor(double x, double y, double width);
   void PDFDrawLineVer(double x, double y, double height);
   void PDFDrawLine(double x1, double y1, double x2, double y2);
-  /// Leaves the text colour white, as hosts rely on.
+  /// Leaves the text colour white, kept because hosts rely on it.
   void PDFDrawRectangle(double x, double y, double width, double height, const Value& link = std::string());
-  /// The ellipse within the box at (x, y); a height of 0 is the width.
+  /// The ellipse within the box at (x, y); a height of 0 is the width. Moves the current position only with a
+  /// link, to where the link was placed.
   void PDFDrawEllipse(double x, double y, double width, double height = 0, const Value& link = std::string());
-  /// Closed; each point is a list of x and y.
+  /// Closed; each point is a list of x and y, or all of them are one list. What is not a pair of numbers is
+  /// left out; without any point nothing is painted.
   void PDFDrawPolygon(const Value::List& points);
 
   // Text, cells, links
 
   /// Writes one line of text with its baseline at y; 0 is the current position.
   void PDFTextOut(std::string_view text, double x = 0, double y = 0);
-  /// Writes text into a box of the current border, fill and alignment, broken to its width.
+  /// Writes text into a box of the current border, fill and alignment. Lines wider than the cell less two cell
+  /// margins are broken at blanks; words are never broken.
   void PDFCell(std::string_view text, double x, double y, double width, double height,
                const Value& link = std::string());
   /// Writes underlined text that leads to `link`, or to itself when that is empty.
@@ -237,73 +304,8 @@ class VeltranoPDF {
   }
 
  private:
-  /// Reports a rejected argument. The handler may change the whole object: nothing may be held across this
-  /// call.
-  void raise(std::string_view message);
-
-  // Assembly (assembly.cpp, document_objects.cpp).
-  void beginPage();
-  void closePage();
-  void drawWatermark();
-  void writeInformation();
-  std::vector<int> writeFonts();
-  void writePagesTree();
-  void writeResources(const std::vector<int>& fontObjects);
-  void writeImages();
-  void writePages();
-  void writeOutline();
-  void writeCatalog();
-  /// Object number of a page of the document being finished.
-  [[nodiscard]] int pageObject(int page) const;
-
-  // Drawing (drawing.cpp).
-  void copyLineColorToFill();
-  /// A line that leaves its colour as the fill colour and the current position at its end; `marker` names it.
-  void drawStraightLine(std::string_view marker, double x1, double y1, double x2, double y2);
-  void appendEllipse(double x, double y, double width, double height);
-  void appendPaintColors();
-  void appendLineWidth(std::string_view operators);
-  void placeShapeLink(const Value& link, const LinkShape& shape);
-
-  // Fonts (fonts.cpp).
-  void findFontNumber();
-
-  // Text (text.cpp).
-  /// The current x, once the width of a text that it waits for is certain.
-  double settledX();
-  /// Sets the current position. A coordinate that is not finite leaves the one of before.
-  void moveTo(double x, double y);
-  void advanceBehind(std::string_view text, double x, double y);
-  void appendColorStart();
-  void appendColorEnd();
-  /// Font, text and "ET": what follows the position of a text.
-  void appendTextOperators(std::string_view text);
-
-  // Cells (cells.cpp).
-  struct CellFrame;
-  [[nodiscard]] std::vector<TextLine> breakCellText(const CellFrame& frame, std::string_view text) const;
-  void appendCellLine(const CellFrame& frame, const TextLine& line, std::size_t index);
-  void appendCellBox(const CellFrame& frame, std::size_t index);
-  void appendCellEdges(const CellFrame& frame);
-  [[nodiscard]] double cellTextOffset(const CellFrame& frame, double textWidth) const;
-
-  // Links (links.cpp).
-  /// Places a link over `shape`, whose text position is (x, y).
-  void placeLink(const Value& link, const LinkShape& shape, double x, double y);
-  void recordLink(LinkEntry area, std::string_view target);
-
-  // Images (images.cpp).
-  std::optional<ImageRecord> parseJpegFile(const std::filesystem::path& file);
-  std::optional<ImageRecord> scanForSize(const std::filesystem::path& file, std::string_view refusal);
-
-  DocumentSettings settings_;
-  PageGeometry geometry_;
-  Assembly assembly_;
-  BookmarkList bookmarks_;
-  FontState fonts_;
-  GraphicsState graphics_;
-  LinkState links_;
-  ImageTable images_;
+  struct Impl;
+  std::unique_ptr<Impl> impl_;
 };
 
 }  // namespace veltrano
