@@ -106,7 +106,6 @@ TEST(FileIdentity, TellsAChangedFile) {
   ASSERT_TRUE(first);
   EXPECT_EQ(first->size, 3U);
   EXPECT_EQ(fileIdentity(file), first);
-  EXPECT_LT(std::abs(fileClockNow() - first->modified), 60'000'000'000);
   ASSERT_TRUE(replaceFile(file, "three"));
   EXPECT_NE(fileIdentity(file), first);
 }

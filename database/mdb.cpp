@@ -1,7 +1,8 @@
-#include "database/veltrano_mdb.h"
+#include "veltrano/mdb.h"
 
 #include "base/trace.h"
 #include "database/database_engine.h"
+#include "database/shared_engine.h"
 #include "database/text_matcher.h"
 
 namespace veltrano {
@@ -31,26 +32,24 @@ void step(const char* member, Recordset* recordset, bool (Recordset::*operation)
 
 }  // namespace
 
-VeltranoMDB::VeltranoMDB() : engine_(nullptr) {}
-VeltranoMDB::VeltranoMDB(DatabaseEngine& engine) : engine_(&engine) {}
-VeltranoMDB::VeltranoMDB(VeltranoMDB&&) noexcept = default;
+struct VeltranoMDB::Impl {
+  DatabaseEngine* engine =
+      nullptr;  ///< null: the shared one, made on first use and not with the first object
+  std::unique_ptr<Database> database;
+  std::unique_ptr<Recordset> recordset;  // goes first
+};
 
-VeltranoMDB& VeltranoMDB::operator=(VeltranoMDB&& other) noexcept {
-  if (this != &other) {
-    recordset_ = std::move(other.recordset_);
-    database_ = std::move(other.database_);
-    engine_ = other.engine_;
-  }
-  return *this;
+VeltranoMDB::VeltranoMDB() : impl_(std::make_unique<Impl>()) {}
+VeltranoMDB::VeltranoMDB(DatabaseEngine& engine) : VeltranoMDB() {
+  impl_->engine = &engine;
 }
-
-// The recordset goes first (it is the last member), then its database.
+VeltranoMDB::VeltranoMDB(VeltranoMDB&&) noexcept = default;
+VeltranoMDB& VeltranoMDB::operator=(VeltranoMDB&&) noexcept = default;
 VeltranoMDB::~VeltranoMDB() = default;
 
 bool VeltranoMDB::OpenDB(const std::string& filename, const std::string& /*Username*/,
                          const std::string& Password) {
-  // The shared engine is made on first use, not with the first object.
-  DatabaseEngine& engine = engine_ != nullptr ? *engine_ : sharedDatabaseEngine();
+  DatabaseEngine& engine = impl_->engine != nullptr ? *impl_->engine : sharedDatabaseEngine();
   std::optional<std::string> connect;
   if (!Password.empty()) {
     connect = std::string(passwordConnectPrefix) + Password;
@@ -61,97 +60,97 @@ bool VeltranoMDB::OpenDB(const std::string& filename, const std::string& /*Usern
     traceSkipped("OpenDB", reason, filename);
     return false;
   }
-  database_ = std::move(database);
+  impl_->database = std::move(database);
   return true;
 }
 
 bool VeltranoMDB::OpenTable(const std::string& Table) {
-  if (!database_) {
+  if (!impl_->database) {
     traceClosed("OpenTable", "no database is open");
     return false;
   }
-  auto recordset = database_->openTable(Table);
+  auto recordset = impl_->database->openTable(Table);
   if (!recordset) {
-    trace("OpenTable", *database_, Table);
+    trace("OpenTable", *impl_->database, Table);
     return false;
   }
-  recordset_ = std::move(recordset);
+  impl_->recordset = std::move(recordset);
   return true;
 }
 
 bool VeltranoMDB::WriteRecord(const std::string& Field, const Value& value) {
-  if (!recordset_) {
+  if (!impl_->recordset) {
     traceClosed("WriteRecord", "no table is open");
-  } else if (!recordset_->write(Field, value)) {
-    trace("WriteRecord", *recordset_, Field);
+  } else if (!impl_->recordset->write(Field, value)) {
+    trace("WriteRecord", *impl_->recordset, Field);
   }
   return false;
 }
 
 std::string VeltranoMDB::ReadRecord_String(const std::string& xField) {
   std::string text;
-  if (!recordset_) {
+  if (!impl_->recordset) {
     traceClosed("ReadRecord_String", "no table is open");
-  } else if (!recordset_->readText(xField, text)) {
-    trace("ReadRecord_String", *recordset_, xField);
+  } else if (!impl_->recordset->readText(xField, text)) {
+    trace("ReadRecord_String", *impl_->recordset, xField);
     text.clear();
   }
   return text;
 }
 
 void VeltranoMDB::Edit() {
-  step("Edit", recordset_.get(), &Recordset::edit);
+  step("Edit", impl_->recordset.get(), &Recordset::edit);
 }
 void VeltranoMDB::Delete() {
-  step("Delete", recordset_.get(), &Recordset::remove);
+  step("Delete", impl_->recordset.get(), &Recordset::remove);
 }
 void VeltranoMDB::MoveFirst() {
-  step("MoveFirst", recordset_.get(), &Recordset::moveFirst);
+  step("MoveFirst", impl_->recordset.get(), &Recordset::moveFirst);
 }
 void VeltranoMDB::MoveNext() {
-  step("MoveNext", recordset_.get(), &Recordset::moveNext);
+  step("MoveNext", impl_->recordset.get(), &Recordset::moveNext);
 }
 void VeltranoMDB::MoveLast() {
-  step("MoveLast", recordset_.get(), &Recordset::moveLast);
+  step("MoveLast", impl_->recordset.get(), &Recordset::moveLast);
 }
 void VeltranoMDB::AddNew() {
-  step("AddNew", recordset_.get(), &Recordset::addNew);
+  step("AddNew", impl_->recordset.get(), &Recordset::addNew);
 }
 void VeltranoMDB::Update() {
-  step("Update", recordset_.get(), &Recordset::update);
+  step("Update", impl_->recordset.get(), &Recordset::update);
 }
 
 bool VeltranoMDB::Eof() {
-  if (!recordset_) {
+  if (!impl_->recordset) {
     traceClosed("EOF", "no table is open");
     return false;
   }
-  return recordset_->atEnd().value_or(false);
+  return impl_->recordset->atEnd().value_or(false);
 }
 
 bool VeltranoMDB::FindRecord(const std::string& Field, const std::string& Value, std::int16_t CaseSensivite) {
-  if (!recordset_) {
+  if (!impl_->recordset) {
     traceClosed("FindRecord", "no table is open");
     return false;
   }
   MoveFirst();
   // Without an answer the recordset is closed, and no step could leave the loop.
-  if (recordset_->atEnd().value_or(true)) {
+  if (impl_->recordset->atEnd().value_or(true)) {
     return false;
   }
-  return recordset_->find(
+  return impl_->recordset->find(
       Field, TextMatcher(Value, CaseSensivite == flagTrue ? CaseRule::exact : CaseRule::lowered));
 }
 
 void VeltranoMDB::CloseTable() {
-  step("CloseTable", recordset_.get(), &Recordset::close);
+  step("CloseTable", impl_->recordset.get(), &Recordset::close);
 }
 
 void VeltranoMDB::CloseDatabase() {
-  if (!database_) {
+  if (!impl_->database) {
     traceClosed("CloseDatabase", "no database is open");
-  } else if (!database_->close()) {
-    trace("CloseDatabase", *database_);
+  } else if (!impl_->database->close()) {
+    trace("CloseDatabase", *impl_->database);
   }
 }
 

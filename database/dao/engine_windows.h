@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_DAO_DAO_ENGINE_WINDOWS_H
-#define VELTRANO_DATABASE_DAO_DAO_ENGINE_WINDOWS_H
+#ifndef VELTRANO_DATABASE_DAO_ENGINE_WINDOWS_H
+#define VELTRANO_DATABASE_DAO_ENGINE_WINDOWS_H
 
 // The engine that a Windows machine may have: Data Access Objects 3.6, or their successor 12.0, called late
 // bound.
@@ -10,8 +10,8 @@
 
 namespace veltrano {
 
-/// Null when neither can be created in this process (none is installed, or for the other word size only, or
-/// the thread has not initialised COM).
+/// Null if neither can be created in this process: none is installed, or only one for the other word size, or the
+/// thread has not initialised COM.
 std::unique_ptr<DatabaseEngine> makeDaoEngine();
 
 }  // namespace veltrano

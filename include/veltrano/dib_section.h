@@ -1,5 +1,5 @@
-#ifndef VELTRANO_IMAGING_DIB_SECTION_H
-#define VELTRANO_IMAGING_DIB_SECTION_H
+#ifndef VELTRANO_DIB_SECTION_H
+#define VELTRANO_DIB_SECTION_H
 
 // The uncompressed image of the JPEG and PNG classes: a bottom-up section of 24-bit blue-green-red pixels,
 // rows padded to a multiple of 4 bytes, with a memory device context selected onto it.
@@ -14,7 +14,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "imaging/picture.h"
+#include "veltrano/picture.h"
 
 namespace veltrano {
 
@@ -54,7 +54,7 @@ class cDIBSection {
   /// The section's own handle; 0 without one. Owned by this object.
   [[nodiscard]] GraphicsHandle hDib() const;
   /// First byte of the bottom row; null without a section, valid until the next Create or ClearUp. GDI's
-  /// pending drawing is finished before the address is given.
+  /// pending drawing is finished before the address is returned.
   [[nodiscard]] std::uint8_t* DIBSectionBitsPtr() const;
   [[nodiscard]] std::int32_t Width() const { return header_.biWidth; }
   [[nodiscard]] std::int32_t Height() const { return header_.biHeight; }
@@ -64,16 +64,16 @@ class cDIBSection {
 
   /// Makes the bare section, without device context, in place of what was held; `bitMode` 3 gives 24 bits,
   /// anything else 32. `dc` may be 0. `dib` receives the section's handle, which stays owned by this object,
-  /// or 0. The pixels are zero. False when the size is not positive, more than 2^31 - 1 bytes, or more than
-  /// the system has.
+  /// or 0. The pixels are zero. False if the size is not positive, more than 2^31 - 1 bytes, or more than the
+  /// system has.
   bool CreateDIB(GraphicsHandle dc, std::int32_t width, std::int32_t height, int bitMode,
                  GraphicsHandle& dib);
 
-  /// A new black 24-bit section with its device context. False, and nothing held, when that is impossible.
+  /// A new black 24-bit section with its device context. False, and nothing held, if that is impossible.
   bool Create(std::int32_t width, std::int32_t height);
 
-  /// A section of the picture's size with its pixels. False, and nothing held, for Nothing or what is no
-  /// bitmap.
+  /// A section of the picture's size with its pixels. False, and nothing held, for Nothing, for what is not a
+  /// bitmap and for a bitmap that is selected into another device context.
   bool CreateFromPicture(const Picture& picture);
 
   /// Copies from a device context to this section's top left. A negative width or height means the section's
@@ -87,23 +87,21 @@ class cDIBSection {
                     std::int32_t width = -1, std::int32_t height = -1, std::int32_t sourceX = 0,
                     std::int32_t sourceY = 0, std::uint32_t operation = copySourceOperation) const;
 
-  /// Draws the whole section into a rectangle. Negative sizes as above. With `halftone`, or when the
-  /// rectangle is narrower or lower than the section, the target's stretch mode becomes HALFTONE (and stays
-  /// so); the plain backing averages the source pixels then and takes the nearest one otherwise.
+  /// Draws the whole section into a rectangle. Negative sizes as above. With `halftone`, or if the rectangle
+  /// is narrower or lower than the section, the target's stretch mode becomes HALFTONE (and stays so); the
+  /// plain backing averages the source pixels then and takes the nearest one otherwise.
   void Stretch(GraphicsHandle destinationDC, std::int32_t x, std::int32_t y, std::int32_t width,
                std::int32_t height, std::int32_t sourceX = 0, std::int32_t sourceY = 0,
                std::uint32_t operation = copySourceOperation, bool halftone = false) const;
 
-  /// A resized copy, by point sampling. The height comes first. Holds nothing when a size is not positive or
-  /// memory is short.
+  /// A resized copy, by point sampling. The height comes first. Holds nothing if a size is not positive, this
+  /// section is empty, or memory is short.
   [[nodiscard]] cDIBSection Resample2(std::int32_t newHeight, std::int32_t newWidth) const;
 
   /// Releases everything.
   void ClearUp();
 
  private:
-  bool makeBacking(std::int32_t width, std::int32_t height, int bitMode);
-
   std::unique_ptr<DibBacking> backing_;
   BitmapInfoHeader header_;
 };

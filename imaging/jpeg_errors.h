@@ -1,5 +1,5 @@
-#ifndef VELTRANO_IMAGING_JPEG_ERRORS_INTERNAL_H
-#define VELTRANO_IMAGING_JPEG_ERRORS_INTERNAL_H
+#ifndef VELTRANO_IMAGING_JPEG_ERRORS_H
+#define VELTRANO_IMAGING_JPEG_ERRORS_H
 
 // How libjpeg's way of failing, a longjmp, is kept from skipping destructors: only `guarded` calls into it,
 // and the steps handed to guarded own nothing.
@@ -19,7 +19,7 @@ namespace veltrano::mIntelJPEGLibrary {
 struct JpegErrors {
   jpeg_error_mgr manager;  // first member: libjpeg hands its address back
   std::jmp_buf escape;
-  Result result = Result::ok;
+  CoderResult result = CoderResult::ok;
   bool damaged = false;  ///< image data was missing or made no sense; decoding went on with a guess
 
   JpegErrors();
@@ -29,9 +29,9 @@ struct JpegErrors {
 };
 
 /// Leaves the running step with `result`.
-[[noreturn]] void giveUp(j_common_ptr coder, Result result);
+[[noreturn]] void giveUp(j_common_ptr coder, CoderResult result);
 
-/// Runs `step`; false when libjpeg gave up in it, errors.result then says why. The step must capture by
+/// Runs `step`; false if libjpeg gave up in it, errors.result then says why. The step must capture by
 /// reference and own nothing.
 template <typename Step>
 bool guarded(JpegErrors& errors, const Step& step) {

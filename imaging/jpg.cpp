@@ -1,4 +1,4 @@
-#include "imaging/veltrano_jpg.h"
+#include "veltrano/jpg.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -8,7 +8,7 @@
 namespace veltrano {
 namespace {
 
-// Resizes in place when both sizes are given. Only both together count.
+// Resizes in place if both sizes are given; one of them alone is ignored.
 void fixSize(cDIBSection& dib, std::int32_t width, std::int32_t height) {
   if (width != 0 && height != 0) dib = dib.Resample2(height, width);
 }
@@ -51,7 +51,7 @@ bool VeltranoJPG::LoadJPEGFromRAM2Picture(GraphicsHandle Dest_hDC, std::uintptr_
       dib.Stretch(Dest_hDC, 0, 0, X, y);
     }
   }
-  return false;  // drawn or not: the result has never been assigned
+  return false;  // drawn or not, which hosts know
 }
 
 bool VeltranoJPG::LoadJPEGFromRAM2PictureXY(GraphicsHandle Dest_hDC, std::uintptr_t ArrayPointer,
@@ -78,7 +78,7 @@ std::string VeltranoJPG::SaveJPEGFromRAMToMemoryResampled(std::string_view Image
     JPEGWidth = mIntelJPEGLibrary::lastJpegWidth();
     JPEGHeight = mIntelJPEGLibrary::lastJpegHeight();
   } else {
-    dib.ClearUp();  // a part of a picture is not taken for one
+    dib.ClearUp();  // half a picture is not a picture
   }
   fixSize(dib, FixWidth, FixHeight);
   return mIntelJPEGLibrary::saveDibToJpegString(dib, JPEGQuality);

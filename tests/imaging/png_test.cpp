@@ -1,4 +1,4 @@
-#include "imaging/veltrano_png.h"
+#include "veltrano/png.h"
 
 #include <gtest/gtest.h>
 
@@ -42,7 +42,6 @@ TEST(VeltranoPng, LeavesNoHalfFile) {
   EXPECT_FALSE(png.SavePNG(Picture::ofBitmap(12), folder.file("new.png"))) << "no such bitmap";
   EXPECT_EQ(readWholeFile(folder.file("kept.png")), "kept");
   EXPECT_EQ(folder.files(), 1);
-  EXPECT_FALSE(png.SavePNG(good, test::fullDisk()));
 }
 
 }  // namespace
