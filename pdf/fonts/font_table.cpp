@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "base/os/files.h"
-#include "base/text/code_page.h"
+#include "base/text/lower_case.h"
 #include "base/trace.h"
 
 namespace veltrano {
@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view extension = ".afm";
 
 bool namesMetrics(const std::string& path) {
-  return ansiLower(path).find(extension) != std::string::npos;
+  return !std::ranges::search(path, extension, {}, lowerAscii<char>).empty();
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/text/wtf8.h"
-
 namespace veltrano {
 namespace {
 
@@ -24,10 +22,6 @@ TEST(CodePage, KnowsWindows1252) {
   EXPECT_EQ(utf16ToAnsi(u"\u4E2D"), "?");
 }
 
-TEST(CodePage, LowersAccentedLetters) {
-  EXPECT_EQ(ansiLower("\xC9T\xC9 \x8A \x9F \xD7 1A"), "\xE9t\xE9 \x9A \xFF \xD7 1a");
-}
-
 #ifndef _WIN32
 TEST(CodePage, MayTakeSeveralBytesACharacter) {
   ASSERT_FALSE(setCodePage("no such page"));
@@ -39,23 +33,6 @@ TEST(CodePage, MayTakeSeveralBytesACharacter) {
   EXPECT_TRUE(setCodePage("windows-1252"));
 }
 #endif
-
-TEST(Unicode, Wtf8KeepsLoneSurrogates) {
-  const std::pair<std::u16string, std::string> cases[] = {
-      {u"Zo\u00eb \U0001F600", "Zo\xC3\xAB \xF0\x9F\x98\x80"},
-      {{0xD800, u'a', 0xDFFF},
-       "\xED\xA0\x80"
-       "a\xED\xBF\xBF"},
-      {{0xDE00, 0xD83D}, "\xED\xB8\x80\xED\xA0\xBD"},
-      {{0xD83D, 0xD83D, 0xDE00, u'\u00e9'}, "\xED\xA0\xBD\xF0\x9F\x98\x80\xC3\xA9"},
-      {u"\uD55C", "\xED\x95\x9C"},  // a letter with the same first byte
-  };
-  for (const auto& [utf16, wtf8] : cases) {
-    EXPECT_EQ(utf16ToWtf8(utf16), wtf8);
-    EXPECT_EQ(wtf8ToUtf16(wtf8), utf16);
-  }
-  EXPECT_EQ(wtf8ToUtf16("\xED\xA0"), u"\uFFFD\uFFFD");
-}
 
 }  // namespace
 }  // namespace veltrano

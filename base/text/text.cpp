@@ -10,13 +10,4 @@ std::string ansiToUtf8(std::string_view text) {
   return utf16ToUtf8(ansiToUtf16(text));
 }
 
-std::string ansiLower(std::string_view text) {
-  const auto& lower = ansiLowerTable();
-  std::string result(text);
-  for (char& c : result) {
-    c = lower[static_cast<unsigned char>(c)];
-  }
-  return result;
-}
-
 }  // namespace veltrano
