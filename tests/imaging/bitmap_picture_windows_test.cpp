@@ -95,7 +95,7 @@ TEST(BitmapPicture, LosesNoHandles) {
   HBITMAP bitmap = makeBitmap(24, false, false);
   const Picture picture = Picture::ofBitmap(reinterpret_cast<GraphicsHandle>(bitmap));
   HDC dc = CreateCompatibleDC(nullptr);
-  for (int round = 0; round < 40'000; ++round) {
+  for (int round = 0; round < 20'000; ++round) {
     cDIBSection dib;
     ASSERT_TRUE(dib.CreateFromPicture(picture)) << round;
     ASSERT_NE(dib.Resample2(5, 5).hDC(), 0U) << round;
