@@ -52,22 +52,22 @@ Result<Object> Object::of(const Result<Variant>& answer) {
 }
 
 Result<Variant> Object::call(const wchar_t* method, Arguments arguments) const {
-  return invoke(method, DISPATCH_METHOD, arguments);
+  return invokeNamed(method, DISPATCH_METHOD, arguments);
 }
 
 Result<Variant> Object::property(const wchar_t* name) const {
-  return invoke(name, DISPATCH_PROPERTYGET, {});
+  return invokeNamed(name, DISPATCH_PROPERTYGET, {});
 }
 
 Status Object::setProperty(const wchar_t* name, const Variant& value) const {
-  return invoke(name, DISPATCH_PROPERTYPUT, {&value}).status();
+  return invokeNamed(name, DISPATCH_PROPERTYPUT, {&value}).status();
 }
 
 Result<Variant> Object::item(const Variant& key) const {
   return invoke(DISPID_VALUE, DISPATCH_PROPERTYGET | DISPATCH_METHOD, {&key});
 }
 
-Result<Variant> Object::invoke(const wchar_t* member, WORD kind, Arguments arguments) const {
+Result<Variant> Object::invokeNamed(const wchar_t* member, WORD kind, Arguments arguments) const {
   auto* text = const_cast<wchar_t*>(member);
   DISPID id = DISPID_UNKNOWN;
   const HRESULT result = dispatch_.get()->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_INVARIANT, &id);

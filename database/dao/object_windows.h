@@ -41,7 +41,7 @@ class Object {
   [[nodiscard]] Result<Variant> item(const Variant& key) const;
 
  private:
-  [[nodiscard]] Result<Variant> invoke(const wchar_t* member, WORD kind, Arguments arguments) const;
+  [[nodiscard]] Result<Variant> invokeNamed(const wchar_t* member, WORD kind, Arguments arguments) const;
   [[nodiscard]] Result<Variant> invoke(DISPID member, WORD kind, Arguments arguments) const;
 
   Owner<IDispatch> dispatch_;

@@ -16,6 +16,7 @@
 
 #include "base/text/code_page.h"
 #include "database/field_conversion.h"
+#include "database/shared_engine.h"
 #include "database/user_locale_windows.h"
 #include "veltrano/mdb.h"
 
