@@ -3,6 +3,9 @@
 //
 //   native_report <folder of orders.csv> <output folder>
 
+#include <veltrano/pdf.h>
+#include <veltrano/text.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -14,9 +17,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "base/text/code_page.h"
-#include "veltrano/pdf.h"
 
 namespace {
 

@@ -15,18 +15,17 @@ The file is little-endian and laid out as follows; the names are those of Wine's
                   0  type infos, 0x64 bytes each: at 4 the file offset of the members (the next type info's if it has
                      none), at 0x18 the number of functions, at 0x1a that of variables
                   7  names: at 8 the length in one byte, at 12 the characters
-                  8  strings: a 16-bit length, the characters, filled up with "W" to a multiple of 4
-                  11 data of defaults: a 16-bit VARTYPE, the value, filled up likewise
+                  8  strings: a 16-bit length, the characters, padded with "W" to a multiple of 4
+                  11 data of defaults: a 16-bit VARTYPE, the value, padded likewise
   segments      in any order
-  members       of one type info after the other: the size of the records, the records, then for each of them an id,
-                the name's offset in the names, and the record's offset
+  members       for each type info: the size of the records, the records, then for each record an id, the offset of
+                its name in the names, and its own offset
 
-A record begins with its size (16 bits) and its number (16 bits).
-  function      at 16 flags (0x1000: has defaults), at 20 the number of its parameters. It ends with 12 bytes a
-                parameter; before these stands, if it has defaults, a number a parameter: -1 for no default, with the
-                highest bit set the VARTYPE in bits 26 to 30 and the value below, otherwise an offset in the data
-  variable      20 bytes; then, as far as the size says they are there, help context and help text (offset in the
-                strings)
+A record starts with its size (16 bits) and its number (16 bits).
+  function      at 16 flags (0x1000: has defaults), at 20 the number of its parameters. It ends with 12 bytes for each
+                parameter, preceded, if it has defaults, by a number for each parameter: -1 for no default; with the
+                highest bit set the VARTYPE in bits 26 to 30 and the value below; otherwise an offset in the data
+  variable      20 bytes; then, if the size includes them, help context and help text (offset in the strings)
 """
 
 import re
@@ -45,7 +44,7 @@ def number(data, offset, form="<I"):
 
 
 def append(segment, entry):
-    """Appends what is filled up to a multiple of 4 bytes, and answers its offset."""
+    """Appends the entry, padded to a multiple of 4 bytes, and returns its offset."""
     offset = len(segment)
     segment += entry + b"W" * (-len(entry) % 4)
     return offset

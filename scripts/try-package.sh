@@ -128,7 +128,7 @@ echo "The zip, $(basename "$zip")"
 unzip -q "$zip" -d "$work/zip"
 folder=$(echo "$work/zip"/*)
 saw "files" "$(find "$folder" -type f | wc -l), $(du -sh --apparent-size "$folder" | cut -f 1) unpacked"
-expect "licence texts" 7 "$(find "$folder/licenses" -name '*.txt' ! -name README.txt -size +1k | wc -l)"
+expect "licence texts" 8 "$(find "$folder/licenses" -name '*.txt' ! -name README.txt -size +1k | wc -l)"
 texts "$folder" README.txt LICENSE.txt NOTICE.txt CHANGELOG.txt licenses/Apache-2.0.txt
 expect "lines of hello.bas that end in CR LF" "all" \
   "$(grep -qv $'\r$' "$folder/samples/hosts/hello.bas" && echo "not all" || echo "all")"
@@ -206,7 +206,7 @@ cp -r "$prefix" "$plain/veltrano"
 saw "files" "$(find "$prefix" -type f | wc -l), $(du -sh --apparent-size "$prefix" | cut -f 1) unpacked"
 texts "$prefix/share/doc/veltranoframework" LICENSE NOTICE CHANGELOG.md Apache-2.0.txt
 cat >"$work/program/hello.cpp" <<'PROGRAM'
-#include "veltrano/pdf.h"
+#include <veltrano/pdf.h>
 
 int main() {
   veltrano::VeltranoPDF pdf;
@@ -225,10 +225,15 @@ find_package(VeltranoFrameWork 1.0 REQUIRED)
 add_executable(hello hello.cpp)
 target_link_libraries(hello PRIVATE VeltranoFrameWork::VeltranoFrameWork)
 PROJECT
-(cd "$prefix/include/veltranoframework" && find . -name '*.h' | sed 's/.*/#include "&"/') >"$work/headers.cpp"
-expect "its $(wc -l <"$work/headers.cpp") headers, compiled together" "clean" "$(g++ -std=c++20 -Wall -Wextra -fsyntax-only \
-  -I "$prefix/include/veltranoframework" "$work/headers.cpp" 2>"$work/headers.log" && [ ! -s "$work/headers.log" ] && echo "clean" ||
-  echo "not clean, see $work/headers.log")"
+texts "$prefix/include/veltrano" pdf.h kml.h xml.h ini.h jpg.h png.h mdb.h wev.h value.h text.h version.h
+(cd "$prefix/include" && printf '#include <%s>\n' veltrano/*) >"$work/headers.cpp"
+expect "the headers, one by one and together, compile" "clean" "$(for header in "$prefix"/include/veltrano/*.h "$work/headers.cpp"; do
+  g++ -std=c++20 -Wall -Wextra -DVELTRANO_INSTALLED -fsyntax-only -x c++ -I "$prefix/include" -include "$header" /dev/null
+done 2>"$work/headers.log" && [ ! -s "$work/headers.log" ] && echo "clean" || echo "not clean, see $work/headers.log")"
+version=$(basename "$tar" | cut -d - -f 2)
+expect "the version of the headers" "$version" "$(printf '#include <veltrano/version.h>\nversion: %s\n' \
+  'VELTRANO_VERSION_MAJOR VELTRANO_VERSION_MINOR VELTRANO_VERSION_PATCH' | g++ -E -P -x c++ -I "$prefix/include" - |
+  sed -n 's/^version: //p' | tr ' ' .)"
 # hello FOLDER LABEL: runs the program in that folder.
 hello() {
   rm -f "$1/hello.pdf"
@@ -244,6 +249,12 @@ PKG_CONFIG_PATH="$plain/veltrano/lib/pkgconfig" sh -c 'g++ -std=c++20 "$1/progra
   $(pkg-config --cflags --libs veltranoframework) -o "$1/pkgconfig/hello"' sh "$work" 2>"$work/pkgconfig.log" ||
   tail -n 20 "$work/pkgconfig.log"
 hello "$work/pkgconfig" "by pkg-config"
+# shellcheck disable=SC2046
+PKG_CONFIG_PATH="$plain/veltrano/lib/pkgconfig" sh -c 'g++ -std=c++20 "$1/share/doc/veltranoframework/samples/native_report.cpp" \
+  $(pkg-config --cflags --libs veltranoframework) -o "$2/native_report" &&
+  "$2/native_report" "$1/share/doc/veltranoframework/samples" "$2"' sh "$plain/veltrano" "$work/pkgconfig" 2>"$work/report.log" ||
+  tail -n 20 "$work/report.log"
+expect "its sample native_report.cpp: the page shows" "Orders of the year" "$(page "$work/pkgconfig/report.pdf")"
 # On a machine without the package: the metrics are beside the program, or in share beside its folder.
 rm -rf "$plain"
 mkdir -p "$work/carried/beside" "$work/carried/tree/bin" "$work/carried/tree/share/veltranoframework"

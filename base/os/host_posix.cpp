@@ -56,8 +56,8 @@ std::filesystem::path libraryFolder() {
 bool setInstallation(const char* header) {
   std::error_code error;
   const auto path = std::filesystem::absolute(header, error).lexically_normal();
-  // <installation>/include/veltranoframework/veltrano/installed.h
-  installation() = path.parent_path().parent_path().parent_path().parent_path();
+  // <installation>/include/veltrano/installed.h
+  installation() = path.parent_path().parent_path().parent_path();
   return true;
 }
 

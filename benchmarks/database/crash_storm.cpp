@@ -1,6 +1,6 @@
 // Kills and power failures at every call of the file system, on a simulated disk (storm.h):
 //   crash_storm [kills [power failures [first seed]]]
-// Prints the seed of each run that did harm, and the figures; answers 1 if there was one.
+// Prints the seed of each run that did harm, and the totals; exits 1 if there was one.
 
 #include "storm.h"
 

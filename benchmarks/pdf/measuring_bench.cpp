@@ -1,4 +1,4 @@
-// Measuring a text, looking at a metrics file, parsing one, and breaking a paragraph into lines.
+// Measures a text, checks a metrics file for changes, parses one, and breaks a paragraph into lines.
 
 #include <benchmark/benchmark.h>
 
@@ -54,7 +54,7 @@ void unchangedFile(benchmark::State& state) {
 }
 BENCHMARK(unchangedFile);
 
-/// What setting a font and beginning a page cost: the file's times, not its content.
+/// The cost of setting a font and of starting a page: reads the times of the file, not its content.
 void lookingAtAFile(benchmark::State& state) {
   MetricsFolder folder;
   folder.setPath(VELTRANO_METRICS_FOLDER);
@@ -73,7 +73,7 @@ void parsing(benchmark::State& state) {
 }
 BENCHMARK(parsing);
 
-/// The least that asking for a width can cost: opening the file and reading its metrics.
+/// The least possible cost of asking for a width: opening the file and reading its metrics.
 void readingAlone(benchmark::State& state) {
   const FontFolder folder;
   const auto file = folder.path() / "Helvetica.afm";

@@ -1,5 +1,5 @@
-// Any text and key: what is changed is read back, and a second change gives the same text. The key ends at
-// the first zero unit of the input.
+// Changes any key of any text: the value is read back, and a second change gives the same text. The key ends
+// at the first zero unit of the input.
 
 #include <cstdint>
 #include <cstdlib>
@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   veltrano::VeltranoINI ini;
   ini.GetValue(text, key, u"none");
   const std::u16string changed = ini.ChangeValue(text, key, u"value");
-  // A key with a line end in it is on no line, and is added each time.
+  // A key that contains a line end matches no line and is added each time.
   if (key.find(u"\r\n") == std::string::npos) {
     if (ini.GetValue(changed, key, u"none") != u"value" ||
         ini.ChangeValue(changed, key, u"value") != changed) {

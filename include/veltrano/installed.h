@@ -1,9 +1,9 @@
 #ifndef VELTRANO_INSTALLED_H
 #define VELTRANO_INSTALLED_H
 
-// Says where the installed library lies, which may be any folder since it is linked into the program: at the
-// path that this header was found by, and there are the font metrics. For veltrano/pdf.h, where the build files
-// of the package define VELTRANO_INSTALLED; programs need not include it.
+// Tells the library where it is installed, and so where its font metrics are, by the path of this header: it
+// is linked into programs and can be in any folder. veltrano/pdf.h includes this header if VELTRANO_INSTALLED
+// is defined, which the build files of the package do.
 
 namespace veltrano {
 

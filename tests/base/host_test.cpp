@@ -25,7 +25,7 @@ TEST(Host, FindsMetricsOfAnInstallationWhereNoneLieBesideTheProgram) {
   EXPECT_EQ(metricsFolder(), libraryFolder());
   const TemporaryFolder folder;
   const auto shared = folder.path() / "share/veltranoframework/metrics";
-  setInstallation((folder.path() / "include/veltranoframework/veltrano/installed.h").string().c_str());
+  setInstallation((folder.path() / "include/veltrano/installed.h").string().c_str());
   std::filesystem::create_directories(shared);
   EXPECT_EQ(metricsFolder(), libraryFolder()) << "an empty folder has no metrics";
   ASSERT_TRUE(replaceFile(shared / "Courier.afm", ""));
