@@ -1,6 +1,7 @@
 #include "veltrano/value.h"
 
 #include "base/numbers/numbers.h"
+#include "base/numbers/scaled_numbers.h"
 
 namespace veltrano {
 
@@ -8,23 +9,12 @@ namespace {
 
 constexpr double tenThousand = 10000.0;
 
-// "12.3456" from the exact scaled integer; a double would lose digits of large amounts.
-std::string currencyText(Currency amount) {
-  const bool negative = amount.tenThousandths < 0;
-  const auto magnitude = negative ? 0 - static_cast<std::uint64_t>(amount.tenThousandths)
-                                  : static_cast<std::uint64_t>(amount.tenThousandths);
-  std::string text = negative ? "-" : "";
-  text += integerText(static_cast<std::int64_t>(magnitude / 10000)).view();
-  std::string fraction = std::to_string(10000 + magnitude % 10000).substr(1);
-  fraction.erase(fraction.find_last_not_of('0') + 1);
-  return fraction.empty() ? text : text + "." + fraction;
-}
-
 }  // namespace
 
 bool Value::isNumeric() const {
   return std::holds_alternative<bool>(data_) || std::holds_alternative<std::int64_t>(data_) ||
-         std::holds_alternative<double>(data_) || std::holds_alternative<Currency>(data_);
+         std::holds_alternative<double>(data_) || std::holds_alternative<float>(data_) ||
+         std::holds_alternative<Currency>(data_) || std::holds_alternative<Decimal>(data_);
 }
 
 std::optional<double> Value::toDouble() const {
@@ -40,11 +30,17 @@ std::optional<double> Value::toDouble() const {
   if (const auto* number = as<double>()) {
     return *number;
   }
+  if (const auto* number = as<float>()) {
+    return double{*number};
+  }
   if (const auto* date = as<Date>()) {
     return date->days;
   }
   if (const auto* amount = as<Currency>()) {
     return static_cast<double>(amount->tenThousandths) / tenThousand;
+  }
+  if (as<Decimal>() != nullptr) {
+    return parseNumber(*toText());
   }
   if (const auto* text = as<std::string>()) {
     return parseNumber(*text);
@@ -75,8 +71,18 @@ std::optional<std::string> Value::toText() const {
   if (const auto* number = as<double>()) {
     return std::string(generalNumberText(*number).view());
   }
+  if (const auto* number = as<float>()) {
+    return std::string(singleNumberText(*number).view());
+  }
   if (const auto* amount = as<Currency>()) {
-    return currencyText(*amount);
+    std::string text;
+    currencyToText(amount->tenThousandths, text);
+    return text;
+  }
+  if (const auto* decimal = as<Decimal>()) {
+    std::string text;
+    scaledToText(decimal->negative, decimal->magnitude, decimal->scale, text);
+    return text;
   }
   if (const auto* text = as<std::string>()) {
     return *text;

@@ -5,17 +5,17 @@
 // time. Two engines implement it: the DAO engine (dao/, late bound, where a Windows machine has one) and the
 // embedded engine (access/, everywhere else).
 //
-// All texts are UTF-8. Nothing throws but std::bad_alloc. A step that fails changes nothing, answers false
-// (or nothing) and leaves the reason for the debug trace in lastError. Objects are used by one thread at a
-// time. A recordset that outlives its database object goes on working, until one of the two is closed by its
-// close.
+// All texts are UTF-8, those of fields with unpaired surrogates kept (base/text/wtf8.h). Nothing throws but
+// std::bad_alloc. A step that fails changes nothing, returns false or an empty result and leaves the reason
+// for the debug trace in lastError. Objects are used by one thread at a time. A recordset that outlives its
+// database object goes on working until one of the two is closed by its close.
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "base/value.h"
+#include "veltrano/value.h"
 
 namespace veltrano {
 
@@ -45,13 +45,12 @@ class ErrorReason {
 };
 
 /// The records of one table with a current one among them, as a DAO dynaset behaves:
-///  - it begins on its first record, or at end of file when there is none;
+///  - it begins on its first record, or at end of file if it has none;
 ///  - at end of file, and on a record that was deleted, there is no current record: reading, edit and remove
-///  fail;
+///    fail;
 ///  - edit and addNew begin a copy of the current or of an empty record, which readText and write then work
-///  on; update
-///    stores it, any move drops it. After the update of a new record the current record is the one it was
-///    before addNew;
+///    on; update stores it, any move drops it;
+///  - after the update of a new record the current record is the one it was before addNew;
 ///  - a deleted record stays current (and unreadable) until the next move.
 class Recordset : public ErrorReason {
  public:
@@ -62,9 +61,9 @@ class Recordset : public ErrorReason {
 
   virtual bool moveFirst() = 0;
   virtual bool moveLast() = 0;
-  /// To the next record, or behind the last one; fails at end of file.
+  /// To the next record, or past the last one; fails at end of file.
   virtual bool moveNext() = 0;
-  /// Nothing when the recordset is closed.
+  /// Empty if the recordset is closed.
   virtual std::optional<bool> atEnd() = 0;
 
   virtual bool edit() = 0;
@@ -73,7 +72,7 @@ class Recordset : public ErrorReason {
   /// Deletes the current record.
   virtual bool remove() = 0;
 
-  /// Puts the field's value as text (field_conversion.h says how) into `text`, whose storage is reused. A
+  /// Puts the field's value as text (field_to_text.h says how) into `text`, whose storage is reused. A
   /// null, an unknown field and the lack of a current record fail; `text` is then empty.
   virtual bool readText(std::string_view field, std::string& text) = 0;
   /// Assigns a value to a field of the record being edited or added, converted to the field's type. What does
@@ -97,7 +96,7 @@ class Database : public ErrorReason {
   Database& operator=(const Database&) = delete;
   virtual ~Database() = default;
 
-  /// A dynaset on the table of that name (in any case). Null when that fails.
+  /// A dynaset on the table of that name (in any case). Null if that fails.
   virtual std::unique_ptr<Recordset> openTable(std::string_view table) = 0;
   /// Closes the recordsets opened on it, too.
   virtual bool close() = 0;
@@ -110,8 +109,8 @@ class DatabaseEngine {
   DatabaseEngine& operator=(const DatabaseEngine&) = delete;
   virtual ~DatabaseEngine() = default;
 
-  /// Opens a database file for reading and, where that is possible, writing. `connect` is nothing or
-  /// "MS Access;PWD=" followed by the password as it is. Null when that fails; `reason` then says why. Unlike
+  /// Opens a database file for reading and, where that is possible, writing. `connect` is empty or
+  /// "MS Access;PWD=" followed by the password as it is. Null if that fails; `reason` then says why. Unlike
   /// the other objects an engine serves all threads at once.
   virtual std::unique_ptr<Database> openDatabase(std::string_view fileName,
                                                  std::optional<std::string_view> connect,
@@ -120,15 +119,6 @@ class DatabaseEngine {
 
 /// What a connect string says before the password.
 inline constexpr std::string_view passwordConnectPrefix = "MS Access;PWD=";
-
-/// The engine of this process, made at the first call and kept: the DAO engine where the machine has one,
-/// otherwise the embedded one. Callable from any thread.
-DatabaseEngine& sharedDatabaseEngine();
-
-/// Gives back what the shared engine holds of other libraries. To be called when this library is about to be
-/// unloaded on request and no object of it is left (never while the system's loader is unloading it); the
-/// next use makes it anew. At the end of a process it is not needed.
-void releaseSharedDatabaseEngine();
 
 }  // namespace veltrano
 

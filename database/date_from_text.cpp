@@ -63,14 +63,14 @@ std::optional<std::int32_t> dayOf(int year, int month, int day) {
   return static_cast<std::int32_t>((std::chrono::sys_days(date) - dateOrigin).count());
 }
 
-/// Three numbers with the same separator. A first number of more than two digits is the year; otherwise the
-/// year is last, after day and month where points separate, after month and day elsewhere; if only the other
-/// order is a date, it is that.
-std::optional<std::int32_t> readDate(std::string_view text) {
+/// Three numbers with the same separator. A first number of more than two digits is the year, and separated
+/// by hyphens that is the own form, the only one that is read without an order. Otherwise the year is last.
+std::optional<std::int32_t> readDate(std::string_view text, std::optional<DateOrder> order) {
   const std::string_view whole = text;
   const auto first = takeNumber(text);
   const std::size_t firstDigits = whole.size() - text.size();
-  if (!first || text.empty() || std::string_view("-/.").find(text.front()) == std::string_view::npos) {
+  if (!first || text.empty() || std::string_view("-/.").find(text.front()) == std::string_view::npos ||
+      (!order && (firstDigits < 3 || text.front() != '-'))) {
     return std::nullopt;
   }
   const char separator = text.front();
@@ -90,7 +90,7 @@ std::optional<std::int32_t> readDate(std::string_view text) {
   const int year = fullYear(*third, thirdDigits);
   const auto monthFirst = dayOf(year, *first, *second);
   const auto dayFirst = dayOf(year, *second, *first);
-  if (separator == '.') {
+  if (separator == '.' || order == DateOrder::dayFirst) {
     return dayFirst ? dayFirst : monthFirst;
   }
   return monthFirst ? monthFirst : dayFirst;
@@ -127,8 +127,8 @@ std::optional<double> readSeconds(std::string_view& text) {
   return seconds;
 }
 
-std::optional<double> readTime(std::string_view text) {
-  const Half half = takeHalf(text);
+std::optional<double> readTime(std::string_view text, bool mayHaveHalf) {
+  const Half half = mayHaveHalf ? takeHalf(text) : Half::none;
   const auto hour = takeNumber(text);
   if (!hour || *hour > (half == Half::none ? 23 : 12) || (half != Half::none && *hour == 0)) {
     return std::nullopt;
@@ -150,23 +150,32 @@ std::optional<double> readTime(std::string_view text) {
   return hours * 3600.0 + *minute * 60.0 + *second;
 }
 
-}  // namespace
-
-std::optional<Date> dateFromText(std::string_view text) {
+/// Without an order only the own form is read.
+std::optional<Date> readMoment(std::string_view text, std::optional<DateOrder> order) {
   text = trimmed(text);
-  if (const auto time = readTime(text)) {
+  if (const auto time = readTime(text, order.has_value())) {
     return joinDate(0, *time);
   }
   const std::size_t gap = text.find_first_of(" T\t");
-  const auto day = readDate(text.substr(0, gap));
+  const auto day = readDate(text.substr(0, gap), order);
   if (!day) {
     return std::nullopt;
   }
   if (gap == std::string_view::npos) {
     return joinDate(*day, 0);
   }
-  const auto time = readTime(trimmed(text.substr(gap + 1)));
+  const auto time = readTime(trimmed(text.substr(gap + 1)), order.has_value());
   return time ? std::optional(joinDate(*day, *time)) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<Date> dateFromText(std::string_view text) {
+  return readMoment(text, std::nullopt);
+}
+
+std::optional<Date> dateFromText(std::string_view text, DateOrder order) {
+  return readMoment(text, order);
 }
 
 }  // namespace veltrano

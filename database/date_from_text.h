@@ -4,15 +4,20 @@
 #include <optional>
 #include <string_view>
 
-#include "base/value.h"
+#include "veltrano/value.h"
 
 namespace veltrano {
 
-/// Reads a date, a time of day (on day 0) or a date and a time after a blank or `T`:
-/// "2026-11-21", "11/21/2026", "21.11.2026", "14:05", "2:05:30 pm". Month first where a slash or hyphen
-/// leaves the order open, day first with points; the other order if that alone is a date. Years of two digits
-/// are 1930 to 2029.
+/// Reads the form in which dates are read back: "2026-11-21", "14:05:00" (on day 0), "2026-11-21 14:05:00", a
+/// `T` in place of the blank, the time without seconds or with a fraction of one.
 std::optional<Date> dateFromText(std::string_view text);
+
+enum class DateOrder { monthFirst, dayFirst };
+
+/// Reads what people write, too: "11/21/2026", "21.11.2026", "2:05:30 pm". With points the day comes first;
+/// with slashes and hyphens `order` says what does, unless only the other order is a date. Years of two
+/// digits are 1930 to 2029.
+std::optional<Date> dateFromText(std::string_view text, DateOrder order);
 
 }  // namespace veltrano
 

@@ -1,15 +1,15 @@
 #ifndef VELTRANO_DATABASE_DATES_H
 #define VELTRANO_DATABASE_DATES_H
 
-// Automation dates: days since 1899-12-30, years 100 to 9999. The fraction is the time of day and counts
-// upwards for days before the origin, too: -1.25 is 6 o'clock on 1899-12-29.
+// Automation dates: days since 1899-12-30, years 100 to 9999. The fraction is the time of day and counts upwards
+// before the origin, too: -1.25 is 6 o'clock on 1899-12-29.
 
 #include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <optional>
 
-#include "base/value.h"
+#include "veltrano/value.h"
 
 namespace veltrano {
 
@@ -26,7 +26,7 @@ inline bool isDateInRange(double days) {
   return days > firstDay - 1 && days < lastDay + 1;
 }
 
-/// Nothing when the date is out of range.
+/// Empty if the date is out of range.
 inline std::optional<Moment> splitDate(Date date) {
   if (!isDateInRange(date.days)) {
     return std::nullopt;

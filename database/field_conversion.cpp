@@ -6,8 +6,10 @@
 
 #include "base/numbers/numbers.h"
 #include "base/text/code_page.h"
+#include "base/text/wtf8.h"
 #include "database/date_from_text.h"
 #include "database/dates.h"
+#include "database/user_locale.h"
 
 namespace veltrano {
 
@@ -92,7 +94,15 @@ std::optional<std::string> scaled(const Digits& number, int scale, std::size_t m
 /// The exact decimal form of a value that counts as a number.
 std::optional<Digits> digitsOf(const Value& value) {
   if (const auto* text = value.as<std::string>()) {
-    return readDigits(*text);
+    auto number = readDigits(*text);
+    if (!number) {
+      const auto own = ownFormOfNumber(*text);
+      number = own ? readDigits(*own) : std::nullopt;
+    }
+    return number;
+  }
+  if (value.as<Decimal>() != nullptr) {
+    return readDigits(*value.toText());
   }
   if (const auto* amount = value.as<Currency>()) {
     auto number = readDigits(integerText(amount->tenThousandths));
@@ -124,6 +134,16 @@ std::optional<std::int64_t> scaledInteger(const Value& value, int scale) {
     return std::nullopt;
   }
   return static_cast<std::int64_t>(number->negative ? 0 - magnitude : magnitude);
+}
+
+/// The number that the value's own digits show. Whole ones up to 2^24 are exact, although they may have 8
+/// digits.
+std::optional<double> realOfSingle(float value) {
+  constexpr float mostExact = 16777216;
+  if (std::fabs(value) <= mostExact && value == std::trunc(value)) {
+    return value;
+  }
+  return parseNumber(singleNumberText(value));
 }
 
 bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
@@ -176,15 +196,25 @@ std::optional<Guid> guidFromText(std::string_view text) {
 }  // namespace
 
 std::optional<double> toReal(const Value& value) {
-  if (value.isText()) {
-    const auto number = parseNumber(*value.as<std::string>());
-    return number && std::isfinite(*number) ? number : std::nullopt;
+  std::optional<double> number;
+  if (const auto* text = value.as<std::string>()) {
+    number = parseNumber(*text);
+    if (!number) {
+      const auto own = ownFormOfNumber(*text);
+      number = own ? parseNumber(*own) : std::nullopt;
+    }
+  } else if (const auto* single = value.as<float>()) {
+    number = realOfSingle(*single);
+  } else {
+    number = value.toDouble();
   }
-  const auto number = value.toDouble();
   return number && std::isfinite(*number) ? number : std::nullopt;
 }
 
 std::optional<float> toSingle(const Value& value) {
+  if (const auto* single = value.as<float>()) {
+    return std::isfinite(*single) ? std::optional(*single) : std::nullopt;
+  }
   const auto number = toReal(value);
   if (!number || std::fabs(*number) > static_cast<double>(std::numeric_limits<float>::max())) {
     return std::nullopt;
@@ -204,8 +234,10 @@ std::optional<bool> toBoolean(const Value& value) {
       return false;
     }
   }
-  const auto number = toReal(value);
-  return number ? std::optional(*number != 0) : std::nullopt;
+  if (const auto number = toReal(value)) {
+    return *number != 0;
+  }
+  return value.isText() ? flagInUserLocale(*value.as<std::string>()) : std::nullopt;
 }
 
 std::optional<std::int64_t> toInteger(const Value& value, std::int64_t least, std::int64_t most) {
@@ -215,9 +247,9 @@ std::optional<std::int64_t> toInteger(const Value& value, std::int64_t least, st
     number = !*flag ? 0 : least >= 0 ? most : -1;
   } else if (const auto* whole = value.as<std::int64_t>()) {
     number = *whole;
-  } else if (value.isText() || value.as<Currency>() != nullptr) {
+  } else if (value.isText() || value.as<Currency>() != nullptr || value.as<Decimal>() != nullptr) {
     number = scaledInteger(value, 0);
-  } else if (const auto real = toReal(value)) {
+  } else if (const auto real = value.as<float>() != nullptr ? value.toDouble() : toReal(value)) {
     const double rounded = std::nearbyint(*real);
     if (rounded >= -0x1p63 && rounded < 0x1p63) {
       number = static_cast<std::int64_t>(rounded);
@@ -231,17 +263,14 @@ std::optional<Currency> toCurrency(const Value& value) {
   return number ? std::optional(Currency{*number}) : std::nullopt;
 }
 
-std::optional<Decimal> toDecimal(const Value& value, int precision, int scale) {
-  const auto number = digitsOf(value);
-  const auto most = static_cast<std::size_t>(std::clamp(precision, 1, 28));
-  const auto digits = number ? scaled(*number, scale, most) : std::nullopt;
-  if (!digits) {
-    return std::nullopt;
-  }
+namespace {
+
+/// `digits` (at most 28, "" for zero) as the magnitude of a decimal.
+Decimal decimalOf(const std::string& digits, bool negative, int scale) {
   Decimal result;
-  result.negative = number->negative && !digits->empty();
+  result.negative = negative && !digits.empty();
   result.scale = static_cast<std::uint8_t>(scale);
-  for (const char c : *digits) {
+  for (const char c : digits) {
     std::uint64_t carry = static_cast<unsigned>(c - '0');
     for (auto& part : result.magnitude) {
       carry += std::uint64_t{part} * 10;
@@ -252,10 +281,37 @@ std::optional<Decimal> toDecimal(const Value& value, int precision, int scale) {
   return result;
 }
 
+constexpr int mostDecimalDigits = 28;
+
+}  // namespace
+
+std::optional<Decimal> toDecimal(const Value& value, int precision, int scale) {
+  const auto number = digitsOf(value);
+  const auto most = static_cast<std::size_t>(std::clamp(precision, 1, mostDecimalDigits));
+  const auto digits = number ? scaled(*number, scale, most) : std::nullopt;
+  return digits ? std::optional(decimalOf(*digits, number->negative, scale)) : std::nullopt;
+}
+
+std::optional<Decimal> toDecimal(const Value& value) {
+  auto number = digitsOf(value);
+  if (!number) {
+    return std::nullopt;
+  }
+  const std::size_t significant = number->digits.find_last_not_of('0') + 1;
+  number->exponent += static_cast<int>(number->digits.size() - significant);
+  number->digits.resize(significant);
+  const int scale = std::max(0, significant == 0 ? 0 : -number->exponent);
+  const auto digits = scale <= mostDecimalDigits ? scaled(*number, scale, mostDecimalDigits) : std::nullopt;
+  return digits ? std::optional(decimalOf(*digits, number->negative, scale)) : std::nullopt;
+}
+
 std::optional<Date> toDate(const Value& value) {
   std::optional<Date> date;
   if (const auto* text = value.as<std::string>()) {
     date = dateFromText(*text);
+    if (!date) {
+      date = dateInUserLocale(*text);
+    }
   }
   if (!date) {
     if (const auto days = toReal(value)) {
@@ -304,7 +360,7 @@ std::optional<std::string> toFieldText(const Value& value) {
 std::size_t utf16Length(std::string_view utf8) {
   const bool ascii =
       std::all_of(utf8.begin(), utf8.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-  return ascii ? utf8.size() : utf8ToUtf16(utf8).size();
+  return ascii ? utf8.size() : wtf8ToUtf16(utf8).size();
 }
 
 }  // namespace veltrano

@@ -1,12 +1,12 @@
-// The half of field_conversion.h that makes texts. These run once for every field a host reads.
+#include "database/field_to_text.h"
 
 #include <charconv>
 #include <chrono>
 
 #include "base/numbers/numbers.h"
+#include "base/numbers/scaled_numbers.h"
 #include "base/text/code_page.h"
 #include "database/dates.h"
-#include "database/field_conversion.h"
 
 namespace veltrano {
 
@@ -26,32 +26,6 @@ void appendTime(std::string& text, std::int32_t seconds) {
   appendTwoDigits(text, time % 60);
 }
 
-/// Puts the point into the digits of a scaled number and drops the zeros at its end.
-void placePoint(std::string& digits, std::size_t scale) {
-  if (scale == 0) {
-    return;
-  }
-  if (digits.size() <= scale) {
-    digits.insert(0, scale + 1 - digits.size(), '0');
-  }
-  digits.insert(digits.size() - scale, 1, '.');
-  digits.erase(digits.find_last_not_of('0') + 1);
-  if (digits.back() == '.') {
-    digits.pop_back();
-  }
-}
-
-/// Divides in place, answers the remainder.
-std::uint32_t divide(std::array<std::uint32_t, 4>& number, std::uint32_t divisor) {
-  std::uint64_t rest = 0;
-  for (std::size_t i = number.size(); i-- > 0;) {
-    rest = rest << 32 | number[i];
-    number[i] = static_cast<std::uint32_t>(rest / divisor);
-    rest %= divisor;
-  }
-  return static_cast<std::uint32_t>(rest);
-}
-
 }  // namespace
 
 void integerToText(std::int64_t value, std::string& text) {
@@ -69,29 +43,11 @@ void doubleToText(double value, std::string& text) {
 }
 
 void currencyToText(Currency value, std::string& text) {
-  const bool negative = value.tenThousandths < 0;
-  // Unsigned negation also covers the least value, whose positive form does not fit.
-  auto magnitude = static_cast<std::uint64_t>(value.tenThousandths);
-  magnitude = negative ? 0 - magnitude : magnitude;
-  char digits[24];
-  text.assign(digits, std::to_chars(digits, digits + sizeof digits, magnitude).ptr);
-  placePoint(text, 4);
-  if (negative) {
-    text.insert(0, 1, '-');
-  }
+  currencyToText(value.tenThousandths, text);
 }
 
 void decimalToText(const Decimal& value, std::string& text) {
-  auto rest = value.magnitude;
-  text.clear();
-  do {
-    text.push_back(static_cast<char>('0' + divide(rest, 10)));
-  } while (rest != std::array<std::uint32_t, 4>{});
-  text.assign(text.rbegin(), text.rend());
-  placePoint(text, value.scale);
-  if (value.negative && text != "0") {
-    text.insert(0, 1, '-');
-  }
+  scaledToText(value.negative, value.magnitude, value.scale, text);
 }
 
 void booleanToText(bool value, std::string& text) {

@@ -1,5 +1,5 @@
 #include "database/access/engine.h"
-#include "database/dao/dao_engine_windows.h"
+#include "database/dao/engine_windows.h"
 #include "database/preferred_engine.h"
 
 namespace veltrano {

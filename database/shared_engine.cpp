@@ -1,18 +1,18 @@
+#include "database/shared_engine.h"
+
 #include <cstddef>
 #include <mutex>
 #include <new>
 
-#include "database/database_engine.h"
 #include "database/preferred_engine.h"
 
 namespace veltrano {
 
 namespace {
 
-/// The lock is recursive because making a COM object may run messages of the host, which may call us again.
-/// Never destroyed: destructors of static objects run while the system unloads the library, and then no call
-/// into another library is allowed. It lies in the library's own data, so that nothing is left when that
-/// goes.
+/// The lock is recursive because making a COM object may run the host's messages, which may call this library
+/// again. Never destroyed: destructors of static objects run while the system unloads the library, when no call
+/// into another library is allowed. It lies in the library's own data, so nothing is left when that goes.
 struct Shared {
   std::recursive_mutex mutex;
   std::unique_ptr<DatabaseEngine> engine;

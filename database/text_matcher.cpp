@@ -2,15 +2,25 @@
 
 #include <algorithm>
 
-#include "base/text/code_page.h"
 #include "base/text/lower_case.h"
+#include "base/text/wtf8.h"
 
 namespace veltrano {
 
+namespace {
+
+std::u16string unitsOf(std::string_view text, CaseRule rule) {
+  std::u16string units = wtf8ToUtf16(text);
+  if (rule == CaseRule::lowered) {
+    std::transform(units.begin(), units.end(), units.begin(), lowerCase);
+  }
+  return units;
+}
+
+}  // namespace
+
 TextMatcher::TextMatcher(std::string_view wanted, CaseRule rule)
-    : rule_(rule),
-      exact_(wanted),
-      wanted_(rule == CaseRule::lowered ? lowerCaseUtf16(wanted) : utf8ToUtf16(wanted)) {}
+    : rule_(rule), exact_(wanted), wanted_(unitsOf(wanted, rule)) {}
 
 bool TextMatcher::same(char16_t stored, char16_t wanted) const {
   return (rule_ == CaseRule::lowered ? lowerCase(stored) : stored) == wanted;
@@ -23,7 +33,7 @@ bool TextMatcher::matchesUtf8(std::string_view text) const {
   const std::size_t count = std::min(text.size(), wanted_.size());
   for (std::size_t i = 0; i < count; ++i) {
     if (static_cast<unsigned char>(text[i]) >= 0x80) {
-      return lowerCaseUtf16(text.substr(i)) == std::u16string_view(wanted_).substr(i);
+      return unitsOf(text.substr(i), rule_) == std::u16string_view(wanted_).substr(i);
     }
     if (!same(static_cast<char16_t>(text[i]), wanted_[i])) {
       return false;

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_DATABASE_TEXT_MATCHER_H
 #define VELTRANO_DATABASE_TEXT_MATCHER_H
 
-// The comparison of a record search, made ready once and then asked for every record. It takes a stored text
-// in the forms in which files hold it, so that an engine need not convert what it only compares.
+// The comparison of a record search, prepared once and used for every record. It takes stored text in the forms
+// in which files hold it, so that engines need not convert what they only compare.
 
 #include <cstdint>
 #include <span>
@@ -15,7 +15,8 @@ enum class CaseRule { exact, lowered };
 
 class TextMatcher {
  public:
-  /// `wanted` is UTF-8. With CaseRule::lowered both sides are compared in lower case.
+  /// `wanted` is UTF-8 (unpaired surrogates as in base/text/wtf8.h). With CaseRule::lowered both sides are
+  /// compared in lower case.
   TextMatcher(std::string_view wanted, CaseRule rule);
 
   [[nodiscard]] bool matchesUtf8(std::string_view text) const;

@@ -15,12 +15,12 @@ namespace veltrano {
 
 class ByteChunks {
  public:
-  /// A fresh piece of memory to write to, empty when there is none; the pieces before it count as full. Never
+  /// A fresh piece of memory to write to, empty if memory is short; the pieces before it count as full. Never
   /// throws: C code that cannot be unwound calls it.
   std::span<std::uint8_t> grow() noexcept;
   /// The last piece ends with `unused` free bytes.
   void finish(std::size_t unused) { unused_ = unused; }
-  /// Adds bytes; false when memory is short. Not to be mixed with grow.
+  /// Adds bytes; false if memory is short. Not to be mixed with grow.
   bool append(const std::uint8_t* bytes, std::size_t count) noexcept;
 
   /// The bytes in order, borrowed.

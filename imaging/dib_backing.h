@@ -8,9 +8,9 @@
 #include <memory>
 #include <optional>
 
-#include "imaging/dib_section.h"
-#include "imaging/picture.h"
 #include "imaging/pixel_surface.h"
+#include "veltrano/dib_section.h"
+#include "veltrano/picture.h"
 
 namespace veltrano {
 
@@ -30,7 +30,7 @@ class DibBacking {
   [[nodiscard]] virtual std::uint8_t* bits() const = 0;
 };
 
-/// The section that `header` describes, its pixels zero; null when the system has no memory or handle for it.
+/// The section that `header` describes, its pixels zero; null if the system has no memory or handle for it.
 /// `dc` may be 0.
 std::unique_ptr<DibBacking> makeDibBacking(GraphicsHandle dc, const BitmapInfoHeader& header);
 
@@ -45,13 +45,11 @@ struct BitmapSize {
   std::int32_t height = 0;
 };
 
-/// Nothing when the handle is no bitmap.
+/// Empty if the handle is not a bitmap.
 std::optional<BitmapSize> bitmapSize(GraphicsHandle bitmap);
-/// Copies the whole bitmap to the top left of a device context.
-void copyBitmap(GraphicsHandle bitmap, BitmapSize size, GraphicsHandle target);
-
-/// Graphics handles that this library holds at the moment; a test's way to see that none is lost.
-std::int64_t openGraphicsHandles();
+/// Copies the whole bitmap to the top left of a device context. False if that is impossible: the bitmap is
+/// selected into another device context, for instance.
+bool copyBitmap(GraphicsHandle bitmap, BitmapSize size, GraphicsHandle target);
 
 }  // namespace veltrano
 

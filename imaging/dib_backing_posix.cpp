@@ -1,14 +1,11 @@
 // The backing without GDI: zeroed memory, and a PixelSurface whose address stands for the device context.
 
-#include <atomic>
 #include <cstdlib>
 
 #include "imaging/dib_backing.h"
 
 namespace veltrano {
 namespace {
-
-std::atomic<std::int64_t> openHandles{0};
 
 struct FreeMemory {
   void operator()(std::uint8_t* memory) const { std::free(memory); }
@@ -18,16 +15,10 @@ class BufferBacking final : public DibBacking {
  public:
   BufferBacking(std::unique_ptr<std::uint8_t, FreeMemory> bits, const BitmapInfoHeader& header)
       : bits_(std::move(bits)),
-        surface_{bits_.get(), header.biWidth, header.biHeight, bytesPerScanLine(header.biWidth)} {
-    ++openHandles;
-  }
-  BufferBacking(const BufferBacking&) = delete;
-  BufferBacking& operator=(const BufferBacking&) = delete;
-  ~BufferBacking() override { openHandles -= attached_ ? 2 : 1; }
+        surface_{bits_.get(), header.biWidth, header.biHeight, bytesPerScanLine(header.biWidth)} {}
 
   bool attachContext() override {
     attached_ = true;
-    ++openHandles;
     return true;
   }
   [[nodiscard]] GraphicsHandle context() const override {
@@ -77,10 +68,8 @@ void stretchContext(GraphicsHandle target, PixelRectangle to, GraphicsHandle sou
 std::optional<BitmapSize> bitmapSize(GraphicsHandle) {
   return std::nullopt;
 }
-void copyBitmap(GraphicsHandle, BitmapSize, GraphicsHandle) {}
-
-std::int64_t openGraphicsHandles() {
-  return openHandles;
+bool copyBitmap(GraphicsHandle, BitmapSize, GraphicsHandle) {
+  return false;
 }
 
 }  // namespace veltrano

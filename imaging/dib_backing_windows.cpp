@@ -99,17 +99,13 @@ std::optional<BitmapSize> bitmapSize(GraphicsHandle bitmap) {
                     static_cast<std::int32_t>(description.bmHeight)};
 }
 
-void copyBitmap(GraphicsHandle bitmap, BitmapSize size, GraphicsHandle target) {
+bool copyBitmap(GraphicsHandle bitmap, BitmapSize size, GraphicsHandle target) {
   const OwnedDesktopDC desktop(GetDC(GetDesktopWindow()));
   const OwnedMemoryDC context(CreateCompatibleDC(desktop.get()));
-  if (!context) return;
+  if (!context) return false;
   const Selection selection(context.get(), asHandle<HBITMAP>(bitmap));
-  if (!selection) return;
-  BitBlt(asHandle<HDC>(target), 0, 0, size.width, size.height, context.get(), 0, 0, SRCCOPY);
-}
-
-std::int64_t openGraphicsHandles() {
-  return ownedGdiHandles;
+  return selection &&
+         BitBlt(asHandle<HDC>(target), 0, 0, size.width, size.height, context.get(), 0, 0, SRCCOPY) != 0;
 }
 
 }  // namespace veltrano

@@ -1,4 +1,4 @@
-#include "imaging/dib_section.h"
+#include "veltrano/dib_section.h"
 
 #include <cstring>
 #include <limits>
@@ -69,12 +69,9 @@ bool cDIBSection::CreateFromPicture(const Picture& picture) {
     return true;
   }
   const std::optional<BitmapSize> size = bitmapSize(picture.bitmap());
-  if (!size || !Create(size->width, size->height)) {
-    ClearUp();
-    return false;
-  }
-  copyBitmap(picture.bitmap(), *size, hDC());
-  return true;
+  if (size && Create(size->width, size->height) && copyBitmap(picture.bitmap(), *size, hDC())) return true;
+  ClearUp();
+  return false;
 }
 
 void cDIBSection::LoadPictureBlt(GraphicsHandle sourceDC, std::int32_t sourceX, std::int32_t sourceY,
@@ -104,7 +101,7 @@ void cDIBSection::Stretch(GraphicsHandle destinationDC, std::int32_t x, std::int
 
 cDIBSection cDIBSection::Resample2(std::int32_t newHeight, std::int32_t newWidth) const {
   cDIBSection resized;
-  // From an empty section nothing comes: a black image in its place would be taken for a picture.
+  // An empty section resizes to an empty one: a black image would be taken for a picture.
   if (hDC() == 0 || !resized.Create(newWidth, newHeight)) return resized;
   if (newWidth == Width() && newHeight == Height()) {
     resized.LoadPictureBlt(hDC());

@@ -18,7 +18,7 @@ namespace {
 thread_local std::int32_t lastWidth = 0;
 thread_local std::int32_t lastHeight = 0;
 
-std::string codeText(Result result) {
+std::string codeText(CoderResult result) {
   return std::string(integerText(static_cast<int>(result)).view());
 }
 
@@ -27,14 +27,36 @@ PixelSurface surfaceOf(const cDIBSection& dib) {
 }
 
 // Creates the section and decodes into it.
-Result decode(cDIBSection& dib, JpegReader& reader, std::int32_t scale) {
-  if (!dib.Create(reader.width() / scale, reader.height() / scale)) return Result::memoryError;
+CoderResult decode(cDIBSection& dib, JpegReader& reader, std::int32_t scale) {
+  if (!dib.Create(reader.width() / scale, reader.height() / scale)) return CoderResult::memoryError;
   return reader.readImage(scale, surfaceOf(dib));
 }
 
-bool succeeded(const char* procedure, Result result) {
-  if (result != Result::ok && traceEnabled()) traceSkipped(procedure, "the coder failed", codeText(result));
-  return result == Result::ok;
+const char* reasonOf(CoderResult result) {
+  switch (result) {
+    case CoderResult::ok:
+      break;
+    case CoderResult::memoryError:
+      return "memory is short";
+    case CoderResult::invalidProperties:
+      return "there is no picture, or a side of it is longer than a JPEG can have";
+    case CoderResult::notJpeg:
+      return "this is not a JPEG";
+    case CoderResult::badData:
+      return "the JPEG is damaged";
+    case CoderResult::bufferTooSmall:
+      return "the JPEG does not fit into its buffer";
+    case CoderResult::unsupportedFrame:
+      return "JPEGs of this kind are not supported";
+    case CoderResult::internalError:
+      return "the coder has a fault";
+  }
+  return "";
+}
+
+bool succeeded(const char* procedure, CoderResult result) {
+  if (result != CoderResult::ok) traceSkipped(procedure, reasonOf(result));
+  return result == CoderResult::ok;
 }
 
 }  // namespace
@@ -56,7 +78,7 @@ bool saveDibToJpegBuffer(const cDIBSection& dib, std::uint8_t* buffer, std::int3
                          std::int32_t quality) {
   const std::size_t size = buffer == nullptr || bufferSize < 1 ? 0 : static_cast<std::size_t>(bufferSize);
   const JpegOutcome outcome = writeJpeg(surfaceOf(dib), quality, std::span(buffer, size));
-  if (outcome.result != Result::ok) {
+  if (outcome.result != CoderResult::ok) {
     throw RaisedError(
         (outcome.started ? "Failed to save to JPG " : "Failed to initialise the IJL library: ") +
             codeText(outcome.result),
@@ -87,8 +109,8 @@ bool loadJpegFileToDib(cDIBSection& dib, const std::filesystem::path& file) {
   const std::optional<std::string> bytes = readWholeFile(file);
   if (!bytes) return false;
   JpegReader reader(std::span(reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size()));
-  Result result = reader.readHeader();
-  if (result == Result::ok) result = decode(dib, reader, 1);
+  CoderResult result = reader.readHeader();
+  if (result == CoderResult::ok) result = decode(dib, reader, 1);
   return succeeded("loadJpegFileToDib", result);
 }
 
@@ -96,13 +118,13 @@ bool loadJpegBufferToDib(cDIBSection& dib, const std::uint8_t* buffer, std::int3
                          std::int32_t scale) {
   if (buffer == nullptr || bufferSize < 1) return false;
   JpegReader reader(std::span(buffer, static_cast<std::size_t>(bufferSize)));
-  Result result = reader.readHeader();
+  CoderResult result = reader.readHeader();
   if (reader.width() > 0) {
     lastWidth = reader.width();
     lastHeight = reader.height();
   }
   if (scale != 2 && scale != 4 && scale != 8) scale = 1;
-  if (result == Result::ok) result = decode(dib, reader, scale);
+  if (result == CoderResult::ok) result = decode(dib, reader, scale);
   return succeeded("loadJpegBufferToDib", result);
 }
 

@@ -5,23 +5,22 @@
 // for; libjpeg-turbo does the coding.
 //
 // Pictures are written as JFIF, 4:2:0, with the quality clamped to 1..100. Read are grey, colour and
-// four-channel JPEGs, baseline or progressive, into 24-bit sections. Damaged or hostile data is refused,
-// never followed.
+// four-channel JPEGs, baseline or progressive, into 24-bit sections. Damaged and hostile data is refused.
 
 #include <cstdint>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 
-#include "imaging/dib_section.h"
+#include "veltrano/dib_section.h"
 
 namespace veltrano::mIntelJPEGLibrary {
 
-/// What the coder answers; the numbers are the ones that the error texts have always carried.
-enum class Result : int {
+/// How coding ended; the numbers are those that the error texts have always carried.
+enum class CoderResult : int {
   ok = 0,
   memoryError = -5,
-  invalidProperties = -8,  ///< nothing to encode, or a size that no JPEG can have
+  invalidProperties = -8,  ///< nothing to encode, or a side longer than a JPEG can have
   notJpeg = -13,
   badData = -21,
   internalError = -24,
@@ -29,7 +28,7 @@ enum class Result : int {
   unsupportedFrame = -29,
 };
 
-/// Raised by saveDibToJpegBuffer; members of the public classes pass over it.
+/// Raised by saveDibToJpegBuffer. The public classes handle it.
 class RaisedError : public std::runtime_error {
  public:
   static constexpr int number = 26001;
@@ -47,22 +46,22 @@ class RaisedError : public std::runtime_error {
 std::int32_t lastJpegWidth();
 std::int32_t lastJpegHeight();
 
-/// Writes the section to a file, which appears whole or not at all. False when the section is empty or the
-/// file cannot be written.
+/// Writes the section to a file, which appears whole or not at all. False if the section is empty or the file
+/// cannot be written.
 bool saveDibToJpegFile(const cDIBSection& dib, const std::filesystem::path& file, std::int32_t quality);
 
 /// Writes the section into `buffer`, which holds `bufferSize` bytes; the size becomes the encoded length.
-/// Throws RaisedError when the coder cannot start or the image does not fit; the size is then left alone, the
-/// buffer's content is unspecified.
+/// Throws RaisedError if the coder cannot start or the image does not fit; the size is unchanged then and the
+/// buffer's content unspecified.
 bool saveDibToJpegBuffer(const cDIBSection& dib, std::uint8_t* buffer, std::int32_t& bufferSize,
                          std::int32_t quality);
 
 /// The section as JPEG bytes. The budget is a quarter of a byte a pixel: n = width * height / 4 rounded, ties
-/// to even, and n - 1 bytes may be used. Hosts rely on the outcome of an image that needs more: a string of n
-/// + 1 characters that is no JPEG (one character for an empty section). Never throws RaisedError.
+/// to even, and n - 1 bytes may be used. An image that needs more gives a string of n + 1 characters that is
+/// not a JPEG (one NUL character for an empty section), which hosts rely on. Never throws RaisedError.
 std::string saveDibToJpegString(const cDIBSection& dib, std::int32_t quality);
 
-/// Reads a JPEG file at full size. False when it cannot be read or is damaged; the section then holds what
+/// Reads a JPEG file at full size. False if it cannot be read or is damaged; the section then holds what
 /// could be decoded, or nothing.
 bool loadJpegFileToDib(cDIBSection& dib, const std::filesystem::path& file);
 

@@ -2,10 +2,7 @@
 
 #include <cstring>
 
-#include "imaging/jpeg_errors_internal.h"
-
-// After it: jerror.h makes an enumeration from libjpeg's own definitions.
-#include <jerror.h>
+#include "imaging/jpeg_errors.h"
 
 namespace veltrano::mIntelJPEGLibrary {
 namespace {
@@ -21,40 +18,12 @@ constexpr std::uint64_t pixelsPerByte = 1024;
 // Arithmetic coding has no such bound.
 constexpr std::uint64_t arithmeticPixelLimit = std::uint64_t{1} << 27;
 
-bool losesImageData(int warning) {
-  return warning == JWRN_HIT_MARKER || warning == JWRN_HUFF_BAD_CODE || warning == JWRN_ARITH_BAD_CODE ||
-         warning == JWRN_MUST_RESYNC;
-}
-
-void errorExit(j_common_ptr coder) {
-  switch (coder->err->msg_code) {
-    case JERR_OUT_OF_MEMORY:
-    case JERR_NO_BACKING_STORE:
-      giveUp(coder, Result::memoryError);
-    case JERR_NO_SOI:
-    case JERR_INPUT_EMPTY:
-      giveUp(coder, Result::notJpeg);
-    case JERR_BAD_PRECISION:
-    case JERR_CONVERSION_NOTIMPL:
-    case JERR_SOF_UNSUPPORTED:
-      giveUp(coder, Result::unsupportedFrame);
-    default:
-      giveUp(coder, Result::badData);
-  }
-}
-
-// Level -1 is a warning, the others are remarks; nothing is printed.
-void emitMessage(j_common_ptr coder, int level) {
-  if (level < 0 && losesImageData(coder->err->msg_code))
-    reinterpret_cast<JpegErrors*>(coder->err)->damaged = true;
-}
-
 void watchScans(j_common_ptr coder) {
   const auto* decoder = reinterpret_cast<jpeg_decompress_struct*>(coder);
   const std::uint64_t scans = static_cast<std::uint64_t>(decoder->input_scan_number);
   if (decoder->input_scan_number > scanLimit ||
       scans * decoder->image_width * decoder->image_height > scannedPixelLimit) {
-    giveUp(coder, Result::badData);
+    giveUp(coder, CoderResult::badData);
   }
 }
 
@@ -70,18 +39,6 @@ void inksToBgr(std::uint8_t* target, const std::uint8_t* inks, std::int32_t widt
 }
 
 }  // namespace
-
-JpegErrors::JpegErrors() {
-  jpeg_std_error(&manager);
-  manager.error_exit = errorExit;
-  manager.emit_message = emitMessage;
-}
-
-void giveUp(j_common_ptr coder, Result result) {
-  auto* errors = reinterpret_cast<JpegErrors*>(coder->err);
-  errors->result = result;
-  std::longjmp(errors->escape, 1);
-}
 
 struct JpegReader::State {
   explicit State(std::span<const std::uint8_t> source) : bytes(source) {}
@@ -116,7 +73,7 @@ std::int32_t JpegReader::height() const {
   return static_cast<std::int32_t>(state_->decoder.image_height);
 }
 
-Result JpegReader::readHeader() {
+CoderResult JpegReader::readHeader() {
   State& state = *state_;
   jpeg_decompress_struct& decoder = state.decoder;
   if (!state.created) return state.errors.result;
@@ -127,21 +84,21 @@ Result JpegReader::readHeader() {
   if (!done) return state.errors.result;
 
   const int channels = decoder.num_components;
-  if (channels != 1 && channels != 3 && channels != 4) return Result::unsupportedFrame;
+  if (channels != 1 && channels != 3 && channels != 4) return CoderResult::unsupportedFrame;
   const std::uint64_t pixels = std::uint64_t{decoder.image_width} * decoder.image_height;
   if (pixels > (decoder.arith_code ? arithmeticPixelLimit : state.bytes.size() * pixelsPerByte)) {
-    return Result::badData;
+    return CoderResult::badData;
   }
-  return Result::ok;
+  return CoderResult::ok;
 }
 
-Result JpegReader::readImage(std::int32_t scale, const PixelSurface& target) {
+CoderResult JpegReader::readImage(std::int32_t scale, const PixelSurface& target) {
   State& state = *state_;
   state.decoder.scale_num = 1;
   state.decoder.scale_denom = static_cast<unsigned>(scale);
   state.decoder.out_color_space = state.decoder.num_components == 4 ? JCS_CMYK : JCS_EXT_BGR;
   if (!guarded(state.errors, [&] { state.readRows(target); })) return state.errors.result;
-  return state.errors.damaged ? Result::badData : Result::ok;
+  return state.errors.damaged ? CoderResult::badData : CoderResult::ok;
 }
 
 // Runs inside guarded: owns nothing, its row buffer belongs to the decoder.

@@ -22,14 +22,14 @@ class JpegReader {
 
   /// Reads up to the image data. Sizes are known afterwards also when the answer is that the image is
   /// unsupported or claims more pixels than its bytes can describe.
-  Result readHeader();
+  CoderResult readHeader();
   [[nodiscard]] std::int32_t width() const;
   [[nodiscard]] std::int32_t height() const;
 
   /// Decodes at 1/scale of the size (1, 2, 4 or 8) into `target`, whose sizes are those of the header divided
   /// by the scale and rounded down. After a failure the target holds the rows that could be decoded. Once,
   /// after readHeader.
-  Result readImage(std::int32_t scale, const PixelSurface& target);
+  CoderResult readImage(std::int32_t scale, const PixelSurface& target);
 
  private:
   struct State;

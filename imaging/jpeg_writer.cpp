@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <array>
 
-#include "imaging/jpeg_errors_internal.h"
+#include "imaging/jpeg_errors.h"
 
 namespace veltrano::mIntelJPEGLibrary {
 namespace {
 
-// Where libjpeg puts its bytes. It asks for more room as soon as a buffer is full, even when it has nothing
-// more to write; so a full fixed buffer is followed by a buffer of one byte, and only that one's use is a
-// failure.
+// Where libjpeg puts its bytes. It asks for more room as soon as a buffer is full, even with nothing left to
+// write; so a full fixed buffer is followed by a buffer of one byte, and only using that one is a failure.
 struct Destination {
   jpeg_destination_mgr manager{};  // first member: libjpeg hands its address back
   std::span<std::uint8_t> buffer;
@@ -35,7 +34,7 @@ Destination& destinationOf(j_compress_ptr coder) {
 
 void growChunks(j_compress_ptr coder) {
   const std::span<std::uint8_t> room = destinationOf(coder).chunks->grow();
-  if (room.empty()) giveUp(reinterpret_cast<j_common_ptr>(coder), Result::memoryError);
+  if (room.empty()) giveUp(reinterpret_cast<j_common_ptr>(coder), CoderResult::memoryError);
   destinationOf(coder).use(room);
 }
 
@@ -55,7 +54,7 @@ boolean emptyDestination(j_compress_ptr coder) {
   if (destination.chunks != nullptr) {
     growChunks(coder);
   } else if (destination.spilling) {
-    giveUp(reinterpret_cast<j_common_ptr>(coder), Result::bufferTooSmall);
+    giveUp(reinterpret_cast<j_common_ptr>(coder), CoderResult::bufferTooSmall);
   } else {
     destination.useSpill();
   }
@@ -76,8 +75,8 @@ void encode(jpeg_compress_struct& coder, const PixelSurface& image, std::int32_t
   coder.image_width = static_cast<JDIMENSION>(image.width);
   coder.image_height = static_cast<JDIMENSION>(image.height);
   coder.input_components = 3;
-  coder.in_color_space =
-      JCS_EXT_BGR;            // the pixels as they are: turning them round first costs a quarter of the time
+  // The pixels as they are: reversing them first would take a quarter of the time.
+  coder.in_color_space = JCS_EXT_BGR;
   jpeg_set_defaults(&coder);  // JFIF, YCbCr, 4:2:0
   jpeg_set_quality(&coder, std::clamp<std::int32_t>(quality, 1, 100), TRUE);
   jpeg_start_compress(&coder, TRUE);
@@ -103,7 +102,7 @@ JpegOutcome write(const PixelSurface& image, std::int32_t quality, Destination& 
     destination.manager.term_destination = finishDestination;
     coder.dest = &destination.manager;
     if (image.bits == nullptr || image.width > JPEG_MAX_DIMENSION || image.height > JPEG_MAX_DIMENSION) {
-      errors.result = Result::invalidProperties;
+      errors.result = CoderResult::invalidProperties;
     } else {
       guarded(errors, [&] { encode(coder, image, quality); });
     }

@@ -14,9 +14,9 @@
 namespace veltrano::mIntelJPEGLibrary {
 
 struct JpegOutcome {
-  Result result = Result::internalError;
+  CoderResult result = CoderResult::internalError;
   bool started = false;    ///< the coder was initialised; the failure, if any, came later
-  std::size_t length = 0;  ///< bytes written, when result is ok
+  std::size_t length = 0;  ///< bytes written, if result is ok
 };
 
 /// Into a fixed buffer, of which every byte may be used. Too small a buffer fails.

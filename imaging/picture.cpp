@@ -1,4 +1,4 @@
-#include "imaging/picture.h"
+#include "veltrano/picture.h"
 
 #include <cstring>
 #include <limits>

@@ -11,21 +11,14 @@ void appendReference(std::string& target, char32_t code) {
   target.append("&#").append(integerText(code).view()).append(1, ';');
 }
 
-constexpr bool isHighSurrogate(char16_t unit) {
-  return unit >= 0xD800 && unit <= 0xDBFF;
-}
-
 }  // namespace
 
 std::string characterData(std::string_view ansi) {
   constexpr std::string_view markup = "&<>";
   const std::u16string text = ansiToUtf16(ansi);
   std::string result;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char32_t code = text[i];
-    if (isHighSurrogate(text[i]) && i + 1 < text.size()) {
-      code = 0x10000 + ((code - 0xD800) << 10U) + (text[++i] - 0xDC00U);
-    }
+  for (std::size_t i = 0; i < text.size();) {
+    const char32_t code = nextCharacter(text, i);
     if (code >= 0x7F || (code >= ' ' && markup.find(static_cast<char>(code)) != std::string_view::npos)) {
       appendReference(result, code);
     } else if (code >= ' ') {

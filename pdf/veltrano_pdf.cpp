@@ -1,51 +1,445 @@
-#include "pdf/veltrano_pdf.h"
+// The public class: checks arguments, raises the event and forwards to the parts.
 
-#include "base/os/host.h"
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "base/numbers/numbers.h"
+#include "base/trace.h"
+#include "pdf/document_parts.h"
+#include "pdf/graphics/color.h"
+#include "pdf/graphics/line_style.h"
+#include "pdf/graphics/shapes.h"
+#include "veltrano/pdf.h"
 
 namespace veltrano {
 
-VeltranoPDF::VeltranoPDF() {
+struct VeltranoPDF::Impl : DocumentParts {};
+
+namespace {
+
+/// Reports a rejected argument. The handler may change the whole object: nothing may be held across this call.
+void raise(const VeltranoPDF& pdf, std::string_view message) {
+  // A copy, since the handler may put another one in its place while it runs.
+  const auto handler = pdf.onError;
+  if (handler) {
+    handler(message);
+  }
+}
+
+/// The target of a link, empty for none. One that is not text is reported.
+std::string_view linkTarget(const VeltranoPDF& pdf, const Value& link) {
+  if (const auto* target = link.as<std::string>()) {
+    return *target;
+  }
+  if (!link.isEmpty()) {
+    raise(pdf, "Unable to include this link");
+  }
+  return {};
+}
+
+bool isOpen(const DocumentParts& parts, std::string_view member) {
+  if (!parts.assembly.isOpen()) {
+    traceSkipped(member, "no document is open");
+  }
+  return parts.assembly.isOpen();
+}
+
+/// What a host sees of a count that may be wider than its property.
+std::int16_t hostCount(std::size_t count) {
+  constexpr std::size_t most = std::numeric_limits<std::int16_t>::max();
+  return static_cast<std::int16_t>(std::min(count, most));
+}
+
+/// Stores `value` rounded; leaves the margin alone if it does not fit.
+void setRounded(std::int16_t& margin, double value, std::string_view member) {
+  if (const auto rounded = roundToInt16(value)) {
+    margin = *rounded;
+  } else {
+    traceSkipped(member, "does not fit 16 bits");
+  }
+}
+
+}  // namespace
+
+VeltranoPDF::VeltranoPDF() : impl_(std::make_unique<Impl>()) {
   PDFInit();
 }
 
 VeltranoPDF::~VeltranoPDF() = default;
 
-void VeltranoPDF::raise(std::string_view message) {
-  // A copy, since the handler may put another one in its place while it runs.
-  const auto handler = onError;
-  if (handler) handler(message);
+// Document settings
+void VeltranoPDF::PDFInit() {
+  impl_->reset();
+}
+void VeltranoPDF::PDFPathConfiguration(const std::filesystem::path& folder) {
+  impl_->metricsFolder.setPath(folder);
+}
+void VeltranoPDF::PDFProducer(std::string_view text) {
+  impl_->information.producer = text;
+}
+void VeltranoPDF::PDFSubject(std::string_view text) {
+  impl_->information.subject = text;
+}
+void VeltranoPDF::PDFKeywords(std::string_view text) {
+  impl_->information.keywords = text;
+}
+void VeltranoPDF::PDFCreator(std::string_view text) {
+  impl_->information.creator = text;
+}
+void VeltranoPDF::PDFAuthor(std::string_view text) {
+  impl_->information.author = text;
+}
+void VeltranoPDF::PDFTitle(std::string_view text) {
+  impl_->information.title = text;
+}
+void VeltranoPDF::PDFFileName(const std::filesystem::path& file) {
+  impl_->fileName = file;
+  impl_->assembly.clearOutput();
+}
+std::string VeltranoPDF::PDFGetFileName() const {
+  return {};
+}
+void VeltranoPDF::PDFConfirm(bool /*confirm*/) {}
+void VeltranoPDF::PDFView(bool /*view*/) {}
+void VeltranoPDF::JustPictures(bool /*pictures*/) {}
+void VeltranoPDF::PDFFiligran(std::string_view text) {
+  impl_->watermarkText = std::string(text);
+}
+void VeltranoPDF::PDFSetZoomMode(const Value& zoom) {
+  Value accepted = zoom;
+  if (!zoom.isNumeric() && !zoom.isEmpty()) {
+    raise(*this, "Zoom mode incorrect.");
+    accepted = Value(ZOOM_FULLPAGE);
+  }
+  impl_->viewer.zoomMode = accepted;
+}
+Value VeltranoPDF::PDFGetZoomMode() const {
+  return impl_->viewer.zoomMode;
+}
+void VeltranoPDF::PDFSetLayoutMode(std::int32_t layout) {
+  if (layout < LAYOUT_SINGLE || layout > LAYOUT_DEFAULT) {
+    raise(*this, "Incorrect Layout");
+    layout = LAYOUT_SINGLE;
+  }
+  impl_->viewer.layoutMode = Value(layout);
+}
+Value VeltranoPDF::PDFGetLayoutMode() const {
+  return impl_->viewer.layoutMode;
+}
+void VeltranoPDF::PDFUseThumbs(bool use) {
+  impl_->viewer.useThumbs = use;
+}
+void VeltranoPDF::PDFUseOutlines(bool use) {
+  impl_->viewer.useOutlines = use;
+}
+void VeltranoPDF::PDFSetViewerPreferences(std::int32_t preference) {
+  impl_->viewer.viewerPreference = preference;
 }
 
-void VeltranoPDF::PDFInit() {
-  if (fonts_.metrics.folder().empty()) fonts_.metrics.setFolder(metricsFolder());
-  PDFLoadAfm(fonts_.metrics.folder());
+// Page geometry
+void VeltranoPDF::PDFSetUnit(std::int32_t unit) {
+  const auto points = pointsPerUnit(unit);
+  if (!points) {
+    raise(*this, "Incorrect Unit");
+  }
+  impl_->geometry.scaleFactor = points.value_or(*pointsPerUnit(UNIT_CM));
+}
+std::string VeltranoPDF::PDFGetUnit() const {
+  return unitName(impl_->geometry.scaleFactor);
+}
+void VeltranoPDF::PDFOrientation(std::int32_t orientation) {
+  if (orientation != ORIENT_PAYSAGE && orientation != ORIENT_PORTRAIT) {
+    raise(*this, "Incorrect Page Orientation");
+  }
+  impl_->geometry.current().orient(orientation == ORIENT_PAYSAGE);
+}
+void VeltranoPDF::PDFFormatPage(const Value& format) {
+  PageFormat& page = impl_->geometry.current();
+  if (format.isInteger() ? page.setNamed(format) : page.setFromArray(format)) {
+    return;
+  }
+  raise(*this, format.isInteger() ? "Invalid Page Code Format" : "Incorrect Page Code");
+  impl_->geometry.current() = a4;
+}
+void VeltranoPDF::PDFPageHeight(double height) {
+  impl_->geometry.current().height = height;
+}
+double VeltranoPDF::PDFGetPageHeight() const {
+  return impl_->geometry.current().height;
+}
+void VeltranoPDF::PDFPageWidth(double width) {
+  impl_->geometry.current().width = width;
+}
+double VeltranoPDF::PDFGetPageWidth() const {
+  return impl_->geometry.current().width;
+}
+void VeltranoPDF::PDFSetLeftMargin(double margin) {
+  setRounded(impl_->geometry.leftMargin, margin, "PDFSetLeftMargin");
+}
+double VeltranoPDF::PDFGetLeftMargin() const {
+  return impl_->geometry.leftMargin;
+}
+void VeltranoPDF::PDFSetRightMargin(double margin) {
+  setRounded(impl_->geometry.rightMargin, margin, "PDFSetRightMargin");
+}
+double VeltranoPDF::PDFGetRightMargin() const {
+  return impl_->geometry.rightMargin;
+}
+void VeltranoPDF::PDFSetTopMargin(double margin) {
+  setRounded(impl_->geometry.topMargin, margin, "PDFSetTopMargin");
+}
+double VeltranoPDF::PDFGetTopMargin() const {
+  return impl_->geometry.topMargin;
+}
+void VeltranoPDF::PDFSetBottomMargin(double margin) {
+  setRounded(impl_->geometry.bottomMargin, margin, "PDFSetBottomMargin");
+}
+double VeltranoPDF::PDFGetBottomMargin() const {
+  return impl_->geometry.bottomMargin;
+}
+void VeltranoPDF::PDFSetCellMargin(double margin) {
+  setRounded(impl_->geometry.cellMargin, margin, "PDFSetCellMargin");
+}
+double VeltranoPDF::PDFGetCellMargin() const {
+  return impl_->geometry.cellMargin;
+}
+void VeltranoPDF::PDFSetMargins(std::int16_t left, std::int16_t top, std::int16_t right,
+                                std::int16_t bottom) {
+  constexpr std::int16_t omitted = -1;
+  impl_->geometry.leftMargin = left;
+  impl_->geometry.topMargin = top;
+  impl_->geometry.rightMargin = right == omitted ? left : right;
+  impl_->geometry.bottomMargin = bottom == omitted ? top : bottom;
+}
+std::int16_t VeltranoPDF::PDFGetX() const {
+  return roundToInt16(impl_->geometry.currentX).value_or(0);
+}
+std::int16_t VeltranoPDF::PDFGetY() const {
+  return roundToInt16(impl_->geometry.currentY).value_or(0);
+}
 
-  const int pageCount = assembly_.pageCount;
-  assembly_ = Assembly();
-  assembly_.pageCount = pageCount;  // only PDFBeginDoc sets it
-  links_ = LinkState();
-  images_ = ImageTable();
+// Assembly
+void VeltranoPDF::PDFBeginDoc() {
+  impl_->beginDocument();
+}
+void VeltranoPDF::PDFNewPage() {
+  if (isOpen(*impl_, "PDFNewPage")) {
+    impl_->closePage();
+    impl_->beginPage();
+    impl_->drawWatermark();
+  }
+}
+void VeltranoPDF::PDFEndPage() {
+  impl_->geometry.nextPage();
+  impl_->drawWatermark();
+}
+void VeltranoPDF::PDFEndDoc() {
+  if (isOpen(*impl_, "PDFEndDoc")) {
+    impl_->endDocument();
+  }
+}
+std::int16_t VeltranoPDF::PDFPageNumber() const {
+  return hostCount(static_cast<std::size_t>(impl_->assembly.pageNumber()));
+}
+std::int16_t VeltranoPDF::PDFNbPage() const {
+  return hostCount(impl_->assembly.pages().size());
+}
+Value VeltranoPDF::PDFSetBookmark(std::string_view text, std::int32_t level, double y) {
+  constexpr double omitted = -1;
+  impl_->bookmarks.add({std::string(text), roundToInt16(level).value_or(0),
+                        y == omitted ? impl_->geometry.currentY : y, impl_->assembly.pageNumber()});
+  return {};
+}
 
-  fonts_.fontSize = 0;
-  fonts_.underlineFlag = false;
-  fonts_.fontCounter = 1;
-  graphics_.fillFlag = false;
+// Fonts
+void VeltranoPDF::PDFLoadAfm(const std::filesystem::path& folder) {
+  impl_->loadFonts(folder);
+}
+void VeltranoPDF::PDFSetFont(std::int32_t font, std::int16_t size, std::int32_t style) {
+  const auto name = baseFontName(font, style);
+  if (!name) {
+    raise(*this, "Invalid Fort ");
+  }
+  impl_->font.underlined = impl_->font.underlined || (name && asksForUnderline(style));
+  impl_->setFont(name.value_or("TimesRoman"), size);
+}
+double VeltranoPDF::PDFGetStringWidth(std::string_view text, std::string_view fontName, std::int16_t size) {
+  return impl_->stringWidth(text, fontName, size);
+}
 
-  geometry_ = PageGeometry();
-  geometry_.pages.push_back({a4Width, a4Height, false});
-  PDFSetMargins(geometry_.defaultMargin, geometry_.defaultMargin);
-  moveTo(geometry_.leftMargin, geometry_.topMargin);
+// Graphics state
+void VeltranoPDF::PDFSetTextColor(const Value& color) {
+  if (isMisspelledColor(color)) {
+    raise(*this, "Invalid Text Color");
+  }
+  setColorOperator(impl_->graphics.textColorOp, color, "rg");
+}
+void VeltranoPDF::PDFSetLineColor(const Value& color) {
+  if (isMisspelledColor(color)) {
+    raise(*this, "Invalid Line Color");
+  }
+  setColorOperator(impl_->graphics.lineColorOp, color, "RG");
+}
+void VeltranoPDF::PDFSetDrawColor(const Value& color) {
+  // Hosts compare the message as it is spelled.
+  if (isMisspelledColor(color)) {
+    raise(*this, "Invalide Draw Color");
+  }
+  setColorOperator(impl_->graphics.fillColorOp, color, "rg");
+}
+std::string VeltranoPDF::PDFGetTextColor() const {
+  return {};
+}
+std::string VeltranoPDF::PDFGetLineColor() const {
+  return {};
+}
+std::string VeltranoPDF::PDFGetDrawColor() const {
+  return {};
+}
+void VeltranoPDF::PDFSetLineWidth(double width) {
+  impl_->graphics.lineWidth = width;
+}
+void VeltranoPDF::PDFSetLineStyle(std::int32_t style) {
+  const auto dash = dashOperator(style, impl_->geometry.scaleFactor);
+  if (!dash) {
+    raise(*this, "Incorrect Line Style");
+  }
+  impl_->graphics.lineDashOp = dash.value_or("");
+}
+void VeltranoPDF::PDFSetDrawMode(std::int32_t mode) {
+  const bool known = mode >= DRAW_NORMAL && mode <= DRAW_DRAWBORDER;
+  if (!known) {
+    raise(*this, "Incorrect Draw line");
+  }
+  impl_->graphics.drawMode = known ? static_cast<DrawMode>(mode) : DrawMode::outline;
+}
+void VeltranoPDF::PDFSetAlignement(std::int32_t alignment) {
+  const bool known = alignment >= ALIGN_CENTER && alignment <= ALIGN_FJUSTIFY;
+  if (!known) {
+    raise(*this, "Invalid Alignment Code");
+  }
+  impl_->graphics.alignment = known ? static_cast<Alignment>(alignment) : Alignment::left;
+}
+std::string VeltranoPDF::PDFGetAlignement() const {
+  const Alignment alignment = impl_->graphics.alignment;
+  return alignment == Alignment::center ? "Center" : alignment == Alignment::right ? "Right" : "Left";
+}
+void VeltranoPDF::PDFSetBorder(std::int32_t border) {
+  impl_->graphics.border = Border::fromDigits(border);
+}
+void VeltranoPDF::PDFSetFill(bool fill) {
+  impl_->graphics.fillCells = fill;
+}
 
-  const GraphicsState fresh;
-  graphics_.lineWidth = fresh.lineWidth;
-  graphics_.lineColorOp = fresh.lineColorOp;
-  graphics_.fillColorOp = fresh.fillColorOp;
-  graphics_.textColorOp = fresh.textColorOp;
+// Drawing
+void VeltranoPDF::PDFDrawLineHor(double x, double y, double width) {
+  impl_->graphics.fillColorOp = fillOperatorOf(impl_->graphics.lineColorOp);
+  drawDashedLine(impl_->content, impl_->geometry, impl_->graphics, "LNH", {x, y}, {x + width, y});
+  impl_->geometry.moveTo(x + width, y);
+}
+void VeltranoPDF::PDFDrawLineVer(double x, double y, double height) {
+  impl_->graphics.fillColorOp = fillOperatorOf(impl_->graphics.lineColorOp);
+  drawDashedLine(impl_->content, impl_->geometry, impl_->graphics, "LNV", {x, y}, {x, y + height});
+  impl_->geometry.moveTo(x, y + height);
+}
+// Unlike the two above, a free line has no dash and leaves the fill colour alone; hosts rely on the
+// difference.
+void VeltranoPDF::PDFDrawLine(double x1, double y1, double x2, double y2) {
+  drawFreeLine(impl_->content, impl_->geometry, impl_->graphics, {x1, y1}, {x2, y2});
+  impl_->geometry.moveTo(std::fmax(x1, x2), std::fmax(y1, y2));
+}
+void VeltranoPDF::PDFDrawRectangle(double x, double y, double width, double height, const Value& link) {
+  const Box box{x, y, width, height};
+  drawRectangle(impl_->content, impl_->geometry, impl_->graphics, box);
+  PDFSetTextColor(COLOR_BLANC);
+  impl_->linkShape(box, linkTarget(*this, link), std::floor(x + 5), std::floor(y + height / 2));
+  ContentWriter(impl_->content).line("%FIN_RECT/%");
+  impl_->geometry.moveTo(x, y + height);
+}
+void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height, const Value& link) {
+  const Box box{x, y, width, height == 0 ? width : height};
+  drawEllipse(impl_->content, impl_->geometry, impl_->graphics, box);
+  if (!link.isEmpty() && link != Value(std::string())) {
+    PDFSetTextColor(COLOR_BLANC);
+    impl_->linkShape(box, linkTarget(*this, link), std::floor(x + 5), std::floor(y + box.height / 2));
+  }
+}
+void VeltranoPDF::PDFDrawPolygon(const Value::List& points) {
+  drawPolygon(impl_->content, impl_->geometry, impl_->graphics, readPoints(points));
+}
 
-  // The title is kept, as is the file name.
-  DocumentInformation information;
-  information.title = settings_.information.title;
-  settings_.information = information;
+// Text, cells, links
+void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
+  impl_->drawText(text, x, y);
+}
+void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double width, double height,
+                          const Value& link) {
+  const Box box{x, y, width, height};
+  const auto* target = link.as<std::string>();
+  impl_->drawCell(text, box, target != nullptr && !target->empty());
+  impl_->linkShape(box, linkTarget(*this, link), x, y);
+  // As after a rectangle: at the lower left corner.
+  impl_->geometry.moveTo(x, y + height);
+}
+void VeltranoPDF::PDFLink(double x, double y, std::string_view text, std::string_view link) {
+  impl_->linkText(x, y, text, link.empty() ? text : link);
+}
+double VeltranoPDF::PDFTextHeight() const {
+  return impl_->font.size * impl_->geometry.scaleFactor;
+}
+void VeltranoPDF::PDFSetRotation(double angle) {
+  impl_->graphics.textRotation = angle;
+}
+
+// Images
+namespace {
+
+/// The image of an accepted file; reports why another is refused. The messages for names differ by member.
+std::optional<Image> imageOf(const VeltranoPDF& pdf, const std::filesystem::path& file,
+                             std::string_view withoutDot, std::string_view refused) {
+  const ImageName name = checkImageName(file);
+  if (name != ImageName::accepted) {
+    raise(pdf, name == ImageName::withoutDot ? withoutDot : refused);
+    return std::nullopt;
+  }
+  ImageFile read = readImage(file);
+  if (!read.image) {
+    raise(pdf, read.refusal);
+  }
+  return std::move(read.image);
+}
+
+}  // namespace
+
+double VeltranoPDF::PDFImageWidth(const std::filesystem::path& file) {
+  const auto image = imageOf(*this, file, "Unable to include this image", "Error format not supported");
+  return image ? image->width : 0;
+}
+double VeltranoPDF::PDFImageHeight(const std::filesystem::path& file) {
+  const auto image = imageOf(*this, file, "Unable to include this image", "Image format not supported.");
+  return image ? image->height : 0;
+}
+void VeltranoPDF::PDFImage(const std::filesystem::path& file, double x, double y, double& width,
+                           double& height, const Value& link) {
+  constexpr std::string_view refused = "Format not supported";
+  auto image = imageOf(*this, file, refused, refused);
+  if (!image) {
+    return;
+  }
+  const double k = impl_->geometry.scaleFactor;
+  completeSize(*image, k, width, height);
+  const Box box{x, y, width, height};
+  impl_->images.push_back(*std::move(image));
+  drawImage(impl_->content, impl_->geometry, impl_->images.size(), box);
+  const std::string_view target = linkTarget(*this, link);
+  if (!target.empty()) {
+    PDFSetTextColor(COLOR_BLEU);
+  }
+  impl_->linkShape(box, target, x, y);
+  // Products with the points of a unit, unlike everywhere else: kept because hosts rely on it.
+  impl_->geometry.moveTo((x + width) * k, (y + height) * k);
 }
 
 }  // namespace veltrano

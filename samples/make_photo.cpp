@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "imaging/dib_section.h"
 #include "imaging/intel_jpeg_library.h"
+#include "veltrano/dib_section.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include "base/numbers/numbers.h"
 #include "base/os/files.h"
 #include "base/text/code_page.h"
-#include "pdf/veltrano_pdf.h"
+#include "veltrano/pdf.h"
 
 namespace {
 

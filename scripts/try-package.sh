@@ -180,7 +180,7 @@ plain=$(mktemp -d)
 cp -r "$prefix" "$plain/veltrano"
 saw "files" "$(find "$prefix" -type f | wc -l), $(du -sh --apparent-size "$prefix" | cut -f 1) unpacked"
 cat >"$work/program/hello.cpp" <<'PROGRAM'
-#include "pdf/veltrano_pdf.h"
+#include "veltrano/pdf.h"
 
 int main() {
   veltrano::VeltranoPDF pdf;

@@ -4,7 +4,7 @@
 #include <exception>
 #include <string_view>
 
-#include "database/database_engine.h"
+#include "database/shared_engine.h"
 #include "server/com/class_factory.h"
 #include "server/com/module.h"
 #include "server/com/registration.h"

@@ -9,8 +9,8 @@
 
 namespace veltrano {
 
-/// What tells one state of a file from another: if two of these are equal and the time stamp is not too
-/// young, the content is the same. Times are in nanoseconds of the file system's clock.
+/// What distinguishes one state of a file from another. Two states are equal here although the content differs
+/// only if it was changed twice within one step of the file system's clock. Times are in nanoseconds of it.
 struct FileIdentity {
   std::uint64_t device = 0;
   std::uint64_t file = 0;
@@ -31,9 +31,6 @@ struct IdentifiedText {
 /// The first `limit` bytes of the file, or all of a shorter one. Empty if there is no such regular file
 /// or it is unreadable. Others may read the file meanwhile.
 std::optional<IdentifiedText> readIdentified(const std::filesystem::path& file, std::size_t limit);
-
-/// Now, on the clock of FileIdentity.
-std::int64_t fileClockNow();
 
 /// What tells a file from every other one that exists at the same time, whatever names lead to it.
 struct FileNumber {

@@ -31,12 +31,4 @@ std::optional<FileNumber> fileNumber(const std::filesystem::path& file) {
   return FileNumber{status.st_dev, status.st_ino};
 }
 
-std::int64_t fileClockNow() {
-  timespec now = {};
-  // Not the cheaper coarse clock: some systems stamp files by the fine one, and a file changed just before
-  // would seem to be changed later.
-  ::clock_gettime(CLOCK_REALTIME, &now);
-  return nanoseconds(now);
-}
-
 }  // namespace veltrano

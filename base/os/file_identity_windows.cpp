@@ -40,10 +40,4 @@ std::optional<FileNumber> fileNumber(const std::filesystem::path& file) {
                     (static_cast<std::uint64_t>(info.nFileIndexHigh) << 32) | info.nFileIndexLow};
 }
 
-std::int64_t fileClockNow() {
-  FILETIME now = {};
-  GetSystemTimeAsFileTime(&now);
-  return nanoseconds(now);
-}
-
 }  // namespace veltrano

@@ -31,13 +31,6 @@ extern const CodePageTable windows1251;
 std::string utf16ToAnsi(std::u16string_view text);
 std::u16string ansiToUtf16(std::string_view text);
 
-/// For each byte the lower-case form of that character in the ANSI code page ('\xC9' to '\xE9' in
-/// Windows-1252), itself if it has none. Under a multi-byte code page only the ASCII letters change.
-const std::array<char, 256>& ansiLowerTable();
-
-/// `text` in lower case by ansiLowerTable.
-std::string ansiLower(std::string_view text);
-
 }  // namespace veltrano
 
 #endif

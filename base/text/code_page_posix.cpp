@@ -4,7 +4,6 @@
 #include "base/text/code_page.h"
 #include "base/text/encodings.h"
 #include "base/text/iconv_posix.h"
-#include "base/text/lower_case.h"
 
 namespace veltrano {
 
@@ -13,7 +12,6 @@ namespace {
 struct ActivePage {
   CodePageTable unicode{};
   std::unordered_map<char16_t, char> codes;
-  std::array<char, 256> lower{};
   /// The system's name of a page of several bytes a character, which has no table; else empty.
   std::string encoding;
 
@@ -26,25 +24,18 @@ struct ActivePage {
     for (std::size_t i = 0; i < table.size(); ++i) {
       codes.emplace(table[i], static_cast<char>(i + 128));
     }
-    // Bytes beyond ASCII are no letters where they are parts of characters.
-    const std::size_t letters = encoding.empty() ? lower.size() : 128;
-    for (std::size_t code = 0; code < lower.size(); ++code) {
-      const auto byte = static_cast<char>(code);
-      lower[code] =
-          code < letters ? ansi(lowerCase(character(static_cast<unsigned char>(code))), byte) : byte;
-    }
   }
 
   [[nodiscard]] char16_t character(unsigned char code) const {
     return code < 128 ? static_cast<char16_t>(code) : unicode[code - 128U];
   }
 
-  [[nodiscard]] char ansi(char16_t c, char otherwise) const {
+  [[nodiscard]] char ansi(char16_t c) const {
     if (c < 128) {
       return static_cast<char>(c);
     }
     const auto found = codes.find(c);
-    return found == codes.end() ? otherwise : found->second;
+    return found == codes.end() ? '?' : found->second;
   }
 };
 
@@ -100,7 +91,7 @@ std::string utf16ToAnsi(std::u16string_view text) {
     return toMultiByte(text, page.encoding);
   }
   std::string result(text.size(), '\0');
-  std::transform(text.begin(), text.end(), result.begin(), [&page](char16_t c) { return page.ansi(c, '?'); });
+  std::transform(text.begin(), text.end(), result.begin(), [&page](char16_t c) { return page.ansi(c); });
   return result;
 }
 
@@ -113,10 +104,6 @@ std::u16string ansiToUtf16(std::string_view text) {
   std::transform(text.begin(), text.end(), result.begin(),
                  [&page](char c) { return page.character(static_cast<unsigned char>(c)); });
   return result;
-}
-
-const std::array<char, 256>& ansiLowerTable() {
-  return activePage().lower;
 }
 
 }  // namespace veltrano

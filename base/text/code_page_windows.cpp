@@ -44,20 +44,4 @@ std::u16string ansiToUtf16(std::string_view text) {
   return result;
 }
 
-const std::array<char, 256>& ansiLowerTable() {
-  static const std::array<char, 256> table = [] {
-    CPINFO info = {};
-    const bool singleByte = GetCPInfo(CP_ACP, &info) != 0 && info.MaxCharSize == 1;
-    std::array<char, 256> lower{};
-    for (std::size_t code = 0; code < lower.size(); ++code) {
-      lower[code] = static_cast<char>(code);
-      if (singleByte || code < 128) {
-        CharLowerBuffA(&lower[code], 1);
-      }
-    }
-    return lower;
-  }();
-  return table;
-}
-
 }  // namespace veltrano

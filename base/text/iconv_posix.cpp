@@ -9,8 +9,16 @@ namespace veltrano {
 
 namespace {
 
-// NOLINTNEXTLINE(performance-no-int-to-ptr): what iconv_open answers.
-const iconv_t invalid = reinterpret_cast<iconv_t>(-1);
+/// Null if the system does not know one of the encodings.
+iconv_t openConverter(const std::string& from, const std::string& to) {
+  if (from.empty() || to.empty()) {
+    return nullptr;
+  }
+  const iconv_t handle = iconv_open(to.c_str(), from.c_str());
+  // NOLINTNEXTLINE(performance-no-int-to-ptr): what iconv_open answers.
+  return handle == reinterpret_cast<iconv_t>(-1) ? nullptr : handle;
+}
+
 constexpr auto failed = static_cast<std::size_t>(-1);
 
 }  // namespace
@@ -42,21 +50,10 @@ std::string systemEncodingName(std::string_view name) {
   return upper.starts_with(windows) ? "CP" + upper.substr(windows.size()) : upper;
 }
 
-Converter::Converter(const std::string& from, const std::string& to)
-    : handle_(from.empty() || to.empty() ? invalid : iconv_open(to.c_str(), from.c_str())) {}
-
-Converter::~Converter() {
-  if (*this) {
-    iconv_close(handle_);
-  }
-}
-
-Converter::operator bool() const {
-  return handle_ != invalid;
-}
+Converter::Converter(const std::string& from, const std::string& to) : handle_(openConverter(from, to)) {}
 
 bool Converter::convert(std::string_view text, std::string& result, const Otherwise& otherwise) {
-  iconv(handle_, nullptr, nullptr, nullptr, nullptr);
+  iconv(handle_.get(), nullptr, nullptr, nullptr, nullptr);
   auto* from = const_cast<char*>(text.data());  // NOLINT(cppcoreguidelines-pro-type-const-cast): only read
   std::size_t left = text.size();
   std::array<char, 4096> block;
@@ -64,7 +61,7 @@ bool Converter::convert(std::string_view text, std::string& result, const Otherw
   for (bool last = false;;) {
     char* to = block.data();
     std::size_t room = block.size();
-    const std::size_t answer = iconv(handle_, last ? nullptr : &from, &left, &to, &room);
+    const std::size_t answer = iconv(handle_.get(), last ? nullptr : &from, &left, &to, &room);
     const int error = answer == failed ? errno : 0;
     result.append(block.data(), block.size() - room);
     if (error == 0) {

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/os/owned.h"
+
 namespace veltrano {
 
 /// The system's name of UTF-16 in the byte order of this machine.
@@ -20,12 +22,9 @@ std::string systemEncodingName(std::string_view name);
 class Converter {
  public:
   Converter(const std::string& from, const std::string& to);
-  Converter(const Converter&) = delete;
-  Converter& operator=(const Converter&) = delete;
-  ~Converter();
 
   /// False if the system does not know one of the encodings.
-  explicit operator bool() const;
+  explicit operator bool() const { return static_cast<bool>(handle_); }
 
   /// Called where the text cannot be converted: puts something into `result` instead and returns how many
   /// bytes of `rest` that stands for; 0 gives up.
@@ -35,7 +34,8 @@ class Converter {
   bool convert(std::string_view text, std::string& result, const Otherwise& otherwise);
 
  private:
-  iconv_t handle_;
+  static void close(iconv_t handle) { iconv_close(handle); }
+  Owned<iconv_t, close> handle_;
 };
 
 }  // namespace veltrano

@@ -2,7 +2,7 @@
 #define VELTRANO_BASE_TEXT_LOWER_CASE_H
 
 // Lower case of Unicode text and comparison without regard to case, character by character and the same on every
-// system and in every locale. Code pages have theirs in code_page.h.
+// system and in every locale.
 
 #include <algorithm>
 #include <cstddef>
@@ -40,14 +40,18 @@ std::u16string lowerCaseUtf16(std::string_view utf8);
 /// True if two names (UTF-8) differ at most in their case.
 bool sameName(std::string_view left, std::string_view right);
 
-/// True if two strings of any one character type differ at most in the case of ASCII letters: for keywords and
+/// Lower case of ASCII letters only, in characters of any type.
+template <typename Character>
+constexpr Character lowerAscii(Character c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<Character>(c + 0x20) : c;
+}
+
+/// True if two strings of one character type differ at most in the case of ASCII letters: for keywords and
 /// names that consist of these.
 template <typename Character>
 bool sameAsciiName(std::basic_string_view<Character> left,
                    std::type_identity_t<std::basic_string_view<Character>> right) {
-  const auto lower = [](Character c) { return c >= 'A' && c <= 'Z' ? static_cast<Character>(c + 0x20) : c; };
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [lower](Character a, Character b) { return lower(a) == lower(b); });
+  return std::ranges::equal(left, right, {}, lowerAscii<Character>, lowerAscii<Character>);
 }
 inline bool sameAsciiName(std::string_view left, std::string_view right) {
   return sameAsciiName<char>(left, right);

@@ -12,7 +12,7 @@
 #include <string>
 
 #include "database/access/authoring/create_database.h"
-#include "database/veltrano_mdb.h"
+#include "veltrano/mdb.h"
 
 namespace {
 

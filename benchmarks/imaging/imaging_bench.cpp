@@ -15,9 +15,9 @@
 #include <jpeglib.h>
 
 #include "base/os/files.h"
-#include "imaging/dib_section.h"
 #include "imaging/intel_jpeg_library.h"
-#include "imaging/veltrano_png.h"
+#include "veltrano/dib_section.h"
+#include "veltrano/png.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "benchmarks/pdf/peers.h"
-#include "pdf/veltrano_pdf.h"
+#include "veltrano/pdf.h"
 
 // Pages per second of whole documents, from the first call to the file on the disk.
 

@@ -1,4 +1,4 @@
-// Measuring a text: with an unchanged metrics file, with a changed one, and breaking a paragraph into lines.
+// Measuring a text, looking at a metrics file, parsing one, and breaking a paragraph into lines.
 
 #include <benchmark/benchmark.h>
 
@@ -7,9 +7,10 @@
 #include <sstream>
 #include <string>
 
-#include "pdf/fonts/metrics_cache.h"
+#include "pdf/fonts/afm_file.h"
+#include "pdf/fonts/metrics_folder.h"
 #include "pdf/text/line_breaking.h"
-#include "pdf/veltrano_pdf.h"
+#include "veltrano/pdf.h"
 
 namespace veltrano {
 namespace {
@@ -18,9 +19,9 @@ const std::string eightyCharacters =
     "The quick brown fox jumps over the lazy dog while 1234567890 clocks tick loudly.";
 
 /// A folder with Helvetica.afm followed by kerning, 74 KB in all, as fonts are published.
-class MetricsFolder {
+class FontFolder {
  public:
-  MetricsFolder() : path_(std::filesystem::temp_directory_path() / "veltrano-measuring-bench") {
+  FontFolder() : path_(std::filesystem::temp_directory_path() / "veltrano-measuring-bench") {
     std::filesystem::create_directories(path_);
     std::ifstream shipped(std::filesystem::path(VELTRANO_METRICS_FOLDER) / "Helvetica.afm", std::ios::binary);
     std::stringstream text;
@@ -30,12 +31,12 @@ class MetricsFolder {
     }
     std::ofstream(path_ / "Helvetica.afm", std::ios::binary) << text.str();
   }
-  ~MetricsFolder() {
+  ~FontFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(path_, ignored);
   }
-  MetricsFolder(const MetricsFolder&) = delete;
-  MetricsFolder& operator=(const MetricsFolder&) = delete;
+  FontFolder(const FontFolder&) = delete;
+  FontFolder& operator=(const FontFolder&) = delete;
 
   [[nodiscard]] const std::filesystem::path& path() const { return path_; }
 
@@ -53,22 +54,28 @@ void unchangedFile(benchmark::State& state) {
 }
 BENCHMARK(unchangedFile);
 
-/// A file that was written within the last two seconds might change again without another time stamp, so it
-/// is read at each call.
-void changedFile(benchmark::State& state) {
-  const MetricsFolder folder;
-  MetricsCache cache;
-  cache.setFolder(folder.path());
+/// What setting a font and beginning a page cost: the file's times, not its content.
+void lookingAtAFile(benchmark::State& state) {
+  MetricsFolder folder;
+  folder.setPath(VELTRANO_METRICS_FOLDER);
   for (auto _ : state) {
-    benchmark::DoNotOptimize(cache.metrics("Helvetica").width(eightyCharacters, 10));
-    cache.callEnds();
+    benchmark::DoNotOptimize(folder.look("Helvetica"));
   }
 }
-BENCHMARK(changedFile)->MinTime(0.2);
+BENCHMARK(lookingAtAFile);
 
-/// The least that a changed file can cost: opening it and reading its metrics.
+void parsing(benchmark::State& state) {
+  const FontFolder folder;
+  const auto file = readIdentified(folder.path() / "Helvetica.afm", std::size_t{12} << 10);
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(parseAfm(file->text, false));
+  }
+}
+BENCHMARK(parsing);
+
+/// The least that asking for a width can cost: opening the file and reading its metrics.
 void readingAlone(benchmark::State& state) {
-  const MetricsFolder folder;
+  const FontFolder folder;
   const auto file = folder.path() / "Helvetica.afm";
   for (auto _ : state) {
     benchmark::DoNotOptimize(readIdentified(file, std::size_t{12} << 10));
@@ -77,15 +84,15 @@ void readingAlone(benchmark::State& state) {
 BENCHMARK(readingAlone);
 
 void breakingParagraph(benchmark::State& state) {
-  MetricsCache cache;
-  cache.setFolder(VELTRANO_METRICS_FOLDER);
-  const FontMetrics& metrics = cache.metrics("Helvetica");
+  MetricsFolder folder;
+  folder.setPath(VELTRANO_METRICS_FOLDER);
+  const auto metrics = folder.read("Helvetica");
   std::string text;
   while (text.size() < std::size_t{1} << 20) {
     text += eightyCharacters + ' ';
   }
   for (auto _ : state) {
-    benchmark::DoNotOptimize(breakText(text, {metrics.widths, 0.01, 300}));
+    benchmark::DoNotOptimize(breakText(text, {*metrics, 10, 300}));
   }
   state.SetBytesProcessed(static_cast<std::int64_t>(text.size()) * state.iterations());
 }

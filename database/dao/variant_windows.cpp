@@ -1,18 +1,20 @@
+#include "database/dao/variant_windows.h"
+
 #include <algorithm>
 #include <limits>
 
-#include "base/text/code_page.h"
-#include "database/dao/automation_windows.h"
-#include "database/field_conversion.h"
+#include "base/text/wtf8.h"
+#include "database/field_to_text.h"
 
 namespace veltrano::dao {
 
 namespace {
 
+/// UTF-8 with unpaired surrogates kept.
 std::string utf8Of(BSTR text) {
   static_assert(sizeof(OLECHAR) == sizeof(char16_t));
   // A null string is an empty one. OLECHAR is wchar_t, so the units are copied rather than cast.
-  return text == nullptr ? std::string() : utf16ToUtf8(std::u16string(text, text + SysStringLen(text)));
+  return text == nullptr ? std::string() : utf16ToWtf8(std::u16string(text, text + SysStringLen(text)));
 }
 
 Decimal decimalOf(const DECIMAL& value) {
@@ -20,6 +22,18 @@ Decimal decimalOf(const DECIMAL& value) {
           .magnitude = {static_cast<std::uint32_t>(value.Lo64), static_cast<std::uint32_t>(value.Lo64 >> 32),
                         static_cast<std::uint32_t>(value.Hi32), 0},
           .scale = value.scale};
+}
+
+Variant variantOfDecimal(const Decimal& number) {
+  Variant result;
+  DECIMAL& decimal = result.raw().decVal;
+  decimal.scale = number.scale;
+  decimal.sign = number.negative ? DECIMAL_NEG : 0;
+  decimal.Lo32 = number.magnitude[0];
+  decimal.Mid32 = number.magnitude[1];
+  decimal.Hi32 = number.magnitude[2];
+  result.raw().vt = VT_DECIMAL;  // shares its place with a part of the number
+  return result;
 }
 
 bool bytesToText(SAFEARRAY* array, std::string& text) {
@@ -88,7 +102,7 @@ Variant Variant::number(long value) {
 }
 
 Variant Variant::text(std::string_view utf8) {
-  const std::u16string units = utf8ToUtf16(utf8);
+  const std::u16string units = wtf8ToUtf16(utf8);
   const std::wstring wide(units.begin(), units.end());
   Variant result;
   result.value_.vt = VT_BSTR;
@@ -122,6 +136,14 @@ std::optional<Variant> Variant::from(const Value& value) {
     result.value_.vt = VT_R8;
     result.value_.dblVal = *real;
     return result;
+  }
+  if (const auto* single = value.as<float>()) {
+    result.value_.vt = VT_R4;
+    result.value_.fltVal = *single;
+    return result;
+  }
+  if (const auto* decimal = value.as<Decimal>()) {
+    return variantOfDecimal(*decimal);
   }
   if (const auto* date = value.as<Date>()) {
     result.value_.vt = VT_DATE;
@@ -186,23 +208,32 @@ bool Variant::toText(std::string& text) const {
     default:
       break;
   }
-  // The rarer kinds, references among them: the system's own conversion, in no locale.
-  Variant converted;
-  if (FAILED(VariantChangeTypeEx(&converted.value_, const_cast<VARIANT*>(&value_), LOCALE_INVARIANT, 0,
-                                 VT_BSTR))) {
+  // The rarer kinds, references among them.
+  const auto converted = convertedTo(VT_BSTR);
+  if (!converted) {
     return false;
   }
-  text = utf8Of(converted.value_.bstrVal);
+  text = utf8Of(converted->value_.bstrVal);
   return true;
 }
 
 std::optional<bool> Variant::toFlag() const {
+  const auto converted = convertedTo(VT_BOOL);
+  return converted ? std::optional(converted->value_.boolVal != VARIANT_FALSE) : std::nullopt;
+}
+
+std::optional<long> Variant::toNumber() const {
+  const auto converted = convertedTo(VT_I4);
+  return converted ? std::optional<long>(converted->value_.lVal) : std::nullopt;
+}
+
+std::optional<Variant> Variant::convertedTo(VARTYPE type) const {
   Variant converted;
-  if (FAILED(VariantChangeTypeEx(&converted.value_, const_cast<VARIANT*>(&value_), LOCALE_INVARIANT, 0,
-                                 VT_BOOL))) {
+  if (FAILED(
+          VariantChangeTypeEx(&converted.value_, const_cast<VARIANT*>(&value_), LOCALE_INVARIANT, 0, type))) {
     return std::nullopt;
   }
-  return converted.value_.boolVal != VARIANT_FALSE;
+  return converted;
 }
 
 }  // namespace veltrano::dao

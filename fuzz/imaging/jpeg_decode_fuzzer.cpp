@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "imaging/intel_jpeg_library.h"
-#include "imaging/veltrano_jpg.h"
+#include "veltrano/jpg.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace veltrano;

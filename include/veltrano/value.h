@@ -3,6 +3,7 @@
 
 // A value whose kind the caller chooses: what automation hosts pass as a variant, without any COM in it.
 
+#include <array>
 #include <compare>
 #include <cstdint>
 #include <optional>
@@ -27,6 +28,14 @@ struct Currency {
   std::int64_t tenThousandths = 0;
   friend bool operator==(Currency, Currency) = default;
 };
+/// A whole number of up to 28 digits with a decimal point in it, exact: magnitude / 10^scale. Automation's
+/// decimals use the three lower parts of the magnitude and scales of 0 to 28.
+struct Decimal {
+  bool negative = false;
+  std::array<std::uint32_t, 4> magnitude{};  ///< least significant part first
+  std::uint8_t scale = 0;
+  friend bool operator==(const Decimal&, const Decimal&) = default;
+};
 /// Something of another kind (an automation object, for instance). It has no number and no text.
 struct Opaque {
   friend bool operator==(Opaque, Opaque) = default;
@@ -45,8 +54,11 @@ class Value {
   Value(int number) : data_(std::int64_t{number}) {}
   Value(std::int64_t number) : data_(number) {}
   Value(double number) : data_(number) {}
+  /// Keeps its precision: as text it has at most 7 significant digits.
+  Value(float number) : data_(number) {}
   Value(Date date) : data_(date) {}
   Value(Currency amount) : data_(amount) {}
+  Value(const Decimal& number) : data_(number) {}
   /// In the encoding of the class that takes it: ANSI for VeltranoPDF and VeltranoKML, UTF-8 for the settings
   /// and database classes (veltrano/text.h converts).
   Value(std::string text) : data_(std::move(text)) {}
@@ -62,7 +74,8 @@ class Value {
   [[nodiscard]] bool isNull() const { return std::holds_alternative<Null>(data_); }
   /// A whole number of any width; flags are not.
   [[nodiscard]] bool isInteger() const { return std::holds_alternative<std::int64_t>(data_); }
-  /// A whole number, float, currency or flag: what arithmetic takes without parsing text. Dates are not.
+  /// A whole number, float, currency, decimal or flag: what arithmetic takes without parsing text. Dates are
+  /// not.
   [[nodiscard]] bool isNumeric() const;
   [[nodiscard]] bool isText() const { return std::holds_alternative<std::string>(data_); }
 
@@ -78,15 +91,15 @@ class Value {
   /// toDouble rounded, ties to even. Empty if the result does not fit.
   [[nodiscard]] std::optional<std::int32_t> toInt32() const;
   [[nodiscard]] std::optional<std::int16_t> toInt16() const;
-  /// Text as it is, a number in its general decimal form (15 significant digits), a flag as "True" or "False",
-  /// an empty value as "". Empty for the other kinds.
+  /// Text as it is, a number in its general decimal form (15 significant digits, 7 of a float, all of a
+  /// currency or decimal), a flag as "True" or "False", an empty value as "". Empty for the other kinds.
   [[nodiscard]] std::optional<std::string> toText() const;
 
   friend bool operator==(const Value&, const Value&) = default;
 
  private:
-  std::variant<std::monostate, Null, bool, std::int64_t, double, Date, Currency, std::string, List, Doubles,
-               Bytes, Opaque>
+  std::variant<std::monostate, Null, bool, std::int64_t, double, float, Date, Currency, Decimal, std::string,
+               List, Doubles, Bytes, Opaque>
       data_;
 };
 

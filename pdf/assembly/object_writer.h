@@ -1,28 +1,28 @@
 #ifndef VELTRANO_PDF_ASSEMBLY_OBJECT_WRITER_H
 #define VELTRANO_PDF_ASSEMBLY_OBJECT_WRITER_H
 
-// Writes numbered objects, one after another, and keeps the positions that the cross-reference table names.
+// Writes numbered objects, one after another.
 
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "base/numbers/numbers.h"
+#include "pdf/assembly/cross_reference.h"
 #include "pdf/assembly/output_text.h"
 
 namespace veltrano {
 
 class ObjectWriter {
  public:
-  /// Starts the numbering and the positions anew; what was written before stays in the text.
-  void restart();
+  /// Starts a file: numbers and positions anew, and the first line. What was written before stays in the text.
+  void writeHeader();
+  /// Cross-reference table, trailer and the end-of-file line.
+  void writeTrailer(int catalogObject);
   /// Empties the text.
   void clearText() { text_.clear(); }
-  /// The first line of a file.
-  void writeHeader();
 
   /// Takes the next object number, without writing anything.
   int nextNumber() { return ++objectCount_; }
@@ -45,19 +45,13 @@ class ObjectWriter {
   /// Closes the object: "endobj", marker line, position. Returns the length of its text.
   std::uint64_t end();
 
-  /// Cross-reference table, trailer and the end-of-file line.
-  void writeTrailer(int catalogObject);
-
   [[nodiscard]] const OutputText& text() const { return text_; }
 
  private:
-  void recordObject(std::uint64_t length);
-
   OutputText text_;
+  CrossReference crossReference_;
   int objectCount_ = 0;
   std::uint64_t objectStart_ = 0;
-  std::uint64_t runningOffset_ = 0;
-  std::vector<std::uint64_t> objectOffsets_;
 };
 
 /// Decimal text of an object number, to be used as a piece of a line.

@@ -5,7 +5,9 @@
 namespace veltrano {
 
 void OutputText::closePiece() {
-  if (openPiece().empty()) return;
+  if (openPiece().empty()) {
+    return;
+  }
   closedPieces_.push_back(openPiece());
   closedSize_ += openPiece().size();
   open_ = next_;
@@ -27,7 +29,9 @@ void OutputText::appendInBlocks(std::string_view text) {
 }
 
 void OutputText::appendShared(std::shared_ptr<const std::string> bytes) {
-  if (bytes == nullptr || bytes->empty()) return;
+  if (bytes == nullptr || bytes->empty()) {
+    return;
+  }
   closePiece();
   shared_.push_back(std::move(bytes));
   closedPieces_.emplace_back(*shared_.back());
@@ -36,7 +40,9 @@ void OutputText::appendShared(std::shared_ptr<const std::string> bytes) {
 
 std::vector<std::string_view> OutputText::pieces() const {
   std::vector<std::string_view> pieces = closedPieces_;
-  if (!openPiece().empty()) pieces.push_back(openPiece());
+  if (!openPiece().empty()) {
+    pieces.push_back(openPiece());
+  }
   return pieces;
 }
 

@@ -8,28 +8,51 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <vector>
+
+#include "veltrano/value.h"
 
 namespace veltrano {
 
-/// One entry of the per-page lists; sizes in points.
+struct Point {
+  double x = 0;
+  double y = 0;
+};
+
+/// A box in user units, from its top left corner.
+struct Box {
+  double x = 0;
+  double y = 0;
+  double width = 0;
+  double height = 0;
+};
+
+/// Points per unit of PDFUnitStr. Empty if `unit` is not one.
+std::optional<double> pointsPerUnit(std::int32_t unit);
+/// "pt", "mm" or "cm"; empty for other factors.
+std::string unitName(double pointsPerUnit);
+
+/// One entry of the per-page list; sizes in points.
 struct PageFormat {
   double width = 0;
   double height = 0;
-  bool landscape = false;
+
+  /// The size of a PDFFormatPgStr. False, and nothing set, for other codes.
+  bool setNamed(const Value& code);
+  /// Width and height, or as much of them as the array holds. False if `value` is not an array of numbers.
+  bool setFromArray(const Value& value);
+  /// Rounds to whole points (a side that does not fit 16 bits stays), then swaps the sides if asked to.
+  void orient(bool swapSides);
 };
 
-constexpr double a4Width = 595.28;
-constexpr double a4Height = 841.89;
+constexpr PageFormat a4{595.28, 841.89};
 
 struct PageGeometry {
-  static constexpr double pointsPerMillimetre = 72 / 25.4;
-  static constexpr double pointsPerCentimetre = 72 / 2.54;
-
-  double scaleFactor = pointsPerCentimetre;  ///< points per user unit
-  std::vector<PageFormat> pages;             ///< page n at n - 1; never empty, currentPage is within it
-  std::size_t currentPage = 1;               ///< counted from 1
-  std::int16_t defaultMargin = 1;
+  double scaleFactor = *pointsPerUnit(2);  ///< points per user unit
+  std::vector<PageFormat> pages{a4};       ///< page n at n - 1; never empty, currentPage is within it
+  std::size_t currentPage = 1;             ///< counted from 1
   /// Margins are whole user units by design: every setter rounds.
   std::int16_t leftMargin = 1;
   std::int16_t topMargin = 1;
@@ -41,10 +64,16 @@ struct PageGeometry {
 
   [[nodiscard]] PageFormat& current() { return pages[currentPage - 1]; }
   [[nodiscard]] const PageFormat& current() const { return pages[currentPage - 1]; }
-  /// In points; not a number when a host has stored such a height. Lines made of it are then left out.
-  [[nodiscard]] double pageHeight() const { return current().height; }
+  /// Goes on to the next page, which starts with the size of this one.
+  void nextPage();
+
   [[nodiscard]] double xPoints(double x) const { return x * scaleFactor; }
-  [[nodiscard]] double yPoints(double y) const { return pageHeight() - y * scaleFactor; }
+  /// Not a number when a host has stored such a page height. Lines made of it are then left out.
+  [[nodiscard]] double yPoints(double y) const { return current().height - y * scaleFactor; }
+  [[nodiscard]] Point points(double x, double y) const { return {xPoints(x), yPoints(y)}; }
+
+  /// Sets the current position. A coordinate that is not finite leaves the previous one.
+  void moveTo(double x, double y);
 };
 
 }  // namespace veltrano

@@ -4,11 +4,10 @@
 // What the document says of itself and how a viewer is asked to show it.
 
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
 
-#include "base/value.h"
+#include "veltrano/value.h"
 
 namespace veltrano {
 
@@ -29,17 +28,6 @@ struct ViewerSettings {
   bool useOutlines = false;
   /// Its decimal digits name the preferences.
   std::optional<std::int32_t> viewerPreference;
-};
-
-struct DocumentSettings {
-  DocumentInformation information;
-  ViewerSettings viewer;
-  std::optional<std::string> watermarkText;
-  std::filesystem::path fileName;
-  /// Kept for the interface only; nothing reads them.
-  bool confirmOverwrite = false;
-  bool viewAfterSave = false;
-  bool justPictures = false;
 };
 
 }  // namespace veltrano

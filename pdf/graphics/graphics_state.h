@@ -1,36 +1,28 @@
 #ifndef VELTRANO_PDF_GRAPHICS_GRAPHICS_STATE_H
 #define VELTRANO_PDF_GRAPHICS_GRAPHICS_STATE_H
 
-// What shapes, text and cells copy into the page content when they are drawn: colours, line, fill, alignment,
-// border.
+// What shapes, texts and cells copy into the content stream when they are drawn: colours, line, fill,
+// alignment, border.
 
 #include <string>
 
+#include "pdf/graphics/border.h"
+
 namespace veltrano {
 
-/// How a closed shape is painted.
+/// How a closed shape is painted; in the order of PDFDrawMd.
 enum class DrawMode {
   outline,      ///< no explicit mode: the line only
   fill,         ///< "D"
   fillAndLine,  ///< "DB"
 };
 
+/// In the order of PDFAlignValue.
 enum class Alignment {
-  unset,  ///< a cell then takes `left` and leaves it set
   center,
   left,
   right,
   justify,
-};
-
-/// Edges of the next cell. `all` is one closed rectangle; the four others are separate lines. None set: no
-/// border.
-struct Border {
-  bool all = false;
-  bool left = false;
-  bool right = false;
-  bool top = false;
-  bool bottom = false;
 };
 
 struct GraphicsState {
@@ -41,9 +33,10 @@ struct GraphicsState {
   double lineWidth = 0.567;  ///< user units
   std::string lineDashOp = "[] 0 d";
   DrawMode drawMode = DrawMode::outline;
-  Alignment alignment = Alignment::unset;
-  Border border;
-  bool fillFlag = false;  ///< cells are filled
+  Alignment alignment = Alignment::left;
+  Border border;  ///< of the next cell, which uses it up
+  bool fillCells = false;
+  double textRotation = 0;  ///< degrees, counter-clockwise
 };
 
 }  // namespace veltrano

@@ -14,6 +14,17 @@ constexpr std::string_view invalidUnit = "JPEG format invalid. Pass 3";
 /// A shorter file cannot be a photograph that is worth embedding.
 constexpr std::size_t smallestFile = 250;
 
+// Markers, as the number of their two bytes.
+constexpr std::size_t startOfImage = 0xFFD8;
+constexpr std::size_t endOfImage = 0xFFD9;
+constexpr std::size_t jfifSegment = 0xFFE0;
+constexpr std::size_t fillBytes = 0xFFFF;
+
+/// FFC4 is not a frame header, and neither are the markers above FFC7 here.
+bool isFrameHeader(std::size_t marker) {
+  return marker >= 0xFFC0 && marker <= 0xFFC7 && marker != 0xFFC4;
+}
+
 std::optional<int> byteAt(std::string_view bytes, std::size_t position) {
   if (position < 1 || position > bytes.size()) {
     return std::nullopt;
@@ -21,46 +32,33 @@ std::optional<int> byteAt(std::string_view bytes, std::size_t position) {
   return static_cast<unsigned char>(bytes[position - 1]);
 }
 
-/// FFC4 is no frame header, and neither are the markers above FFC7 here.
-bool isFrameHeader(std::string_view marker) {
-  return marker.starts_with("FFC") && std::string_view("0123567").find(marker[3]) != std::string_view::npos;
-}
-
-/// Gives the host's messages a turn at the first step and then at every 4096th. A step takes a few
-/// nanoseconds and a turn up to a microsecond, while a file of zeros makes ten million steps: a turn at each
-/// would freeze the host that it is meant to keep responsive, and so the longest wait for one stays far below
-/// a millisecond.
-class HostTurns {
- public:
-  explicit HostTurns(const std::function<void()>& yield) : yield_(yield) {}
-  void step() {
-    if (yield_ && (steps_++ & 4095U) == 0) {
-      yield_();
-    }
+/// The two bytes at `position`, the first one counting 256; empty if they are not both within the bytes.
+std::optional<std::size_t> wordAt(std::string_view bytes, std::size_t position) {
+  const auto high = byteAt(bytes, position);
+  const auto low = byteAt(bytes, position + 1);
+  if (!high || !low) {
+    return std::nullopt;
   }
-
- private:
-  const std::function<void()>& yield_;
-  std::uint32_t steps_ = 0;
-};
+  return static_cast<std::size_t>(*high * 256 + *low);
+}
 
 class SegmentWalk {
  public:
-  SegmentWalk(std::string_view bytes, const std::function<void()>& yield) : bytes_(bytes), turns_(yield) {}
+  SegmentWalk(std::string_view bytes, const std::function<void()>& yield) : bytes_(bytes), yield_(yield) {}
 
   /// False for a density unit that does not exist. The walk does not stop at the start of the compressed
-  /// data: it goes on by the lengths it finds there, and a frame header met on the way overwrites the one
-  /// before. Hosts know the sizes that come out.
+  /// data: it goes on by the lengths it finds there, and a frame header met on the way overwrites the
+  /// previous one. Kept because hosts know the sizes that come out.
   bool run() {
     std::size_t position = 3;
     while (position + 1 < bytes_.size()) {
-      const std::string marker = markerAt(bytes_, position);
+      const auto marker = wordAt(bytes_, position).value_or(0);
       readLength(position);
-      if (marker == "FFFF") {
+      if (marker == fillBytes) {
         // What follows the fill bytes is stepped over like an unknown segment, a frame header too: kept so.
         position = skipFillBytes(position);
         readLength(position);
-      } else if (marker == "FFE0") {
+      } else if (marker == jfifSegment) {
         if (!readDensityUnit(position)) {
           return false;
         }
@@ -68,7 +66,7 @@ class SegmentWalk {
         readFrameHeader(position);
       }
       position += length_ + 2;
-      turns_.step();
+      giveTurn();
     }
     return true;
   }
@@ -76,13 +74,24 @@ class SegmentWalk {
   JpegHeader takeHeader() { return std::move(header_); }
 
  private:
+  void giveTurn() const {
+    if (yield_) {
+      yield_();
+    }
+  }
+
   /// Past the end of the bytes the length of the step before stays.
   void readLength(std::size_t position) { length_ = wordAt(bytes_, position + 2).value_or(length_); }
 
+  /// A fill byte takes a nanosecond and a turn up to a thousand: one at each would freeze the host that it is
+  /// meant to keep responsive.
   std::size_t skipFillBytes(std::size_t position) {
-    while (byteAt(bytes_, position + 1) == 255) {
+    constexpr std::size_t bytesPerTurn = 4096;
+    for (std::size_t skipped = 1; byteAt(bytes_, position + 1) == 255; ++skipped) {
       ++position;
-      turns_.step();
+      if (skipped % bytesPerTurn == 0) {
+        giveTurn();
+      }
     }
     return position;
   }
@@ -128,36 +137,18 @@ class SegmentWalk {
   }
 
   std::string_view bytes_;
-  HostTurns turns_;
+  const std::function<void()>& yield_;
   JpegHeader header_;
   std::size_t length_ = 0;
 };
 
 }  // namespace
 
-std::string markerAt(std::string_view bytes, std::size_t position) {
-  const auto word = wordAt(bytes, position);
-  if (!word) {
-    return {};
-  }
-  constexpr char digits[] = "0123456789ABCDEF";
-  return {digits[*word >> 12], digits[*word >> 8 & 15], digits[*word >> 4 & 15], digits[*word & 15]};
-}
-
-std::optional<std::size_t> wordAt(std::string_view bytes, std::size_t position) {
-  const auto high = byteAt(bytes, position);
-  const auto low = byteAt(bytes, position + 1);
-  if (!high || !low) {
-    return std::nullopt;
-  }
-  return static_cast<std::size_t>(*high * 256 + *low);
-}
-
 JpegScan scanJpeg(std::string_view bytes, const std::function<void()>& yield) {
   if (bytes.size() < smallestFile) {
     return {std::nullopt, invalid};
   }
-  if (markerAt(bytes, 1) != "FFD8" || markerAt(bytes, bytes.size() - 1) != "FFD9") {
+  if (wordAt(bytes, 1) != startOfImage || wordAt(bytes, bytes.size() - 1) != endOfImage) {
     return {std::nullopt, invalidEnds};
   }
   SegmentWalk walk(bytes, yield);

@@ -23,20 +23,14 @@ struct JpegHeader {
 };
 
 struct JpegScan {
-  /// Nothing when the file was refused.
+  /// Empty if the file was refused.
   std::optional<JpegHeader> header;
   /// Why it was refused, as hosts are told.
   std::string_view message;
 };
 
-/// The two bytes at `position` as four upper-case hexadecimal digits; empty when they are not both within the
-/// bytes.
-std::string markerAt(std::string_view bytes, std::size_t position);
-
-/// The two bytes at `position`, the first one counting 256; nothing when they are not both within the bytes.
-std::optional<std::size_t> wordAt(std::string_view bytes, std::size_t position);
-
-/// Scans the bytes of a whole file. `yield` gives the host's messages a turn; it may be empty.
+/// Scans the bytes of a whole file. `yield` gives the host's messages a turn, after each segment and after
+/// each 4096 fill bytes; it may be empty.
 JpegScan scanJpeg(std::string_view bytes, const std::function<void()>& yield);
 
 }  // namespace veltrano

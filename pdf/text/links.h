@@ -7,35 +7,35 @@
 #include <string_view>
 #include <vector>
 
+#include "pdf/document/page_geometry.h"
+#include "pdf/fonts/font.h"
+
 namespace veltrano {
 
-/// One link annotation. The left and top edge (from the page bottom), width and height are in points.
-struct LinkEntry {
-  int page = 0;  ///< the page being written when the link was made, counted from 1
+/// The rectangle that a link covers; points, `top` from the bottom of the page.
+struct LinkArea {
   double left = 0;
   double top = 0;
   double width = 0;
   double height = 0;
+
+  static LinkArea ofShape(const Box& shape, const PageGeometry& page);
+  /// Around a text that starts at `start` (points): as high as the font size, from the lowest descender up.
+  /// For a turned text the upright box around that.
+  static LinkArea ofText(Point start, std::string_view text, const Font& font, double rotation);
+};
+
+/// One link annotation.
+struct Link {
+  int page = 0;  ///< the page being written when the link was made, counted from 1
+  LinkArea area;
   std::string target;
 };
 
-enum class LinkKind { text, rectangle, ellipse, cell, image };
+/// Adds a link. The count has 16 bits: beyond the last number a link takes the place of the previous one.
+void addLink(std::vector<Link>& links, Link link);
 
-/// The shape that a link is made for: its kind and its bounding box in user units, which the link covers.
-struct LinkShape {
-  LinkKind kind = LinkKind::text;
-  double x = 0;
-  double y = 0;
-  double width = 0;
-  double height = 0;
-};
-
-struct LinkState {
-  LinkShape shape;  ///< kind `text` when no shape is asking for a link
-  std::vector<LinkEntry> links;
-};
-
-/// A link target as a PDF string takes it: backslash and parentheses escaped, CR and LF removed.
+/// A link target as a literal string takes it: backslash and parentheses escaped, CR and LF removed.
 std::string escapeLinkTarget(std::string_view target);
 
 }  // namespace veltrano

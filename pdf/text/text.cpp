@@ -1,124 +1,89 @@
-#include <cmath>
+#include "pdf/text/text.h"
 
-#include "base/os/files.h"
-#include "pdf/graphics/content_line.h"
-#include "pdf/text/text_operators.h"
-#include "pdf/veltrano_pdf.h"
+#include <algorithm>
+#include <cmath>
+#include <numbers>
 
 namespace veltrano {
 
-double VeltranoPDF::settledX() {
-  PendingAdvance& pending = fonts_.pendingAdvance;
-  if (!pending.waiting) {
-    return geometry_.currentX;
-  }
-  pending.waiting = false;
-  // A file that changed only after the text was written has no say.
-  const bool changedLater = fonts_.metrics.changedAfter(pending.fontName, pending.writtenAt);
-  const FontMetrics* known = changedLater ? fonts_.metrics.knownMetrics(pending.fontName) : nullptr;
-  const FontMetrics& metrics = known != nullptr ? *known : fonts_.metrics.metrics(pending.fontName);
-  geometry_.currentX += metrics.width(pending.text, pending.size);
-  return geometry_.currentX;
-}
+namespace {
 
-void VeltranoPDF::moveTo(double x, double y) {
-  if (std::isfinite(x)) {
-    fonts_.pendingAdvance.waiting = false;
-    geometry_.currentX = x;
-  }
-  if (std::isfinite(y)) {
-    geometry_.currentY = y;
-  }
-}
-
-/// The width is in points and not divided by the points of a unit, and so is the font size: after a text the
-/// current position is in mixed units, as hosts rely on.
-void VeltranoPDF::advanceBehind(std::string_view text, double x, double y) {
-  moveTo(x, y + fonts_.fontSize);
-  if (text.empty() || !std::isfinite(x)) {  // no text: as it is for every link over a shape
+void writeEscaped(ContentWriter& out, std::string_view text) {
+  constexpr std::string_view special = "\\()";
+  const auto has = [text](char c) { return text.find(c) != std::string_view::npos; };
+  // Nearly every text has nothing to escape.
+  if (!has('\\') && !has('(') && !has(')')) {
+    out.text(text);
     return;
   }
-  PendingAdvance& pending = fonts_.pendingAdvance;
-  pending.waiting = fonts_.metrics.knownMetrics(fonts_.currentFontName) != nullptr;
-  if (!pending.waiting) {
-    geometry_.currentX += fonts_.currentMetrics().width(text, fonts_.fontSize);
+  while (!text.empty()) {
+    const std::size_t plain = std::min(text.find_first_of(special), text.size());
+    out.text(text.substr(0, plain));
+    text.remove_prefix(plain);
+    if (!text.empty()) {
+      out.text(text.front() == '\\' ? "\\\\\\\\" : text.front() == '(' ? "\\(" : "\\)");
+      text.remove_prefix(1);
+    }
+  }
+}
+
+}  // namespace
+
+TextDirection TextDirection::fromDegrees(double degrees) {
+  const double angle = std::remainder(degrees, 360);
+  if (std::remainder(angle, 90) == 0) {
+    constexpr TextDirection quarters[] = {{1, 0}, {0, 1}, {-1, 0}, {0, -1}};
+    return quarters[(static_cast<int>(angle / 90) + 4) % 4];
+  }
+  const double radians = angle * std::numbers::pi / 180;
+  return {std::cos(radians), std::sin(radians)};
+}
+
+void writeTextOperators(ContentWriter& out, std::string_view text, const Font& font) {
+  out.text("/F").integer(font.number).text(" ").integer(font.size).text(" Tf\r\n(");
+  writeEscaped(out, text);
+  out.text(") Tj\r\nET").end();
+}
+
+void writeUnderline(ContentWriter& out, const Font& font, Point at, double width, TextDirection direction) {
+  if (!(width > 0)) {
     return;
   }
-  pending.text = text;
-  pending.fontName = fonts_.currentFontName;
-  pending.size = fonts_.fontSize;
-  pending.writtenAt = fileClockNow();
+  const double thickness = font.metrics->underlineThickness * font.size / 1000;
+  const double bottom = font.metrics->underlinePosition * font.size / 1000 - thickness / 2;
+  if (direction.sine == 0 && direction.cosine == 1) {
+    out.point(at.x, at.y + bottom).text(" ").point(width, thickness).text(" re f").end();
+    return;
+  }
+  // A turned text is underlined in its own, turned coordinates.
+  out.text("q ").direction(direction.cosine, direction.sine).point(at.x, at.y).text(" cm 0.00 ");
+  out.number(bottom).text(" ").point(width, thickness).text(" re f Q").end();
 }
 
-void VeltranoPDF::appendColorStart() {
-  if (!graphics_.textColorOp.empty()) {
-    ContentLine(assembly_.pageContent).text("q ").text(graphics_.textColorOp).text(" ").end();
+double drawText(ContentStream& content, std::string_view text, Point at, const Font& font,
+                std::string_view colorOp, double rotation) {
+  ContentWriter out(content);
+  const double width = font.width(text);
+  if (!colorOp.empty()) {
+    out.text("q ").text(colorOp).text(" ").end();
   }
-}
-
-void VeltranoPDF::appendColorEnd() {
-  if (!graphics_.textColorOp.empty()) {
-    appendLine(assembly_.pageContent, "Q");
-  }
-}
-
-void VeltranoPDF::appendTextOperators(std::string_view text) {
-  ContentText& content = assembly_.pageContent;
-  content.append("/F");
-  content.appendInteger(fonts_.fontNumber);
-  content.append(" ");
-  content.appendInteger(fonts_.fontSize);
-  content.append(" Tf\r\n(");
-  appendEscapedText(content, text);
-  content.append(") Tj\r\nET\r\n");
-}
-
-void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
-  if (x == 0) {
-    x = settledX();
-  }
-  if (y == 0) {
-    y = geometry_.currentY;
-  }
-  if (fonts_.fontSize == 0) {
-    fonts_.fontSize = FontState::usualSize;
-  }
-  const double left = geometry_.xPoints(x);
-  const double baseline = geometry_.yPoints(y);
-  appendColorStart();
-
-  // A positive angle given to PDFSetRotation, stored negated, turns the text counter-clockwise about its
-  // start.
-  const bool rotated = fonts_.rotation != 0;
-  const TextDirection direction = rotated ? TextDirection::fromDegrees(-fonts_.rotation) : TextDirection();
-
-  ContentText& content = assembly_.pageContent;
-  content.append("%DEBUT_TEXT/%\r\nBT\r\n");
-  ContentLine line(content);
-  if (rotated) {
-    line.direction(direction.cosine, direction.sine).point(left, baseline).text(" Tm").end();
+  out.line("%DEBUT_TEXT/%\r\nBT");
+  TextDirection direction;
+  if (rotation != 0) {
+    direction = TextDirection::fromDegrees(rotation);
+    out.direction(direction.cosine, direction.sine).point(at.x, at.y).text(" Tm").end();
   } else {
-    line.point(left, baseline).text(" Td").end();
+    out.point(at.x, at.y).text(" Td").end();
   }
-  appendTextOperators(text);
-  if (fonts_.underlineFlag && !text.empty()) {
-    const FontMetrics& metrics = fonts_.currentMetrics();
-    appendUnderline(content, metrics, fonts_.fontSize, left, baseline, metrics.width(text, fonts_.fontSize),
-                    direction);
+  writeTextOperators(out, text, font);
+  if (font.underlined) {
+    writeUnderline(out, font, at, width, direction);
   }
-  appendColorEnd();
-  appendLine(content, "%FIN_TEXT/%");
-
-  fonts_.underlineFlag = false;
-  advanceBehind(text, x, y);
-}
-
-double VeltranoPDF::PDFTextHeight() const {
-  return fonts_.fontSize * geometry_.scaleFactor;
-}
-
-void VeltranoPDF::PDFSetRotation(double angle) {
-  fonts_.rotation = -angle;
+  if (!colorOp.empty()) {
+    out.line("Q");
+  }
+  out.line("%FIN_TEXT/%");
+  return width;
 }
 
 }  // namespace veltrano

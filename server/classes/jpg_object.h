@@ -3,8 +3,8 @@
 
 #include <type_traits>
 
-#include "imaging/veltrano_jpg.h"
 #include "server/com/automation_object.h"
+#include "veltrano/jpg.h"
 
 namespace veltrano::server {
 

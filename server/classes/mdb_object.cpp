@@ -17,12 +17,12 @@ STDMETHODIMP MdbObject::OpenTable(BSTR* Table, VARIANT_BOOL* result) {
 
 STDMETHODIMP MdbObject::WriteRecord(BSTR* Field, VARIANT* Value, VARIANT_BOOL* result) {
   return run("WriteRecord", result,
-             [&] { answer(result, mdb_.WriteRecord(utf8(Field), value(Value, TextForm::utf8))); });
+             [&] { answer(result, mdb_.WriteRecord(utf8(Field), value(Value, TextForm::wtf8))); });
 }
 
 STDMETHODIMP MdbObject::ReadRecord_String(BSTR* xField, BSTR* result) {
   return run("ReadRecord_String", result,
-             [&] { answer(result, mdb_.ReadRecord_String(utf8(xField)), TextForm::utf8); });
+             [&] { answer(result, mdb_.ReadRecord_String(utf8(xField)), TextForm::wtf8); });
 }
 
 STDMETHODIMP MdbObject::Edit() {
@@ -60,7 +60,7 @@ STDMETHODIMP MdbObject::Update() {
 STDMETHODIMP MdbObject::FindRecord(BSTR* Field, BSTR* Value, VARIANT_BOOL* CaseSensivite,
                                    VARIANT_BOOL* result) {
   return run("FindRecord", result,
-             [&] { answer(result, mdb_.FindRecord(utf8(Field), utf8(Value), number(CaseSensivite))); });
+             [&] { answer(result, mdb_.FindRecord(utf8(Field), wtf8(Value), number(CaseSensivite))); });
 }
 
 STDMETHODIMP MdbObject::CloseTable() {

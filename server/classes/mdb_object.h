@@ -1,8 +1,8 @@
 #ifndef VELTRANO_SERVER_CLASSES_MDB_OBJECT_H
 #define VELTRANO_SERVER_CLASSES_MDB_OBJECT_H
 
-#include "database/veltrano_mdb.h"
 #include "server/com/automation_object.h"
+#include "veltrano/mdb.h"
 
 // A member of the interface; the C library has made a macro of its name.
 #undef EOF

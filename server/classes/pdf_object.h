@@ -1,9 +1,9 @@
 #ifndef VELTRANO_SERVER_CLASSES_PDF_OBJECT_H
 #define VELTRANO_SERVER_CLASSES_PDF_OBJECT_H
 
-#include "pdf/veltrano_pdf.h"
 #include "server/com/automation_object.h"
 #include "server/com/connection_point.h"
+#include "veltrano/pdf.h"
 
 namespace veltrano::server {
 

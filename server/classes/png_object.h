@@ -1,8 +1,8 @@
 #ifndef VELTRANO_SERVER_CLASSES_PNG_OBJECT_H
 #define VELTRANO_SERVER_CLASSES_PNG_OBJECT_H
 
-#include "imaging/veltrano_png.h"
 #include "server/com/automation_object.h"
+#include "veltrano/png.h"
 
 namespace veltrano::server {
 

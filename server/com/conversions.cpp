@@ -6,6 +6,7 @@
 
 #include "base/os/files.h"
 #include "base/text/code_page.h"
+#include "base/text/wtf8.h"
 #include "server/com/object_values.h"
 
 namespace veltrano::server {
@@ -18,7 +19,25 @@ constexpr int deepest = 32;
 constexpr int mostObjects = 2000;
 
 std::string encoded(std::u16string_view text, TextForm form) {
-  return form == TextForm::ansi ? utf16ToAnsi(text) : utf16ToUtf8(text);
+  switch (form) {
+    case TextForm::ansi:
+      return utf16ToAnsi(text);
+    case TextForm::utf8:
+      return utf16ToUtf8(text);
+    default:
+      return utf16ToWtf8(text);
+  }
+}
+
+std::u16string decoded(std::string_view text, TextForm form) {
+  switch (form) {
+    case TextForm::ansi:
+      return ansiToUtf16(text);
+    case TextForm::utf8:
+      return utf8ToUtf16(text);
+    default:
+      return wtf8ToUtf16(text);
+  }
 }
 
 /// How variants become values.
@@ -107,10 +126,14 @@ Value arrayValue(SAFEARRAY* array, VARTYPE type, Reading& how, int depth) {
   return dimensionValues(*array, data, type, 0, 0, 1, how, depth);
 }
 
-Value decimalValue(const VARIANT& variant) {
-  double number = 0;
-  DECIMAL decimal = variant.decVal;
-  return SUCCEEDED(VarR8FromDec(&decimal, &number)) ? Value(number) : Value(Opaque{});
+Value decimalValue(const DECIMAL& number) {
+  constexpr BYTE greatestScale = 28;
+  if (number.scale > greatestScale) {
+    return Opaque{};
+  }
+  return Decimal{.negative = (number.sign & DECIMAL_NEG) != 0,
+                 .magnitude = {number.Lo32, number.Mid32, number.Hi32, 0},
+                 .scale = number.scale};
 }
 
 /// A whole number; one beyond the range of Value is a float.
@@ -146,7 +169,7 @@ Value scalarValue(VARTYPE type, const void* data, TextForm form) {
     case VT_UI8:
       return unsignedValue(at<std::uint64_t>(data));
     case VT_R4:
-      return Value(static_cast<double>(at<float>(data)));
+      return Value(at<float>(data));
     case VT_R8:
       return Value(at<double>(data));
     case VT_BOOL:
@@ -168,7 +191,8 @@ Value objectAt(IUnknown* object, Reading& how, int depth) {
     return Opaque{};
   }
   OwnedVariant content;
-  return objectValue(object, content.get()) ? valueAt(*content.get(), how, depth + 1) : Opaque{};
+  return objectValue(object, content.get(), DateObjects::dates) ? valueAt(*content.get(), how, depth + 1)
+                                                                : Opaque{};
 }
 
 Value valueAt(const VARIANT& variant, Reading& how, int depth) {
@@ -191,12 +215,7 @@ Value valueAt(const VARIANT& variant, Reading& how, int depth) {
     case VT_VARIANT:
       return reference ? valueAt(*variant.pvarVal, how, depth + 1) : Value(Opaque{});
     case VT_DECIMAL:
-      if (reference) {
-        VARIANT copy;
-        copy.decVal = *variant.pdecVal;
-        return decimalValue(copy);
-      }
-      return decimalValue(variant);
+      return decimalValue(reference ? *variant.pdecVal : variant.decVal);
     case VT_DISPATCH:
     case VT_UNKNOWN:
       return objectAt(reference ? *variant.ppunkVal : variant.punkVal, how, depth);
@@ -258,6 +277,9 @@ std::string ansi(const BSTR* text, const char* omitted) {
 std::string utf8(const BSTR* text) {
   return text != nullptr ? utf16ToUtf8(characters(*text)) : std::string();
 }
+std::string wtf8(const BSTR* text) {
+  return text != nullptr ? utf16ToWtf8(characters(*text)) : std::string();
+}
 std::filesystem::path path(const BSTR* text) {
   return text != nullptr ? pathFromUtf16(characters(*text)) : std::filesystem::path();
 }
@@ -291,7 +313,7 @@ BSTR newText(std::string_view text, TextForm form) {
     // Not a null one: hosts written in C may look at its characters.
     return SysAllocStringLen(L"", 0);
   }
-  const std::u16string wide = form == TextForm::ansi ? ansiToUtf16(text) : utf8ToUtf16(text);
+  const std::u16string wide = decoded(text, form);
   return SysAllocStringLen(reinterpret_cast<const wchar_t*>(wide.data()), static_cast<UINT>(wide.size()));
 }
 
@@ -313,9 +335,11 @@ void answer(VARIANT* result, const Value& value, TextForm form) {
     result->boolVal = *flag ? VARIANT_TRUE : VARIANT_FALSE;
   } else if (const auto* integer = value.as<std::int64_t>()) {
     putInteger(result, *integer);
-  } else if (const double* number = value.as<double>()) {
+  } else if (value.as<double>() != nullptr || value.as<float>() != nullptr ||
+             value.as<Decimal>() != nullptr) {
+    // Script hosts do arithmetic with doubles only.
     result->vt = VT_R8;
-    result->dblVal = *number;
+    result->dblVal = value.toDouble().value_or(0);
   } else if (const Date* date = value.as<Date>()) {
     result->vt = VT_DATE;
     result->date = date->days;

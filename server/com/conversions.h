@@ -18,8 +18,8 @@
 
 namespace veltrano::server {
 
-/// How a class holds its texts.
-enum class TextForm { ansi, utf8 };
+/// How a class holds its texts. wtf8 (base/text/wtf8.h) is for texts that must come back whatever they hold.
+enum class TextForm { ansi, utf8, wtf8 };
 
 /// The characters of a text, embedded zeros included; nothing for a null one.
 std::u16string_view characters(BSTR text);
@@ -29,6 +29,7 @@ std::string ansi(const BSTR* text);
 /// for an argument left out, since the type library cannot name the default of a text by reference.
 std::string ansi(const BSTR* text, const char* omitted);
 std::string utf8(const BSTR* text);
+std::string wtf8(const BSTR* text);
 std::filesystem::path path(const BSTR* text);
 
 template <class Number>
@@ -41,8 +42,8 @@ inline bool flag(const VARIANT_BOOL* value) {
 }
 
 /// The value of a variant of any type; whatever has no counterpart is Opaque. References are followed,
-/// objects stand for their default property or, if they are script lists, for their elements. An array of two
-/// and more dimensions is a list of lists.
+/// objects stand for their default property or, if they are script lists, for their elements; a script's date
+/// object is a date. An array of two and more dimensions is a list of lists.
 Value value(const VARIANT* variant, TextForm form);
 /// The same, but an object stays an object (Opaque): for members that look at the kind.
 Value valueAsItIs(const VARIANT* variant, TextForm form);

@@ -1,6 +1,7 @@
 #include "server/com/object_values.h"
 
 #include <array>
+#include <cmath>
 #include <optional>
 #include <string>
 
@@ -17,10 +18,14 @@ HRESULT getById(IDispatch& object, DISPID id, VARIANT* result) {
                        nullptr);
 }
 
+HRESULT find(IDispatch& object, const wchar_t* name, DISPID& id) {
+  auto* text = const_cast<OLECHAR*>(name);
+  return object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
+}
+
 HRESULT get(IDispatch& object, const wchar_t* name, VARIANT* result) {
   DISPID id = DISPID_UNKNOWN;
-  auto* text = const_cast<OLECHAR*>(name);
-  const HRESULT found = object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
+  const HRESULT found = find(object, name, id);
   return FAILED(found) ? found : getById(object, id, result);
 }
 
@@ -52,9 +57,42 @@ bool listElements(IDispatch& object, LONG count, VARIANT* result) {
   return true;
 }
 
+/// The number that a method without arguments returns.
+std::optional<double> numberOf(IDispatch& object, const wchar_t* method) {
+  DISPID id = DISPID_UNKNOWN;
+  DISPPARAMS none = {};
+  OwnedVariant number;
+  if (FAILED(find(object, method, id)) ||
+      FAILED(object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &none, number.get(), nullptr,
+                           nullptr)) ||
+      FAILED(VariantChangeType(number.get(), number.get(), 0, VT_R8)) || !std::isfinite(number->dblVal)) {
+    return std::nullopt;
+  }
+  return number->dblVal;
+}
+
+/// A script's date object, known by the methods that such objects have in every engine: milliseconds since
+/// 1970 in universal time, and the minutes by which local time is behind it.
+bool dateOf(IDispatch& object, VARIANT* result) {
+  constexpr double day = 86400000;
+  constexpr double minute = 60000;
+  constexpr double firstOf1970 = 25569;
+  const auto behind = numberOf(object, L"getTimezoneOffset");
+  const auto time = behind ? numberOf(object, L"getTime") : std::nullopt;
+  if (!time) {
+    return false;
+  }
+  const double days = firstOf1970 + (*time - *behind * minute) / day;
+  const double whole = std::floor(days);
+  result->vt = VT_DATE;
+  // The fraction is the time of day also before day 0.
+  result->date = whole < 0 ? whole - (days - whole) : days;
+  return true;
+}
+
 }  // namespace
 
-bool objectValue(IUnknown* object, VARIANT* result) {
+bool objectValue(IUnknown* object, VARIANT* result, DateObjects dates) {
   if (object == nullptr) {
     return false;
   }
@@ -64,6 +102,9 @@ bool objectValue(IUnknown* object, VARIANT* result) {
   }
   const std::optional<LONG> count = listLength(*dispatch.get());
   if (count && listElements(*dispatch.get(), *count, result)) {
+    return true;
+  }
+  if (dates == DateObjects::dates && dateOf(*dispatch.get(), result)) {
     return true;
   }
   return SUCCEEDED(getById(*dispatch.get(), DISPID_VALUE, result));

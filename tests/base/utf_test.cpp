@@ -3,12 +3,13 @@
 #include <gtest/gtest.h>
 
 #include "base/text/lower_case.h"
+#include "base/text/wtf8.h"
 
 namespace veltrano {
 namespace {
 
 TEST(Unicode, EveryCharacterSurvivesTheTrip) {
-  for (char32_t c = 0; c <= 0x10FFFF; ++c) {
+  for (char32_t c = 0; c <= 0x10FFFF; c += c < 0x10100 || c > 0x10FF00 ? 1 : 251) {
     const bool surrogate = isHighSurrogate(c) || isLowSurrogate(c);
     const auto lone = surrogate ? LoneSurrogate::kept : LoneSurrogate::replaced;
     std::string utf8;
@@ -26,14 +27,21 @@ TEST(Unicode, EveryCharacterSurvivesTheTrip) {
   EXPECT_EQ(utf16ToUtf8(u"a\u00E9\u4E2D\U0001F600"), "a\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80");
 }
 
-TEST(Unicode, HalvesOfCharactersCanBeKept) {
-  const std::u16string halves({0xD800, u'a', 0xDC00, 0xD83D, 0xDE00, 0xD83D});
-  const std::string utf8 = utf16ToUtf8(halves, LoneSurrogate::kept);
-  EXPECT_EQ(utf8,
-            "\xED\xA0\x80"
-            "a"
-            "\xED\xB0\x80\xF0\x9F\x98\x80\xED\xA0\xBD");
-  EXPECT_EQ(utf8ToUtf16(utf8, LoneSurrogate::kept), halves);
+TEST(Unicode, Wtf8KeepsLoneSurrogates) {
+  const std::pair<std::u16string, std::string> cases[] = {
+      {u"Zo\u00eb \U0001F600", "Zo\xC3\xAB \xF0\x9F\x98\x80"},
+      {{0xD800, u'a', 0xDFFF},
+       "\xED\xA0\x80"
+       "a\xED\xBF\xBF"},
+      {{0xDE00, 0xD83D}, "\xED\xB8\x80\xED\xA0\xBD"},
+      {{0xD83D, 0xD83D, 0xDE00, u'\u00e9'}, "\xED\xA0\xBD\xF0\x9F\x98\x80\xC3\xA9"},
+      {u"\uD55C", "\xED\x95\x9C"},  // a letter with the same first byte
+  };
+  for (const auto& [utf16, wtf8] : cases) {
+    EXPECT_EQ(utf16ToWtf8(utf16), wtf8);
+    EXPECT_EQ(wtf8ToUtf16(wtf8), utf16);
+  }
+  EXPECT_EQ(wtf8ToUtf16("\xED\xA0"), u"\uFFFD");
 }
 
 TEST(Unicode, MalformedTextBecomesReplacementCharacters) {

@@ -6,7 +6,7 @@
 #include <oleauto.h>
 // clang-format on
 
-#include "database/dao/dao_engine_windows.h"
+#include "database/dao/engine_windows.h"
 
 #include <gtest/gtest.h>
 
@@ -15,7 +15,9 @@
 #include <thread>
 
 #include "base/text/code_page.h"
-#include "database/veltrano_mdb.h"
+#include "database/field_conversion.h"
+#include "database/user_locale_windows.h"
+#include "veltrano/mdb.h"
 
 // COM interfaces have no virtual destructor; their objects release themselves.
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
@@ -53,12 +55,14 @@ std::string describe(const VARIANT& value) {
       return "long " + std::to_string(value.lVal);
     case VT_R8:
       return "double " + std::to_string(value.dblVal);
+    case VT_R4:
+      return "single " + std::to_string(value.fltVal);
     case VT_DATE:
       return "date " + std::to_string(value.date);
     case VT_CY:
       return "currency " + std::to_string(value.cyVal.int64);
     case VT_DECIMAL:
-      return "decimal " + std::to_string(value.decVal.Lo64);
+      return "decimal " + std::to_string(value.decVal.Lo64) + "/" + std::to_string(value.decVal.scale);
     case VT_ARRAY | VT_UI1: {
       LONG last = -1;
       SafeArrayGetUBound(value.parray, 1, &last);
@@ -143,6 +147,12 @@ class Recorder final : public IDispatch {
       result.boolVal = script.atEnd ? VARIANT_TRUE : VARIANT_FALSE;
     } else if (member == "MoveNext") {
       script.atEnd = true;
+    } else if (member == "Type") {
+      const std::map<std::string, int> types = {{"Flag", 1},   {"Cash", 5},  {"Single", 6},  {"Double", 7},
+                                                {"Moment", 8}, {"Text", 10}, {"Decimal", 20}};
+      const auto type = types.find(name_);
+      result.vt = VT_I2;
+      result.iVal = static_cast<SHORT>(type != types.end() ? type->second : 4);
     } else if (member == "Value") {
       auto held = values();
       VariantCopy(&result, &held.at(name_));
@@ -256,7 +266,8 @@ TEST_F(DaoEngine, IsChosenAndCalledAsDocumented) {
     EXPECT_EQ(mdb.ReadRecord_String("Text"), "Zo\u00eb");
     EXPECT_EQ(
         takeLog(),
-        "Recordset.AddNew()\nRecordset.Fields\nFields('Age')\nAge.Value = long 41\nRecordset.Update()\n"
+        "Recordset.AddNew()\nRecordset.Fields\nFields('Age')\nAge.Type\nAge.Value = long "
+        "41\nRecordset.Update()\n"
         "Recordset.Edit()\nRecordset.Delete()\nRecordset.MoveFirst()\nRecordset.MoveLast()\nRecordset.EOF\n"
         "Recordset.Fields\nFields('Text')\nText.Value\n");
     mdb.MoveNext();
@@ -283,21 +294,40 @@ TEST_F(DaoEngine, ReadsAndAssignsEveryKind) {
   for (const auto& [field, text] : texts) {
     EXPECT_EQ(mdb.ReadRecord_String(field), text) << field;
   }
-  const std::pair<Value, const char*> values[] = {
-      {Value(), "empty"},
-      {Null(), "null"},
-      {true, "true"},
-      {"x", "'x'"},
-      {1.5, "double 1.500000"},
-      {std::int64_t{2147483648}, "decimal 2147483648"},
-      {Date{2.5}, "date 2.500000"},
-      {Currency{3}, "currency 3"},
-      {Value::Bytes{1, 2}, "2 bytes"},
+  const struct {
+    const char* field;
+    Value value;
+    const char* assigned;
+  } values[] = {
+      {"Long", Value(), "empty"},
+      {"Long", Null(), "null"},
+      {"Long", true, "true"},
+      {"Long", "x", "'x'"},
+      {"Long", 1.5, "double 1.500000"},
+      {"Long", 0.5F, "single 0.500000"},
+      {"Long", std::int64_t{2147483648}, "decimal 2147483648/0"},
+      {"Long", Date{2.5}, "date 2.500000"},
+      {"Long", Currency{3}, "currency 3"},
+      {"Long", Value::Bytes{1, 2}, "2 bytes"},
+      // Texts reach DAO in the terms of the field, numbers and dates as texts where the field is one.
+      {"Cash", "12345678901234.5678", "decimal 123456789012345678/4"},
+      {"Decimal", Decimal{false, {5, 0, 0, 0}, 1}, "decimal 5/1"},
+      {"Single", "0.1", "single 0.100000"},
+      {"Double", " -1e3", "double -1000.000000"},
+      {"Double", 0.5F, "double 0.500000"},
+      {"Moment", "1900-01-01 12:00:00", "date 2.500000"},
+      {"Flag", "TRUE", "true"},
+      {"Text", 0.1F, "'0.1'"},
+      {"Text", 12.5, "'12.5'"},
+      {"Text", Date{2.5}, "'1900-01-01 12:00:00'"},
+      {"Text", "\xED\xA0\xBD", "'\xEF\xBF\xBD'"},  // a lone surrogate, as this test shows it
   };
-  for (const auto& [value, expected] : values) {
+  for (const auto& [field, value, assigned] : values) {
     takeLog();
-    mdb.WriteRecord("Long", value);
-    EXPECT_EQ(takeLog(), std::string("Recordset.Fields\nFields('Long')\nLong.Value = ") + expected + "\n");
+    mdb.WriteRecord(field, value);
+    const std::string asked = value.isEmpty() || value.isNull() ? "" : std::string(field) + ".Type\n";
+    EXPECT_EQ(takeLog(), "Recordset.Fields\nFields('" + std::string(field) + "')\n" + asked + field +
+                             ".Value = " + assigned + "\n");
   }
   takeLog();
   mdb.WriteRecord("Long", Opaque());
@@ -314,7 +344,7 @@ TEST_F(DaoEngine, ReadsAndAssignsEveryKind) {
 TEST_F(DaoEngine, SurvivesRefusalsAtEveryStep) {
   const auto engine = makeDaoEngine();
   ASSERT_TRUE(engine);
-  for (int step = 0; step < 14; ++step) {
+  for (int step = 0; step < 15; ++step) {
     script.refuseFrom = step;
     script.calls = 0;
     VeltranoMDB mdb(*engine);
@@ -322,7 +352,7 @@ TEST_F(DaoEngine, SurvivesRefusalsAtEveryStep) {
     EXPECT_EQ(mdb.OpenTable("T"), step > 1);
     mdb.AddNew();
     mdb.WriteRecord("Long", 1);
-    EXPECT_EQ(mdb.ReadRecord_String("Long"), step > 8 ? "-7" : "") << step;
+    EXPECT_EQ(mdb.ReadRecord_String("Long"), step > 9 ? "-7" : "") << step;
     mdb.Update();
     EXPECT_FALSE(mdb.FindRecord("Long", "8", -1));
     mdb.CloseTable();
@@ -348,6 +378,56 @@ TEST_F(DaoEngine, OutlivesTheApartmentThatMadeIt) {
     EXPECT_TRUE(mdb.OpenDB("b.mdb"));
   }
   releaseSharedDatabaseEngine();
+}
+
+/// The user's settings, changed for a while.
+class UserSetting {
+ public:
+  UserSetting(LCTYPE type, const wchar_t* value) : type_(type) {
+    GetLocaleInfoW(LOCALE_USER_DEFAULT, type, before_, ARRAYSIZE(before_));
+    set(value);
+  }
+  UserSetting(const UserSetting&) = delete;
+  UserSetting& operator=(const UserSetting&) = delete;
+  ~UserSetting() { set(before_); }
+
+ private:
+  void set(const wchar_t* value) const { EXPECT_TRUE(SetLocaleInfoW(LOCALE_USER_DEFAULT, type_, value)); }
+
+  LCTYPE type_;
+  wchar_t before_[80] = {};
+};
+
+TEST_F(DaoEngine, ReadsTextsAsTheUserWritesThem) {
+  constexpr unsigned long german =
+      0x407;  // Wine reads numbers by the locale alone, not by the user's own settings
+  const std::pair<const char*, std::optional<std::string>> numbers[] = {
+      {"12,75", "12.75"},       {"-12.345.678.901.234,5678", "-12345678901234.5678"},
+      {"1,5E-300", "1.5e-300"}, {"0,0", "0"},
+      {"zw\u00f6lf", {}},       {"", {}},
+  };
+  for (const auto& [text, expected] : numbers) {
+    EXPECT_EQ(ownFormOfNumber(text, german), expected) << text;
+  }
+  EXPECT_EQ(toReal("1,234.5"), 1234.5) << "in the locale of these tests";
+  const UserSetting date(LOCALE_SSHORTDATE, L"dd/MM/yyyy");
+  EXPECT_EQ(toDate("3/4/2026"), Date{46115}) << "the third of April";
+  EXPECT_EQ(toDate("2026-04-03"), Date{46115});
+  // What was read back goes in again as it is, through either engine.
+  const auto engine = makeDaoEngine();
+  VeltranoMDB mdb(*engine);
+  ASSERT_TRUE(mdb.OpenDB("a.mdb") && mdb.OpenTable("T"));
+  for (const auto& [field, assigned] : {std::pair{"Double", "double 0.100000"},
+                                        {"Single", "single 0.100000"},
+                                        {"Cash", "decimal 125/2"},
+                                        {"Moment", "date 36526.500000"},
+                                        {"Flag", "true"}}) {
+    const std::string text = mdb.ReadRecord_String(field);
+    takeLog();
+    mdb.WriteRecord(field, text);
+    EXPECT_NE(takeLog().find(std::string("Value = ") + assigned + "\n"), std::string::npos)
+        << field << ' ' << text;
+  }
 }
 
 }  // namespace

@@ -6,6 +6,9 @@
 
 #include "base/text/code_page.h"
 #include "base/text/lower_case.h"
+#include "base/text/wtf8.h"
+#include "database/date_from_text.h"
+#include "database/number_from_text.h"
 #include "database/text_matcher.h"
 
 namespace veltrano {
@@ -102,6 +105,8 @@ TEST(AssignedValue, BecomesWholeNumber) {
       {true, 0, 255, 255},
       {Currency{25000}, 0, 255, 2},
       {Date{1.5}, 0, 255, 2},
+      {16777217.0F, 0, int64Most, 16777216},  // a float's whole number, beyond the 7 digits of its text
+      {Decimal{true, {25, 0, 0, 0}, 1}, -10, 10, -2},
       {1e300, int64Least, int64Most, {}},
       {"", 0, 255, {}},
       {"12 apples", 0, 255, {}},
@@ -123,6 +128,7 @@ TEST(AssignedValue, BecomesScaledNumberExactly) {
   EXPECT_EQ(toCurrency("-0.1"), Currency{-1000});
   EXPECT_EQ(toCurrency(0.1), Currency{1000});
   EXPECT_EQ(toCurrency("9999.99995"), Currency{100000000});  // the carry makes a new digit
+  EXPECT_EQ(toCurrency(0.1F), Currency{1000});
   const struct {
     Value value;
     int precision, scale;
@@ -135,6 +141,9 @@ TEST(AssignedValue, BecomesScaledNumberExactly) {
       {"-1.015", 5, 2, "-1.02"},
       {123, 5, 3, nullptr},
       {"1e-300", 5, 3, "0"},
+      {Decimal{false, {0xA88A6D72, 0x1B66B, 0, 0}, 4}, 18, 4, "48204848211.0834"},
+      {Decimal{true, {0xFFFFFFFF, 0xFFFFFFFF, 0, 0}, 6}, 28, 4, "-18446744073709.5516"},
+      {0.1F, 28, 20, "0.1"},
       {"abc", 5, 3, nullptr},
   };
   for (const auto& c : cases) {
@@ -148,25 +157,71 @@ TEST(AssignedValue, BecomesScaledNumberExactly) {
   }
 }
 
+TEST(AssignedValue, BecomesDecimalWithAllItsDigits) {
+  const std::pair<Value, const char*> cases[] = {
+      {"12345678901234.5678", "12345678901234.5678"},
+      {"-1.500", "-1.5"},
+      {"1.2e3", "1200"},
+      {"0.0000000000000000000000000001", "0.0000000000000000000000000001"},
+      {"0.00000000000000000000000000001", nullptr},
+      {"1e28", nullptr},
+      {0.1F, "0.1"},
+      {Currency{int64Least}, "-922337203685477.5808"},
+      {Value(), "0"},
+      {"ten", nullptr},
+  };
+  for (const auto& [value, expected] : cases) {
+    const auto decimal = toDecimal(value);
+    ASSERT_EQ(decimal.has_value(), expected != nullptr) << value.toText().value_or("-");
+    if (decimal) {
+      EXPECT_EQ(Value(*decimal).toText(), expected);
+    }
+  }
+}
+
+// Without an order only the form in which dates are read back.
 TEST(AssignedValue, BecomesDate) {
+  constexpr auto month = DateOrder::monthFirst;
+  constexpr auto day = DateOrder::dayFirst;
+  const struct {
+    const char* text;
+    std::optional<DateOrder> order;
+    std::optional<double> expected;
+  } texts[] = {
+      {"2026-11-21", {}, 46347},
+      {"2026-11-21T06:00", {}, 46347.25},
+      {"1899-12-29 18:00:00", {}, -1.75},
+      {"06:00:00", {}, 0.25},
+      {"11/21/2026", {}, {}},
+      {"21.11.2026", {}, {}},
+      {"2026/11/21", {}, {}},
+      {"6:00 am", {}, {}},
+      {"11/21/2026", month, 46347},
+      {"21/11/2026", month, 46347},
+      {"21.11.2026", month, 46347},
+      {"3/4/2026", month, 46085},
+      {"3/4/2026", day, 46115},
+      {"4.3.2026", month, 46085},
+      {"4.3.2026", day, 46085},
+      {"6:00 am", month, 0.25},
+      {"12 PM", day, 0.5},
+      {"12:00 am", month, 0},
+      {"1/1/30", month, 10959},
+      {"1/1/29", day, 47119},
+      {"2026-02-29", month, {}},
+      {"2026-11-21 24:00", month, {}},
+      {"13:00 pm", month, {}},
+      {"0099-12-31", day, {}},
+  };
+  for (const auto& [text, order, expected] : texts) {
+    const auto date = order ? dateFromText(text, *order) : dateFromText(text);
+    ASSERT_EQ(date.has_value(), expected.has_value()) << text;
+    EXPECT_DOUBLE_EQ(date.value_or(Date()).days, expected.value_or(0)) << text;
+  }
   const std::pair<Value, std::optional<double>> cases[] = {
       {"2026-11-21", 46347},
-      {"11/21/2026", 46347},
-      {"21/11/2026", 46347},
       {"21.11.2026", 46347},
-      {"3/4/2026", 46085},
-      {"4.3.2026", 46085},
-      {"2026-11-21T06:00", 46347.25},
-      {"6:00 am", 0.25},
-      {"12 PM", 0.5},
-      {"12:00 am", 0},
-      {"1899-12-29 18:00:00", -1.75},
-      {"1/1/30", 10959},
-      {"1/1/29", 47119},
-      {"2026-02-29", {}},
-      {"2026-11-21 24:00", {}},
-      {"13:00 pm", {}},
-      {"0099-12-31", {}},
+      {"11/21/2026", 46347},
       {"yesterday", {}},
       {"", {}},
       {1.5, 1.5},
@@ -178,9 +233,28 @@ TEST(AssignedValue, BecomesDate) {
   for (const auto& [value, expected] : cases) {
     const auto date = toDate(value);
     ASSERT_EQ(date.has_value(), expected.has_value()) << value.toText().value_or("-");
-    if (date) {
-      EXPECT_DOUBLE_EQ(date->days, *expected) << value.toText().value_or("-");
-    }
+    EXPECT_DOUBLE_EQ(date.value_or(Date()).days, expected.value_or(0)) << value.toText().value_or("-");
+  }
+}
+
+TEST(AssignedValue, IsReadByTheMarksOfALocale) {
+  const struct {
+    const char* text;
+    const char* point;
+    const char* thousands;
+    std::optional<std::string> expected;
+  } cases[] = {
+      {"12,75", ",", ".", "12.75"},
+      {"-1.234.567,5", ",", ".", "-1234567.5"},
+      {"12,75", ".", ",", "1275"},
+      {"1.5", ",", "", {}},
+      {"1\u00a0234,5", ",", "\u00a0", "1234.5"},
+      {"1,2,3", ",", "", {}},
+      {"1,5.5", ",", ".", {}},
+      {"", ",", ".", {}},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(ownFormOfNumber(c.text, c.point, c.thousands), c.expected) << c.text;
   }
 }
 
@@ -192,6 +266,11 @@ TEST(AssignedValue, BecomesFlagFloatOrText) {
   EXPECT_EQ(toBoolean("maybe"), std::nullopt);
   EXPECT_EQ(toSingle("1e39"), std::nullopt);
   EXPECT_EQ(toSingle("-1.5"), -1.5F);
+  EXPECT_EQ(toSingle(1.0F / 3), 1.0F / 3) << "not rounded to its text";
+  EXPECT_EQ(toReal(0.1F), 0.1);
+  EXPECT_EQ(toReal(16777215.0F), 16777215.0);
+  EXPECT_EQ(toReal(1e20F), 1e20);
+  EXPECT_EQ(toFieldText(0.1F), "0.1");
   EXPECT_EQ(toReal(true), -1.0);
   EXPECT_EQ(toReal(std::numeric_limits<double>::infinity()), std::nullopt);
   EXPECT_EQ(toFieldText(0.1), "0.1");
@@ -200,6 +279,7 @@ TEST(AssignedValue, BecomesFlagFloatOrText) {
   EXPECT_EQ(toFieldText(Currency{15000}), "1.5");
   EXPECT_EQ(toFieldText(Opaque()), std::nullopt);
   EXPECT_EQ(utf16Length("h\u00e9\U0001F600"), 4U);
+  EXPECT_EQ(utf16Length("\xED\xA0\xBD"), 1U) << "a lone surrogate";
 }
 
 TEST(TextMatcher, ComparesEveryStoredForm) {
@@ -217,7 +297,9 @@ TEST(TextMatcher, ComparesEveryStoredForm) {
       {"\u0141\u00d3D\u0179", CaseRule::lowered, "\u0142\u00f3d\u017a",
        true},  // runs of every second character
       {"\u03a9\u0416", CaseRule::lowered, "\u03c9\u0436", true},
-      {"\u00d7", CaseRule::lowered, "\u00f7", false},  // signs amid the letters have no case
+      {"\u00d7", CaseRule::lowered, "\u00f7", false},               // signs amid the letters have no case
+      {"x\xED\xB2\xA9", CaseRule::lowered, "X\xED\xB2\xA9", true},  // lone surrogates
+      {"\xED\xB2\xA9", CaseRule::lowered, "\xED\xB2\xAA", false},
       {"", CaseRule::lowered, "", true},
       {"", CaseRule::exact, "x", false},
   };
@@ -226,7 +308,7 @@ TEST(TextMatcher, ComparesEveryStoredForm) {
     EXPECT_EQ(matcher.matchesUtf8(c.stored), c.matches) << c.wanted;
     std::vector<std::uint8_t> wide;
     std::vector<std::uint8_t> narrow;
-    for (const char16_t unit : utf8ToUtf16(c.stored)) {
+    for (const char16_t unit : wtf8ToUtf16(c.stored)) {
       wide.push_back(static_cast<std::uint8_t>(unit & 0xFF));
       wide.push_back(static_cast<std::uint8_t>(unit >> 8));
       narrow.push_back(static_cast<std::uint8_t>(unit & 0xFF));

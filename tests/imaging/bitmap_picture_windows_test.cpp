@@ -4,8 +4,8 @@
 #include <windows.h>
 
 #include "images.h"
-#include "imaging/veltrano_jpg.h"
-#include "imaging/veltrano_png.h"
+#include "veltrano/jpg.h"
+#include "veltrano/png.h"
 
 namespace veltrano {
 namespace {
@@ -64,15 +64,58 @@ TEST(BitmapPicture, IsReadAtEveryDepth) {
   }
 }
 
-TEST(BitmapPicture, IsNoOtherHandle) {
-  const test::Folder folder;
-  HPEN pen = CreatePen(PS_SOLID, 1, 0);
-  const Picture picture = Picture::ofBitmap(reinterpret_cast<GraphicsHandle>(pen));
-  EXPECT_FALSE(VeltranoPNG().SavePNG(picture, folder.file("a.png")));
+/// Saves with every member; the number of files afterwards.
+int filesSaved(const test::Folder& folder, GraphicsHandle handle) {
+  const Picture picture = Picture::ofBitmap(handle);
+  const bool saved = VeltranoPNG().SavePNG(picture, folder.file("a.png"));
   VeltranoJPG().SaveJPEG(picture, folder.file("a.jpg"));
-  EXPECT_EQ(VeltranoJPG().SaveJPEGToMemory(picture).size(), 1U);
-  EXPECT_EQ(folder.files(), 0);
+  VeltranoJPG().SaveJPEG(picture, folder.file("b.jpg"), 50, 20, 20);
+  EXPECT_EQ(saved, folder.files() > 0);
+  EXPECT_EQ(VeltranoJPG().SaveJPEGToMemory(picture).size(), saved ? 15U : 1U);
+  return folder.files();
+}
+
+TEST(BitmapPicture, SavesNothingThatCannotBeCopied) {
+  const test::Folder folder;
+  HBITMAP bitmap = makeBitmap(24, false, false);
+  HDC dc = CreateCompatibleDC(nullptr);
+  HGDIOBJ previous = SelectObject(dc, bitmap);
+  EXPECT_EQ(filesSaved(folder, reinterpret_cast<GraphicsHandle>(bitmap)), 0) << "selected elsewhere";
+  SelectObject(dc, previous);
+  HPEN pen = CreatePen(PS_SOLID, 1, 0);
+  EXPECT_EQ(filesSaved(folder, reinterpret_cast<GraphicsHandle>(pen)), 0) << "not a bitmap";
+  EXPECT_EQ(filesSaved(folder, reinterpret_cast<GraphicsHandle>(bitmap)), 3);
   DeleteObject(pen);
+  DeleteDC(dc);
+  DeleteObject(bitmap);
+}
+
+// GDI has some ten thousand handles: losing one a round ends in a failure.
+TEST(BitmapPicture, LosesNoHandles) {
+  HBITMAP bitmap = makeBitmap(24, false, false);
+  const Picture picture = Picture::ofBitmap(reinterpret_cast<GraphicsHandle>(bitmap));
+  HDC dc = CreateCompatibleDC(nullptr);
+  for (int round = 0; round < 40'000; ++round) {
+    cDIBSection dib;
+    ASSERT_TRUE(dib.CreateFromPicture(picture)) << round;
+    if (round % 4 == 0) ASSERT_NE(dib.Resample2(5, 5).hDC(), 0U) << round;
+    HGDIOBJ previous = SelectObject(dc, bitmap);
+    ASSERT_FALSE(dib.CreateFromPicture(picture)) << round;
+    SelectObject(dc, previous);
+  }
+  DeleteDC(dc);
+  DeleteObject(bitmap);
+}
+
+TEST(BitmapPicture, GoesWhereADriveRelativeNameLeads) {
+  const test::Folder folder;
+  const std::filesystem::path previous = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  const std::string drive = folder.path().root_name().string();
+  EXPECT_TRUE(VeltranoPNG().SavePNG(test::picture(twoColours()), drive + "a.png"));
+  VeltranoJPG().SaveJPEG(test::picture(twoColours()), drive + "a.jpg");
+  EXPECT_TRUE(std::filesystem::exists(folder.file("a.png")) && std::filesystem::exists(folder.file("a.jpg")));
+  std::filesystem::current_path(previous);
 }
 
 }  // namespace

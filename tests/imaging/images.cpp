@@ -71,6 +71,13 @@ double psnr(const Image& a, const Image& b) {
   return sum == 0 ? 99 : 10 * std::log10(255.0 * 255.0 * 3.0 * static_cast<double>(a.pixels.size()) / sum);
 }
 
+static Image ofRgb(int width, int height, const std::vector<std::uint8_t>& rgb) {
+  return paint(width, height, [&](int x, int y) {
+    const std::uint8_t* pixel = &rgb[static_cast<std::size_t>(y * width + x) * 3];
+    return Rgb{pixel[0], pixel[1], pixel[2]};
+  });
+}
+
 Image readPng(const std::filesystem::path& file) {
   png_image png{};
   png.version = PNG_IMAGE_VERSION;
@@ -79,11 +86,7 @@ Image readPng(const std::filesystem::path& file) {
   png.format = PNG_FORMAT_RGB;
   std::vector<std::uint8_t> bytes(PNG_IMAGE_SIZE(png));
   if (png_image_finish_read(&png, nullptr, bytes.data(), 0, nullptr) == 0) return {};
-  return paint(static_cast<int>(png.width), static_cast<int>(png.height), [&](int x, int y) {
-    const std::uint8_t* pixel =
-        &bytes[(static_cast<std::size_t>(y) * png.width + static_cast<std::size_t>(x)) * 3];
-    return Rgb{pixel[0], pixel[1], pixel[2]};
-  });
+  return ofRgb(static_cast<int>(png.width), static_cast<int>(png.height), bytes);
 }
 
 Image readJpeg(const std::string& bytes) {
@@ -105,12 +108,10 @@ Image readJpeg(const std::string& bytes) {
     JSAMPROW row = &rgb[std::size_t{3} * decoder.output_width * decoder.output_scanline];
     jpeg_read_scanlines(&decoder, &row, 1);
   }
-  const int width = static_cast<int>(decoder.output_width), height = static_cast<int>(decoder.output_height);
+  const Image image =
+      ofRgb(static_cast<int>(decoder.output_width), static_cast<int>(decoder.output_height), rgb);
   jpeg_destroy_decompress(&decoder);
-  return paint(width, height, [&](int x, int y) {
-    const std::uint8_t* pixel = &rgb[static_cast<std::size_t>(y * width + x) * 3];
-    return Rgb{pixel[0], pixel[1], pixel[2]};
-  });
+  return image;
 }
 
 std::string flatInksJpeg(const std::uint8_t (&inks)[4], bool adobe, bool ycck) {
@@ -138,14 +139,6 @@ std::string flatInksJpeg(const std::uint8_t (&inks)[4], bool adobe, bool ycck) {
   std::string result(reinterpret_cast<char*>(bytes), size);
   std::free(bytes);
   return result;
-}
-
-std::filesystem::path fullDisk() {
-#ifdef _WIN32
-  return {};
-#else
-  return "/dev/full";
-#endif
 }
 
 }  // namespace veltrano::test

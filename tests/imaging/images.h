@@ -9,9 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "imaging/dib_section.h"
-#include "imaging/picture.h"
 #include "tests/temporary_folder.h"
+#include "veltrano/dib_section.h"
 
 namespace veltrano::test {
 
@@ -50,9 +49,6 @@ Image readPng(const std::filesystem::path& file);
 Image readJpeg(const std::string& bytes);
 /// libjpeg's own encoding of flat four-channel samples.
 std::string flatInksJpeg(const std::uint8_t (&inks)[4], bool adobe, bool ycck);
-
-/// A file that can be opened but has no room; no file at all where the system has none such.
-std::filesystem::path fullDisk();
 
 /// A folder of the test's own.
 class Folder : public tests::TemporaryFolder {

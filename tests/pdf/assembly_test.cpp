@@ -1,5 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <array>
+#include <functional>
+
+#include "pdf/assembly/outline.h"
 #include "tests/pdf/pdf_testing.h"
 
 namespace veltrano {
@@ -11,25 +15,6 @@ using tests::holds;
 using tests::objectText;
 using tests::objectWith;
 using tests::pageContent;
-
-TEST(Assembly, EveryPageKeepsItsOwnSize) {
-  Document document;
-  VeltranoPDF& pdf = document.pdf;
-  pdf.PDFBeginDoc();
-  pdf.PDFEndPage();
-  EXPECT_EQ(pdf.PDFGetPageHeight(), 841.89) << "the next page starts with this one's size";
-  pdf.PDFFormatPage(FORMAT_LETTER);  // before the page is begun
-  pdf.PDFNewPage();
-  pdf.PDFNewPage();  // without PDFEndPage
-  pdf.PDFFormatPage(Value::Doubles{100, 50});
-  const std::string file = document.finish();
-  const int first = objectWith(file, "/Type /Page\r\n");
-  const char* const boxes[] = {"595.28 841.89", "612.00 792.00", "100.00 50.00"};
-  for (int page = 0; page < 3; ++page) {
-    EXPECT_TRUE(
-        holds(objectText(file, first + page), "/MediaBox [ 0 0 " + std::string(boxes[page]) + "]\r\n"));
-  }
-}
 
 TEST(Assembly, CatalogFollowsTheViewerSettings) {
   const auto zoom = [](const Value& mode) { return [mode](VeltranoPDF& pdf) { pdf.PDFSetZoomMode(mode); }; };
@@ -79,6 +64,19 @@ TEST(Assembly, SecondDocumentFollowsTheFirstUnlessTheFileNameIsSetAgain) {
   EXPECT_TRUE(std::filesystem::is_empty(taken) && document.errors.empty());
 }
 
+TEST(Assembly, ADocumentGivenUpTakesItsUnfinishedPageWithIt) {
+  Document document;
+  document.pdf.PDFBeginDoc();
+  document.pdf.PDFTextOut("abandoned", 1, 1);
+  document.pdf.PDFLink(1, 1, "gone");
+  document.pdf.PDFFileName(document.file());
+  document.pdf.PDFBeginDoc();
+  document.pdf.PDFDrawLine(0, 0, 0, 0);
+  const std::string file = document.finish();
+  EXPECT_TRUE(pageContent(file, 1).starts_with("%DEBUT_LN/%"));
+  EXPECT_FALSE(holds(file, "/Annots"));
+}
+
 TEST(Assembly, NothingHappensWithoutAnOpenDocument) {
   Document document;
   document.pdf.PDFNewPage();
@@ -120,6 +118,57 @@ TEST(Watermark, IsDrawnOnEachFurtherPageAndAtTheEnd) {
                     "0.707 0.707 -0.707 0.707 185.16 385.45 Tm\r\n"
                     "/F13 50 Tf\r\n(DRAFT) Tj\r\n"),
             2U);
+}
+
+TEST(Outline, NestsByLevel) {
+  using Links = std::array<int, 5>;  // parent, prev, next, first, last
+  const std::pair<std::vector<std::int16_t>, std::vector<Links>> rows[] = {
+      {{}, {}},
+      // A skipped level hangs on the nearest shallower item: 0(1 2(3)) 4.
+      {{0, 2, 1, 2, 0},
+       {{-1, -1, 4, 1, 2}, {0, -1, 2, -1, -1}, {0, 1, -1, 3, 3}, {2, -1, -1, -1, -1}, {-1, 0, -1, -1, -1}}},
+      // With nothing shallower before it, an item is at the top: 0 1(2) 3.
+      {{3, 2, 5, -7}, {{-1, -1, 1, -1, -1}, {-1, 0, 3, 2, 2}, {1, -1, -1, -1, -1}, {-1, 1, -1, -1, -1}}},
+  };
+  for (const auto& [levels, expected] : rows) {
+    std::vector<Bookmark> bookmarks;
+    for (const std::int16_t level : levels) bookmarks.push_back({"", level, 0, 1});
+    std::vector<Links> found;
+    for (const OutlineLinks& item : linkOutline(bookmarks)) {
+      found.push_back({item.parent, item.prev, item.next, item.first, item.last});
+    }
+    EXPECT_EQ(found, expected);
+  }
+}
+
+TEST(Outline, NeedsTwoBookmarks) {
+  const auto file = tests::fileOf([](VeltranoPDF& pdf) {
+    pdf.PDFUseOutlines(true);
+    pdf.PDFSetBookmark("alone");
+  });
+  EXPECT_FALSE(holds(file, "/Type /Outlines"));
+  EXPECT_TRUE(holds(file, "/Outlines 1 0 R\r\n"));
+}
+
+TEST(Outline, BookmarksOfAnEarlierDocumentPointIntoThisOne) {
+  Document document;
+  document.pdf.PDFSetUnit(UNIT_MM);
+  document.pdf.PDFSetBookmark("before any page", 70000, 25.4);  // a level beyond 16 bits is 0
+  document.pdf.PDFBeginDoc();
+  document.pdf.PDFNewPage();
+  document.pdf.PDFSetBookmark("second page", 1, 25.4);
+  document.finish();
+  document.pdf.PDFFileName(document.file());
+  document.pdf.PDFBeginDoc();
+  const std::string file = document.finish();
+  const std::string page = std::to_string(objectWith(file, "/Type /Page\r\n"));
+  const int item = objectWith(file, "before any page");
+  for (const int object : {item, item + 1}) {
+    EXPECT_TRUE(holds(objectText(file, object), "/Dest [" + page + " 0 R /XYZ 0 769.89 null]"));
+  }
+  const std::string top = std::to_string(item) + " 0 R";
+  EXPECT_TRUE(holds(file, "<</Type /Outlines /First " + top + "\r\n/Last " + top + ">>"));
+  EXPECT_FALSE(holds(file, "\r\n/Outlines ")) << "written, but not named unless asked for";
 }
 
 }  // namespace

@@ -32,12 +32,6 @@ void expectDefaults(VeltranoPDF& pdf) {
   EXPECT_EQ(pdf.PDFNbPage(), 0);
 }
 
-TEST(Settings, OfANewObject) {
-  VeltranoPDF pdf;
-  expectDefaults(pdf);
-  EXPECT_TRUE(pdf.PDFGetZoomMode().isEmpty() && pdf.PDFGetLayoutMode().isEmpty());
-}
-
 TEST(Settings, MarginsRoundTiesToEvenAndRefuseWhatDoesNotFit) {
   VeltranoPDF pdf;
   pdf.PDFSetTopMargin(11);

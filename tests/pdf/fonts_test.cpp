@@ -1,5 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <tuple>
+
+#include "base/os/host.h"
+#include "base/os/output_file.h"
+#include "pdf/fonts/afm_file.h"
+#include "pdf/fonts/metrics_folder.h"
 #include "tests/pdf/pdf_testing.h"
 
 namespace veltrano {
@@ -7,60 +14,176 @@ namespace {
 
 using tests::Document;
 using tests::holds;
+using tests::TemporaryFolder;
 
-struct Choice {
-  std::int32_t font;
-  std::int32_t style;
-  const char* baseFont;
-  const char* line;
-};
+const std::string start = "StartCharMetrics 3\n";
+const std::string end = "EndCharMetrics\n";
 
-// Resource numbers are the positions of the sorted files: Courier-Bold, -BoldOblique, -Oblique, Courier, the
-// same of Helvetica, Symbol, Times-Bold, -BoldItalic, -Italic, -Roman, TimesItalic, TimesRoman, ZapfDingbats.
-constexpr Choice choices[] = {
-    {FONT_ARIAL, 0, "Helvetica", "/F8 9"},      {FONT_ARIAL, 1, "Helvetica-Oblique", "/F7 9"},
-    {FONT_ARIAL, 2, "Helvetica-Bold", "/F5 9"}, {FONT_ARIAL, 21, "Helvetica-BoldOblique", "/F6 9"},
-    {FONT_COURIER, 3, "Courier", "/F4 9"},      {FONT_COURIER, 312, "Courier-BoldOblique", "/F2 9"},
-    {FONT_TIMES, 0, "Times-Roman", "/F13 9"},   {FONT_TIMES, 1, "TimesItalic", "/F14 9"},
-    {FONT_TIMES, 23, "Times-Bold", "/F10 9"},   {FONT_TIMES, 12, "Times-BoldItalic", "/F11 9"},
-    {FONT_SYMBOL, 0, "Symbol", "/F9 9"},        {FONT_ZAPFDINGBATS, 4567, "ZapfDingbats", "/F16 9"},
-    {FONT_SYMBOL, 2, "Symbol-Bold", "/F0 9"},   {7, 12, "TimesRoman", "/F15 9"},
-};
+TEST(Afm, ReadsByThePositionsOfTheFields) {
+  const struct {
+    const char* what;
+    std::string afm;
+    std::array<std::int32_t, 3> widths;  ///< of "A", "B" and "C", codes 65 to 67
+  } rows[] = {
+      {"plain", start + "C 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;\n" + end, {1, 2, 4}},
+      {"CR LF", "StartCharMetrics\r\nC 65 ; WX 12\r\nC 66 ; WX 2\r\nEndCharMetrics\r\n", {12, 2, 0}},
+      {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", {1, 2, 0}},
+      {"an unencoded character", start + "C 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2\n" + end, {1, 0, 0}},
+      {"the keywords do not count", start + "x 65 ; y 1 ;\n" + end, {1, 0, 0}},
+      {"blanks around fields and words", start + "  C   65  ;   WX   7  ; N\n" + end, {7, 0, 0}},
+      {"fractions are cut off", start + "C 65 ; WX 1.9\nC 66 ; WX -1.9\n" + end, {1, -1, 0}},
+      {"no end: the last code stays 0", start + "C 65 ; WX 1\nC 66 ; WX 2\n", {0, 0, 0}},
+      {"no start", "C 65 ; WX 1\n" + end, {0, 0, 0}},
+      {"the end before the start", end + start + "C 65 ; WX 1\n" + end, {0, 0, 0}},
+      {"a minus one before the start", "Comment -1 ;\n" + start + "C 65 ; WX 1\n" + end, {0, 0, 0}},
+      {"above the last code", start + "C 67 ; WX 4\nC 65 ; WX 1\n" + end, {0, 0, 0}},
+      {"below the first code", start + "C 66 ; WX 2\nC 65 ; WX 1\nC 67 ; WX 4\n" + end, {0, 2, 4}},
+      {"malformed lines leave the others alone",
+       start + "C 65 ; WX 1\n\n;;;\nC x ; WX 9\nC 66 ; WX x\nC 66\nC ; WX 5\nC 67 ; WX 4\n" + end,
+       {1, 0, 4}},
+      {"codes and widths out of range",
+       start + "C 65 ; WX 99999999999\nC 66 ; WX 2\nC 99999999999 ; WX 3\nC 300 ; WX 3\n" + end,
+       {0, 2, 0}},
+      {"a short line long before the next",
+       start + "C 65 ; WX 1\n" + std::string(500, ' ') + "C 66 ; WX 2\n" + end,
+       {1, 2, 0}},
+      {"the line after a second start is taken as it is",
+       start + "C 65 ; WX 1\n" + start + "C 66 ; WX 2\nC 67 ; WX 4\n" + end,
+       {1, 2, 4}},
+  };
+  for (const auto& row : rows) {
+    const auto metrics = parseAfm(row.afm, true);
+    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(metrics->widths[65 + i], row.widths[i]) << row.what;
+  }
+  const auto header = parseAfm(
+      "xDescender -9\r\nDescender -207\r\nUnderlinePosition x\r\nUnderlineThickness 55.5\r\n"
+      "StartCharMetrics\r\nUnderlinePosition -7\r\nEndCharMetrics\r\n",
+      true);
+  EXPECT_EQ(header->descender, -207);
+  EXPECT_EQ(header->underlinePosition, -100) << "the usual one";
+  EXPECT_EQ(header->underlineThickness, 55.5);
+}
+
+TEST(Afm, AFileCutOffAnywhereMeasuresNothingOrTheSame) {
+  const auto text = readWholeFile(libraryFolder() / "Helvetica.afm").value();
+  const auto whole = parseAfm(text, true);
+  const std::size_t last = text.find("EndCharMetrics");
+  for (std::size_t length = 0; length <= text.size(); length += 7) {
+    const auto cut = parseAfm(text.substr(0, length), true);
+    EXPECT_EQ(cut->sum("A"), length < last + 14 ? 0 : 667) << length;
+    const auto begun = parseAfm(text.substr(0, length), false);
+    EXPECT_TRUE(!begun || begun->widths == whole->widths) << length;
+  }
+}
+
+TEST(Afm, SumStaysWithin32Bits) {
+  const auto wide = parseAfm(start + "C 65 ; WX 2000000000\nC 66 ; WX 7\n" + end, true);
+  EXPECT_EQ(wide->sum("AAB"), 2000000007);
+  const auto many = parseAfm(start + "C 65 ; WX 1000\n" + end, true);
+  EXPECT_EQ(many->sum(std::string(3'000'000, 'A')), 2147483000);
+}
+
+TEST(MetricsFolder, ShippedFontsMeasureByTheCodesOfWindows1252) {
+  // Widths as the makers of the fonts publish them.
+  constexpr std::tuple<const char*, unsigned char, std::int32_t> table[] = {
+      {"Helvetica", 0xE9, 556},   {"Helvetica", 0x27, 191},  {"Helvetica", 0xAD, 333},
+      {"Helvetica", 0x9C, 944},   {"TimesItalic", 'a', 500}, {"TimesRoman", 'a', 444},
+      {"Courier", 0xFF, 600},     {"Helvetica", 0x81, 350},  {"Symbol", 'a', 631},
+      {"ZapfDingbats", '!', 974}, {"Symbol", 0x80, 0},
+  };
+  MetricsFolder metrics;
+  metrics.setPath(libraryFolder());
+  for (const auto& [font, code, width] : table) {
+    EXPECT_EQ(metrics.read(font)->widths[code], width) << font << ' ' << int{code};
+  }
+  for (const char* font : {"Helvetica", "Courier-Oblique", "Times-Bold", "TimesItalic"}) {
+    for (std::size_t code = 32; code < 256; ++code) {
+      EXPECT_GT(metrics.read(font)->widths[code], 0) << font << ' ' << code;
+    }
+  }
+}
+
+std::string afmWithWidth(int width) {
+  return start + "C 65 ; WX " + std::to_string(width) + "\n" + end;
+}
+
+TEST(MetricsFolder, SeesEachEditAtOnce) {
+  const TemporaryFolder folder;
+  MetricsFolder metrics;
+  metrics.setPath(folder.path());
+  const auto file = folder / "Font.afm";
+  const auto width = [&] { return metrics.read("Font")->widths['A']; };
+  EXPECT_EQ(width(), 0);
+  for (int edit = 100; edit < 140; ++edit) {  // of one size and within one step of the file system's times
+    replaceFile(file, afmWithWidth(edit));
+    ASSERT_EQ(width(), edit);
+    auto inPlace = OutputFile::create(file);
+    inPlace->write(afmWithWidth(edit + 500));
+    inPlace.reset();
+    ASSERT_EQ(width(), edit + 500);
+  }
+  const auto held = metrics.look("Font");
+  EXPECT_EQ(metrics.read("Font"), held) << "read again, but not parsed again";
+  replaceFile(file, afmWithWidth(7));
+  EXPECT_EQ(metrics.look("Font")->widths['A'], 7) << "of another size";
+  EXPECT_EQ(held->widths['A'], 639) << "what is held does not change";
+  std::filesystem::remove(file);
+  EXPECT_EQ(width(), 0);
+}
+
+TEST(MetricsFolder, OtherFoldersAndMadeUpNames) {
+  const TemporaryFolder one;
+  const TemporaryFolder two;
+  replaceFile(one / "Font.afm", afmWithWidth(1));
+  replaceFile(two / "Font.afm", std::string(40000, 'x') + "\n" + afmWithWidth(2));  // a long header
+  MetricsFolder metrics;
+  metrics.setPath(one.path());
+  EXPECT_EQ(metrics.read("Font")->widths['A'], 1);
+  metrics.setPath(two.path());
+  EXPECT_EQ(metrics.read("Font")->widths['A'], 2);
+  for (int i = 0; i < 1000; ++i) {
+    EXPECT_EQ(metrics.read("No font " + std::to_string(i))->widths['A'], 0);
+  }
+  EXPECT_EQ(metrics.read(std::string("Font\0x", 6))->widths['A'], 0);
+  EXPECT_EQ(metrics.read("Font")->widths['A'], 2);
+}
 
 TEST(Fonts, SelectionAndResource) {
+  // Resource numbers are the positions of the sorted files: Courier-Bold, -BoldOblique, -Oblique, Courier, the
+  // same of Helvetica, Symbol, Times-Bold, -BoldItalic, -Italic, -Roman, TimesItalic, TimesRoman,
+  // ZapfDingbats.
+  constexpr std::tuple<std::int32_t, std::int32_t, const char*, const char*> choices[] = {
+      {FONT_ARIAL, 0, "Helvetica", "/F8 9"},      {FONT_ARIAL, 1, "Helvetica-Oblique", "/F7 9"},
+      {FONT_ARIAL, 2, "Helvetica-Bold", "/F5 9"}, {FONT_ARIAL, 21, "Helvetica-BoldOblique", "/F6 9"},
+      {FONT_COURIER, 3, "Courier", "/F4 9"},      {FONT_COURIER, 312, "Courier-BoldOblique", "/F2 9"},
+      {FONT_TIMES, 0, "Times-Roman", "/F13 9"},   {FONT_TIMES, 1, "TimesItalic", "/F14 9"},
+      {FONT_TIMES, 23, "Times-Bold", "/F10 9"},   {FONT_TIMES, 12, "Times-BoldItalic", "/F11 9"},
+      {FONT_SYMBOL, 0, "Symbol", "/F9 9"},        {FONT_ZAPFDINGBATS, 4567, "ZapfDingbats", "/F16 9"},
+      {FONT_SYMBOL, 2, "Symbol-Bold", "/F0 9"},   {7, 12, "TimesRoman", "/F15 9"},
+  };
   const auto none = tests::contentOf([](VeltranoPDF& pdf) { pdf.PDFTextOut("x", 1, 1); });
   EXPECT_TRUE(holds(none, "\r\n/F1 10 Tf\r\n"));
-  for (const Choice& choice : choices) {
-    const auto content = tests::contentOf([&](VeltranoPDF& pdf) {
-      pdf.PDFSetFont(choice.font, 9, choice.style);
-      EXPECT_EQ(pdf.PDFGetStringWidth("a1!", {}, 10), pdf.PDFGetStringWidth("a1!", choice.baseFont, 10));
+  for (const auto& [font, style, baseFont, operands] : choices) {
+    const auto content = tests::contentOf([&, f = font, s = style, name = baseFont](VeltranoPDF& pdf) {
+      pdf.PDFSetFont(f, 9, s);
+      EXPECT_EQ(pdf.PDFGetStringWidth("a1!", {}, 10), pdf.PDFGetStringWidth("a1!", name, 10));
       pdf.PDFTextOut("x", 1, 1);
     });
-    EXPECT_TRUE(holds(content, "\r\n" + std::string(choice.line) + " Tf\r\n")) << choice.baseFont;
+    EXPECT_TRUE(holds(content, "\r\n" + std::string(operands) + " Tf\r\n")) << baseFont;
   }
 }
 
 TEST(Fonts, Measuring) {
   VeltranoPDF pdf;
   pdf.PDFSetFont(FONT_ARIAL, 12);
-  const struct {
-    std::string_view text;
-    const char* font;
-    std::int16_t size;
-    double width;
-  } rows[] = {
-      {"Hello", "", 12, 27.336},     // (722 + 556 + 222 + 222 + 556) * 12 / 1000
-      {"\xC9t\xE9", "", 10, 15.01},  // 667 + 278 + 556
-      {"Hello", "Courier", 10, 30},
-      {"Hello", "", 0, 0},  // not the size of the current font
-      {"", "", 12, 0},
-      {{"\0\x1F", 2}, "", 12, 0},
-      {"Hello", "Nowhere", 12, 0},
-      {"Hello", "../Helvetica/x", 12, 0},
+  const std::tuple<std::string_view, const char*, std::int16_t, double> rows[] = {
+      {"Hello", "", 12, 27.336},                                 // (722 + 556 + 222 + 222 + 556) * 12 / 1000
+      {"Hello", "Courier", 10, 30},        {"Hello", "", 0, 0},  // not the size of the current font
+      {{"\0\x1F", 2}, "", 12, 0},          {"Hello", "../Helvetica/x", 12, 0},
       {"Hello", "Helvetica", -10, -22.78},
   };
-  for (const auto& row : rows) {
-    EXPECT_DOUBLE_EQ(pdf.PDFGetStringWidth(row.text, row.font, row.size), row.width) << row.text << row.font;
+  for (const auto& [text, font, size, width] : rows) {
+    EXPECT_DOUBLE_EQ(pdf.PDFGetStringWidth(text, font, size), width) << text << font;
   }
 }
 
@@ -68,14 +191,13 @@ TEST(Fonts, LoadingAFolder) {
   Document document;
   VeltranoPDF& pdf = document.pdf;
   const auto& folder = document.folder;
-  const std::string metrics = "StartCharMetrics\nC 65 ; WX 100\nEndCharMetrics";
   for (const char* name :
        {"Zebra.afm", "Alpha.AFM", "notes.txt", "Middle.afm.bak", "Zebra #2 (1)[{%}].afm"}) {
-    replaceFile(folder / name, metrics);
+    replaceFile(folder / name, afmWithWidth(100));
   }
   pdf.PDFSetFont(FONT_COURIER, 9);
   pdf.PDFLoadAfm(folder / "missing");
-  EXPECT_DOUBLE_EQ(pdf.PDFGetStringWidth("A", "Courier", 10), 6);  // the folder of before stays
+  EXPECT_DOUBLE_EQ(pdf.PDFGetStringWidth("A", "Courier", 10), 6) << "the previous folder stays";
   pdf.PDFLoadAfm(folder.path());
   EXPECT_DOUBLE_EQ(pdf.PDFGetStringWidth("A", "Zebra", 10), 1);
   EXPECT_EQ(pdf.PDFGetStringWidth("A", "Courier", 10), 0);
@@ -93,15 +215,49 @@ TEST(Fonts, LoadingAFolder) {
   }
 }
 
-TEST(Fonts, AFolderNamedLikeMetricsHoldsOnlyFonts) {
+TEST(Fonts, TheWholePathOfAFolderCounts) {
+  const auto before = std::filesystem::current_path();
   Document document;
   std::filesystem::create_directory(document.folder / "fonts.afm");
   for (const char* name : {"fonts.afm/a", "fonts.afm/readme.txt"}) replaceFile(document.folder / name, "x");
-  document.pdf.PDFLoadAfm(document.folder / "fonts.afm");
+  std::filesystem::current_path(document.folder / "fonts.afm");
+  document.pdf.PDFLoadAfm(".");
+  std::filesystem::current_path(before);
   document.pdf.PDFBeginDoc();
-  const std::string file = document.finish();
-  EXPECT_TRUE(holds(file, "/BaseFont /Courier-Bold\r\n"));  // "a" is too short to give a name
-  EXPECT_TRUE(holds(file, "/Name /F2\r\n/BaseFont /readme\r\n"));
+  // "a" is too short to give a name.
+  EXPECT_TRUE(holds(document.finish(), "/BaseFont /Courier-Bold\r\n"));
+  EXPECT_TRUE(holds(*readWholeFile(document.file()), "/Name /F2\r\n/BaseFont /readme\r\n"));
+}
+
+TEST(Fonts, MetricsAreLookedAtWhenAFontIsSetOrLoadedAPageBeginsOrAWidthIsAskedFor) {
+  Document document;
+  VeltranoPDF& pdf = document.pdf;
+  const auto write = [&](int width) { replaceFile(document.folder / "Helvetica.afm", afmWithWidth(width)); };
+  const auto widthDrawn = [&] {
+    pdf.PDFTextOut("A", 5, 5);
+    return pdf.PDFGetX() - 5;
+  };
+  write(800);
+  pdf.PDFLoadAfm(document.folder.path());
+  pdf.PDFSetFont(FONT_ARIAL, 10);
+  pdf.PDFBeginDoc();
+  const std::function<void()> moments[] = {
+      [&] { pdf.PDFSetFont(FONT_ARIAL, 10); },
+      [&] { pdf.PDFLoadAfm(document.folder.path()); },
+      [&] { pdf.PDFNewPage(); },
+      [&] { pdf.PDFBeginDoc(); },
+      [&] { EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 1), 2); },
+  };
+  for (const auto& moment : moments) {
+    write(800);
+    EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 10), 8);
+    write(2000);
+    EXPECT_EQ(widthDrawn(), 8) << "what is drawn uses the metrics in hand";
+    EXPECT_EQ(pdf.PDFGetStringWidth("A", "Courier", 10), 0);
+    EXPECT_EQ(widthDrawn(), 8) << "another font's width is no look at this one";
+    moment();
+    EXPECT_EQ(widthDrawn(), 20);
+  }
 }
 
 }  // namespace

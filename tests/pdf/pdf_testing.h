@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "base/os/files.h"
-#include "pdf/veltrano_pdf.h"
+#include "veltrano/pdf.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano::tests {

@@ -128,6 +128,29 @@ TEST_F(Readers, PaintAllLinesOfAFilledCellAndItsBorder) {
   EXPECT_EQ(picture.count(white, 205, 90, 300, 170), 95 * 80);
 }
 
+TEST_F(Readers, PaintEveryLineWholeHoweverCloseTheLinesAre) {
+  constexpr double heights[] = {0, 20, 30, 33, 45};
+  const auto draw = [&](bool fill) {
+    pdf.PDFFileName(document.file());
+    pdf.PDFBeginDoc();
+    pdf.PDFSetFill(fill);
+    pdf.PDFSetDrawColor("#FFFF00");
+    double x = 50;
+    for (const std::int32_t alignment : {ALIGN_LEFT, ALIGN_CENTER, ALIGN_RIGHT, ALIGN_FJUSTIFY}) {
+      pdf.PDFSetAlignement(alignment);
+      double y = 50;
+      for (const double height : heights) {
+        pdf.PDFCell("gj(\xC7,y|pq gjpq gjpq\r\n\xC7gjpq", x, y, 50, height);
+        y += 150;
+      }
+      x += 100;
+    }
+    document.finish();
+    return Picture(document.file()).count(std::string(3, '\0'), 0, 0, 595, 841);
+  };
+  EXPECT_EQ(draw(true), draw(false)) << "no fill hides any of the ink";
+}
+
 TEST_F(Readers, ReadTextBackWithItsAccents) {
   const std::string accented = "Éléphant à l'œuvre";
   pdf.PDFTextOut(utf8ToAnsi(accented), 50, 50);

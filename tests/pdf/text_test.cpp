@@ -1,16 +1,166 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <thread>
+#include <cmath>
+#include <limits>
+#include <random>
 
+#include "base/numbers/numbers.h"
+#include "pdf/text/cell.h"
+#include "pdf/text/line_breaking.h"
 #include "tests/pdf/pdf_testing.h"
 
 namespace veltrano {
 namespace {
 
+using tests::contentOf;
+using tests::countOf;
 using tests::Document;
+using tests::fileOf;
+using tests::holds;
 
-TEST(Text, PositionBehindATextIsInMixedUnits) {
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+TEST(LineBreaking, Table) {
+  const struct {
+    std::string_view text;
+    double available;  ///< every character is 10 wide
+    std::vector<std::string_view> expected;
+  } table[] = {
+      {"aaa bbb", 50, {"aaa", "bbb"}},
+      {"aa bb cc", 50, {"aa bb", "cc"}},
+      {"aaaaa bb", 50, {"aaaaa", "bb"}},
+      {"aaa  bbb", 50, {"aaa ", "bbb"}},
+      {"  aaaa", 50, {" ", "aaaa"}},
+      {"aaaaaaa bb", 50, {"aaaaaaa", "bb"}},  // a word is never cut
+      {"aaaaaaa   b", 50, {"aaaaaaa  ", "b"}},
+      {"a aaaaaaa", 50, {"a", "aaaaaaa"}},
+      {"aaaaa   ", 50, {"aaaaa   "}},
+      {"aa bb", 50 - 1e-9, {"aa bb"}},  // the width of the text, brought into millimetres and back
+      {"", 50, {""}},
+      {"a\r\n\r\nb c\r\n", 50, {"a", "", "b c", ""}},
+      {"a\nb\rc", 50, {"a\nb\rc"}},
+      {"ab c", 5, {"ab", "c"}},
+      {"aaa bbb", 0, {"aaa bbb"}},
+      {"aaa bbb", std::nan(""), {"aaa bbb"}},
+      {"aaa bbb", infinity, {"aaa bbb"}},
+  };
+  FontMetrics metrics;
+  metrics.widths.fill(1000);
+  for (const auto& row : table) {
+    const LineMeasure measure{metrics, 10, row.available};
+    std::vector<std::string_view> found;
+    for (const TextLine& line : breakText(row.text, measure)) found.push_back(line.text);
+    EXPECT_EQ(found, row.expected) << row.text << ' ' << row.available;
+    if (row.expected.size() > 1) EXPECT_FALSE(asOneLine(row.text, measure)) << row.text;
+  }
+  const auto hanging = breakText("aaa  bbb", {metrics, 10, 50});
+  EXPECT_EQ(hanging[0].counted, "aaa");
+  EXPECT_EQ(hanging[0].width, 30);
+  EXPECT_FALSE(hanging[0].endsParagraph);
+  EXPECT_TRUE(hanging[1].endsParagraph);
+  EXPECT_EQ(breakText("aaaaaaa  ", {metrics, 10, 50})[0].counted, "aaaaaaa") << "blanks that do not fit";
+  for (const std::size_t length : {65533, 65534, 70000}) {  // a break is searched only so far
+    const std::string text = std::string(length, 'a') + " " + std::string(70000, 'b');
+    EXPECT_EQ(breakText(text, {metrics, 1, 60000}).size(), length == 65533 ? 2U : 1U);
+  }
+}
+
+TEST(Cells, HundredthsAreThoseOfTheText) {
+  std::mt19937_64 random(1);
+  for (int i = 0; i < 200000; ++i) {
+    // Ties and their neighbours, and any numbers.
+    const double tie =
+        static_cast<double>(static_cast<std::int64_t>(random() % 2000000) - 1000000) / 1000 + 0.005;
+    const double number =
+        i % 3 == 0   ? tie
+        : i % 3 == 1 ? std::nextafter(tie, random() % 2 == 0 ? -1e9 : 1e9)
+                     : std::ldexp(static_cast<double>(random()), static_cast<int>(random() % 90) - 70);
+    ASSERT_EQ(hundredths(number), parseNumber(formatPdfNumber(number, 2))) << number;
+  }
+  EXPECT_EQ(hundredths(7.495), 7.5);
+  EXPECT_TRUE(std::isnan(hundredths(std::nan(""))));
+}
+
+/// The content of a cell at (100, 200), in points.
+std::string cell(std::string_view text, std::int32_t alignment, double width, double height,
+                 std::int16_t size = 10, bool fill = false) {
+  return contentOf([&](VeltranoPDF& pdf) {
+    pdf.PDFSetFont(FONT_ARIAL, size);
+    pdf.PDFSetAlignement(alignment);
+    pdf.PDFSetFill(fill);
+    pdf.PDFCell(text, 100, 200, width, height);
+  });
+}
+
+TEST(Cells, Offsets) {
+  const struct {
+    std::string_view text;
+    int alignment;
+    double width;
+    std::int16_t size;
+    const char* place;
+  } rows[] = {
+      {"Hello", ALIGN_CENTER, 80, 10, "128.00 628.89 Td"},     // (80 - 23) / 2
+      {"\xC9t\xE9", ALIGN_RIGHT, 80, 10, "162.00 628.89 Td"},  // 667 + 278 + 556 is 15.01 at 10
+      {"i", ALIGN_RIGHT, 10.495, 9, "106.00 629.19 Td"},       // 7.495 counts as 7.50, less 1.998
+      {"Hello", ALIGN_RIGHT, 30, 10, "104.00 628.89 Td"},      // one line: a margin at each side, not three
+      {"Hello", ALIGN_RIGHT, 40000, 10, "100.00 628.89 Td"},   // no offset beyond 16 bits
+      {"Quantity", ALIGN_LEFT, 46, 10, "106.00 628.89 Td\r\n/F8 10 Tf\r\n(Quantity) Tj"},
+      {"1234567890", ALIGN_CENTER, 40, 10, "92.00 628.89 Td\r\n/F8 10 Tf\r\n(1234567890) Tj"},  // runs over
+      {"a\r\nb", ALIGN_LEFT, 80, 10, "106.00 623.89 Td"},            // as close as the size, but not closer
+      {"a\r\nb\r\nc\r\nd", ALIGN_LEFT, 80, 10, "106.00 603.89 Td"},  // from the top on, and further down
+  };
+  for (const auto& row : rows) {
+    EXPECT_TRUE(holds(cell(row.text, row.alignment, row.width, 20, row.size), row.place)) << row.text;
+  }
+}
+
+TEST(Cells, TheMarginsAreKeptFreeWhateverTheAlignmentAndUnit) {
+  // "aa bb" is 30 points wide in Courier 10; the cell margin counts as points in every unit.
+  const auto inCentimetres = [](std::int32_t alignment, int margin, double width) {
+    return contentOf([=](VeltranoPDF& pdf) {
+      pdf.PDFSetUnit(UNIT_CM);
+      pdf.PDFSetFont(FONT_COURIER, 10);
+      pdf.PDFSetCellMargin(margin);
+      pdf.PDFSetAlignement(alignment);
+      pdf.PDFCell("aa bb", 1, 1, width, 1);
+    });
+  };
+  for (const std::int32_t alignment : {ALIGN_LEFT, ALIGN_CENTER, ALIGN_RIGHT, ALIGN_FJUSTIFY}) {
+    for (const int margin : {0, 3, 5}) {
+      const double enough = 30 + 2 * margin;
+      EXPECT_TRUE(holds(inCentimetres(alignment, margin, enough * 2.54 / 72), "(aa bb) Tj")) << margin;
+      EXPECT_TRUE(holds(inCentimetres(alignment, margin, (enough - 0.01) * 2.54 / 72), "(aa) Tj")) << margin;
+    }
+  }
+  // 28.35 + 24, which is 56.69 - 3 - 30 in whole points.
+  EXPECT_TRUE(holds(inCentimetres(ALIGN_RIGHT, 3, 2), "52.35 796.37 Td"));
+}
+
+TEST(Cells, LaterFillsBeginBelowTheDescendersOfTheLineBefore) {
+  const auto filled = [](double height, std::int16_t size) {
+    return cell("a\r\nb\r\nc", ALIGN_LEFT, 100, height, size, true);
+  };
+  const auto close = filled(30, 10);  // 10 apart; baselines at 633.89, 623.89 and 613.89
+  EXPECT_TRUE(holds(close, "125.00 621.39 50.00 9.50 re f\r\r\n"));
+  EXPECT_TRUE(holds(close, "125.00 616.39 50.00 4.50 re f\r\r\n"));
+  EXPECT_TRUE(holds(filled(60, 10), "125.00 599.89 50.00 18.00 re f\r\r\n"));
+  EXPECT_EQ(countOf(filled(20, 10), " re f"), 2U) << "nothing below the cell";
+  EXPECT_EQ(countOf(filled(30, -10), "125.00"), 2U) << "letters on their heads hang lower";
+}
+
+TEST(Cells, AnyNumbersEnd) {
+  const std::string text(100000, 'x');
+  for (const double number : {0.0, -5.0, 1e-9, 1e300, infinity, -infinity, std::nan("")}) {
+    for (const std::int32_t alignment : {ALIGN_LEFT, ALIGN_CENTER, ALIGN_RIGHT, ALIGN_FJUSTIFY}) {
+      const auto narrow = cell(text + " " + text, alignment, number, number);
+      EXPECT_TRUE(narrow.ends_with("%FIN_CELL/%\r\n"));
+      EXPECT_LT(narrow.size(), 300000U) << number;
+    }
+  }
+}
+
+TEST(Text, PositionAfterATextIsInMixedUnits) {
   VeltranoPDF pdf;
   pdf.PDFSetUnit(UNIT_MM);
   pdf.PDFSetFont(FONT_ARIAL, 12);
@@ -18,45 +168,57 @@ TEST(Text, PositionBehindATextIsInMixedUnits) {
   EXPECT_EQ(pdf.PDFGetX(), 37);  // 10 + 27.336 points
   EXPECT_EQ(pdf.PDFGetY(), 32);
   EXPECT_DOUBLE_EQ(pdf.PDFTextHeight(), 12 * 72 / 25.4);
-  pdf.PDFTextOut("Hello", 50, 60);
-  pdf.PDFDrawLineHor(1, 2, 3);
-  EXPECT_EQ(pdf.PDFGetX(), 4);  // what moves the position later holds
-  pdf.PDFTextOut("x", 50, 60);
-  pdf.PDFTextOut("", 5, 6);
-  EXPECT_EQ(pdf.PDFGetX(), 5);
-}
-
-TEST(Text, WithoutASizeIsWrittenAtTen) {
-  VeltranoPDF pdf;
   pdf.PDFSetFont(FONT_ARIAL, 0);
   EXPECT_EQ(pdf.PDFTextHeight(), 0);
   pdf.PDFTextOut("Hello", 1, 1);
-  EXPECT_EQ(pdf.PDFGetX(), 24);
-  EXPECT_EQ(pdf.PDFGetY(), 11);
+  EXPECT_EQ(pdf.PDFGetX(), 24) << "without a size it is written at 10";
 }
 
-TEST(Text, PositionTakesTheMetricsOfItsTime) {
+std::string annotation(const std::string& rectangle, const std::string& target) {
+  return "/Rect [" + rectangle + "] /Border [0 0 0] /A <</S /URI /URI (" + target + ")>>>>\r\n";
+}
+
+TEST(Links, CoverTheTextOrTheWholeShapeInEveryUnit) {
+  const std::string file = fileOf([](VeltranoPDF& pdf) {
+    pdf.PDFSetFont(FONT_ARIAL, 12);
+    pdf.PDFTextOut("Hello", 100, 200);
+    pdf.PDFLink(0, 0, "Hello");  // leads to itself, at the current position: x 127.336, y 212
+    pdf.PDFSetUnit(UNIT_CM);
+    pdf.PDFDrawRectangle(1, 2, 3.3, 4, "r");
+    pdf.PDFCell("cell", 10, 20, 5.5, 1.5, "c");
+  });
+  EXPECT_TRUE(holds(file, annotation("127.34 627.41 154.67 639.41", "Hello")));
+  EXPECT_TRUE(holds(
+      file, annotation("28.35 671.81 121.89 785.20", "r")
+                .append("<</Type /Annot /Subtype /Link " + annotation("283.46 232.44 439.37 274.96", "c"))));
+  EXPECT_EQ(countOf(file, "(cell) Tj"), 1U);
+  EXPECT_EQ(countOf(file, "(c) Tj"), 0U);
+}
+
+TEST(Links, OnlyATextLeadsSomewhere) {
   Document document;
-  VeltranoPDF& pdf = document.pdf;
-  const auto write = [&](const char* width) {
-    replaceFile(document.folder / "Helvetica.afm",
-                std::string("StartCharMetrics\nC 65 ; WX ") + width + "\nEndCharMetrics");
-  };
-  write("1000");
-  pdf.PDFLoadAfm(document.folder.path());
-  pdf.PDFSetFont(FONT_ARIAL, 10);
-  // Only an old file is known well enough to be looked at later.
-  std::this_thread::sleep_for(std::chrono::milliseconds(2100));
-  EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 10), 10);
-  pdf.PDFTextOut("A", 5, 5);
-  std::this_thread::sleep_for(std::chrono::milliseconds(30));
-  write("2000");
-  EXPECT_EQ(pdf.PDFGetX(), 15);
-  pdf.PDFTextOut("A", 5, 5);
-  EXPECT_EQ(pdf.PDFGetX(), 25);
-  pdf.PDFTextOut("A", 5, 5);
-  std::filesystem::remove(document.folder / "Helvetica.afm");
-  EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 10), 0);
+  document.pdf.PDFBeginDoc();
+  for (const Value& link : {Value(7), Value(Opaque{}), Value(Value::List{}), Value(""), Value()}) {
+    document.pdf.PDFDrawRectangle(1, 2, 3, 4, link);
+    document.pdf.PDFDrawEllipse(1, 2, 3, 4, link);
+    document.pdf.PDFCell("x", 1, 2, 3, 4, link);
+    const std::size_t refused = link.isText() || link.isEmpty() ? 0 : 3;
+    EXPECT_EQ(document.takeErrors(), std::vector<std::string>(refused, "Unable to include this link"));
+  }
+  EXPECT_FALSE(holds(document.finish(), "/Annot"));
+}
+
+TEST(Links, EachOnItsPageAndCountedIn16Bits) {
+  const std::string file = fileOf([](VeltranoPDF& pdf) {
+    pdf.PDFLink(1, 1, "first");
+    pdf.PDFNewPage();
+    for (int i = 0; i < 32767; ++i) pdf.PDFDrawRectangle(1, 1, 1, 1, "second");
+    pdf.PDFLink(1, 1, "last");
+  });
+  EXPECT_EQ(countOf(file, "/Annots ["), 2U);
+  EXPECT_EQ(countOf(file, "/URI (first)"), 1U);
+  EXPECT_EQ(countOf(file, "/URI (second)"), 32765U);
+  EXPECT_EQ(countOf(file, "/URI (last)"), 1U);
 }
 
 }  // namespace

@@ -5,8 +5,8 @@
 #include "tests/pdf/jpeg_testing.h"
 #include "tests/pdf/pdf_testing.h"
 
-// A document that uses nearly every member, against a file that was worked out apart from this code, with
-// decimal arithmetic: every object, position, operator and number of it.
+// A document that uses nearly every member, against a file that tests/golden/pdf/whole_document.py works out
+// apart from this code, with decimal arithmetic: every object, position, operator and number of it.
 
 namespace veltrano {
 namespace {

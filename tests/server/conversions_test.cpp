@@ -23,6 +23,14 @@ TEST(Conversions, KeepTheKind) {
   currency->cyVal.int64 = 12345;
   Argument unsignedLong = Argument::ofType(VT_UI4);
   unsignedLong->ulVal = 0xFFFFFFFF;
+  Argument single = Argument::ofType(VT_R4);
+  single->fltVal = 0.1F;
+  Argument decimal;
+  decimal->decVal.scale = 28;
+  decimal->decVal.sign = DECIMAL_NEG;
+  decimal->decVal.Hi32 = 1;
+  decimal->decVal.Lo64 = 0xAB54A98CEB1F0AD2;
+  decimal->vt = VT_DECIMAL;
   EXPECT_EQ(Value(), valueOf(Argument()));
   EXPECT_EQ(Value(Null{}), valueOf(Argument::ofType(VT_NULL)));
   EXPECT_EQ(Value(true), valueOf(true));
@@ -31,8 +39,11 @@ TEST(Conversions, KeepTheKind) {
   EXPECT_EQ(Value(0.5), valueOf(0.5));
   EXPECT_EQ(Value(Date{2.5}), valueOf(date));
   EXPECT_EQ(Value(Currency{12345}), valueOf(currency));
+  EXPECT_EQ(Value(0.1F), valueOf(single));
+  EXPECT_EQ(Value(Decimal{true, {0xEB1F0AD2, 0xAB54A98C, 0x1, 0}, 28}), valueOf(decimal));
   EXPECT_EQ(Value("\xE9"), valueOf(L"\u00e9"));
   EXPECT_EQ(Value("\xC3\xA9"), server::value(Argument(L"\u00e9").get(), TextForm::utf8));
+  EXPECT_EQ(Value("\xED\xA0\xBDx"), server::value(Argument(L"\xD83Dx").get(), TextForm::wtf8));
   EXPECT_EQ(Value(Value::Doubles{1, 2}), valueOf(Argument::doubles({1, 2})));
   EXPECT_EQ(Value(Value::List{1, Value::List{"a"}}), valueOf({Argument(1), {Argument(L"a")}}));
   Argument itself;
@@ -66,6 +77,13 @@ TEST(Conversions, AnswerListsThatScriptsCanTakeApart) {
   LONG upper = 5;
   EXPECT_EQ(S_OK, SafeArrayGetUBound(none->parray, 1, &upper));
   EXPECT_EQ(-1, upper);
+}
+
+TEST(Conversions, KeepLoneSurrogatesWhereAskedTo) {
+  const BSTR text = server::newText("\xED\xA0\xBDx", TextForm::wtf8);
+  EXPECT_EQ(L"\xD83Dx", std::wstring_view(text, SysStringLen(text)));
+  EXPECT_EQ("\xED\xA0\xBDx", server::wtf8(&text));
+  SysFreeString(text);
 }
 
 TEST(Conversions, CarryEveryByteAndEmbeddedZeros) {

@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "database/access/authoring/create_database.h"
 #include "host.h"
-#include "pdf/veltrano_pdf.h"
+#include "veltrano/pdf.h"
 
 namespace veltrano::tests {
 
@@ -105,6 +106,22 @@ TEST(Scripts, TellListsFromEmptyValues) {
   const Folder folder(L"with a blank");
   EXPECT_EQ("new array -1; folders array 1 last []; keys array 1 last []; missing array -1; emptied empty",
             runScript("lists.vbs", folder));
+}
+
+TEST(Scripts, StoreTheirDatesAndTextsAsTheyAre) {
+  using access::ColumnType;
+  const Folder folder(L"with a blank");
+  const std::filesystem::path file = folder / L"kinds.mdb";
+  std::string reason;
+  ASSERT_TRUE(access::createDatabase(file, {}, reason) &&
+              access::createTable(file,
+                                  {.name = "Kinds",
+                                   .columns = {{.name = "Moment", .type = ColumnType::dateTime},
+                                               {.name = "Words", .type = ColumnType::text},
+                                               {.name = "Number", .type = ColumnType::single}}},
+                                  reason))
+      << reason;
+  EXPECT_EQ("true 2026-11-21 14:05:00 true 0.1 true", runScript("database.js", folder));
 }
 
 TEST(Scripts, UseEveryClass) {

@@ -16,7 +16,7 @@
 
 namespace veltrano::access {
 
-/// Replaces `text` by the text of a cell, as field_conversion.h has it. False, and an empty text, for what is
+/// Replaces `text` by the text of a cell, as field_to_text.h has it. False, and an empty text, for what is
 /// damaged, null after all (a memo cell without bytes), or of a type without a text.
 bool cellToText(Pager& pager, const Column& column, Bytes cell, std::string& text);
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/text/code_page.h"
+#include "base/text/wtf8.h"
 
 namespace veltrano::access {
 
@@ -66,7 +67,6 @@ std::string codePageToUtf8(std::uint16_t codePage, Bytes bytes) {
 }
 
 void appendUtf16AsUtf8(Bytes bytes, std::string& text) {
-  constexpr char32_t replacement = 0xFFFD;
   const std::size_t size = bytes.size() & ~std::size_t{1};
   for (std::size_t i = 0; i < size; i += 2) {
     const std::uint16_t unit = load16(bytes.data() + i);
@@ -79,7 +79,7 @@ void appendUtf16AsUtf8(Bytes bytes, std::string& text) {
       appendUtf8(0x10000 + ((char32_t{unit} & 0x3FF) << 10) + (low & 0x3FFU), text);
       i += 2;
     } else {
-      appendUtf8(replacement, text);
+      appendUtf8(unit, text);
     }
   }
 }
@@ -136,7 +136,7 @@ void encodeStoredText(std::string_view utf8, bool mayCompress, std::vector<std::
     stored.insert(stored.end(), utf8.begin(), utf8.end());
     return;
   }
-  const std::u16string units = utf8ToUtf16(utf8);
+  const std::u16string units = wtf8ToUtf16(utf8);
   const auto fitsByte = [](char16_t unit) { return unit >= 1 && unit <= 0xFF; };
   if (mayCompress && units.size() >= leastCompressed && units.size() <= mostCompressed &&
       std::all_of(units.begin(), units.end(), fitsByte)) {

@@ -16,7 +16,8 @@ namespace veltrano::access {
 /// Text in a Windows code page. Single-byte pages that the engine has no table of are read as Windows-1252.
 std::string codePageToUtf8(std::uint16_t codePage, Bytes bytes);
 
-/// Appends UTF-16 (low byte first; an odd last byte is ignored) as UTF-8. Unpaired surrogates become U+FFFD.
+/// Appends UTF-16 (low byte first; an odd last byte is ignored) as UTF-8. Unpaired surrogates stay
+/// (base/text/wtf8.h).
 void appendUtf16AsUtf8(Bytes bytes, std::string& text);
 
 /// True for text that begins with the mark of the compressed form.
@@ -28,7 +29,7 @@ inline bool isCompressed(Bytes stored) {
 /// not.
 Bytes plainLatin1(Bytes stored);
 
-/// Replaces `text` by the stored text of a Jet 4 column, compressed or not, in UTF-8.
+/// Replaces `text` by the stored text of a Jet 4 column, compressed or not, in UTF-8 (as above).
 void storedTextToUtf8(Bytes stored, std::string& text);
 
 /// The UTF-16 bytes of a stored text of a Jet 4 column: `stored` itself, or `buffer` when it was compressed.

@@ -1,1 +1,0 @@
-#include "veltrano/installed.h"  // moved; include that

@@ -1,0 +1,38 @@
+#ifndef VELTRANO_PDF_GRAPHICS_SHAPES_H
+#define VELTRANO_PDF_GRAPHICS_SHAPES_H
+
+// Lines, rectangles, ellipses and polygons as content stream operators. All coordinates are user units.
+
+#include <string_view>
+#include <vector>
+
+#include "pdf/document/content_stream.h"
+#include "pdf/document/page_geometry.h"
+#include "pdf/graphics/graphics_state.h"
+#include "veltrano/value.h"
+
+namespace veltrano {
+
+/// A line in the current dash, between comments of the kind `marker`.
+void drawDashedLine(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
+                    std::string_view marker, Point from, Point to);
+/// A line that writes no dash: that of the last drawing that did holds on.
+void drawFreeLine(ContentStream& content, const PageGeometry& page, const GraphicsState& state, Point from,
+                  Point to);
+/// The closing comment is left to the caller, since a link stands before it.
+void drawRectangle(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
+                   const Box& box);
+/// The ellipse within a box.
+void drawEllipse(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
+                 const Box& box);
+/// A closed outline; paints nothing without any point.
+void drawPolygon(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
+                 const std::vector<Point>& points);
+
+/// The points that a host passes: one argument per point, or one array of them. What is not a pair of finite
+/// numbers is left out.
+std::vector<Point> readPoints(const Value::List& arguments);
+
+}  // namespace veltrano
+
+#endif

@@ -1,0 +1,205 @@
+// VeltranoMDB over the embedded engine: what its members promise, and several objects on one file.
+
+#include "veltrano/mdb.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "database/access/authoring/create_database.h"
+#include "tests/temporary_folder.h"
+
+namespace veltrano {
+namespace {
+
+using access::ColumnType;
+
+/// A database with a password and two tables: "People" (key and name) and "Kinds" (a field of each type).
+class VeltranoMdb : public testing::Test {
+ protected:
+  void SetUp() override {
+    std::string reason;
+    const access::NewTable people{
+        .name = "People",
+        .columns = {{.name = "N", .type = ColumnType::longInteger}, {.name = "Name"}},
+        .indexes = {{.name = "Key", .columns = {{.name = "N"}}, .primary = true}}};
+    const access::NewTable kinds{
+        .name = "Kinds",
+        .columns = {{.name = "Numeric", .type = ColumnType::numeric, .precision = 18, .scale = 4},
+                    {.name = "Cash", .type = ColumnType::currency},
+                    {.name = "Single", .type = ColumnType::single},
+                    {.name = "Double", .type = ColumnType::real},
+                    {.name = "Moment", .type = ColumnType::dateTime},
+                    {.name = "Words"},
+                    {.name = "Long words", .type = ColumnType::memo}}};
+    ASSERT_TRUE(access::createDatabase(file_, {.password = "secret"}, reason) &&
+                access::createTable(file_, people, reason, "secret") &&
+                access::createTable(file_, kinds, reason, "secret"))
+        << reason;
+    ASSERT_TRUE(first_.OpenDB(name(), "somebody", "secret") && first_.OpenTable("People"));
+  }
+
+  [[nodiscard]] std::string name() const {
+    const auto text = file_.u8string();
+    return {text.begin(), text.end()};
+  }
+  static void add(VeltranoMDB& mdb, int number, const Value& name = Null()) {
+    mdb.AddNew();
+    mdb.WriteRecord("N", number);
+    EXPECT_FALSE(mdb.WriteRecord("Name", name)) << "false although it was written";
+    mdb.Update();
+  }
+
+  /// Three records, the first one current, and a second object on the same file.
+  void fillAndShare() {
+    for (int i = 1; i <= 3; ++i) {
+      add(first_, i);
+    }
+    first_.MoveFirst();
+    ASSERT_TRUE(second_.OpenDB(name(), "", "secret") && second_.OpenTable("People"));
+  }
+
+  const tests::TemporaryFolder folder_;
+  const std::filesystem::path file_ = folder_ / "a.mdb";
+  VeltranoMDB first_;
+  VeltranoMDB second_;
+};
+
+TEST_F(VeltranoMdb, KeepsWhatIsOpenWhenAnOpenFails) {
+  add(first_, 7);
+  first_.MoveFirst();
+  EXPECT_FALSE(first_.OpenDB(name()));
+  EXPECT_FALSE(first_.OpenDB(name(), "secret", "wrong"));
+  EXPECT_FALSE(first_.OpenDB(name() + "x"));
+  EXPECT_FALSE(first_.OpenTable("Nobody"));
+  EXPECT_EQ(first_.ReadRecord_String("N"), "7");
+  EXPECT_TRUE(first_.OpenTable("KINDS"));
+}
+
+TEST_F(VeltranoMdb, DoesNothingWithoutAnOpenTable) {
+  const auto callAll = [](VeltranoMDB& mdb) {
+    mdb.MoveFirst();
+    mdb.MoveNext();
+    mdb.MoveLast();
+    mdb.Edit();
+    mdb.Delete();
+    add(mdb, 1, "x");
+    EXPECT_EQ(mdb.ReadRecord_String("N"), "");
+    EXPECT_FALSE(mdb.Eof());
+    EXPECT_FALSE(mdb.FindRecord("N", "1", 0));
+    mdb.CloseTable();
+  };
+  callAll(second_);
+  EXPECT_FALSE(second_.OpenTable("People"));
+  second_.CloseDatabase();
+  first_.CloseTable();
+  callAll(first_);
+  first_.CloseDatabase();
+  callAll(first_);
+  EXPECT_FALSE(first_.OpenTable("People"));
+}
+
+TEST_F(VeltranoMdb, FindsRecords) {
+  EXPECT_FALSE(first_.FindRecord("Name", "", 0)) << "an empty table";
+  int number = 0;
+  for (const Value& person : {Value("Miller"), Value(Null()), Value("Smith"), Value("smith"), Value("")}) {
+    add(first_, ++number, person);
+  }
+  const struct {
+    const char* value;
+    std::int16_t caseSensitive;
+    const char* found;  ///< its number; empty: none
+  } cases[] = {
+      {"smith", 0, "3"}, {"smith", -1, "4"}, {"SMITH", 0, "3"},
+      {"SMITH", -1, ""}, {"smith", 1, "3"},  // only -1 is true
+      {"", -1, "5"},                         // passes over the null before it
+      {"Smit", 0, ""},
+  };
+  for (const auto& c : cases) {
+    first_.MoveLast();
+    EXPECT_EQ(first_.FindRecord("Name", c.value, c.caseSensitive), *c.found != '\0') << c.value;
+    EXPECT_EQ(first_.Eof(), *c.found == '\0') << c.value;
+    EXPECT_EQ(first_.ReadRecord_String("N"), c.found) << c.value;
+  }
+  EXPECT_FALSE(first_.FindRecord("Unknown", "", 0));
+  EXPECT_TRUE(first_.Eof());
+}
+
+TEST_F(VeltranoMdb, StoresEveryKindAndTakesItsTextAgain) {
+  ASSERT_TRUE(first_.OpenTable("Kinds"));
+  const std::string surrogates = "\xED\xA0\xBDx\xED\xB8\x80";
+  const struct {
+    const char* field;
+    Value value;
+    std::string text;
+  } cases[] = {
+      {"Numeric", Decimal{false, {0xA630F34E, 0x1B69B4B, 0, 0}, 4}, "12345678901234.5678"},
+      {"Numeric", "99999999999999.9999", "99999999999999.9999"},
+      {"Cash", Decimal{true, {125, 0, 0, 0}, 1}, "-12.5"},
+      {"Single", 0.1F, "0.1"},
+      {"Single", 1.0F / 3, "0.3333333"},
+      {"Double", 0.1F, "0.1"},
+      {"Double", 1e-5, "1E-05"},
+      {"Moment", Date{46347.586805555555}, "2026-11-21 14:05:00"},
+      {"Moment", Date{0.75}, "18:00:00"},
+      {"Words", 0.1F, "0.1"},
+      {"Words", surrogates, surrogates},
+      {"Long words", surrogates, surrogates},
+  };
+  for (const auto& [field, value, text] : cases) {
+    first_.AddNew();
+    first_.WriteRecord(field, value);
+    first_.Update();
+    first_.MoveLast();
+    EXPECT_EQ(first_.ReadRecord_String(field), text);
+    EXPECT_TRUE(first_.FindRecord(field, text, 0)) << field;
+    first_.AddNew();
+    first_.WriteRecord(field, text);
+    first_.Update();
+    first_.MoveLast();
+    EXPECT_EQ(first_.ReadRecord_String(field), text) << "written again as it was read";
+  }
+}
+
+TEST_F(VeltranoMdb, TwoObjectsSeeEachOthersChanges) {
+  fillAndShare();
+  first_.Delete();
+  EXPECT_EQ(second_.ReadRecord_String("N"), "") << "deleted by the other";
+  second_.MoveLast();
+  add(first_, 7);
+  second_.MoveNext();
+  EXPECT_EQ(second_.ReadRecord_String("N"), "7");
+  ASSERT_TRUE(second_.OpenTable("Kinds"));
+  EXPECT_TRUE(second_.Eof());
+}
+
+TEST_F(VeltranoMdb, ClosingOneLeavesTheOther) {
+  fillAndShare();
+  first_.CloseDatabase();
+  first_.MoveFirst();
+  EXPECT_EQ(first_.ReadRecord_String("N"), "");
+  EXPECT_EQ(second_.ReadRecord_String("N"), "1");
+  EXPECT_FALSE(first_.OpenDB(name()));
+  EXPECT_FALSE(first_.OpenDB(name(), "", "wrong"));
+  EXPECT_TRUE(first_.OpenDB(name(), "", "secret"));
+}
+
+TEST_F(VeltranoMdb, AnotherUserIsToldNo) {
+  fillAndShare();
+  const auto opensElsewhere = [this] {
+    bool opened = false;
+    std::thread([&] {
+      VeltranoMDB other;
+      opened = other.OpenDB(name(), "", "secret");
+    }).join();
+    return opened;
+  };
+  EXPECT_FALSE(opensElsewhere());
+  first_.CloseDatabase();
+  EXPECT_FALSE(opensElsewhere());
+  second_.CloseDatabase();
+  EXPECT_TRUE(opensElsewhere());
+}
+
+}  // namespace
+}  // namespace veltrano
