@@ -1,7 +1,6 @@
 #include "base/os/files.h"
 
 #include <algorithm>
-#include <memory>
 #include <system_error>
 
 #include "base/os/file.h"
@@ -42,28 +41,6 @@ std::optional<std::string> readFileStart(const std::filesystem::path& file, std:
   }
   content.resize(length);
   return content;
-}
-
-bool readFileInPieces(const std::filesystem::path& file,
-                      const std::function<bool(std::string_view piece)>& take) {
-  // Small enough to stay in the processor's cache while it is examined.
-  constexpr std::size_t pieceSize = std::size_t{256} * 1024;
-  auto opened = File::open(file, Opening::read);
-  if (!opened) {
-    traceFailure("readFile", opened.status(), file);
-    return false;
-  }
-  const auto buffer = std::make_unique_for_overwrite<char[]>(pieceSize);
-  for (;;) {
-    const auto count = opened->read({buffer.get(), pieceSize});
-    if (!count) {
-      traceFailure("readFile", count.status(), file);
-      return false;
-    }
-    if (*count == 0 || !take({buffer.get(), *count}) || *count < pieceSize) {
-      return true;
-    }
-  }
 }
 
 std::optional<std::vector<std::filesystem::path>> listFiles(const std::filesystem::path& folder) {

@@ -5,10 +5,8 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "base/os/file_identity.h"
@@ -22,12 +20,6 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& file);
 
 /// The first `limit` bytes, or all of a shorter file; otherwise like readWholeFile.
 std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit);
-
-/// Hands the file's bytes to `take`, piece by piece, until it returns false; a piece is valid during the call
-/// only. False if the file is missing, a folder or could not be read up to there. Others may use the file
-/// meanwhile.
-bool readFileInPieces(const std::filesystem::path& file,
-                      const std::function<bool(std::string_view piece)>& take);
 
 /// Names (not paths) of the regular files in `folder`, sorted by their bytes, so that the order is the same
 /// on every system. Empty if there is no such folder.

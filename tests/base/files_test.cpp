@@ -36,28 +36,13 @@ TEST(ReadFile, TakesAsManyReadsAsItNeeds) {
   const std::string content = noise((std::size_t{1} << 24) + 5);
   ASSERT_TRUE(replaceFile(file, content));
   EXPECT_TRUE(readWholeFile(file) == content);
-  std::string pieces;
-  std::size_t count = 0;
-  EXPECT_TRUE(readFileInPieces(file, [&](std::string_view piece) {
-    pieces += piece;
-    return ++count < 3;
-  }));
-  EXPECT_EQ(count, 3U) << "until it is refused";
-  EXPECT_TRUE(content.starts_with(pieces));
-  EXPECT_TRUE(readFileInPieces(file, [&](std::string_view piece) {
-    pieces += piece;
-    return true;
-  }));
-  EXPECT_TRUE(pieces.ends_with(content));
   EXPECT_TRUE(readFileStart(file, 70'000) == content.substr(0, 70'000));
 }
 
 TEST(ReadFile, OnlyFilesThatAreThere) {
   const TemporaryFolder folder;
-  const auto none = [](std::string_view) { return true; };
   for (const auto& name : {folder.path(), folder / "missing", folder / "missing/a", fs::path()}) {
     EXPECT_FALSE(readWholeFile(name)) << name;
-    EXPECT_FALSE(readFileInPieces(name, none)) << name;
   }
 }
 
@@ -68,20 +53,9 @@ TEST(ReadFile, PipesToTheirEnd) {
   const auto pipe = folder / "pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   const std::string content = noise(300'000);
-  for (const bool inPieces : {false, true}) {
-    std::thread writer([&] { EXPECT_TRUE(replaceFile(pipe, content)); });
-    std::string text;
-    if (inPieces) {
-      readFileInPieces(pipe, [&text](std::string_view piece) {
-        text += piece;
-        return true;
-      });
-    } else {
-      text = readWholeFile(pipe).value_or("");
-    }
-    writer.join();
-    EXPECT_TRUE(text == content);
-  }
+  std::thread writer([&] { EXPECT_TRUE(replaceFile(pipe, content)); });
+  EXPECT_TRUE(readWholeFile(pipe) == content);
+  writer.join();
 }
 #endif
 
