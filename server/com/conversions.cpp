@@ -288,7 +288,7 @@ Value::List list(SAFEARRAY* const* array, TextForm form) {
 
 BSTR newText(std::string_view text, TextForm form) {
   if (text.empty()) {
-    // Not a null one: hosts written in C may look at its characters.
+    // Not a null one: hosts written in C may read its characters.
     return SysAllocStringLen(L"", 0);
   }
   const std::u16string wide = form == TextForm::ansi ? ansiToUtf16(text) : utf8ToUtf16(text);

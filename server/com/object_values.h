@@ -7,9 +7,9 @@
 
 namespace veltrano::server {
 
-/// Puts into `result` (initialised, empty) what the object stands for: the elements of a list object as
-/// script languages have it (a "length" and elements named "0", "1", ...) as an array of variants, otherwise
-/// the value of the default property. False when it has neither, or is null.
+/// Puts into `result` (initialised, empty) what the object stands for: the elements of a script language's list (with a
+/// "length" and elements named "0", "1", ...) as an array of variants, otherwise the value of the default property.
+/// False if it has neither, or is null.
 bool objectValue(IUnknown* object, VARIANT* result);
 
 }  // namespace veltrano::server
