@@ -88,8 +88,9 @@ def windows_arguments(build):
     compiler = re.search(r"/[^\s\"]*/(\w+)-w64-mingw32-g\+\+[^\s\"]*", (build / "compile_commands.json").read_text())
     if not compiler:
         return []
-    # Windows' handles are numbers that are cast to pointers.
-    return ["--checks=-performance-no-int-to-ptr", f"--extra-arg-before=--target={compiler[1]}-w64-windows-gnu", "--extra-arg=-nostdinc++",
+    # Windows' handles are numbers that are cast to pointers; the generated header names the coclasses as classes.
+    return ["--checks=-performance-no-int-to-ptr,-bugprone-forward-declaration-namespace",
+            f"--extra-arg-before=--target={compiler[1]}-w64-windows-gnu", "--extra-arg=-nostdinc++",
             *[f"--extra-arg=-isystem{folder}" for folder in include_folders(compiler[0])]]
 
 

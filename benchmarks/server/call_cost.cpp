@@ -80,6 +80,13 @@ struct PreparedCall {
   }
 };
 
+DISPID idOf(IDispatch& object, const wchar_t* member) {
+  DISPID id = DISPID_UNKNOWN;
+  auto* name = const_cast<OLECHAR*>(member);
+  object.GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id);
+  return id;
+}
+
 VARIANT number(double value) {
   VARIANT variant;
   VariantInit(&variant);
@@ -104,7 +111,7 @@ int main() {
   pdf->PDFSetFont(&font, &size, &style);
 
   PreparedCall read;
-  read.id = 32;
+  read.id = idOf(*pdf.get(), L"PDFGetLeftMargin");
   read.flags = DISPATCH_PROPERTYGET;
   compare(
       "Reading a property (PDFGetLeftMargin)", *pdf.get(),
@@ -125,7 +132,7 @@ int main() {
   text.vt = VT_BSTR;
   text.bstrVal = *&words;
   PreparedCall write;
-  write.id = 71;
+  write.id = idOf(*pdf.get(), L"PDFTextOut");
   write.flags = DISPATCH_METHOD;
   write.arguments = {number(y), number(x), text};
   compare(

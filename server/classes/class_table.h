@@ -1,7 +1,7 @@
 #ifndef VELTRANO_SERVER_CLASSES_CLASS_TABLE_H
 #define VELTRANO_SERVER_CLASSES_CLASS_TABLE_H
 
-// The public classes: the one table behind the factory, the dispatcher and the registration.
+// The public classes: the one table for the factory, the dispatcher and the registration.
 
 #include <span>
 #include <string_view>

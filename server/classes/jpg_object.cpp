@@ -11,7 +11,6 @@ namespace {
 void answer(BSTR* result, const std::string& bytes) {
   server::answer(result, bytes, TextForm::ansi);
 }
-using server::answer;
 
 std::uintptr_t address(const AddressNumber* value) {
   return static_cast<std::uintptr_t>(number(value));
@@ -57,7 +56,7 @@ STDMETHODIMP JpgObject::SaveJPEGToMemory(IPictureDisp** ImageToSave, long* JPEGQ
 STDMETHODIMP JpgObject::LoadJPEGFromRAMToPicture(AddressNumber* ArrayPointer, long* ArraySize, long* X,
                                                  long* y, IPictureDisp** result) {
   return run("LoadJPEGFromRAMToPicture", result, [&] {
-    // Nothing to convert: the result is no picture, whatever comes in.
+    // The result is never a picture.
     static_cast<void>(
         jpg_.LoadJPEGFromRAMToPicture(address(ArrayPointer), number(ArraySize), number(X), number(y)));
     answer(result, static_cast<IPictureDisp*>(nullptr));

@@ -13,7 +13,6 @@ void answer(BSTR* result, const std::string& text) {
 void answer(VARIANT* result, const Value& value) {
   server::answer(result, value, TextForm::ansi);
 }
-using server::answer;
 Value value(const VARIANT* variant) {
   return server::value(variant, TextForm::ansi);
 }
@@ -384,7 +383,7 @@ STDMETHODIMP PdfObject::PDFInit() {
 
 STDMETHODIMP PdfObject::PDFImage(BSTR* pFileName, double* X, double* y, double* w, double* h, BSTR* URLLink) {
   return run("PDFImage", [&] {
-    // The host's variables get the computed size at once: an event may look at them.
+    // The host's variables get the computed size at once: an event handler may read them.
     double width = number(w);
     double height = number(h);
     pdf_.PDFImage(path(pFileName), number(X), number(y), width, height, takeLink(URLLink));

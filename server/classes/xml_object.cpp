@@ -6,7 +6,7 @@ namespace veltrano::server {
 
 namespace {
 
-/// An array of texts, or empty for a folder that has nothing.
+/// An array of texts, or empty for a folder without keys.
 void answer(VARIANT* result, const SettingNames& names) {
   Value list;
   if (names) {

@@ -1,7 +1,7 @@
 #ifndef VELTRANO_SERVER_COM_AUTOMATION_H
 #define VELTRANO_SERVER_COM_AUTOMATION_H
 
-// Windows' automation headers, the interfaces generated from veltrano.idl, and owners of what those hand out.
+// Windows' automation headers, the interfaces generated from veltrano.idl, and owners of what they hand out.
 
 #include <windows.h>
 
@@ -32,7 +32,8 @@ class ComPointer {
   }
   ComPointer(const ComPointer& other) : ComPointer(other.object_) {}
   ComPointer(ComPointer&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
-  ComPointer& operator=(ComPointer other) noexcept {
+  ComPointer& operator=(const ComPointer& other) { return *this = ComPointer(other); }
+  ComPointer& operator=(ComPointer&& other) noexcept {
     std::swap(object_, other.object_);
     return *this;
   }
@@ -45,7 +46,7 @@ class ComPointer {
   [[nodiscard]] Interface* get() const { return object_; }
   Interface* operator->() const { return object_; }
   explicit operator bool() const { return object_ != nullptr; }
-  /// Where a call puts a reference; what was held is released.
+  /// Where a call puts a reference; the one held is released first.
   Interface** out() {
     *this = ComPointer();
     return &object_;
@@ -57,14 +58,12 @@ class ComPointer {
   Interface* object_ = nullptr;
 };
 
-/// A variant that is cleared at its end.
+/// A variant that is cleared with its scope.
 class OwnedVariant {
  public:
   OwnedVariant() { VariantInit(&value_); }
   OwnedVariant(const OwnedVariant&) = delete;
   OwnedVariant& operator=(const OwnedVariant&) = delete;
-  OwnedVariant(OwnedVariant&&) = delete;
-  OwnedVariant& operator=(OwnedVariant&&) = delete;
   ~OwnedVariant() { VariantClear(&value_); }
 
   VARIANT* get() { return &value_; }

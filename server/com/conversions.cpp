@@ -310,7 +310,7 @@ Value::List list(SAFEARRAY* const* array, TextForm form) {
 
 BSTR newText(std::string_view text, TextForm form) {
   if (text.empty()) {
-    // Not a null one: hosts written in C may look at its characters.
+    // Not a null one: hosts written in C may read its characters.
     return SysAllocStringLen(L"", 0);
   }
   const std::u16string wide = decoded(text, form);

@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-#include "server/com/coercion.h"
+#include "server/com/argument.h"
 
 namespace veltrano::server {
 

@@ -47,7 +47,7 @@ VARTYPE namedType(ITypeInfo& type, HREFTYPE reference) {
   return static_cast<VARTYPE>(kind == TKIND_ENUM ? VT_I4 : VT_DISPATCH);
 }
 
-/// The type that a parameter refers to; VT_EMPTY when it is no reference, which no interface of ours has.
+/// The type that a parameter refers to; VT_EMPTY if it is not a reference, as all of ours are.
 VARTYPE referredType(ITypeInfo& type, const TYPEDESC& description) {
   if (description.vt != VT_PTR) {
     return VT_EMPTY;

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_SERVER_COM_INTERFACE_TABLE_H
 #define VELTRANO_SERVER_COM_INTERFACE_TABLE_H
 
-// What the dispatcher needs to know of a dual interface, read from the type library once: the interface is
-// the truth, late binding is derived from it, so the two cannot disagree.
+// What the dispatcher needs to know of a dual interface, read from the type library once: late binding is derived from
+// the interface, so that the two cannot disagree.
 
 #include <memory>
 #include <string>
@@ -16,8 +16,8 @@ namespace veltrano::server {
 
 struct Parameter {
   std::wstring name;
-  /// Of what the parameter refers to; VT_ARRAY for the list of a member with any number of arguments,
-  /// VT_DISPATCH for a picture.
+  /// Of what the parameter refers to. VT_ARRAY: the list of a member with any number of arguments. VT_DISPATCH: a
+  /// picture.
   VARTYPE type = VT_EMPTY;
   bool keptKind = false;
   const Default* omitted = nullptr;  ///< null when the argument is required
@@ -38,13 +38,12 @@ class InterfaceTable {
   /// The most arguments that a member takes, its result included.
   static constexpr std::size_t mostParameters = 12;
 
-  /// The table of a class of this DLL, which lives as long as the DLL. Null when the type library cannot be
-  /// read.
+  /// The table of a class of this DLL, which lives as long as the DLL. Null if the type library cannot be read.
   static const InterfaceTable* of(const ClassEntry& entry);
   /// A table of its own, from another copy of the type library.
   static std::unique_ptr<InterfaceTable> read(const ClassEntry& entry, ITypeLib& library);
 
-  /// The member that an Invoke with these flags means. Null when there is none.
+  /// The member that an Invoke with these flags means. Null if there is no such member.
   [[nodiscard]] const Member* find(DISPID id, WORD flags) const;
   /// Names in any case: the first is a member's, the others are those of its parameters.
   HRESULT identify(OLECHAR** names, UINT count, DISPID* ids) const;

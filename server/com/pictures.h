@@ -6,8 +6,8 @@
 
 namespace veltrano::server {
 
-/// The bitmap of an automation picture, which stays alive as long as a copy of the result does. Nothing for a
-/// null pointer, no picture, or an icon or metafile.
+/// The bitmap of an automation picture, which stays alive as long as a copy of the result does. Empty if there is no
+/// picture, or it is an icon or a metafile.
 Picture picture(IPictureDisp* const* object);
 
 }  // namespace veltrano::server

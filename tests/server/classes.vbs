@@ -1,6 +1,7 @@
-' Uses each of the other classes once.
+' Uses each of the other classes, and shows what a script sees of the lists of settings: names with an extra empty one, an
+' empty value for a folder without keys, a list without elements for a missing one.
 Option Explicit
-Dim folder, kml, xml, ini, mdb, names, wev, last
+Dim folder, kml, xml, ini, mdb, wev, lists
 folder = WScript.Arguments(0)
 Set kml = CreateObject("VeltranoFrameWorkDLL.VeltranoKML")
 kml.CreateKML folder & "\places.kml", Empty
@@ -8,16 +9,26 @@ kml.CreatePlaceMark 51.5, 0.125, 10, "Here", ""
 kml.CloseKML
 Set xml = CreateObject("VeltranoFrameWorkDLL.VeltranoXML")
 xml.XML_Open folder & "\settings.xml"
-last = UBound(xml.XML_EnumFolders)
+lists = "new " & Shape(xml.XML_EnumFolders)
 xml.XML_SaveSetting "Display", "Width", 800
 xml.XML_SaveSetting "Display", "Height", "600"
+xml.XML_SaveSetting "Empty", "Key", "Value"
 xml.XML_Save
-names = xml.XML_EnumKeys("Display")
+lists = lists & "; keys " & Shape(xml.XML_EnumKeys("Display")) & "; missing " & Shape(xml.XML_EnumKeys("None"))
+xml.XML_DeleteSetting "", "Empty", "Key"
+lists = lists & "; emptied " & Shape(xml.XML_EnumKeys("Empty"))
 Set ini = CreateObject("VeltranoFrameWorkDLL.VeltranoINI")
 ini.SetIniValue folder & "\a.ini", "Key", "Value"
 Set mdb = CreateObject("VeltranoFrameWorkDLL.VeltranoMDB")
 Set wev = CreateObject("VeltranoFrameWorkDLL.VeltranoWEV")
 wev.LogNTEvent "An entry", 4, 7
-WScript.Echo names(0) & " " & names(1) & " " & UBound(names) & " " & last & " " & _
-    ini.GetIniValue(folder & "\a.ini", "key", "none") & " " & mdb.OpenDB(folder & "\missing.mdb") & " " & _
-    kml.CreatePathString(1, 2, 3)
+WScript.Echo lists & "; " & ini.GetIniValue(folder & "\a.ini", "key", "none") & " " & _
+    mdb.OpenDB(folder & "\missing.mdb") & " " & kml.CreatePathString(1, 2, 3)
+
+Function Shape(list)
+    If IsArray(list) Then
+        Shape = "[" & Join(list, ",") & "]"
+    Else
+        Shape = TypeName(list)
+    End If
+End Function

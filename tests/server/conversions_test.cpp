@@ -17,14 +17,6 @@ Value valueOf(Argument argument) {
 }
 
 TEST(Conversions, KeepTheKind) {
-  Argument date = Argument::ofType(VT_DATE);
-  date->date = 2.5;
-  Argument currency = Argument::ofType(VT_CY);
-  currency->cyVal.int64 = 12345;
-  Argument unsignedLong = Argument::ofType(VT_UI4);
-  unsignedLong->ulVal = 0xFFFFFFFF;
-  Argument single = Argument::ofType(VT_R4);
-  single->fltVal = 0.1F;
   Argument decimal;
   decimal->decVal.scale = 28;
   decimal->decVal.sign = DECIMAL_NEG;
@@ -32,20 +24,20 @@ TEST(Conversions, KeepTheKind) {
   decimal->decVal.Lo64 = 0xAB54A98CEB1F0AD2;
   decimal->vt = VT_DECIMAL;
   EXPECT_EQ(Value(), valueOf(Argument()));
-  EXPECT_EQ(Value(Null{}), valueOf(Argument::ofType(VT_NULL)));
+  EXPECT_EQ(Value(Null{}), valueOf(Argument::of(VT_NULL)));
   EXPECT_EQ(Value(true), valueOf(true));
   EXPECT_EQ(Value(7), valueOf(7));
-  EXPECT_EQ(Value(std::int64_t{4294967295}), valueOf(unsignedLong));
+  EXPECT_EQ(Value(std::int64_t{4294967295}), valueOf(Argument::of(VT_UI4, 0xFFFFFFFF)));
   EXPECT_EQ(Value(0.5), valueOf(0.5));
-  EXPECT_EQ(Value(Date{2.5}), valueOf(date));
-  EXPECT_EQ(Value(Currency{12345}), valueOf(currency));
-  EXPECT_EQ(Value(0.1F), valueOf(single));
+  EXPECT_EQ(Value(Date{2.5}), valueOf(Argument::of(VT_DATE, 2.5)));
+  EXPECT_EQ(Value(Currency{12345}), valueOf(Argument::of(VT_CY, std::int64_t{12345})));
+  EXPECT_EQ(Value(0.1F), valueOf(Argument::of(VT_R4, 0.1F)));
   EXPECT_EQ(Value(Decimal{true, {0xEB1F0AD2, 0xAB54A98C, 0x1, 0}, 28}), valueOf(decimal));
   EXPECT_EQ(Value("\xE9"), valueOf(L"\u00e9"));
   EXPECT_EQ(Value("\xC3\xA9"), server::value(Argument(L"\u00e9").get(), TextForm::utf8));
   EXPECT_EQ(Value("\xED\xA0\xBDx"), server::value(Argument(L"\xD83Dx").get(), TextForm::wtf8));
   EXPECT_EQ(Value(Value::Doubles{1, 2}), valueOf(Argument::doubles({1, 2})));
-  EXPECT_EQ(Value(Value::List{1, Value::List{"a"}}), valueOf({Argument(1), {Argument(L"a")}}));
+  EXPECT_EQ(Value(Value::List{1, Value::List{"a"}}), valueOf(Argument{1, Argument{L"a"}}));
   Argument itself;
   itself->vt = VT_BYREF | VT_VARIANT;
   itself->pvarVal = itself.get();
@@ -55,8 +47,7 @@ TEST(Conversions, KeepTheKind) {
 
 TEST(Conversions, ReadArraysOfAnyTypeAndDimension) {
   SAFEARRAYBOUND bounds[] = {{2, 1}, {3, 0}};
-  Argument matrix = Argument::ofType(VT_ARRAY | VT_I2);
-  matrix->parray = SafeArrayCreate(VT_I2, 2, bounds);
+  const Argument matrix = Argument::of(VT_ARRAY | VT_I2, SafeArrayCreate(VT_I2, 2, bounds));
   for (LONG row = 0; row < 2; ++row) {
     for (LONG column = 0; column < 3; ++column) {
       LONG index[] = {row + 1, column};

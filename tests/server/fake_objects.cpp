@@ -30,11 +30,6 @@ STDMETHODIMP_(ULONG) DispatchFake::Release() {
   return left;
 }
 
-STDMETHODIMP DispatchFake::GetTypeInfoCount(UINT* count) {
-  *count = 0;
-  return S_OK;
-}
-
 STDMETHODIMP FakeObject::GetIDsOfNames(REFIID, OLECHAR** names, UINT, LCID, DISPID* ids) {
   const std::wstring name = names[0];
   if (elements_.empty()) {
@@ -46,9 +41,7 @@ STDMETHODIMP FakeObject::GetIDsOfNames(REFIID, OLECHAR** names, UINT, LCID, DISP
 
 STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
                                 UINT*) {
-  if (inInvoke) {
-    inInvoke();
-  }
+  inInvoke();
   if (id == DISPID_VALUE) {
     return VariantCopy(result, value_.get());
   }
@@ -70,9 +63,7 @@ STDMETHODIMP RecordingSink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* ar
     // Hosts may assign to a parameter by reference.
     SysReAllocString(arguments->rgvarg[0].pbstrVal, L"assigned by the host");
   }
-  if (inEvent) {
-    inEvent();
-  }
+  inInvoke();
   return answer;
 }
 
@@ -81,7 +72,7 @@ Connection::Connection(IUnknown& object, IUnknown& sink) {
   if (SUCCEEDED(
           object.QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(container.out()))) &&
       SUCCEEDED(container->FindConnectionPoint(DIID___VeltranoPDF, point_.out()))) {
-    status_ = point_->Advise(&sink, &cookie_);
+    point_->Advise(&sink, &cookie_);
   }
 }
 
@@ -93,17 +84,16 @@ void Connection::disconnect() {
   point_ = {};
 }
 
-ArithmeticOfHost::Settings ArithmeticOfHost::now() {
-  constexpr unsigned flags = 0x3F;  // what has happened, not what shall happen
-  Settings settings{_mm_getcsr() & ~flags, 0};
+Arithmetic Arithmetic::now() {
+  constexpr unsigned noted = 0x3F;  // what has happened, not what shall happen
+  Arithmetic settings{_mm_getcsr() & ~noted, 0};
   __asm__ __volatile__("fnstcw %0" : "=m"(settings.stack));
   return settings;
 }
 
-void ArithmeticOfHost::set(const Settings& settings) {
-  _mm_setcsr(settings.vector);
-  __asm__ __volatile__("fnclex");
-  __asm__ __volatile__("fldcw %0" : : "m"(settings.stack));
+void Arithmetic::set() const {
+  _mm_setcsr(vector);
+  __asm__ __volatile__("fnclex; fldcw %0" : : "m"(stack));
 }
 
 void writeGreyJpeg(const std::filesystem::path& file, int width, int height) {

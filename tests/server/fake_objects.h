@@ -1,7 +1,7 @@
 #ifndef VELTRANO_TESTS_SERVER_FAKE_OBJECTS_H
 #define VELTRANO_TESTS_SERVER_FAKE_OBJECTS_H
 
-// Objects that a host hands to the server, made for one test and counting their references.
+// What a host hands to the server: objects made for one test, arithmetic settings, pictures.
 
 #include <filesystem>
 #include <functional>
@@ -12,25 +12,24 @@
 
 namespace veltrano::tests {
 
-/// IDispatch without members but those that a test gives it. Starts without a reference of its own.
+/// IDispatch that counts its references, from 0 on, and runs `inInvoke` whenever it is asked for something.
 class DispatchFake : public IDispatch {
  public:
   DispatchFake() = default;
   DispatchFake(const DispatchFake&) = delete;
   DispatchFake& operator=(const DispatchFake&) = delete;
-  DispatchFake(DispatchFake&&) = delete;
-  DispatchFake& operator=(DispatchFake&&) = delete;
   virtual ~DispatchFake() = default;
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
   STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
   STDMETHODIMP_(ULONG) Release() override;
-  STDMETHODIMP GetTypeInfoCount(UINT* count) override;
+  STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, OLECHAR**, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
 
   ULONG references = 0;
   bool onHeap = true;
+  std::function<void()> inInvoke = [] {};
 };
 
 /// An object with a default property, and the elements of a list if it has any.
@@ -41,9 +40,6 @@ class FakeObject final : public DispatchFake {
   STDMETHODIMP GetIDsOfNames(REFIID, OLECHAR** names, UINT count, LCID, DISPID* ids) override;
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
                       UINT*) override;
-
-  /// Runs whenever the object is asked for a value.
-  std::function<void()> inInvoke;
 
  private:
   Argument value_;
@@ -57,16 +53,12 @@ class RecordingSink final : public DispatchFake {
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
                       UINT*) override;
-
   [[nodiscard]] std::wstring last() const { return messages.empty() ? std::wstring() : messages.back(); }
-  void clear() { messages.clear(); }
 
   std::vector<std::wstring> messages;
-  /// Runs in the event.
-  std::function<void()> inEvent;
-  /// What the sink answers.
+  /// What the sink answers to the event.
   HRESULT answer = S_OK;
-  /// Answers to plain dispatch alone.
+  /// False for a sink of plain dispatch.
   bool knowsEventInterface = true;
 };
 
@@ -76,42 +68,21 @@ class Connection {
   Connection(IUnknown& object, IUnknown& sink);
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
-  Connection(Connection&&) = delete;
-  Connection& operator=(Connection&&) = delete;
   ~Connection() { disconnect(); }
   void disconnect();
-  [[nodiscard]] HRESULT status() const { return status_; }
 
  private:
   ComPointer<IConnectionPoint> point_;
   DWORD cookie_ = 0;
-  HRESULT status_ = E_FAIL;
 };
 
-/// What the processor does with floating-point numbers in this thread: the control words of both units. Changes
-/// them for the time of a scope.
-class ArithmeticOfHost {
- public:
-  struct Settings {
-    unsigned vector = 0;
-    unsigned short stack = 0;
-    bool operator==(const Settings&) const = default;
-  };
-  /// A division by zero raises; the stack unit rounds to single precision.
-  static constexpr Settings unusual = {0x1D80, 0x007B};
-
-  ArithmeticOfHost() { set(unusual); }
-  ArithmeticOfHost(const ArithmeticOfHost&) = delete;
-  ArithmeticOfHost& operator=(const ArithmeticOfHost&) = delete;
-  ArithmeticOfHost(ArithmeticOfHost&&) = delete;
-  ArithmeticOfHost& operator=(ArithmeticOfHost&&) = delete;
-  ~ArithmeticOfHost() { set(before_); }
-
-  static Settings now();
-
- private:
-  static void set(const Settings& settings);
-  Settings before_ = now();
+/// What the processor does with floating-point numbers in this thread: the control words of both units.
+struct Arithmetic {
+  unsigned vector = 0;
+  unsigned short stack = 0;
+  bool operator==(const Arithmetic&) const = default;
+  static Arithmetic now();
+  void set() const;
 };
 
 /// The smallest file that the PDF writer takes for a grey JPEG of that size.

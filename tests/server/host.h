@@ -3,12 +3,14 @@
 
 // A C++ automation host for the tests: the DLL of this build, loaded by its path, and late-bound calls.
 
+#include <cstring>
 #include <filesystem>
 #include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "../temporary_folder.h"
 #include "server/com/automation.h"
 
 namespace veltrano::tests {
@@ -18,6 +20,7 @@ using server::OwnedVariant;
 
 /// The DLL of this build: the test programs lie in tests/server below it.
 std::filesystem::path dllFile();
+std::string readFile(const std::filesystem::path& file);
 
 /// The loaded DLL and its exports.
 class Dll {
@@ -25,8 +28,6 @@ class Dll {
   explicit Dll(const std::filesystem::path& file = dllFile());
   Dll(const Dll&) = delete;
   Dll& operator=(const Dll&) = delete;
-  Dll(Dll&&) = delete;
-  Dll& operator=(Dll&&) = delete;
   ~Dll();
 
   [[nodiscard]] bool loaded() const { return module_ != nullptr; }
@@ -37,9 +38,9 @@ class Dll {
   HRESULT install(bool install, const wchar_t* commandLine) const;
   [[nodiscard]] ComPointer<ITypeLib> typeLibrary() const;
 
-  /// A new object; null when that fails.
-  template <class Interface>
-  ComPointer<Interface> create(REFCLSID clsid, REFIID iid) const {
+  /// A new object; null if that fails.
+  template <class Interface = IDispatch>
+  ComPointer<Interface> create(REFCLSID clsid, REFIID iid = IID_IDispatch) const {
     ComPointer<IClassFactory> factory;
     ComPointer<Interface> object;
     if (SUCCEEDED(classObject(clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.out())))) {
@@ -47,7 +48,7 @@ class Dll {
     }
     return object;
   }
-  ComPointer<_VeltranoPDF> createPdf() const {
+  [[nodiscard]] ComPointer<_VeltranoPDF> createPdf() const {
     return create<_VeltranoPDF>(CLSID_VeltranoPDF, IID__VeltranoPDF);
   }
 
@@ -60,25 +61,31 @@ class Dll {
 class Argument {
  public:
   Argument() { VariantInit(&value_); }
-  Argument(int number);
-  Argument(double number);
-  Argument(bool flag);
-  Argument(const wchar_t* text);
-  Argument(IUnknown* object);
+  Argument(int number) : Argument() { set(VT_I4, number); }
+  Argument(double number) : Argument() { set(VT_R8, number); }
+  Argument(bool flag) : Argument() { set(VT_BOOL, flag ? VARIANT_TRUE : VARIANT_FALSE); }
+  Argument(const wchar_t* text) : Argument() { set(VT_BSTR, SysAllocString(text)); }
+  Argument(IUnknown* object) : Argument() { set(VT_UNKNOWN, ComPointer(object).detach()); }
   /// An array of variants.
   Argument(std::initializer_list<Argument> elements);
-  Argument(const Argument& other) : Argument() { VariantCopy(&value_, const_cast<VARIANT*>(&other.value_)); }
+  Argument(const Argument& other) : Argument() { *this = other; }
   Argument& operator=(const Argument& other) {
     VariantCopy(&value_, const_cast<VARIANT*>(&other.value_));
     return *this;
   }
   ~Argument() { VariantClear(&value_); }
 
-  static Argument ofType(VARTYPE type);
-  static Argument omitted();
+  /// Of any type whose value lies in the union: numbers of all sizes, and references.
+  template <class T = LONGLONG>
+  static Argument of(int type, T value = {}) {
+    Argument argument;
+    argument.set(type, value);
+    return argument;
+  }
+  static Argument omitted() { return of(VT_ERROR, DISP_E_PARAMNOTFOUND); }
   static Argument doubles(std::initializer_list<double> numbers);
   /// As script hosts pass their variables.
-  static Argument reference(VARIANT& variable);
+  static Argument reference(VARIANT& variable) { return of(VT_BYREF | VT_VARIANT, &variable); }
 
   VARIANT* get() { return &value_; }
   VARIANT* operator->() { return &value_; }
@@ -87,6 +94,11 @@ class Argument {
   [[nodiscard]] std::wstring text() const;
 
  private:
+  template <class T>
+  void set(int type, T value) {
+    value_.vt = static_cast<VARTYPE>(type);
+    std::memcpy(&value_.llVal, &value, sizeof value);
+  }
   VARIANT value_;
 };
 
@@ -96,18 +108,16 @@ struct Outcome {
   Argument result;
 };
 
-/// Calls a member, arguments in their natural order; the last `named.size()` are for the parameters given
-/// there, from the last to the first.
-Outcome callMember(IDispatch& object, DISPID id, std::vector<Argument>& arguments, WORD flags,
+/// Calls a member, arguments in their natural order; the last `named.size()` are for the parameters given there, from
+/// the last to the first.
+Outcome callMember(IDispatch& object, DISPID id, const std::vector<Argument>& arguments, WORD flags,
                    std::vector<DISPID> named = {});
-/// The same by name.
-Outcome callMethod(IDispatch& object, const wchar_t* member, std::vector<Argument> arguments = {});
+/// The same by name; the last `names.size()` arguments are named.
+Outcome callMethod(IDispatch& object, const wchar_t* member, const std::vector<Argument>& arguments = {},
+                   std::vector<const wchar_t*> names = {}, WORD flags = DISPATCH_METHOD);
 Outcome getProperty(IDispatch& object, const wchar_t* member);
-Outcome putProperty(IDispatch& object, const wchar_t* member, Argument value,
+Outcome putProperty(IDispatch& object, const wchar_t* member, const Argument& value,
                     WORD flags = DISPATCH_PROPERTYPUT);
-/// The last `names.size()` arguments are named.
-Outcome callNamed(IDispatch& object, const wchar_t* member, std::vector<Argument> arguments,
-                  std::vector<const wchar_t*> names);
 
 /// A text by reference, for calls of the vtable.
 class Text {
@@ -116,34 +126,13 @@ class Text {
       : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
   Text(const Text&) = delete;
   Text& operator=(const Text&) = delete;
-  Text(Text&&) = delete;
-  Text& operator=(Text&&) = delete;
   ~Text() { SysFreeString(text_); }
   BSTR* operator&() { return &text_; }  // NOLINT: stands for the parameter by reference
   [[nodiscard]] std::wstring_view view() const { return {text_, SysStringLen(text_)}; }
-  [[nodiscard]] bool isNull() const { return text_ == nullptr; }
 
  private:
   BSTR text_;
 };
-
-/// A folder for one test's files, removed with it.
-class Folder {
- public:
-  explicit Folder(std::wstring_view name = L"plain");
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  Folder(Folder&&) = delete;
-  Folder& operator=(Folder&&) = delete;
-  ~Folder();
-  [[nodiscard]] std::filesystem::path operator/(const std::wstring& file) const { return path_ / file; }
-  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-std::string readFile(const std::filesystem::path& file);
 
 }  // namespace veltrano::tests
 

@@ -19,8 +19,6 @@ class ComApartment {
   ComApartment() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
   ComApartment(const ComApartment&) = delete;
   ComApartment& operator=(const ComApartment&) = delete;
-  ComApartment(ComApartment&&) = delete;
-  ComApartment& operator=(ComApartment&&) = delete;
   ~ComApartment() { CoUninitialize(); }
 };
 
@@ -88,16 +86,20 @@ ComPointer<IDispatch> createByName(const std::wstring& programId) {
 }
 
 /// A copy of the DLL in a folder with a name that needs care.
-std::filesystem::path copyDll(const Folder& folder) {
-  std::filesystem::copy_file(dllFile(), folder / L"VeltranoFrameWorkDLL.dll");
-  return folder / L"VeltranoFrameWorkDLL.dll";
+std::filesystem::path copyDll(const TemporaryFolder& folder) {
+  // Not in the code page.
+  std::filesystem::create_directory(folder / L"\u4e00");
+  const std::filesystem::path copy = folder / L"\u4e00" / L"VeltranoFrameWorkDLL.dll";
+  std::filesystem::copy_file(dllFile(), copy);
+  return copy;
 }
 
 TEST(Registered, LeavesNothingBehindAndMovesWithItsFolder) {
   const ComApartment apartment;
-  const Folder folder(L"a folder with blanks \u00e9\u4e00");
+  const TemporaryFolder folder;
   const Dll here;
-  const Dll there(copyDll(folder));
+  const std::filesystem::path copy = copyDll(folder);
+  const Dll there(copy);
   ASSERT_TRUE(there.loaded());
   here.call("DllUnregisterServer");
   const Snapshot before = registrySnapshot();
@@ -110,7 +112,7 @@ TEST(Registered, LeavesNothingBehindAndMovesWithItsFolder) {
   const std::wstring key = L"CLSID\\{5F1B6A11-2817-4F83-ACD0-8E3236C2F6A2}\\InprocServer32";
   ASSERT_EQ(ERROR_SUCCESS, RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr,
                                         registered.data(), &size));
-  EXPECT_EQ((folder / L"VeltranoFrameWorkDLL.dll").wstring(), registered.c_str());
+  EXPECT_EQ(copy.wstring(), registered.c_str());
   for (const server::ClassEntry& entry : server::classTable()) {
     EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name));
     EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name + L".1"));
@@ -228,11 +230,9 @@ TEST(Registered, IsNotNeededWithTheManifest) {
   const ComApartment apartment;
   const Dll registered;
   registered.call("DllUnregisterServer");
-  const Folder folder(L"beside the program");
-  copyDll(folder);
-  const std::wstring manifest = L"VeltranoFrameWorkDLL.X.manifest";
-  std::filesystem::copy_file(dllFile().parent_path() / manifest, folder / manifest);
-  const std::wstring source = folder / manifest;
+  const TemporaryFolder folder;
+  const std::wstring source = copyDll(folder).replace_filename(L"VeltranoFrameWorkDLL.X.manifest");
+  std::filesystem::copy_file(dllFile().replace_filename(L"VeltranoFrameWorkDLL.X.manifest"), source);
   ACTCTXW description = {};
   description.cbSize = sizeof description;
   description.lpSource = source.c_str();

@@ -11,7 +11,7 @@ namespace veltrano::tests {
 namespace {
 
 /// The last line that a script prints under cscript. A script that fails prints none.
-std::string runScript(const std::string& script, const Folder& folder) {
+std::string runScript(const std::string& script, const TemporaryFolder& folder) {
   // Of this program's own bitness: Windows sends a 32-bit program to the 32-bit one.
   // Wine's drive Z is the root of the machine that the sources lie on.
   const std::filesystem::path file = std::filesystem::path(L"Z:" SCRIPTS_FOLDER) / script;
@@ -53,65 +53,67 @@ std::string withoutDate(std::string file) {
   return file;
 }
 
-/// The scripts' document, made by the portable class.
-std::string nativeDocument(const Folder& folder) {
-  VeltranoPDF pdf;
-  pdf.PDFPathConfiguration(dllFile().parent_path());
-  pdf.PDFInit();
-  pdf.PDFSetUnit(UNIT_MM);
-  pdf.PDFTitle("Quarterly report");
-  pdf.PDFAuthor("Jos\xE9");
-  pdf.PDFSetMargins(20, 25);
-  pdf.PDFFileName(folder / L"native.pdf");
-  pdf.PDFUseOutlines(true);
-  pdf.PDFBeginDoc();
-  pdf.PDFSetFont(FONT_ARIAL, 14, 12);
-  pdf.PDFTextOut("Quarterly report", 30, 40.5);
-  pdf.PDFTextOut(" (draft)");
-  pdf.PDFSetBookmark("First");
-  pdf.PDFSetTextColor(Value::List{255, 128, 0});
-  pdf.PDFSetBorder(BORDER_ALL);
-  pdf.PDFCell("cell", 30, 60, 50, 10, "http://localhost/");
-  pdf.PDFSetLineColor("#0000FF");
-  pdf.PDFDrawRectangle(30, 80, 40, 20);
-  pdf.PDFDrawEllipse(100, 80, 60);
-  pdf.PDFDrawPolygon({Value::List{10, 200}, Value::List{30, 220}, Value::List{50, 200}});
-  pdf.PDFEndPage();
-  pdf.PDFOrientation(ORIENT_PAYSAGE);
-  pdf.PDFFormatPage(Value::List{300.5, 400});
-  pdf.PDFNewPage();
-  pdf.PDFTextOut("second page", 20, 20);
-  pdf.PDFSetBookmark("Second", 0, 5);
-  pdf.PDFEndDoc();
-  return withoutDate(readFile(folder / L"native.pdf"));
+class Scripts : public testing::Test {
+ protected:
+  Scripts() {
+    pdf_.PDFPathConfiguration(dllFile().parent_path());
+    pdf_.PDFInit();
+    pdf_.PDFAuthor("Jos\xE9");
+    pdf_.PDFFileName(folder_ / "native.pdf");
+  }
+  /// The script's document is the one that the portable class has made.
+  void expectSameDocument() const {
+    const std::string native = withoutDate(readFile(folder_ / "native.pdf"));
+    EXPECT_LT(1000U, native.size());
+    EXPECT_EQ(native, withoutDate(readFile(folder_ / "script.pdf")));
+  }
+
+  TemporaryFolder folder_;
+  VeltranoPDF pdf_;
+};
+
+TEST_F(Scripts, VBScriptMakesTheDocumentOfTheLibrary) {
+  pdf_.PDFSetUnit(UNIT_MM);
+  pdf_.PDFTitle("Quarterly report");
+  pdf_.PDFSetMargins(20, 25);
+  pdf_.PDFUseOutlines(true);
+  pdf_.PDFBeginDoc();
+  pdf_.PDFSetFont(FONT_ARIAL, 14, 12);
+  pdf_.PDFTextOut("Quarterly report", 30, 40.5);
+  pdf_.PDFTextOut(" (draft)");
+  pdf_.PDFSetBookmark("First");
+  pdf_.PDFSetTextColor(Value::List{255, 128, 0});
+  pdf_.PDFSetBorder(BORDER_ALL);
+  pdf_.PDFCell("cell", 30, 60, 50, 10, "http://localhost/");
+  pdf_.PDFSetLineColor("#0000FF");
+  pdf_.PDFDrawRectangle(30, 80, 40, 20);
+  pdf_.PDFDrawEllipse(100, 80, 60);
+  pdf_.PDFDrawPolygon({Value::List{10, 200}, Value::List{30, 220}, Value::List{50, 200}});
+  pdf_.PDFEndPage();
+  pdf_.PDFOrientation(ORIENT_PAYSAGE);
+  pdf_.PDFFormatPage(Value::List{300.5, 400});
+  pdf_.PDFNewPage();
+  pdf_.PDFTextOut("second page", 20, 20);
+  pdf_.PDFSetBookmark("Second", 0, 5);
+  pdf_.PDFEndDoc();
+  EXPECT_EQ("made 2 pages, margin 20, x is Integer", runScript("document.vbs", folder_));
+  expectSameDocument();
 }
 
-TEST(Scripts, VBScriptMakesTheDocumentOfTheLibrary) {
-  const Folder folder(L"with a blank");
-  EXPECT_EQ("made 2 pages, margin 20, x is Integer", runScript("document.vbs", folder));
-  const std::string native = nativeDocument(folder);
-  EXPECT_LT(3000U, native.size());
-  EXPECT_EQ(native, withoutDate(readFile(folder / L"script.pdf")));
+TEST_F(Scripts, JScriptPassesListsAndReadsFunctions) {
+  pdf_.PDFBeginDoc();
+  pdf_.PDFFormatPage(Value::List{300.5, 400});
+  pdf_.PDFSetTextColor(Value::List{255, 128, 0});
+  pdf_.PDFTextOut("text", 3, 4.5);
+  pdf_.PDFDrawPolygon({Value::List{1, 2}, Value::List{3, 4}, Value::List{5, "6"}});
+  pdf_.PDFEndDoc();
+  EXPECT_EQ("end of file: false, number", runScript("arrays.js", folder_));
+  expectSameDocument();
 }
 
-TEST(Scripts, JScriptMakesTheDocumentOfTheLibrary) {
-  const Folder folder(L"with a blank");
-  EXPECT_EQ("made 2 pages, margin 20, x is number", runScript("document.js", folder));
-  EXPECT_EQ(nativeDocument(folder), withoutDate(readFile(folder / L"script.pdf")));
-}
-
-// A list has one element more than names, an empty folder gives no list at all, what is missing a list of
-// none.
-TEST(Scripts, TellListsFromEmptyValues) {
-  const Folder folder(L"with a blank");
-  EXPECT_EQ("new array -1; folders array 1 last []; keys array 1 last []; missing array -1; emptied empty",
-            runScript("lists.vbs", folder));
-}
-
-TEST(Scripts, StoreTheirDatesAndTextsAsTheyAre) {
+TEST_F(Scripts, StoreTheirDatesAndTextsAsTheyAre) {
   using access::ColumnType;
-  const Folder folder(L"with a blank");
-  const std::filesystem::path file = folder / L"kinds.mdb";
+  const std::filesystem::path file = folder_ / "kinds.mdb";
   std::string reason;
   ASSERT_TRUE(access::createDatabase(file, {}, reason) &&
               access::createTable(file,
@@ -121,16 +123,16 @@ TEST(Scripts, StoreTheirDatesAndTextsAsTheyAre) {
                                                {.name = "Number", .type = ColumnType::single}}},
                                   reason))
       << reason;
-  EXPECT_EQ("true 2026-11-21 14:05:00 true 0.1 true", runScript("database.js", folder));
+  EXPECT_EQ("true 2026-11-21 14:05:00 true 0.1 true", runScript("database.js", folder_));
 }
 
-TEST(Scripts, UseEveryClass) {
-  const Folder folder(L"with a blank");
-  EXPECT_EQ("Width Height 2 -1 Value False 2,1,3", runScript("classes.vbs", folder));
-  EXPECT_NE(std::string::npos, readFile(folder / L"places.kml").find("0.125,51.5,10"));
+TEST_F(Scripts, UseEveryClass) {
+  EXPECT_EQ("new []; keys [Width,Height,]; missing []; emptied Empty; Value False 2,1,3",
+            runScript("classes.vbs", folder_));
+  EXPECT_NE(std::string::npos, readFile(folder_ / "places.kml").find("0.125,51.5,10"));
   EXPECT_NE(
       std::string::npos,
-      readFile(folder / L"settings.xml").find("<Display><Width>800</Width><Height>600</Height></Display>"));
+      readFile(folder_ / "settings.xml").find("<Display><Width>800</Width><Height>600</Height></Display>"));
 }
 
 }  // namespace

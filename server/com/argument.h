@@ -1,5 +1,5 @@
-#ifndef VELTRANO_SERVER_COM_COERCION_H
-#define VELTRANO_SERVER_COM_COERCION_H
+#ifndef VELTRANO_SERVER_COM_ARGUMENT_H
+#define VELTRANO_SERVER_COM_ARGUMENT_H
 
 // One argument of a late-bound call on its way to a typed parameter by reference, and back.
 
@@ -19,14 +19,13 @@ class Argument {
   Argument& operator=(Argument&&) = delete;
   ~Argument();
 
-  /// Takes the host's argument as the parameter wants it. A variable of the right type is referred to;
-  /// anything else is coerced into a copy. DISP_E_TYPEMISMATCH (or DISP_E_OVERFLOW) when there is no
-  /// coercion, DISP_E_PARAMNOTOPTIONAL for a required argument left out.
+  /// Takes the host's argument as the parameter's type. A variable of that type is referred to; anything else is
+  /// coerced into a copy. Fails with DISP_E_TYPEMISMATCH or DISP_E_OVERFLOW if it cannot be, DISP_E_PARAMNOTOPTIONAL
+  /// if a required argument was left out.
   HRESULT take(VARIANT& given, const Parameter& parameter, LCID locale);
   /// Stands in for an argument that was not passed.
   HRESULT takeDefault(const Parameter& parameter);
-  /// The arguments from `first` on, as an array of variants: `count` of them, in the reversed order of a
-  /// call.
+  /// All `count` arguments of a call as an array of variants; `last` is where the reversed list of the call starts.
   HRESULT takeList(VARIANT* last, UINT count);
   /// A place of the given type for the member's result.
   void makeResult(VARTYPE type);

@@ -1,4 +1,4 @@
-#include "server/com/coercion.h"
+#include "server/com/argument.h"
 
 #include <cmath>
 #include <cstring>
