@@ -30,7 +30,7 @@ std::int32_t FontMetrics::sum(std::string_view text) const {
       first += widths[codes & 0xFF] + widths[codes >> 8 & 0xFF];
       second += widths[codes >> 16 & 0xFF] + widths[codes >> 24 & 0xFF];
       first += widths[codes >> 32 & 0xFF] + widths[codes >> 40 & 0xFF];
-      second += widths[codes >> 48 & 0xFF] + widths[codes >> 56 & 0xFF];
+      second += widths[codes >> 48 & 0xFF] + widths[static_cast<std::size_t>(codes >> 56)];
     }
     for (const char c : text) {
       first += widths[static_cast<unsigned char>(c)];
