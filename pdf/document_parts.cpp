@@ -17,7 +17,7 @@ void DocumentParts::reset() {
   }
   loadFonts(std::filesystem::path(metricsFolder.path()));
 
-  assembly.reset();
+  composition.reset();
   content.clear();
   images.clear();
   links.clear();
@@ -65,30 +65,30 @@ double DocumentParts::stringWidth(std::string_view text, std::string_view fontNa
 void DocumentParts::beginDocument() {
   // The output so far stays: only PDFFileName and PDFInit empty it. A document given up takes its unfinished
   // page with it; what was drawn outside a document becomes part of the first page.
-  if (assembly.isOpen()) {
+  if (composition.isOpen()) {
     content.clear();
   }
   links.clear();
   images.clear();
-  assembly.begin(information);
+  composition.begin(information);
   beginPage();
 }
 
 void DocumentParts::beginPage() {
   font.metrics = metricsFolder.look(font.name);
-  assembly.beginPage(geometry.currentPage);
+  composition.beginPage(geometry.currentPage);
 }
 
 void DocumentParts::closePage() {
-  assembly.closePage(content.view(), geometry.pages);
+  composition.closePage(content.view(), geometry.pages);
   content.clear();
 }
 
 void DocumentParts::endDocument() {
   drawWatermark();
   closePage();
-  assembly.finish({fontTable.names(), images, links, bookmarks, viewer, geometry.scaleFactor});
-  if (const Status status = replaceFile(fileName, assembly.output()); !status) {
+  composition.finish({fontTable.names(), images, links, bookmarks, viewer, geometry.scaleFactor});
+  if (const Status status = replaceFile(fileName, composition.output()); !status) {
     traceSkipped("PDFEndDoc", status.reason());
   }
 }
@@ -140,7 +140,7 @@ void DocumentParts::drawWatermark() {
 }
 
 void DocumentParts::addLink(const LinkArea& area, std::string_view target) {
-  veltrano::addLink(links, {static_cast<int>(assembly.pages().size()), area, std::string(target)});
+  veltrano::addLink(links, {static_cast<int>(composition.pages().size()), area, std::string(target)});
 }
 
 void DocumentParts::linkText(double x, double y, std::string_view text, std::string_view target) {

@@ -10,16 +10,16 @@
 #include <string_view>
 #include <vector>
 
-#include "pdf/assembly/document_assembly.h"
+#include "pdf/assembly/composition.h"
 #include "pdf/assembly/outline.h"
 #include "pdf/document/content_stream.h"
 #include "pdf/document/page_geometry.h"
 #include "pdf/document/settings.h"
 #include "pdf/fonts/font.h"
-#include "pdf/fonts/font_table.h"
 #include "pdf/fonts/metrics_folder.h"
-#include "pdf/graphics/graphics_state.h"
-#include "pdf/images/images.h"
+#include "pdf/fonts/table.h"
+#include "pdf/graphics/state.h"
+#include "pdf/images/image.h"
 #include "pdf/text/links.h"
 
 namespace veltrano {
@@ -38,7 +38,7 @@ struct DocumentParts {
   std::vector<Image> images;  ///< placed in the current document; number n at n - 1
   std::vector<Link> links;    ///< of the current document
   Bookmarks bookmarks;        ///< of all documents
-  DocumentAssembly assembly;
+  Composition composition;
 
   /// What PDFInit resets.
   void reset();

@@ -19,7 +19,7 @@ struct VeltranoPDF::Impl : DocumentParts {};
 
 namespace {
 
-/// Reports a rejected argument. The handler may change the whole object: nothing may be held across this call.
+/// Reports a rejected argument. The handler may change the whole object: hold nothing across this call.
 void raise(const VeltranoPDF& pdf, std::string_view message) {
   // A copy, since the handler may put another one in its place while it runs.
   const auto handler = pdf.onError;
@@ -40,10 +40,10 @@ std::string_view linkTarget(const VeltranoPDF& pdf, const Value& link) {
 }
 
 bool isOpen(const DocumentParts& parts, std::string_view member) {
-  if (!parts.assembly.isOpen()) {
+  if (!parts.composition.isOpen()) {
     traceSkipped(member, "no document is open");
   }
-  return parts.assembly.isOpen();
+  return parts.composition.isOpen();
 }
 
 /// What a host sees of a count that may be wider than its property.
@@ -96,7 +96,7 @@ void VeltranoPDF::PDFTitle(std::string_view text) {
 }
 void VeltranoPDF::PDFFileName(const std::filesystem::path& file) {
   impl_->fileName = file;
-  impl_->assembly.clearOutput();
+  impl_->composition.clearOutput();
 }
 std::string VeltranoPDF::PDFGetFileName() const {
   return {};
@@ -241,15 +241,15 @@ void VeltranoPDF::PDFEndDoc() {
   }
 }
 std::int16_t VeltranoPDF::PDFPageNumber() const {
-  return hostCount(static_cast<std::size_t>(impl_->assembly.pageNumber()));
+  return hostCount(static_cast<std::size_t>(impl_->composition.pageNumber()));
 }
 std::int16_t VeltranoPDF::PDFNbPage() const {
-  return hostCount(impl_->assembly.pages().size());
+  return hostCount(impl_->composition.pages().size());
 }
 Value VeltranoPDF::PDFSetBookmark(std::string_view text, std::int32_t level, double y) {
   constexpr double omitted = -1;
   impl_->bookmarks.add({std::string(text), roundToInt16(level).value_or(0),
-                        y == omitted ? impl_->geometry.currentY : y, impl_->assembly.pageNumber()});
+                        y == omitted ? impl_->geometry.currentY : y, impl_->composition.pageNumber()});
   return {};
 }
 

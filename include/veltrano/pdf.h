@@ -12,10 +12,10 @@
 //   pdf.PDFNewPage();
 //   pdf.PDFEndDoc();
 //
-// Text is in the ANSI code page (veltrano/text.h), file names are paths. Positions and lengths are user units, from the
-// top left of the page downwards, unless points are named. Properties are functions of the name that hosts
-// see; a put takes the value, a get returns it. Where a member looks at the kind of a value before it
-// converts it, it takes a Value.
+// Text is in the ANSI code page (veltrano/text.h), file names are paths. Positions and lengths are user
+// units, from the top left of the page downwards, unless points are named. Properties are functions of the
+// name that hosts see; a put takes the value, a get returns it. Where a member checks the kind of a value
+// before it converts it, it takes a Value.
 //
 // Failure is reported through onError only. A rejected argument is replaced as the member says; any other
 // fault inside a member (an overflow, a number that is not finite) skips that step, and the steps after it
@@ -140,7 +140,7 @@ class VeltranoPDF {
   /// Also empties the output: without it a second document is appended to the first, kept because hosts rely
   /// on it. To be set before PDFBeginDoc.
   void PDFFileName(const std::filesystem::path& file);
-  /// Always empty: it reads a field that no member sets. Kept as hosts know it.
+  /// Always empty: it reads a field that no member sets. Kept because hosts rely on it.
   [[nodiscard]] std::string PDFGetFileName() const;
 
   /// Accepted and without effect: the file is replaced without asking and is not opened afterwards.
@@ -202,12 +202,11 @@ class VeltranoPDF {
 
   /// Starts a document and its first page. An open document is given up, its unfinished page with it.
   void PDFBeginDoc();
-  /// Closes the page and begins the next one. Does nothing when no document is open.
+  /// Closes the page and starts the next one. No-op if no document is open.
   void PDFNewPage();
   /// Moves the geometry on to the next page, which takes the size of the one before.
   void PDFEndPage();
-  /// Finishes the document and puts it in place of the file, whole or not at all. Does nothing when none is
-  /// open.
+  /// Finishes the document and replaces the file by it, whole or not at all. No-op if no document is open.
   void PDFEndDoc();
   /// Number of the page being written, and of the pages begun. Documents may have more pages than 16 bits
   /// count: from page 32767 on both stay at 32767.
@@ -225,7 +224,7 @@ class VeltranoPDF {
   /// metrics folder if it holds any.
   void PDFLoadAfm(const std::filesystem::path& folder);
   /// PDFFontNme, size in points, digits of PDFFontStl. "Invalid Fort " and "TimesRoman" for other fonts. The
-  /// font's metrics are those of its file now; it is looked at again when a page begins or a width is asked
+  /// font's metrics are those of its file now; it is checked again when a page starts or a width is asked
   /// for.
   void PDFSetFont(std::int32_t font, std::int16_t size, std::int32_t style = FONT_NORMAL);
   /// Width in points at `size` points: 0 when the size is left out. An empty name is the current font.
@@ -234,7 +233,7 @@ class VeltranoPDF {
 
   // Graphics state
 
-  /// A colour is a number (PDFColorValue), "#RRGGBB", or a list or bytes of red, green and blue from 0 to 255.
+  /// A colour is a number (PDFColorValue), "#RRGGBB", or a list or bytes of red, green and blue, 0 to 255.
   /// Other text is black and reported: "Invalid Text Color", "Invalid Line Color", "Invalide Draw
   /// Color".
   void PDFSetTextColor(const Value& color);
@@ -277,18 +276,18 @@ class VeltranoPDF {
 
   /// Writes one line of text with its baseline at y; 0 is the current position.
   void PDFTextOut(std::string_view text, double x = 0, double y = 0);
-  /// Writes text into a box of the current border, fill and alignment. Lines wider than the cell less two cell
-  /// margins are broken at blanks; words are never broken.
+  /// Writes text into a box of the current border, fill and alignment. Lines wider than the cell less two
+  /// cell margins are broken at blanks; words are never broken.
   void PDFCell(std::string_view text, double x, double y, double width, double height,
                const Value& link = std::string());
   /// Writes underlined text that leads to `link`, or to itself when that is empty.
   void PDFLink(double x, double y, std::string_view text, std::string_view link = {});
-  /// The font size times the points of a unit (not divided by them: kept as hosts know it).
+  /// The font size times the points of a unit (not divided by them: kept because hosts rely on it).
   [[nodiscard]] double PDFTextHeight() const;
   /// Degrees, counter-clockwise.
   void PDFSetRotation(double angle);
 
-  // Images. Names must end in "jpg" or "jpeg", exactly so; the path is looked at as it is given.
+  // Images. Names must end in "jpg" or "jpeg", exactly so; the path is checked as it is given.
 
   /// In pixels; 0 when the file is refused.
   [[nodiscard]] double PDFImageWidth(const std::filesystem::path& file);

@@ -17,7 +17,7 @@ namespace veltrano {
 
 class ObjectWriter {
  public:
-  /// Starts a file: numbers and positions anew, and the first line. What was written before stays in the text.
+  /// Starts a file: numbers and positions anew, and the first line. The text so far stays.
   void writeHeader();
   /// Cross-reference table, trailer and the end-of-file line.
   void writeTrailer(int catalogObject);

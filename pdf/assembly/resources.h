@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "pdf/assembly/object_writer.h"
-#include "pdf/images/images.h"
+#include "pdf/images/image.h"
 
 namespace veltrano {
 

@@ -39,8 +39,8 @@ class ContentStream {
 };
 
 /// Writes lines at the end of a stream. A number that is not finite fails the statement that writes it: its
-/// whole line is left out and the lines after it still come. The stream has a line once it is ended; until the
-/// writer goes away nothing else may write to the stream.
+/// whole line is left out and the lines after it still come. The stream has a line once it is ended; while
+/// the writer lives nothing else may write to the stream.
 class ContentWriter {
  public:
   explicit ContentWriter(ContentStream& stream) : stream_(stream), next_(stream.next_), end_(stream.end_) {}

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "pdf/fonts/font_metrics.h"
+#include "pdf/fonts/metrics.h"
 
 namespace veltrano {
 

@@ -28,7 +28,7 @@ std::optional<std::string> baseFontName(std::int32_t font, std::int32_t style) {
   if (italic && bold) {
     return name + (times ? "-BoldItalic" : "-BoldOblique");
   }
-  // Without a hyphen, as hosts know it; metrics of this name are shipped.
+  // Without a hyphen, kept because hosts rely on it; metrics of this name are shipped.
   if (italic) {
     return name + (times ? "Italic" : "-Oblique");
   }

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "pdf/fonts/font_metrics.h"
+#include "pdf/fonts/metrics.h"
 
 namespace veltrano {
 
@@ -21,8 +21,8 @@ struct Font {
   /// Resource number, see FontTable::numberOf.
   int number = 1;
   bool underlined = false;  ///< asked for, and used up by the next text
-  /// Never null. What is drawn uses these; their file is looked at when a font is set, the fonts are loaded, a
-  /// page begins or a width is asked for.
+  /// Never null. What is drawn uses these; their file is checked when a font is set, the fonts are loaded, a
+  /// page starts or a width is asked for.
   std::shared_ptr<const FontMetrics> metrics = FontMetrics::none();
 
   [[nodiscard]] double width(std::string_view text) const { return metrics->width(text, size); }

@@ -9,15 +9,6 @@
 
 namespace veltrano {
 
-namespace {
-
-/// The metrics of most files end within this length.
-constexpr std::size_t usualLength = std::size_t{12} << 10;
-/// A longer file is not a metrics file, and need not fill the memory.
-constexpr std::size_t greatestLength = std::size_t{1} << 20;
-
-}  // namespace
-
 void MetricsFolder::setPath(const std::filesystem::path& folder) {
   if (path_.native() != folder.native()) {
     entries_.clear();
@@ -50,22 +41,24 @@ MetricsFolder::Entry& MetricsFolder::entry(std::string_view fontName) {
 }
 
 std::shared_ptr<const FontMetrics> MetricsFolder::readEntry(Entry& font) {
-  for (const std::size_t limit : {usualLength, greatestLength}) {
-    auto start = readIdentified(font.file, limit);
-    if (!start) {
-      break;
-    }
+  // A longer file is not a metrics file, and need not fill the memory.
+  constexpr std::size_t greatestLength = std::size_t{1} << 20;
+  while (auto start = readIdentified(font.file, font.limit)) {
     // The identity is from before the reading: a change meanwhile is seen at the next look.
     const bool sameText = font.identity && font.text == start->text;
     font.identity = start->identity;
     if (sameText) {
       return font.metrics;
     }
-    if (auto metrics = parseAfm(start->text, start->text.size() < limit)) {
+    if (auto metrics = parseAfm(start->text, start->text.size() < font.limit)) {
       font.text = std::move(start->text);
       font.metrics = std::make_shared<const FontMetrics>(*metrics);
       return font.metrics;
     }
+    if (font.limit == greatestLength) {
+      break;
+    }
+    font.limit = greatestLength;
   }
   traceSkipped("metrics", "no metrics can be read", font.fontName);
   font.identity.reset();

@@ -4,6 +4,7 @@
 // The folder that the metrics files are read from. What was read is an immutable object that the caller holds
 // for as long as it draws with it.
 
+#include <cstddef>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -12,7 +13,7 @@
 #include <vector>
 
 #include "base/os/file_identity.h"
-#include "pdf/fonts/font_metrics.h"
+#include "pdf/fonts/metrics.h"
 
 namespace veltrano {
 
@@ -31,9 +32,13 @@ class MetricsFolder {
   std::shared_ptr<const FontMetrics> look(std::string_view fontName);
 
  private:
+  /// The metrics of most files end within this length.
+  static constexpr std::size_t usualLength = std::size_t{12} << 10;
+
   struct Entry {
     std::string fontName;
     std::filesystem::path file;
+    std::size_t limit = usualLength;
     std::optional<FileIdentity> identity;
     std::string text;
     std::shared_ptr<const FontMetrics> metrics;

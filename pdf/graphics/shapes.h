@@ -8,7 +8,7 @@
 
 #include "pdf/document/content_stream.h"
 #include "pdf/document/page_geometry.h"
-#include "pdf/graphics/graphics_state.h"
+#include "pdf/graphics/state.h"
 #include "veltrano/value.h"
 
 namespace veltrano {

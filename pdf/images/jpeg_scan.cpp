@@ -48,7 +48,7 @@ class SegmentWalk {
 
   /// False for a density unit that does not exist. The walk does not stop at the start of the compressed
   /// data: it goes on by the lengths it finds there, and a frame header met on the way overwrites the
-  /// previous one. Kept because hosts know the sizes that come out.
+  /// previous one. Kept because hosts rely on the sizes that come out.
   bool run() {
     std::size_t position = 3;
     while (position + 1 < bytes_.size()) {

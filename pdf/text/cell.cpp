@@ -57,8 +57,8 @@ class CellDrawing {
   }
 
   // The box is drawn for each line of text. The first line draws all of it. A later line, which has no border
-  // any more, fills a part that the first has filled already: below everything the line before it reaches down
-  // to, and well inside the edges, since the border there may be wider than the current line width.
+  // any more, fills a part that the first has filled already: below the descenders of the line before it, and
+  // well inside the edges, since the border there may be wider than the current line width.
   void drawBox(std::size_t index) {
     const bool border = style_.border.all && index == 0;
     if (!border && !style_.filled) {
@@ -70,7 +70,7 @@ class CellDrawing {
     if (index > 0 && !(height > 0)) {
       return;
     }
-    // The line ends in CR CR LF, as hosts know it.
+    // The line ends in CR CR LF, kept because hosts rely on it.
     out_.point(frame_.left + inset, frame_.top - above - height)
         .text(" ")
         .point(frame_.width - 2 * inset, height)
@@ -80,8 +80,8 @@ class CellDrawing {
         .end();
   }
 
-  // Whole points, and the cell margin counts as points here whatever the unit; twice at the left: hosts know
-  // the places that come out. An offset beyond 16 bits counts as 0.
+  // Whole points, and the cell margin counts as points here whatever the unit; twice at the left: hosts rely
+  // on the places that come out. An offset beyond 16 bits counts as 0.
   [[nodiscard]] double textOffset(double textWidth) const {
     std::optional<std::int16_t> offset;
     switch (style_.alignment) {

@@ -7,7 +7,7 @@
 
 #include "pdf/document/content_stream.h"
 #include "pdf/fonts/font.h"
-#include "pdf/graphics/graphics_state.h"
+#include "pdf/graphics/state.h"
 
 namespace veltrano {
 

@@ -22,7 +22,7 @@ struct LineEnd {
   std::size_t next;
 };
 
-/// A line ends at the last blank that still fits. A word wider than the line ends at the first blank after it.
+/// A line ends at the last blank that still fits, a word wider than the line at the first blank after it.
 LineEnd findLineEnd(std::string_view rest, const LineMeasure& measure) {
   std::size_t lineBreak = std::string_view::npos;
   bool tooWide = false;

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "pdf/fonts/font_metrics.h"
+#include "pdf/fonts/metrics.h"
 
 namespace veltrano {
 

@@ -11,9 +11,9 @@
 
 namespace veltrano {
 
-/// Draws a line of text whose baseline starts at `at` (points), between comments, turned by `rotation` degrees
-/// counter-clockwise about its start. `colorOp` may be empty: then no colour is written. Returns the text's
-/// width in points.
+/// Draws a line of text, between comments. Its baseline starts at `at` (points) and is turned about that by
+/// `rotation` degrees counter-clockwise. `colorOp` may be empty: then no colour is written. Returns the
+/// text's width in points.
 double drawText(ContentStream& content, std::string_view text, Point at, const Font& font,
                 std::string_view colorOp, double rotation);
 
@@ -28,7 +28,7 @@ struct TextDirection {
 };
 
 /// Font, literal string and "ET": what follows the position of a text. In the string each backslash becomes
-/// four, as hosts know it; parentheses get one.
+/// four, kept because hosts rely on it; parentheses get one.
 void writeTextOperators(ContentWriter& out, std::string_view text, const Font& font);
 
 /// The bar under a text of `width` that starts at `at`, all in points: centred on the font's own underline

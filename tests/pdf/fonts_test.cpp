@@ -254,7 +254,7 @@ TEST(Fonts, MetricsAreLookedAtWhenAFontIsSetOrLoadedAPageBeginsOrAWidthIsAskedFo
     write(2000);
     EXPECT_EQ(widthDrawn(), 8) << "what is drawn uses the metrics in hand";
     EXPECT_EQ(pdf.PDFGetStringWidth("A", "Courier", 10), 0);
-    EXPECT_EQ(widthDrawn(), 8) << "another font's width is no look at this one";
+    EXPECT_EQ(widthDrawn(), 8) << "asking for another font does not check this one";
     moment();
     EXPECT_EQ(widthDrawn(), 20);
   }

@@ -45,7 +45,7 @@ TEST(Hostile, ACoordinateThatIsNoneLeavesThePositionOfBefore) {
         pdf.PDFSetFont(FONT_COURIER, 10);
         pdf.PDFTextOut("Hello", 20, 30);  // 30 points wide
         call(pdf);
-        pdf.PDFTextOut("behind");
+        pdf.PDFTextOut("after");
       });
       EXPECT_TRUE(tests::holds(content, "BT\r\n50.00 801.89 Td\r\n"));
     }

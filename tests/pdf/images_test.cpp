@@ -160,7 +160,7 @@ TEST(JpegScanTest, WalksWhereverTheLengthsLead) {
   // A scan header of 8 bytes, then data whose first word happens to lead to what looks like another frame.
   const std::string scanned = bytes({0xFF, 0xDA, 0, 8, 1, 1, 0, 0, 63, 0, 0x12, 0x34, 0, 3, 0x55});
   EXPECT_EQ(scan(jpeg({wide, scanned, narrow})).header->width, 33);
-  // A frame behind fill bytes is stepped over, the one behind that is read.
+  // A frame after fill bytes is stepped over, the one after that is read.
   EXPECT_EQ(scan(jpeg({bytes({0xFF, 0xFF}), wide})).header->width, 0);
   EXPECT_EQ(scan(jpeg({bytes({0xFF}), wide, narrow})).header->width, 33);
   // The bits of an odd frame stay.

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "base/os/files.h"
-#include "veltrano/pdf.h"
 #include "tests/temporary_folder.h"
+#include "veltrano/pdf.h"
 
 namespace veltrano::tests {
 
@@ -60,7 +60,7 @@ inline std::string pageContent(std::string_view file, int page) {
   return text.substr(from, text.size() - from - std::string_view("endstream\r\n").size());
 }
 
-/// Number of the first object whose text holds `part`; 0 when there is none.
+/// Number of the first object whose text holds `part`; 0 if no object does.
 inline int objectWith(std::string_view file, std::string_view part) {
   for (int number = 1;; ++number) {
     const std::string text = objectText(file, number);

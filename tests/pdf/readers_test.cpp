@@ -22,7 +22,7 @@ bool installed(const char* program) {
   return std::system(command.c_str()) == 0;  // NOLINT(cert-env33-c)
 }
 
-/// What `command` prints; it is run on `file`, with `after` behind it.
+/// What `command` prints; it is run on `file`, followed by `after`.
 std::string outputOf(const std::string& command, const std::filesystem::path& file,
                      const std::string& after = "2>/dev/null") {
   const std::string whole = command + " '" + file.string() + "' " + after;

@@ -74,7 +74,7 @@ void drawLinks(VeltranoPDF& pdf, const std::filesystem::path& photo) {
   pdf.PDFSetDrawMode(DRAW_DRAW);
   pdf.PDFDrawEllipse(700, 100, 50, 0, "e");  // as high as wide
   const Value::List points{Value::List{10, 10}, Value::Doubles{20, 10}, Value::List{"15", 20.5}};
-  // What is no point is left out.
+  // What is not a point is left out.
   pdf.PDFDrawPolygon({Value::List{1}, 5, "x", Value::List{Null(), 1}, points[0], points[1], points[2]});
   pdf.PDFSetDrawMode(DRAW_NORMAL);
   pdf.PDFDrawPolygon({points});

@@ -1,4 +1,4 @@
-#include "pdf/fonts/font_table.h"
+#include "pdf/fonts/table.h"
 
 #include <algorithm>
 #include <system_error>
@@ -25,7 +25,7 @@ std::size_t FontTable::load(const std::filesystem::path& folder) {
     traceSkipped("PDFLoadAfm", "no such folder");
     return 0;
   }
-  // The whole path counts: in a folder "fonts.afm" every file is taken for a font, as hosts know it.
+  // The whole path counts: in a folder "fonts.afm" every file is a font. Kept because hosts rely on it.
   std::error_code ignored;
   const bool anyFile = namesMetrics(pathToAnsi(std::filesystem::absolute(folder, ignored)));
   std::size_t count = 0;

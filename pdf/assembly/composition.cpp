@@ -1,4 +1,4 @@
-#include "pdf/assembly/document_assembly.h"
+#include "pdf/assembly/composition.h"
 
 #include <cmath>
 #include <cstdint>
@@ -9,13 +9,13 @@
 
 namespace veltrano {
 
-void DocumentAssembly::reset() {
+void Composition::reset() {
   const int pageNumber = pageNumber_;
-  *this = DocumentAssembly();
+  *this = Composition();
   pageNumber_ = pageNumber;
 }
 
-void DocumentAssembly::begin(const DocumentInformation& information) {
+void Composition::begin(const DocumentInformation& information) {
   open_ = true;
   pages_.clear();
   pageNumber_ = 0;
@@ -23,12 +23,12 @@ void DocumentAssembly::begin(const DocumentInformation& information) {
   writeInformation(writer_, information);
 }
 
-void DocumentAssembly::beginPage(std::size_t geometryPage) {
+void Composition::beginPage(std::size_t geometryPage) {
   ++pageNumber_;
   pages_.push_back({writer_.nextNumber(), geometryPage, {}});
 }
 
-void DocumentAssembly::closePage(std::string_view content, const std::vector<PageFormat>& formats) {
+void Composition::closePage(std::string_view content, const std::vector<PageFormat>& formats) {
   PageRecord& page = pages_.back();
   page.format = formats[page.geometryPage - 1];
   if (!std::isfinite(page.format.width)) {
@@ -54,7 +54,7 @@ void DocumentAssembly::closePage(std::string_view content, const std::vector<Pag
   writer_.end();
 }
 
-void DocumentAssembly::finish(const DocumentContents& contents) {
+void Composition::finish(const DocumentContents& contents) {
   open_ = false;  // from here on the document is finished, whatever fails
   const std::vector<int> fontObjects = writeFonts(writer_, contents.fonts);
   const PageTree tree = writePageTree(writer_, pages_.size(), contents.images.size());

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_PDF_GRAPHICS_GRAPHICS_STATE_H
-#define VELTRANO_PDF_GRAPHICS_GRAPHICS_STATE_H
+#ifndef VELTRANO_PDF_GRAPHICS_STATE_H
+#define VELTRANO_PDF_GRAPHICS_STATE_H
 
 // What shapes, texts and cells copy into the content stream when they are drawn: colours, line, fill,
 // alignment, border.

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_PDF_FONTS_FONT_METRICS_H
-#define VELTRANO_PDF_FONTS_FONT_METRICS_H
+#ifndef VELTRANO_PDF_FONTS_METRICS_H
+#define VELTRANO_PDF_FONTS_METRICS_H
 
 // What texts are measured and underlined by.
 

@@ -1,6 +1,7 @@
-#include "pdf/fonts/font_metrics.h"
+#include "pdf/fonts/metrics.h"
 
 #include <cstddef>
+#include <cstring>
 #include <limits>
 
 namespace veltrano {
@@ -20,19 +21,21 @@ std::shared_ptr<const FontMetrics> FontMetrics::none() {
 
 std::int32_t FontMetrics::sum(std::string_view text) const {
   if (ordinary && text.size() <= longestUnchecked) {
-    // Four at a time, since every text of a page is measured and most of its time is spent here.
-    std::array<std::int32_t, 4> parts{};
-    const auto* const codes = reinterpret_cast<const unsigned char*>(text.data());
-    std::size_t i = 0;
-    for (; i + 4 <= text.size(); i += 4) {
-      for (std::size_t part = 0; part < 4; ++part) {
-        parts[part] += widths[codes[i + part]];
-      }
+    // Every text of a page is measured. Loading eight codes at once takes half the time of one by one.
+    std::int32_t first = 0;
+    std::int32_t second = 0;
+    for (; text.size() >= sizeof(std::uint64_t); text.remove_prefix(sizeof(std::uint64_t))) {
+      std::uint64_t codes = 0;
+      std::memcpy(&codes, text.data(), sizeof codes);
+      first += widths[codes & 0xFF] + widths[codes >> 8 & 0xFF];
+      second += widths[codes >> 16 & 0xFF] + widths[codes >> 24 & 0xFF];
+      first += widths[codes >> 32 & 0xFF] + widths[codes >> 40 & 0xFF];
+      second += widths[codes >> 48 & 0xFF] + widths[static_cast<std::size_t>(codes >> 56)];
     }
-    for (; i < text.size(); ++i) {
-      parts[0] += widths[codes[i]];
+    for (const char c : text) {
+      first += widths[static_cast<unsigned char>(c)];
     }
-    return parts[0] + parts[1] + parts[2] + parts[3];
+    return first + second;
   }
   constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
   constexpr std::int64_t least = std::numeric_limits<std::int32_t>::min();

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_PDF_IMAGES_IMAGES_H
-#define VELTRANO_PDF_IMAGES_IMAGES_H
+#ifndef VELTRANO_PDF_IMAGES_IMAGE_H
+#define VELTRANO_PDF_IMAGES_IMAGE_H
 
 // JPEG images: reading what embedding needs, and placing them on a page.
 

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_PDF_ASSEMBLY_DOCUMENT_ASSEMBLY_H
-#define VELTRANO_PDF_ASSEMBLY_DOCUMENT_ASSEMBLY_H
+#ifndef VELTRANO_PDF_ASSEMBLY_COMPOSITION_H
+#define VELTRANO_PDF_ASSEMBLY_COMPOSITION_H
 
 // The file while it is put together.
 //
@@ -14,7 +14,7 @@
 #include "pdf/assembly/outline.h"
 #include "pdf/assembly/page_tree.h"
 #include "pdf/document/settings.h"
-#include "pdf/images/images.h"
+#include "pdf/images/image.h"
 #include "pdf/text/links.h"
 
 namespace veltrano {
@@ -29,7 +29,7 @@ struct DocumentContents {
   double scaleFactor;  ///< of the bookmarks
 };
 
-class DocumentAssembly {
+class Composition {
  public:
   [[nodiscard]] bool isOpen() const { return open_; }
   /// Pages begun; kept by reset(), as hosts see it.
@@ -44,8 +44,8 @@ class DocumentAssembly {
   void begin(const DocumentInformation& information);
   /// Begins a page for which `geometryPage` is the entry of the per-page list.
   void beginPage(std::size_t geometryPage);
-  /// Writes the page's content stream, with the page sizes as they are now: a size set after the page was begun
-  /// reaches it.
+  /// Writes the page's content stream, with the page sizes as they are now: a size set after the page was
+  /// begun reaches it.
   void closePage(std::string_view content, const std::vector<PageFormat>& formats);
   /// Writes all that follows the pages' content streams.
   void finish(const DocumentContents& contents);

@@ -1,4 +1,4 @@
-#include "pdf/images/images.h"
+#include "pdf/images/image.h"
 
 #include <cstdint>
 #include <limits>

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_PDF_FONTS_FONT_TABLE_H
-#define VELTRANO_PDF_FONTS_FONT_TABLE_H
+#ifndef VELTRANO_PDF_FONTS_TABLE_H
+#define VELTRANO_PDF_FONTS_TABLE_H
 
 // The fonts that a document offers: base-font names, taken from the metrics files of a folder.
 
