@@ -25,6 +25,7 @@ namespace veltrano::access {
 
 namespace {
 
+constexpr std::size_t jet3TextOrderAt = 0x3A;
 constexpr std::size_t codePageAt = 0x3C;
 constexpr std::size_t pageKeyAt = 0x3E;
 constexpr std::size_t passwordAt = 0x42;
@@ -109,13 +110,14 @@ std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::st
   header.version = *version;
   header.codePage = load16(page.data() + codePageAt);
   header.pageKey = load32(page.data() + pageKeyAt);
-  header.textOrder = isJet3(*version) ? load16(page.data() + 0x3A) : load32(page.data() + textOrderAt);
+  header.textOrder =
+      isJet3(*version) ? load16(page.data() + jet3TextOrderAt) : load32(page.data() + textOrderAt);
   const bool ace = *version >= Version::ace12;
   if (ace && header.pageKey != 0) {
     reason = "the file is encrypted";
     return std::nullopt;
   }
-  // The password field of .accdb files means nothing: theirs encrypts the file.
+  // .accdb files do not use the password field: their password encrypts the file.
   const std::string wanted = ace ? std::string() : storedPassword(page.data(), *version, header.codePage);
   if (wanted != password) {
     reason = "not a valid password";

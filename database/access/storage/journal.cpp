@@ -66,10 +66,6 @@ void Journal::addChange(std::uint64_t offset, Bytes before, Bytes after) {
   changesHash_ = mixHash(changesHash_, hashBytes(Bytes(change, size)));
 }
 
-void Journal::addNewBytes(std::uint64_t offset, Bytes bytes) {
-  addChange(offset, {}, bytes);
-}
-
 bool Journal::flush() {
   if (!file_) {
     OpenFailure failure = {};

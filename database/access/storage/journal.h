@@ -37,9 +37,9 @@ class Journal {
   // over by the next one.
 
   void startRecord();
+  /// `before` may be empty for pages that the database did not have at the checkpoint.
   void addChange(std::uint64_t offset, Bytes before, Bytes after);
-  /// Bytes of a page that the database did not have at the checkpoint.
-  void addNewBytes(std::uint64_t offset, Bytes bytes);
+  void addNewBytes(std::uint64_t offset, Bytes bytes) { addChange(offset, {}, bytes); }
   /// `databaseLength`: after the transaction.
   bool writeRecord(std::uint64_t databaseLength);
 
