@@ -65,7 +65,8 @@ std::size_t DataPage::freeBytes() const {
 
 std::optional<std::uint8_t> DataPage::slotForInsert() const {
   for (std::uint32_t i = 0; i < slots_; ++i) {
-    if (isDeleted(i)) {
+    // One with bytes may be a pointer that another pointer leads to.
+    if (isDeleted(i) && start(i) == end(i)) {
       return static_cast<std::uint8_t>(i);
     }
   }
@@ -116,8 +117,8 @@ std::optional<std::uint8_t> DataPageEditor::insert(Bytes row, std::uint16_t flag
   return slot;
 }
 
-// Slides the rows after this one so that it has `length` bytes; those it keeps are its last ones. What is
-// laid bare is zeroed, since deleted data should not stay readable in the file.
+// Slides the rows after this one so that it has `length` bytes; it keeps its last ones. Bytes that become free
+// are zeroed: deleted data should not stay readable in the file.
 void DataPageEditor::resizeRow(std::uint32_t index, std::size_t length) {
   const DataPage page = view();
   const std::size_t last = page.start(page.slotCount() - 1);

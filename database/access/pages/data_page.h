@@ -2,7 +2,7 @@
 #define VELTRANO_DATABASE_ACCESS_PAGES_DATA_PAGE_H
 
 // The rows of one data page. data_page.cpp shows the bytes. Bytes from a file are never trusted: a slot that
-// points outside the page, or overlaps the slots, has no row.
+// points outside the page, or into the slots, has no row.
 
 #include <cstdint>
 #include <optional>
@@ -41,18 +41,19 @@ class DataPage {
     return load16(page_.data() + slotsAt_ + std::size_t{2} * index);
   }
   [[nodiscard]] bool isHidden(std::uint32_t index) const { return (slot(index) & slot_flag::hidden) != 0; }
-  /// True for a row that is gone; the target of a pointer is only hidden.
+  /// The target of a pointer is only hidden.
   [[nodiscard]] bool isDeleted(std::uint32_t index) const { return isHidden(index) && isPointer(index); }
-  /// True when all rows are gone.
+  /// True if all rows are deleted.
   [[nodiscard]] bool empty() const;
   [[nodiscard]] bool isPointer(std::uint32_t index) const { return (slot(index) & slot_flag::pointer) != 0; }
-  /// The row's bytes, whatever its flags are. Nothing when there is no such slot or it is damaged.
+  /// The row's bytes, whatever its flags are. Empty if there is no such slot or it is damaged.
   [[nodiscard]] std::optional<Bytes> row(std::uint32_t index) const;
   /// Bytes that a new row, its slot included, may take.
   [[nodiscard]] std::size_t freeBytes() const;
-  /// The slot that the next new row gets: that of a deleted row if there is one. Empty if all are in use.
+  /// The slot that the next new row gets: that of a deleted row if there is one. Empty if
+  /// all are in use.
   [[nodiscard]] std::optional<std::uint8_t> slotForInsert() const;
-  /// True when the slots and rows are as they should be, so that the page may be changed.
+  /// True if slots and rows are in order, so that the page may be changed.
   [[nodiscard]] bool sound() const;
 
  private:
@@ -78,7 +79,7 @@ class DataPageEditor {
   void create(std::uint32_t owner);
   /// Adds a row; the number of its slot. Only if it fits (its length and 2 for the slot), and a slot is left.
   [[nodiscard]] std::optional<std::uint8_t> insert(Bytes row, std::uint16_t flags);
-  /// Gives the row of a slot other bytes and flags. False when they do not fit.
+  /// Gives the row of a slot other bytes and flags. False if they do not fit.
   bool replace(std::uint8_t index, Bytes row, std::uint16_t flags);
   /// Deletes the row: its slot stays, with no bytes.
   void remove(std::uint8_t index);

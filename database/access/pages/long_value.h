@@ -12,11 +12,10 @@
 
 namespace veltrano::access {
 
-/// The bytes of the value that a row's cell stands for: a part of `cell`, or `buffer`. Nothing when it is
-/// damaged.
+/// The bytes of the value that a row's cell stands for: a part of `cell`, or `buffer`. Empty if it is damaged.
 std::optional<Bytes> readLongValue(Pager& pager, Bytes cell, std::vector<std::uint8_t>& buffer);
 
-/// Bytes of a cell whose value lies elsewhere; a value that lies in the row follows as many.
+/// Bytes of a cell whose value lies elsewhere; a value in the row comes after as many.
 inline constexpr std::size_t longValueHead = 12;
 /// Values up to this length may lie in the row.
 inline constexpr std::size_t mostInlineBytes = 64;
@@ -26,7 +25,7 @@ void makeInlineCell(Bytes value, std::vector<std::uint8_t>& cell);
 /// Stores a value in the column's pages and makes the cell that points to it. In a transaction; false: roll
 /// it back.
 bool storeLongValue(Pager& pager, const Column& column, Bytes value, std::vector<std::uint8_t>& cell);
-/// Gives the pages of a value back, in a transaction. What is damaged is left alone.
+/// Deletes a value, in a transaction. Stops where the value is damaged, without an error.
 bool releaseLongValue(Pager& pager, const Column& column, Bytes cell);
 
 }  // namespace veltrano::access

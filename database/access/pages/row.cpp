@@ -5,18 +5,23 @@
 
 namespace veltrano::access {
 
-// Jet 4:
-//   u16 column count | fixed columns | variable columns | u16 end of them | u16 offsets, the last column's
-//   first | u16 number of variable columns | null mask
-// Without variable columns in the table's definition the mask follows the fixed columns.
+// In the order of the bytes:
 //
-// Jet 3:
-//   u8 column count | fixed columns | variable columns | u8 end of them | u8 offsets, the last column's first
-//   | u8 jump table, backwards | u8 number of variable columns | null mask
-// An offset is its byte plus 256 times the number of jump entries that are <= its index.
+//   Jet 4   Jet 3
+//   u16     u8     column count
+//                  fixed columns
+//                  variable columns
+//   u16     u8     end of the variable columns
+//   u16*n   u8*n   their offsets, the last column's first
+//           u8*m   jump table, backwards
+//   u16     u8     n, the number of variable columns
+//                  null mask
+//
+// Without variable columns in the table's definition the mask follows the fixed columns. In Jet 3
+// an offset is its byte plus 256 times the number of jump entries that are <= its index.
 //
 // Offsets count from the row's start. The mask has bit c for column number c, 1 for "not null". So all is
-// found from the row's end. A column with a number behind the row's count was added later and is null.
+// found from the row's end. A column whose number is not below the row's count was added later and is null.
 
 namespace {
 

@@ -20,9 +20,9 @@ class RowView {
   /// `variableColumns`: whether the table's definition has any.
   RowView(Bytes row, Version version, bool variableColumns);
 
-  /// False when the bytes cannot be a row.
+  /// False if the bytes cannot be a row.
   [[nodiscard]] bool valid() const { return valid_; }
-  /// The value's bytes; nothing for a null. A boolean has one byte, 0 or 1, and is never null.
+  /// The value's bytes; empty for a null. A boolean has one byte, 0 or 1, and is never null.
   [[nodiscard]] std::optional<Bytes> cell(const Column& column) const;
 
  private:
@@ -36,7 +36,7 @@ class RowView {
   std::uint16_t variable_ = 0;  // variable columns in this row
   std::size_t mask_ = 0;        // offset of the null mask
   std::size_t offsets_ = 0;     // offset of variable offset 0; the others lie before it
-  std::size_t jumps_ = 0;       // Jet 3: entries of the jump table, which lies behind the offsets
+  std::size_t jumps_ = 0;       // Jet 3: entries of the jump table, which comes after the offsets
 };
 
 /// A value on its way into a row.

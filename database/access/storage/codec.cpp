@@ -5,7 +5,7 @@
 
 namespace veltrano::access {
 
-// Both masks are key streams of RC4, each begun afresh:
+// Both masks are key streams of RC4, each with a stream of its own:
 //
 //   what           from    length                 key, 4 bytes
 //   header         0x18    126 (Jet 3), 128       C7 DA 39 6B; stream begins B5 6F 03 62 61 08 C2 55

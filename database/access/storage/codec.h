@@ -14,7 +14,7 @@ namespace veltrano::access {
 /// Takes the fixed mask off the header page, or puts it on: the same operation. `header` is the whole page.
 void maskHeader(MutableBytes header, Version version);
 
-/// The encoding of whole pages under a key. Key 0 means none.
+/// The encoding of whole pages under a key. Key 0 leaves them as they are.
 class PageCodec {
  public:
   explicit PageCodec(std::uint32_t key = 0) : key_(key) {}

@@ -25,6 +25,7 @@ namespace veltrano::access {
 
 namespace {
 
+constexpr std::size_t jet3TextOrderAt = 0x3A;
 constexpr std::size_t codePageAt = 0x3C;
 constexpr std::size_t pageKeyAt = 0x3E;
 constexpr std::size_t passwordAt = 0x42;
@@ -112,7 +113,8 @@ std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::st
     header.codePage = codePage;
   }
   header.pageKey = load32(page.data() + pageKeyAt);
-  header.textOrder = isJet3(*version) ? load16(page.data() + 0x3A) : load32(page.data() + textOrderAt);
+  header.textOrder =
+      isJet3(*version) ? load16(page.data() + jet3TextOrderAt) : load32(page.data() + textOrderAt);
   if (isJet3(*version) && !isKnownCodePage(header.codePage)) {
     reason = "the file's texts are in a code page that the system cannot convert";
     return std::nullopt;
@@ -122,7 +124,7 @@ std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::st
     reason = "the file is encrypted";
     return std::nullopt;
   }
-  // The password field of .accdb files means nothing: theirs encrypts the file.
+  // .accdb files do not use the password field: their password encrypts the file.
   const std::string wanted = ace ? std::string() : storedPassword(page.data(), *version, header.codePage);
   if (wanted != password) {
     reason = "not a valid password";

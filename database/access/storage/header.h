@@ -23,8 +23,8 @@ struct Header {
 /// The most bytes of the file that readHeader wants.
 inline constexpr std::size_t headerSize = 4096;
 
-/// Reads the first bytes of a file and checks the password (UTF-8, empty for none). Nothing, with a reason,
-/// when this is no file that the engine can read, or the password is wrong.
+/// Reads the first bytes of a file and checks the password (UTF-8, empty for none). Empty, with a reason, if
+/// the engine cannot read such files, or the password is wrong.
 std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::string& reason);
 
 }  // namespace veltrano::access

@@ -35,15 +35,6 @@ void Journal::startAt(std::uint64_t databaseLength) {
   lastHash_ = head_.hash();
 }
 
-bool Journal::canBeMade() {
-  OpenFailure failure = {};
-  if (!files_->open(path_, OpenMode::create, failure)) {
-    return false;
-  }
-  files_->remove(path_);
-  return true;
-}
-
 void Journal::startRecord() {
   // The first record is written together with the head.
   pending_.assign((empty() ? JournalHead::size : 0) + RecordHead::size, 0);
@@ -73,10 +64,6 @@ void Journal::addChange(std::uint64_t offset, Bytes before, Bytes after) {
   std::copy(before.begin(), before.end(), change + Change::headSize);
   std::copy(after.begin(), after.end(), change + Change::headSize + before.size());
   changesHash_ = mixHash(changesHash_, hashBytes(Bytes(change, size)));
-}
-
-void Journal::addNewBytes(std::uint64_t offset, Bytes bytes) {
-  addChange(offset, {}, bytes);
 }
 
 bool Journal::flush() {

@@ -32,17 +32,14 @@ class Journal {
   [[nodiscard]] bool empty() const { return end_ == 0; }
   [[nodiscard]] std::uint64_t size() const { return end_; }
 
-  /// Whether the journal's file can be made, without which nothing can be written.
-  bool canBeMade();
-
   // A transaction: startRecord, its changes, writeRecord. Long records go to the file in pieces, with the head
   // last, so that they count only when they are whole. A record that failed, or was never finished, is written
   // over by the next one.
 
   void startRecord();
+  /// `before` may be empty for pages that the database did not have at the checkpoint.
   void addChange(std::uint64_t offset, Bytes before, Bytes after);
-  /// Bytes of a page that the database did not have at the checkpoint.
-  void addNewBytes(std::uint64_t offset, Bytes bytes);
+  void addNewBytes(std::uint64_t offset, Bytes bytes) { addChange(offset, {}, bytes); }
   /// `databaseLength`: after the transaction.
   bool writeRecord(std::uint64_t databaseLength);
 

@@ -1,21 +1,16 @@
 #include "database/access/storage/pager.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <vector>
 
-#include "database/access/storage/codec.h"
-#include "database/access/storage/header.h"
 #include "database/access/storage/journal.h"
-#include "database/access/storage/recovery.h"
+#include "database/access/storage/page_differences.h"
+#include "database/access/storage/page_file.h"
 
 namespace veltrano::access {
 
 namespace {
-
-// Two stretches of differing bytes that lie closer than this become one change of the journal.
-constexpr std::size_t changeGap = 16;
 
 // A checkpoint follows when the journal has become longer than this.
 constexpr std::uint64_t longJournal = std::uint64_t{32} << 20;
@@ -25,63 +20,35 @@ constexpr std::uint64_t announceStep = std::uint64_t{16} << 20;
 
 constexpr std::uint32_t fewestCachePages = 16;
 
-// Calls action(begin, end) for every stretch where the two differ.
-template <typename Action>
-void forEachDifference(Bytes before, Bytes after, Action action) {
-  constexpr std::size_t word = 8;
-  std::size_t begin = 0;
-  std::size_t end = 0;  // of the current stretch; none if equal to begin
-  for (std::size_t i = 0; i < before.size(); i += word) {
-    if (std::memcmp(before.data() + i, after.data() + i, word) == 0) {
-      continue;
-    }
-    if (end != begin && i - end > changeGap) {
-      action(begin, end);
-      begin = end = i;
-    }
-    if (end == begin) {
-      begin = i;
-    }
-    end = i + word;
-  }
-  if (end != begin) {
-    action(begin, end);
-  }
-}
-
 }  // namespace
 
 struct Pager::State {
-  State(std::unique_ptr<RandomAccessFile> opened, const Header& itsHeader, Journal itsJournal,
-        std::uint32_t cachePages)
+  State(PageFile opened, FileSystem& files, std::uint32_t cachePages)
       : file(std::move(opened)),
-        journal(std::move(itsJournal)),
-        header(itsHeader),
-        codec(itsHeader.pageKey),
-        pageSize(pageSizeOf(itsHeader.version)),
-        cache(pageSize, cachePages) {}
+        journal(files, file.path(), file.identity()),
+        cache(file.pageSize(), cachePages),
+        pages(static_cast<PageNumber>((file.length() + file.pageSize() - 1) / file.pageSize())),
+        committedPages(pages),
+        keptPages(pages) {
+    journal.startAt(file.length());
+  }
 
-  std::unique_ptr<RandomAccessFile> file;
+  PageFile file;
   Journal journal;
-  Header header;
-  PageCodec codec;
-  std::uint32_t pageSize;
   PageCache cache;
 
-  PageNumber pages = 0;           // those of the transaction included
-  PageNumber committedPages = 0;  // without those
-  PageNumber keptPages = 0;       // below this a page is written by a checkpoint only (P1, P3)
-  std::uint64_t fileLength = 0;   // as far as this process has found or made it
+  PageNumber pages;               // those of the transaction included
+  PageNumber committedPages;      // without those
+  PageNumber keptPages;           // below this a page is written by a checkpoint only (P1, P3)
   std::size_t unwrittenKept = 0;  // frames that have to wait for a checkpoint; at least as many as there are
 
-  bool readOnly = false;
   bool broken = false;  // a rollback failed: what the cache has is not what was committed
   bool transaction = false;
   bool wroteEarly = false;  // the transaction has pages of its own in the file
   std::vector<Frame*> changed;
   std::vector<std::unique_ptr<std::uint8_t[]>> spareBuffers;
-  std::vector<std::uint8_t> codedBefore;
-  std::vector<std::uint8_t> codedAfter;
+  std::vector<std::uint8_t> encodedBefore;
+  std::vector<std::uint8_t> encodedAfter;
   SpaceHints hints;
   std::string error;
 
@@ -89,10 +56,11 @@ struct Pager::State {
     error = reason;
     return false;
   }
-  [[nodiscard]] std::uint64_t offsetOf(PageNumber page) const { return std::uint64_t{page} * pageSize; }
 
   Frame* load(PageNumber page);
-  bool readInto(Frame& frame, PageNumber page);
+  bool readInto(Frame& frame, PageNumber page) {
+    return file.read(page, frame.all()) || fail("the file cannot be read");
+  }
   bool mayGiveUp(Frame& frame);
   Frame* takeFrame() {
     return cache.take([this](Frame& frame) { return mayGiveUp(frame); });
@@ -100,7 +68,6 @@ struct Pager::State {
   void startChange(Frame& frame);
   void unlist(Frame& frame);
   std::unique_ptr<std::uint8_t[]> buffer();
-  Bytes coded(PageNumber page, Bytes bytes, std::vector<std::uint8_t>& space) const;
 
   bool writePage(Frame& frame);
   bool writeEarly(Frame& frame);
@@ -112,17 +79,6 @@ struct Pager::State {
 };
 
 // --- The cache
-
-bool Pager::State::readInto(Frame& frame, PageNumber page) {
-  const auto got = file->readAt(offsetOf(page), frame.all());
-  if (!got) {
-    return fail("the file cannot be read");
-  }
-  // The last page of a file that was cut off.
-  std::fill(frame.bytes.get() + *got, frame.bytes.get() + pageSize, std::uint8_t{0});
-  codec.apply(page, frame.all());
-  return true;
-}
 
 Frame* Pager::State::load(PageNumber page) {
   Frame* frame = cache.find(page);
@@ -157,7 +113,7 @@ bool Pager::State::mayGiveUp(Frame& frame) {
 
 std::unique_ptr<std::uint8_t[]> Pager::State::buffer() {
   if (spareBuffers.empty()) {
-    return std::make_unique_for_overwrite<std::uint8_t[]>(pageSize);
+    return std::make_unique_for_overwrite<std::uint8_t[]>(file.pageSize());
   }
   auto last = std::move(spareBuffers.back());
   spareBuffers.pop_back();
@@ -166,28 +122,17 @@ std::unique_ptr<std::uint8_t[]> Pager::State::buffer() {
 
 // --- Writing
 
-// The page as it lies in the file.
-Bytes Pager::State::coded(PageNumber page, Bytes bytes, std::vector<std::uint8_t>& space) const {
-  if (!codec.encodes()) {
-    return bytes;
-  }
-  space.assign(bytes.begin(), bytes.end());
-  codec.apply(page, space);
-  return space;
-}
-
 bool Pager::State::writePage(Frame& frame) {
-  const std::uint64_t offset = offsetOf(frame.number);
-  if (!file->writeAt(offset, coded(frame.number, frame.all(), codedAfter))) {
+  if (!file.write(frame.number, frame.all())) {
     return fail("the file cannot be written");
   }
-  fileLength = std::max(fileLength, offset + pageSize);
   frame.unwritten = false;
   return true;
 }
 
 bool Pager::State::writeEarly(Frame& frame) {
-  const std::uint64_t end = offsetOf(frame.number + 1);
+  // P2
+  const std::uint64_t end = file.offsetOf(frame.number + 1);
   if (end > journal.announced() && !journal.announce(end + announceStep)) {
     return fail("the journal cannot be written");
   }
@@ -216,26 +161,24 @@ void Pager::State::unlist(Frame& frame) {
   changed.pop_back();
 }
 
+// Adds what the transaction has changed of a page to the journal's record.
 bool Pager::State::journalFrame(Frame& frame) {
-  const std::uint64_t offset = offsetOf(frame.number);
-  const Bytes after = coded(frame.number, frame.all(), codedAfter);
-  bool differs = frame.number >= committedPages;
-  if (differs) {
+  const std::uint64_t offset = file.offsetOf(frame.number);
+  const Bytes after = file.encoded(frame.number, frame.all(), encodedAfter);
+  bool differs = false;
+  if (frame.number >= committedPages) {
     journal.addNewBytes(offset, after);
+    differs = true;
   } else {
-    codedBefore.resize(pageSize);
-    if (!frame.before && file->readAt(offset, codedBefore) != pageSize) {
+    const Bytes before = frame.before ? file.encoded(frame.number, frame.old(), encodedBefore)
+                                      : file.readEncoded(frame.number, encodedBefore);
+    if (before.empty()) {
       return fail("the file cannot be read");
     }
-    const Bytes before = frame.before ? coded(frame.number, frame.old(), codedBefore) : Bytes(codedBefore);
     forEachDifference(before, after, [&](std::size_t begin, std::size_t end) {
-      const Bytes now = after.subspan(begin, end - begin);
+      const Bytes old = frame.number < keptPages ? before.subspan(begin, end - begin) : Bytes();
+      journal.addChange(offset + begin, old, after.subspan(begin, end - begin));
       differs = true;
-      if (frame.number < keptPages) {
-        journal.addChange(offset + begin, before.subspan(begin, end - begin), now);
-      } else {
-        journal.addNewBytes(offset + begin, now);
-      }
     });
   }
   if (differs && !frame.unwritten && frame.number < keptPages) {
@@ -247,7 +190,7 @@ bool Pager::State::journalFrame(Frame& frame) {
 
 bool Pager::State::journalTransaction() {
   // What went to the file early is in no record (P3).
-  if (wroteEarly && !file->sync()) {
+  if (wroteEarly && !file.sync()) {
     return fail("the disk does not confirm the writing");
   }
   journal.startRecord();
@@ -256,7 +199,7 @@ bool Pager::State::journalTransaction() {
       return false;
     }
   }
-  return journal.writeRecord(offsetOf(pages)) || fail("the journal cannot be written");
+  return journal.writeRecord(file.offsetOf(pages)) || fail("the journal cannot be written");
 }
 
 // In the order of the file.
@@ -278,9 +221,7 @@ bool Pager::State::writeUnwritten() {
       return false;
     }
   }
-  const std::uint64_t length = offsetOf(committedPages);
-  if ((fileLength == length || file->resize(length)) && file->sync()) {
-    fileLength = length;
+  if (file.setLength(file.offsetOf(committedPages)) && file.sync()) {
     return true;
   }
   for (Frame* frame : waiting) {
@@ -328,91 +269,17 @@ PageNumber PageView::number() const {
   return frame_->number;
 }
 
-// --- Opening
+// --- Opening and closing
 
-namespace {
-
-bool otherProgramUses(FileSystem& files, const std::filesystem::path& file) {
-  for (const char* extension : {".ldb", ".laccdb"}) {
-    std::filesystem::path lockFile = file;
-    if (files.lockFileInUse(lockFile.replace_extension(extension))) {
-      return true;
-    }
-  }
-  return false;
-}
-
-const char* reasonOf(OpenFailure failure) {
-  switch (failure) {
-    case OpenFailure::missing:
-      return "no such file";
-    case OpenFailure::inUse:
-      return "the file is in use";
-    default:
-      return "the file cannot be opened";
-  }
-}
-
-}  // namespace
-
-std::unique_ptr<Pager> Pager::open(const std::filesystem::path& given, const Options& options,
+std::unique_ptr<Pager> Pager::open(const std::filesystem::path& path, const Options& options,
                                    std::string& reason) {
   FileSystem& files = options.files != nullptr ? *options.files : systemFiles();
-  // The journal lies beside the file itself, whatever link leads there.
-  std::error_code error;
-  std::filesystem::path path = std::filesystem::canonical(given, error);
-  if (error) {
-    path = given;
-  }
-  bool readOnly = options.readOnly;
-  std::unique_ptr<RandomAccessFile> file;
-  OpenFailure failure = OpenFailure::notWritable;
-  if (!readOnly) {
-    file = files.open(path, OpenMode::write, failure);
-  }
-  if (!file && failure == OpenFailure::notWritable) {
-    readOnly = true;
-    file = files.open(path, OpenMode::read, failure);
-  }
+  auto file = PageFile::open(files, path, options.readOnly, options.password, reason);
   if (!file) {
-    reason = reasonOf(failure);
     return nullptr;
   }
-  if (otherProgramUses(files, path)) {
-    reason = "another program's lock file says that the file is in use";
-    return nullptr;
-  }
-  std::array<std::uint8_t, headerSize> first = {};
-  const auto got = file->readAt(0, first);
-  if (!got) {
-    reason = "the file cannot be read";
-    return nullptr;
-  }
-  const auto header = readHeader(Bytes(first).first(*got), options.password, reason);
-  if (!header) {
-    return nullptr;
-  }
-  const std::uint32_t pageSize = pageSizeOf(header->version);
-  const std::uint64_t identity = hashBytes(Bytes(first).first(pageSize));
-  if (!recoverDatabase(files, path, readOnly ? nullptr : file.get(), identity, pageSize)) {  // P5
-    reason = "an ended process left a journal beside the file, and it cannot be applied";
-    return nullptr;
-  }
-  const auto size = file->size();
-  if (!size || *size > maximumFileSize(header->version)) {
-    reason = "the file is larger than the format allows";
-    return nullptr;
-  }
-  auto state = std::make_unique<State>(std::move(file), *header, Journal(files, path, identity),
-                                       std::max(options.cachePages, fewestCachePages));
-  // P6. Jet 3 is read only: nobody can check what would be written.
-  state->readOnly = readOnly || *size % pageSize != 0 || isJet3(header->version) ||
-                    !state->journal.canBeMade();
-  state->pages = static_cast<PageNumber>((*size + pageSize - 1) / pageSize);
-  state->committedPages = state->keptPages = state->pages;
-  state->fileLength = *size;
-  state->journal.startAt(*size);
-  return std::unique_ptr<Pager>(new Pager(std::move(state)));
+  const std::uint32_t cachePages = std::max(options.cachePages, fewestCachePages);
+  return std::unique_ptr<Pager>(new Pager(std::make_unique<State>(std::move(*file), files, cachePages)));
 }
 
 Pager::Pager(std::unique_ptr<State> state) : state_(std::move(state)) {}
@@ -425,22 +292,22 @@ Pager::~Pager() {
 }
 
 Version Pager::version() const {
-  return state_->header.version;
+  return state_->file.header().version;
 }
 std::uint32_t Pager::pageSize() const {
-  return state_->pageSize;
+  return state_->file.pageSize();
 }
 PageNumber Pager::pageCount() const {
   return state_->pages;
 }
 bool Pager::readOnly() const {
-  return state_->readOnly;
+  return state_->file.readOnly();
 }
 std::uint16_t Pager::codePage() const {
-  return state_->header.codePage;
+  return state_->file.header().codePage;
 }
 std::uint32_t Pager::defaultTextOrder() const {
-  return state_->header.textOrder;
+  return state_->file.header().textOrder;
 }
 bool Pager::inTransaction() const {
   return state_->transaction;
@@ -463,7 +330,7 @@ PageView Pager::read(PageNumber page) {
 }
 
 bool Pager::begin() {
-  if (state_->readOnly) {
+  if (readOnly()) {
     return state_->fail("the file is open for reading only");
   }
   if (state_->broken || state_->transaction) {
@@ -484,7 +351,7 @@ MutableBytes Pager::edit(PageNumber page) {
 }
 
 PageNumber Pager::append() {
-  if (!state_->transaction || state_->offsetOf(state_->pages + 1) > maximumFileSize(version())) {
+  if (!state_->transaction || state_->file.offsetOf(state_->pages + 1) > maximumFileSize(version())) {
     state_->fail("the file has its full size");
     return noPage;
   }
@@ -555,7 +422,7 @@ bool Pager::checkpoint() {
   state.unwrittenKept = 0;
   state.cache.shrink([&state](Frame& frame) { return state.mayGiveUp(frame); });
   const bool cleared = state.journal.clear();
-  state.journal.startAt(state.offsetOf(state.committedPages));
+  state.journal.startAt(state.file.length());
   return cleared || state.fail("the disk does not confirm the writing");
 }
 

@@ -27,7 +27,7 @@
 //  P4  Before a checkpoint writes to the file, the journal is on the disk. It becomes void, durably, only when
 //      the file is on the disk.
 //  P5  A journal with a valid record is applied by the next open before anything else is read (recovery.h).
-//  P6  The file's length is a whole number of pages when it is opened, or it is read only.
+//  P6  A file is read only if its length is not a whole number of pages, or no journal can be made.
 //  P7  A frame of the cache that is pinned by a view, or changed, keeps its place in memory.
 //  P8  Page 0 is never written, except by the creation of a file.
 //
@@ -51,7 +51,7 @@
 
 namespace veltrano::access {
 
-/// A page held in memory as long as the view lives. Empty when the page could not be read. Bytes written by
+/// A page held in memory as long as the view lives. Empty if the page could not be read. Bytes written by
 /// the current transaction show in views made before.
 class PageView {
  public:
@@ -86,7 +86,7 @@ class Pager {
     std::string password = {};
     /// Pages kept in memory; more only while a transaction changes more pages of the last checkpoint.
     std::uint32_t cachePages = 4096;
-    /// Where the files are; the system's when null.
+    /// Where the files are; the system's if null.
     FileSystem* files = nullptr;
   };
 
@@ -108,13 +108,13 @@ class Pager {
   [[nodiscard]] bool readOnly() const;
   /// Code page of the texts of a Jet 3 file.
   [[nodiscard]] std::uint16_t codePage() const;
-  /// Language and version word of the text order for columns that name none.
+  /// Language and version word of the text order, for columns without one of their own.
   [[nodiscard]] std::uint32_t defaultTextOrder() const;
 
-  /// The page for reading; an empty view when there is no such page or the file cannot be read.
+  /// The page for reading; an empty view if there is no such page or the file cannot be read.
   PageView read(PageNumber page);
 
-  /// Begins a transaction. False when the file is open for reading only, broken or already in one.
+  /// Begins a transaction. False if the file is open for reading only, broken or already in one.
   bool begin();
   [[nodiscard]] bool inTransaction() const;
   /// The page for changing, in a transaction: its bytes may be changed until that ends. Empty when it cannot
@@ -151,7 +151,7 @@ class Transaction {
   ~Transaction() {
     if (active_) pager_.rollback();
   }
-  /// False when it could not begin.
+  /// False if it could not begin.
   explicit operator bool() const { return active_; }
   bool commit() { return std::exchange(active_, false) && pager_.commit(); }
 

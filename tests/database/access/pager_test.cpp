@@ -64,6 +64,7 @@ class PagerTest : public testing::Test {
 };
 
 TEST_F(PagerTest, WaitsForTheDiskAtCheckpointsOnly) {
+  disk_.calls.clear();
   EXPECT_TRUE(put(1) && put(2));
   EXPECT_THAT(disk_.calls, ElementsAre("create a.mdb-journal", "write a.mdb-journal", "write a.mdb-journal"));
   EXPECT_EQ(disk_.content("a.mdb"), base_);
@@ -199,6 +200,14 @@ TEST_F(PagerTest, AJournalOfAnotherFileIsLeftOut) {
     EXPECT_FALSE(disk_.exists("a.mdb-journal")) << name;
     pager_.reset();
   }
+}
+
+TEST_F(PagerTest, AFolderThatTakesNoJournalMakesTheFileReadOnly) {
+  EXPECT_FALSE(pager_->readOnly());
+  pager_.reset();
+  disk_.takesFiles = false;
+  open();
+  EXPECT_TRUE(pager_->readOnly());
 }
 
 TEST_F(PagerTest, AReaderRefusesWhatItCannotPutRight) {

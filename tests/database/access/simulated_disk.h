@@ -34,6 +34,8 @@ class SimulatedDisk final : public FileSystem {
   /// and nothing after it.
   void dieAfter(int more) { lifeLeft_ = more; }
   [[nodiscard]] bool dead() const { return lifeLeft_ < 0; }
+  /// Whether the folder takes new files.
+  bool takesFiles = true;
   /// After so many more calls no file can grow.
   void fillAfter(int more) { roomLeft_ = more; }
   /// The system as it is after the process has died.
@@ -150,8 +152,8 @@ inline std::unique_ptr<RandomAccessFile> SimulatedDisk::open(const std::filesyst
                                                              OpenFailure& failure) {
   const std::string name = file.string();
   if (!names_.contains(name)) {
-    if (mode != OpenMode::create || !call("create ", name)) {
-      failure = OpenFailure::missing;
+    if (mode != OpenMode::create || !takesFiles || !call("create ", name)) {
+      failure = mode == OpenMode::create ? OpenFailure::notWritable : OpenFailure::missing;
       return nullptr;
     }
     names_[name] = std::make_shared<Stored>();

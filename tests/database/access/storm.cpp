@@ -1,5 +1,6 @@
 #include "storm.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
 
@@ -18,6 +19,7 @@ namespace {
 using Model = std::map<int, int>;  // version by ID
 using Random = std::mt19937;
 
+constexpr std::size_t pageSize = 4096;
 const char* const fileName = "storm.mdb";
 const char* const journalName = "storm.mdb-journal";
 
@@ -130,17 +132,25 @@ bool change(Session& session, Random& random, const Model& before, Model& after)
   return session.remove(id);
 }
 
+// A state of the file.
+struct State {
+  Model model;
+  PageNumber pages;
+};
+
 // The states that the file has had. Those from `durable` on may be found after a power failure; after a death
 // the last one, or the one that was under way.
 struct History {
-  std::vector<Model> states;
+  std::vector<State> states;
   std::size_t durable = 0;
   std::optional<Model> underWay;
 
-  [[nodiscard]] bool allows(const Model& found, Disaster disaster) const {
+  [[nodiscard]] bool allows(const State& found, Disaster disaster) const {
     const std::size_t from = disaster == Disaster::death ? states.size() - 1 : durable;
-    return found == underWay ||
-           std::find(states.begin() + static_cast<std::ptrdiff_t>(from), states.end(), found) != states.end();
+    return found.model == underWay ||
+           std::any_of(
+               states.begin() + static_cast<std::ptrdiff_t>(from), states.end(),
+               [&](const State& state) { return state.model == found.model && state.pages == found.pages; });
   }
 };
 
@@ -156,11 +166,11 @@ void work(SimulatedDisk& disk, Random& random, History& history) {
         continue;
       }
       Model after;
-      const bool done = change(session, random, history.states.back(), after);
+      const bool done = change(session, random, history.states.back().model, after);
       if (disk.dead()) {
         history.underWay = std::move(after);
       } else if (done) {
-        history.states.push_back(std::move(after));
+        history.states.push_back({std::move(after), session.pager().pageCount()});
       }
     }
     if (sessions == 1) {
@@ -204,7 +214,7 @@ std::string Storm::run(unsigned seed, Disaster disaster) {
   Random random(seed);
   SimulatedDisk disk;
   disk.put(fileName, base_);
-  History history = {{baseModel_}, 0, std::nullopt};
+  History history = {{{baseModel_, static_cast<PageNumber>(base_.size() / pageSize)}}, 0, std::nullopt};
   disk.dieAfter(below(random, 120));
   work(disk, random, history);
   const auto strike = [&] { disaster == Disaster::death ? disk.revive() : disk.losePower(random); };
@@ -228,8 +238,9 @@ std::string Storm::run(unsigned seed, Disaster disaster) {
   if (!found) {
     return "a record is not as it was stored";
   }
-  if (!history.allows(*found, disaster)) {
-    return "records that the file never had:" + text(*found) + "\ninstead of:" + text(history.states.back());
+  if (!history.allows({*found, session.pager().pageCount()}, disaster) || session.pager().readOnly()) {
+    return "records or a length that the file never had:" + text(*found) +
+           "\ninstead of:" + text(history.states.back().model);
   }
   return disk.exists(journalName) ? "the journal is still there" : "";
 }

@@ -1,0 +1,68 @@
+#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_PAGE_FILE_H
+#define VELTRANO_DATABASE_ACCESS_STORAGE_PAGE_FILE_H
+
+// The database file as a sequence of pages: opened with its lock and its password, brought up to date with the
+// journal of a process that did not close it, decoded.
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "database/access/storage/bytes.h"
+#include "database/access/storage/codec.h"
+#include "database/access/storage/file.h"
+#include "database/access/storage/header.h"
+
+namespace veltrano::access {
+
+class PageFile {
+ public:
+  /// Empty if that is impossible; `reason` then says why. Opens for reading only if that is wanted, or the file
+  /// cannot be written, or its folder takes no journal. `files` must outlive the file.
+  static std::optional<PageFile> open(FileSystem& files, const std::filesystem::path& path, bool readOnly,
+                                      std::string_view password, std::string& reason);
+
+  [[nodiscard]] const Header& header() const { return header_; }
+  /// The file itself, whatever link led to it.
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+  /// Hash of the header page.
+  [[nodiscard]] std::uint64_t identity() const { return identity_; }
+  [[nodiscard]] bool readOnly() const { return readOnly_; }
+  [[nodiscard]] std::uint32_t pageSize() const { return pageSizeOf(header_.version); }
+  [[nodiscard]] std::uint64_t offsetOf(PageNumber page) const { return std::uint64_t{page} * pageSize(); }
+  /// In bytes, as far as this process has found or made it.
+  [[nodiscard]] std::uint64_t length() const { return length_; }
+
+  /// Reads a page and decodes it. What comes after the end of the file is zero.
+  bool read(PageNumber page, MutableBytes target);
+  bool write(PageNumber page, Bytes bytes);
+  bool setLength(std::uint64_t length);
+  bool sync() { return file_->sync(); }
+
+  /// The bytes of a page as they lie in the file: `bytes`, or encoded in `space`.
+  Bytes encoded(PageNumber page, Bytes bytes, std::vector<std::uint8_t>& space) const;
+  /// Reads a page as it lies in the file. Empty if it cannot be read, or not as a whole.
+  Bytes readEncoded(PageNumber page, std::vector<std::uint8_t>& space);
+
+ private:
+  PageFile() = default;
+  bool openFile(FileSystem& files, std::string& reason);
+  bool readHeaderPage(std::string_view password, std::string& reason);
+  bool recover(FileSystem& files, std::string& reason);
+
+  std::filesystem::path path_;
+  std::unique_ptr<RandomAccessFile> file_;
+  bool readOnly_ = false;
+  Header header_;
+  PageCodec codec_;
+  std::uint64_t identity_ = 0;
+  std::uint64_t length_ = 0;
+  std::vector<std::uint8_t> space_;
+};
+
+}  // namespace veltrano::access
+
+#endif
