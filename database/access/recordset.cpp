@@ -24,7 +24,11 @@ AccessRecordset::AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition
       table_(*file_->pager, std::move(definition)),
       current_(table_) {
   file_->recordsets.push_back(this);
-  writer_ = TableWriter::create(table_, readOnlyReason_);
+  if (auto writer = TableWriter::create(table_)) {
+    writer_ = *std::move(writer);
+  } else {
+    readOnlyReason_ = writer.status().reason();
+  }
   if (const Index* key = table_.definition().primaryKey()) {
     order_.emplace(table_.pager(), table_.definition().page, *key);
     cursor_.emplace(*order_, table_.pager());
@@ -84,7 +88,7 @@ std::optional<RowPointer> AccessRecordset::following() {
   return found ? std::optional(cursor_->row()) : std::nullopt;
 }
 
-// Makes sure that the current record is read as it is in the file now. False if there is none.
+// Reads the current record as it is in the file now. False without a current record.
 bool AccessRecordset::refresh() {
   if (state_ != State::onRecord) {
     return fail("no current record");
@@ -310,8 +314,8 @@ bool AccessRecordset::update() {
     return fail("no edit is under way");
   }
   if (edit_ == Edit::adding) {
-    if (!writer_->insert(drafts_)) {
-      return fail(writer_->lastError());
+    if (const auto row = writer_->insert(drafts_); !row) {
+      return fail(row.status().reason());
     }
   } else {
     if (!refresh()) {
@@ -321,8 +325,8 @@ bool AccessRecordset::update() {
       edit_ = Edit::none;
       return true;
     }
-    if (!writer_->update(current_.place(), drafts_)) {
-      return fail(writer_->lastError());
+    if (const Status done = writer_->update(current_.place(), drafts_); !done) {
+      return fail(done.reason());
     }
     noteChangedKey();
   }
@@ -351,8 +355,8 @@ bool AccessRecordset::remove() {
   if (!writer_) {
     return fail(readOnlyReason_);
   }
-  if (!writer_->remove(current_.place())) {
-    return fail(writer_->lastError());
+  if (const Status done = writer_->remove(current_.place()); !done) {
+    return fail(done.reason());
   }
   ++file_->generation;
   file_->rowDeleted(table_.definition().page, current_.place());

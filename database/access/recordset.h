@@ -1,17 +1,16 @@
 #ifndef VELTRANO_DATABASE_ACCESS_RECORDSET_H
 #define VELTRANO_DATABASE_ACCESS_RECORDSET_H
 
-// The records of one table of an open file, in the order of its primary key, or as they are stored if it has
-// none.
+// The records of one table of an open file, in the order of its primary key, or in storage order without one.
 //
 //  state       current record   readText   write, update   moveNext
 //  on a record  yes              the record  after edit       to the next one or the end
-//  on a deleted none             fails       after addNew     to the one that followed
+//  on a deleted none             fails       after addNew     to the one after it
 //  at the end   none             fails       after addNew     fails
 //  closed       none             fails       fails            fails
 //
-// An edit lies over these: edit (from "on a record" only) and addNew begin one, which readText and write then
-// work on; update stores it and ends it, unless it fails; every move, remove and close drops it.
+// edit (only on a record) and addNew start an edit, which readText and write then work on. update stores and ends it,
+// unless it fails; every move, remove and close drops it.
 //
 // The order is walked as it is at that moment: a record added meanwhile is met if it comes after the current one, or
 // in the place of the current one if that was deleted. A record of which the walk itself has changed the key is not

@@ -7,7 +7,7 @@
 
 namespace veltrano::access {
 
-// A page of this table; whatever else a damaged map names is none.
+// The page if it is a data page of this table: damaged maps name others.
 PageView Table::readPage(PageNumber number) const {
   PageView view = pager_->read(number);
   if (!view) {

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_TABLE_H
 #define VELTRANO_DATABASE_ACCESS_TABLE_H
 
-// The rows of one table: walked in the order in which the pages hold them, and fetched by their place. A
-// row's place is that of its first slot, also after it has moved to another page.
+// The rows of one table, walked in storage order and fetched by their place. A row's place is that of its first slot,
+// even after it has moved to another page.
 
 #include <optional>
 #include <utility>

@@ -8,21 +8,19 @@
 
 namespace veltrano::access {
 
-// What one change touches:
+// What a change touches:
 //
-//                         insert              update, same page   update, moved           delete
-//   data page             new slot            row replaced        target elsewhere,       slot marked, slid
-//   shut;
-//                                                                 pointer in the old slot target too
-//   map of pages w. room  page out when full                      as insert               page in again
-//   definition: rows      +1                                                              -1
-//   definition: last      the number given                                                never
-//     autonumber
-//   indexes               entries             entries that differ entries that differ     entries
-//   long values           stored              new stored, old     as before               given back
-//                                             given back
+//                            insert            update in place       update, row moved          delete
+//   data page                new slot          row replaced          row in another page,       slot marked
+//                                                                    pointer in the old slot
+//   map of pages with room   page out if full                        page out if full           page in
+//   definition: rows         + 1                                                                - 1
+//   definition: autonumber   the last one
+//   indexes                  entries           entries that differ   entries that differ        entries
+//   long values              stored            new stored,           new stored,                given back
+//                                              old given back        old given back
 //
-// A row's place in the indexes is that of its first slot. A page left without rows goes back to the file.
+// In the indexes a row has the place of its first slot. A page left without rows goes back to the file.
 
 namespace {
 
@@ -43,38 +41,33 @@ bool holdsData(const Column& column) {
 
 }  // namespace
 
-bool TableWriter::fail(const char* reason) {
-  reason_ = reason;
+bool TableWriter::fail(Failure failure, const char* reason) {
+  failure_ = {failure, reason};
   return false;
 }
 
 bool TableWriter::failFromPager() {
-  reason_ = pager().lastError();
-  if (reason_.empty()) {
-    reason_ = "the file is damaged or full";
-  }
+  const std::string_view reason = pager().lastError();
+  failure_ = {Failure::damaged, reason.empty() ? "the file is damaged or full" : std::string(reason)};
   return false;
 }
 
-std::optional<TableWriter> TableWriter::create(const Table& table, std::string& reason) {
+Result<TableWriter> TableWriter::create(const Table& table) {
   const TableDefinition& definition = table.definition();
   if (table.pager().readOnly()) {
-    reason = "the file is open for reading only";
-    return std::nullopt;
+    return {Failure::notAllowed, "the file is open for reading only"};
   }
   if (definition.enforcedRelations) {
-    reason = "the table has relations that would have to be enforced";
-    return std::nullopt;
+    return {Failure::notAllowed, "the table has relations that would have to be enforced"};
   }
   if (!std::all_of(definition.columns.begin(), definition.columns.end(), holdsData)) {
-    reason = "the table has calculated or multi-valued columns";
-    return std::nullopt;
+    return {Failure::notAllowed, "the table has calculated or multi-valued columns"};
   }
-  auto indexes = TableIndexes::create(table, reason);
+  auto indexes = TableIndexes::create(table);
   if (!indexes) {
-    return std::nullopt;
+    return indexes.status();
   }
-  return TableWriter(table, std::move(*indexes));
+  return TableWriter(table, *std::move(indexes));
 }
 
 bool TableWriter::checkRequired(const std::vector<Draft>& drafts, bool all) {
@@ -82,7 +75,7 @@ bool TableWriter::checkRequired(const std::vector<Draft>& drafts, bool all) {
     const Column& column = definition().columns[i];
     if (column.required && column.type != ColumnType::boolean && (all || drafts[i].assigned) &&
         drafts[i].cell.null) {
-      return fail("a required field is null");
+      return fail(Failure::other, "a required field is null");
     }
   }
   return true;
@@ -129,7 +122,7 @@ bool TableWriter::storeLongestInline() {
     }
   }
   if (longest == cells_.size()) {
-    return fail("the record is too large");
+    return fail(Failure::full, "the record is too large");
   }
   std::vector<std::uint8_t> cell;
   const bool stored = storeLongValue(pager(), definition().columns[longest],
@@ -140,7 +133,8 @@ bool TableWriter::storeLongestInline() {
 
 bool TableWriter::makeKeysOf(Bytes row, TableIndexes::RowKeys& keys) {
   const RowView view(row, pager().version(), definition().variableColumns != 0);
-  return (view.valid() && indexes_.makeKeys(*table_, view, keys)) || fail("the record is damaged");
+  return (view.valid() && indexes_.makeKeys(*table_, view, keys)) ||
+         fail(Failure::damaged, "the record is damaged");
 }
 
 // --- Placing the row
@@ -162,7 +156,7 @@ std::optional<RowPointer> TableWriter::placeNewRow(Bytes row, std::uint16_t flag
 bool TableWriter::replaceRow(RowPointer home, RowPointer place, Bytes row) {
   const MutableBytes page = pager().edit(place.page);
   if (page.empty() || !DataPage(page, pager().version()).sound()) {
-    return fail("the row's page is damaged");
+    return fail(Failure::damaged, "the row's page is damaged");
   }
   const bool moved = place != home;
   if (DataPageEditor(page).replace(place.row, row, moved ? slot_flag::hidden : std::uint16_t{0})) {
@@ -178,7 +172,7 @@ bool TableWriter::replaceRow(RowPointer home, RowPointer place, Bytes row) {
   const MutableBytes homePage = pager().edit(home.page);
   if (homePage.empty() || !DataPage(homePage, pager().version()).sound() ||
       !DataPageEditor(homePage).replace(home.row, pointer, slot_flag::pointer)) {
-    return fail("the row cannot be moved");
+    return fail(Failure::damaged, "the row cannot be moved");
   }
   return !moved || removeRow(place);
 }
@@ -186,7 +180,7 @@ bool TableWriter::replaceRow(RowPointer home, RowPointer place, Bytes row) {
 bool TableWriter::removeRow(RowPointer place) {
   const MutableBytes bytes = pager().edit(place.page);
   if (bytes.empty() || !DataPage(bytes, pager().version()).sound()) {
-    return fail("the row's page is damaged");
+    return fail(Failure::damaged, "the row's page is damaged");
   }
   return space().remove(place) || failFromPager();
 }
@@ -213,14 +207,16 @@ std::optional<std::int32_t> TableWriter::lastAutoNumber() const {
   return page ? std::optional(static_cast<std::int32_t>(load32(page.data() + autoNumberAt))) : std::nullopt;
 }
 
-bool TableWriter::raiseAutoNumber(std::int32_t number) {
+Status TableWriter::raiseAutoNumber(std::int32_t number) {
   Transaction transaction(pager());
   const MutableBytes page = transaction ? pager().edit(definition().page) : MutableBytes();
-  if (page.empty() || static_cast<std::int32_t>(load32(page.data() + autoNumberAt)) >= number) {
-    return !page.empty() || failFromPager();
+  if (!page.empty() && static_cast<std::int32_t>(load32(page.data() + autoNumberAt)) >= number) {
+    return {};
   }
-  store32(page.data() + autoNumberAt, static_cast<std::uint32_t>(number));
-  return transaction.commit() || failFromPager();
+  if (!page.empty()) {
+    store32(page.data() + autoNumberAt, static_cast<std::uint32_t>(number));
+  }
+  return (!page.empty() && transaction.commit()) || failFromPager() ? Status() : failure_;
 }
 
 // Makes the new row's autonumber the table's last one.
@@ -237,7 +233,7 @@ bool TableWriter::enterAutoNumber(std::vector<Draft>& drafts) {
     Draft& draft = drafts[i];
     if (!draft.assigned) {
       if (last == std::numeric_limits<std::int32_t>::max()) {
-        return fail("no autonumber is left");
+        return fail(Failure::full, "no autonumber is left");
       }
       draft = {{false, std::vector<std::uint8_t>(4)}, true};
       store32(draft.cell.bytes.data(), static_cast<std::uint32_t>(last) + 1);
@@ -263,43 +259,55 @@ bool TableWriter::countRows(int change) {
 
 // --- The three changes
 
-std::optional<RowPointer> TableWriter::insertInTransaction(std::vector<Draft>& drafts) {
+bool TableWriter::changeIndexes(const TableIndexes::RowKeys* before, const TableIndexes::RowKeys* after,
+                                RowPointer row) {
+  failure_ = indexes_.change(*table_, before, after, row);
+  return static_cast<bool>(failure_);
+}
+
+Result<RowPointer> TableWriter::insertInTransaction(std::vector<Draft>& drafts) {
   cells_.assign(drafts.size(), Cell());
   if (!enterAutoNumber(drafts) || !checkRequired(drafts, true) || !makeRow(drafts) ||
       !makeKeysOf(row_, after_)) {
-    return std::nullopt;
+    return failure_;
   }
   const auto place = placeNewRow(row_, 0);
-  return place && indexes_.change(*table_, nullptr, &after_, *place, reason_) && countRows(1) ? place
-                                                                                              : std::nullopt;
+  if (!place || !changeIndexes(nullptr, &after_, *place) || !countRows(1)) {
+    return failure_;
+  }
+  return *place;
 }
 
-std::optional<RowPointer> TableWriter::insert(std::vector<Draft>& drafts) {
+Result<RowPointer> TableWriter::insert(std::vector<Draft>& drafts) {
   Transaction transaction(pager());
   if (!transaction) {
     failFromPager();
-    return std::nullopt;
+    return failure_;
   }
-  const auto place = insertInTransaction(drafts);
+  auto place = insertInTransaction(drafts);
   if (place && !transaction.commit()) {
     failFromPager();
-    return std::nullopt;
+    return failure_;
   }
   return place;
 }
 
-bool TableWriter::update(RowPointer home, const std::vector<Draft>& drafts) {
+Status TableWriter::update(RowPointer home, const std::vector<Draft>& drafts) {
   Transaction transaction(pager());
-  if (!transaction) {
-    return failFromPager();
-  }
+  const bool done = transaction
+                        ? updateInTransaction(home, drafts) && (transaction.commit() || failFromPager())
+                        : failFromPager();
+  return done ? Status() : failure_;
+}
+
+bool TableWriter::updateInTransaction(RowPointer home, const std::vector<Draft>& drafts) {
   const auto old = table_->fetch(home);
   if (!old) {
-    return fail("the record has been deleted");
+    return fail(Failure::missing, "the record has been deleted");
   }
   const std::vector<std::uint8_t> oldBytes(old->bytes.begin(), old->bytes.end());
   const RowView oldRow(oldBytes, pager().version(), definition().variableColumns != 0);
-  if (!oldRow.valid() || !checkRequired(drafts, false) || !makeKeysOf(oldBytes, before_)) {
+  if (!checkRequired(drafts, false) || !makeKeysOf(oldBytes, before_)) {
     return false;
   }
   cells_.assign(drafts.size(), Cell());
@@ -310,25 +318,26 @@ bool TableWriter::update(RowPointer home, const std::vector<Draft>& drafts) {
     }
   }
   return makeRow(drafts) && makeKeysOf(row_, after_) && releaseLongValues(oldRow, &drafts) &&
-         replaceRow(home, old->place, row_) && indexes_.change(*table_, &before_, &after_, home, reason_) &&
-         (transaction.commit() || failFromPager());
+         replaceRow(home, old->place, row_) && changeIndexes(&before_, &after_, home);
 }
 
-bool TableWriter::remove(RowPointer home) {
+Status TableWriter::remove(RowPointer home) {
   Transaction transaction(pager());
-  if (!transaction) {
-    return failFromPager();
-  }
+  const bool done =
+      transaction ? removeInTransaction(home) && (transaction.commit() || failFromPager()) : failFromPager();
+  return done ? Status() : failure_;
+}
+
+bool TableWriter::removeInTransaction(RowPointer home) {
   const auto row = table_->fetch(home);
   if (!row) {
-    return fail("the record has been deleted");
+    return fail(Failure::missing, "the record has been deleted");
   }
   const std::vector<std::uint8_t> bytes(row->bytes.begin(), row->bytes.end());
   const RowView view(bytes, pager().version(), definition().variableColumns != 0);
-  return view.valid() && makeKeysOf(bytes, before_) &&
-         indexes_.change(*table_, &before_, nullptr, home, reason_) && releaseLongValues(view, nullptr) &&
-         removeRow(row->place) && (row->place == home || removeRow(home)) && countRows(-1) &&
-         (transaction.commit() || failFromPager());
+  return makeKeysOf(bytes, before_) && changeIndexes(&before_, nullptr, home) &&
+         releaseLongValues(view, nullptr) && removeRow(row->place) &&
+         (row->place == home || removeRow(home)) && countRows(-1);
 }
 
 }  // namespace veltrano::access

@@ -1,11 +1,10 @@
 #ifndef VELTRANO_DATABASE_ACCESS_TABLE_WRITER_H
 #define VELTRANO_DATABASE_ACCESS_TABLE_WRITER_H
 
-// Adds, changes and deletes rows, with everything that hangs on them: long values, indexes, maps and
-// counters. Each call is one transaction: it happens wholly, or nothing changes and the reason says why.
+// Adds, changes and deletes rows with everything that depends on them: long values, indexes, maps and counters. Each
+// call is one transaction: if it fails, nothing has changed.
 
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "database/access/index/table_indexes.h"
@@ -14,7 +13,7 @@
 
 namespace veltrano::access {
 
-/// A field of a record on its way into the table.
+/// A field of a record that is to be stored.
 struct Draft {
   Cell cell;  ///< of a long value that was assigned: the value itself
   bool assigned = false;
@@ -24,28 +23,30 @@ class TableWriter {
  public:
   /// For a table that is known to be writable, with its indexes. `table` must outlive the writer.
   TableWriter(const Table& table, TableIndexes indexes) : table_(&table), indexes_(std::move(indexes)) {}
-  /// Nothing when the table may only be read: `reason` then says why. `table` must outlive the writer.
-  static std::optional<TableWriter> create(const Table& table, std::string& reason);
+  /// Fails if the table may only be read. `table` must outlive the writer.
+  static Result<TableWriter> create(const Table& table);
 
   /// The last autonumber that the table's definition knows. Empty if it cannot be read.
   [[nodiscard]] std::optional<std::int32_t> lastAutoNumber() const;
   /// Makes `number` the last autonumber, in a transaction of its own, if it is greater.
-  bool raiseAutoNumber(std::int32_t number);
+  Status raiseAutoNumber(std::int32_t number);
 
   /// Returns where the row went. `drafts` are in the order of the definition's columns; an autonumber that is not
   /// assigned becomes the one after the last.
-  std::optional<RowPointer> insert(std::vector<Draft>& drafts);
+  Result<RowPointer> insert(std::vector<Draft>& drafts);
   /// The same within a transaction of the caller, who rolls it back if this fails.
-  std::optional<RowPointer> insertInTransaction(std::vector<Draft>& drafts);
+  Result<RowPointer> insertInTransaction(std::vector<Draft>& drafts);
   /// Changes the assigned fields of a row, and leaves its others as they are now.
-  bool update(RowPointer row, const std::vector<Draft>& drafts);
-  bool remove(RowPointer row);
-
-  [[nodiscard]] const std::string& lastError() const { return reason_; }
+  Status update(RowPointer row, const std::vector<Draft>& drafts);
+  Status remove(RowPointer row);
 
  private:
-  bool fail(const char* reason);
+  // The steps of a change answer false after they have set failure_.
+  bool fail(Failure failure, const char* reason);
   bool failFromPager();
+  bool changeIndexes(const TableIndexes::RowKeys* before, const TableIndexes::RowKeys* after, RowPointer row);
+  bool updateInTransaction(RowPointer home, const std::vector<Draft>& drafts);
+  bool removeInTransaction(RowPointer home);
 
   [[nodiscard]] Pager& pager() const { return table_->pager(); }
   [[nodiscard]] const TableDefinition& definition() const { return table_->definition(); }
@@ -64,7 +65,7 @@ class TableWriter {
 
   const Table* table_;
   TableIndexes indexes_;
-  std::string reason_;
+  Status failure_;
   // Kept between calls for their storage.
   std::vector<Cell> cells_;
   std::vector<std::uint8_t> row_;

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_AUTHORING_CREATE_DATABASE_H
 #define VELTRANO_DATABASE_ACCESS_AUTHORING_CREATE_DATABASE_H
 
-// Makes Access 2000 databases (.mdb) and tables in them, from nothing and without any other program. Not part
-// of the automation interface: for C++ callers, tests and samples.
+// Makes Access 2000 databases (.mdb) and tables in them, without any other program. Not part of the automation
+// interface: for tests, samples and tools.
 //
 //   using namespace veltrano::access;
 //   std::string reason;
@@ -63,12 +63,11 @@ struct NewTable {
   std::vector<NewIndex> indexes = {};
 };
 
-/// Makes an empty database. False, with a reason, when the file exists (it is left alone) or cannot be
-/// written.
+/// Makes an empty database. False, with a reason, if the file exists (it is left alone) or cannot be written.
 bool createDatabase(const std::filesystem::path& file, const NewDatabase& options, std::string& reason);
 
-/// Adds a table to a database file. False, with a reason, when its description is not valid or the file not
-/// writable; nothing has happened then.
+/// Adds a table to a database file. False, with a reason and nothing changed, if its description is not valid or the
+/// file cannot be written.
 bool createTable(const std::filesystem::path& file, const NewTable& table, std::string& reason,
                  const std::string& password = {});
 /// The same in a database that is open.

@@ -17,7 +17,7 @@ enum class TableKind : std::uint8_t { user = 'N', system = 'S' };
 class MapAllocator {
  public:
   explicit MapAllocator(Pager& pager) : pager_(pager) {}
-  /// An empty map. Nothing when the file is full.
+  /// An empty map. No value if the file is full.
   std::optional<RowPointer> allocate();
 
  private:
@@ -25,7 +25,7 @@ class MapAllocator {
   PageNumber page_ = 0;
 };
 
-/// False, with a reason, when the table cannot be made as described.
+/// False, with a reason, if the table cannot be made as described.
 bool checkNewTable(const NewTable& table, std::string& reason);
 
 /// Writes the definition to `page`, which is new; in a transaction.

@@ -96,12 +96,11 @@ bool addRow(const Table& table, const TableIndexes& indexes, const std::vector<F
     Draft& draft = drafts[static_cast<std::size_t>(column - table.definition().columns.data())];
     draft = {{false, *cell}, true};
   }
-  TableWriter writer(table, indexes);
-  if (writer.insertInTransaction(drafts)) {
-    return true;
+  const auto row = TableWriter(table, indexes).insertInTransaction(drafts);
+  if (!row) {
+    reason = row.status().reason();
   }
-  reason = writer.lastError();
-  return false;
+  return static_cast<bool>(row);
 }
 
 // A table of the system, open for adding rows.
@@ -117,8 +116,12 @@ std::optional<SystemTable> openSystemTable(Pager& pager, PageNumber page, std::s
     return std::nullopt;
   }
   Table table(pager, std::move(*definition));
-  auto indexes = TableIndexes::create(table, reason);
-  return indexes ? std::optional(SystemTable{std::move(table), std::move(*indexes)}) : std::nullopt;
+  auto indexes = TableIndexes::create(table);
+  if (!indexes) {
+    reason = indexes.status().reason();
+    return std::nullopt;
+  }
+  return SystemTable{std::move(table), *std::move(indexes)};
 }
 
 std::int64_t asLong(std::uint32_t bits) {

@@ -275,9 +275,11 @@ bool Checker::checkTable(const TableDefinition& definition, CheckCounters counte
   constexpr std::size_t rowsAt = 16;
   constexpr std::size_t autoNumberAt = 20;
   const Table table(pager_, definition);
-  std::string reason;
-  // An index in an order that is not known is not looked into.
-  auto indexes = isJet3(pager_.version()) ? std::nullopt : TableIndexes::create(table, reason);
+  // Indexes in an order that is not known are not checked.
+  std::optional<TableIndexes> indexes;
+  if (auto known = TableIndexes::create(table); known && !isJet3(pager_.version())) {
+    indexes = *std::move(known);
+  }
   Scan scan;
   scan.keys.resize(indexes ? definition.indexes.size() : 0);
   if (!claimDefinition(definition)) {

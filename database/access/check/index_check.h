@@ -1,7 +1,7 @@
 #ifndef VELTRANO_DATABASE_ACCESS_CHECK_INDEX_CHECK_H
 #define VELTRANO_DATABASE_ACCESS_CHECK_INDEX_CHECK_H
 
-// Tells whether an index tree is sound: for tests and for whoever doubts a file.
+// Checks whether an index tree is sound.
 
 #include <string>
 #include <vector>
@@ -17,9 +17,8 @@ struct OwnedEntry {
   [[nodiscard]] IndexEntry view() const { return {key, row}; }
 };
 
-/// Walks the whole tree and puts its entries into `entries`, in order. Answers "" for a sound tree, otherwise
-/// what is wrong with it first: order, the rules T2 to T5 (index_tree.h), pages outside the index's map,
-/// pages used twice.
+/// Walks the whole tree and puts its entries into `entries`, in order. Returns "" for a sound tree, otherwise the first
+/// fault: order, the invariants T2 to T5 (index/tree.h), pages outside the index's map, pages used twice.
 std::string checkIndex(Pager& pager, PageNumber table, const Index& index, std::vector<OwnedEntry>& entries);
 
 }  // namespace veltrano::access

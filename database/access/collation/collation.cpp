@@ -9,7 +9,7 @@
 // A key in the orders General and General Legacy:
 //
 //   inline codes of all characters
-//   01  extra codes (accents), one place a character: 02 where there is none; none at the end
+//   01  extra codes (accents), one for each character: 02 for a character without an accent, except at the end
 //   01 01  (if there are kana or unprintable characters)
 //       the kana's bit pairs, three to a byte, and FF 02 80 FF 80     (if there are kana)
 //       FF  (if there are both)   01  unprintable characters, each as place, 06 and code
@@ -274,7 +274,7 @@ class KeyWriter {
   Key& key_;
   std::size_t places_ = 0;   ///< characters with inline codes so far
   std::size_t counted_ = 0;  ///< those that the extra codes account for
-  std::size_t prefix_ = 0;   ///< 1 if the extra codes begin with a modifier's, which has no place
+  std::size_t prefix_ = 0;   ///< 1 if the extra codes start with that of a mark without a letter
   Tail extra_;
   Tail kana_;
   Tail unprintable_;

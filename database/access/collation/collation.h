@@ -1,9 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_COLLATION_COLLATION_H
 #define VELTRANO_DATABASE_ACCESS_COLLATION_COLLATION_H
 
-// The text orders of Access: from a text to the bytes that stand for it in index entries. Byte-wise
-// comparison of two such keys orders the texts, regardless of case. Not more than 255 characters count, and
-// no blanks at the end.
+// The text sort orders of Access, as the bytes that stand for a text in index entries. Comparing two such keys byte by
+// byte orders the texts regardless of case. Only the first 255 characters count, without blanks at the end.
 
 #include <cstdint>
 #include <optional>
@@ -20,9 +19,8 @@ enum class TextOrder {
   general,        ///< Access 2010 and later
 };
 
-/// The order of a text column by the language and version words of its record, of which a language of 0
-/// stands for the file's default order. Nothing for an order whose figures are not known: an index in it can
-/// be read, but not written.
+/// The order of a text column by the language and version of its record; language 0 stands for the file's default
+/// order. Empty for an order whose tables are not known: an index in it can be read, but not written.
 std::optional<TextOrder> textOrder(Version version, std::uint16_t language, std::uint8_t orderVersion,
                                    std::uint32_t defaultOrder);
 

@@ -22,7 +22,7 @@ enum class CharacterClass : std::uint8_t {
 
 /// How the inline code of a run's first character becomes that of character i of the run: it grows by i, by
 /// 0, by i / 2 or by i / 4. The last byte of a code counts from 02 to FF. In the latter two cases character i
-/// has the kind i % 2 or i % 4 places further on.
+/// has the kind i % 2 or i % 4 entries further on.
 enum class Advance : std::uint8_t { each, never, second, fourth };
 
 struct CollationKind {
@@ -37,7 +37,7 @@ struct CollationKind {
 struct CollationTable {
   std::span<const CollationKind> kinds;
   /// First character (bits 48 to 63), kind of the first character (32 to 47) and its inline code, or, when
-  /// that is longer than four bytes, where it begins among the long codes. In the order of the characters;
+  /// that is longer than four bytes, where it starts among the long codes. In the order of the characters;
   /// none for surrogates.
   std::span<const std::uint64_t> runs;
   std::span<const std::uint8_t> longCodes;

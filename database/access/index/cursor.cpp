@@ -35,7 +35,7 @@ bool IndexCursor::descendToEdge(Way way) {
   return stop(true);
 }
 
-/// Stands on the entry at `offset` of the current leaf or, where there is none, on the nearest one that way.
+/// Stands on the entry at `offset` of the current leaf, or on the nearest one in that direction.
 bool IndexCursor::settle(std::size_t offset, Way way) {
   // Other programs leave empty leaves; links that lead round in circles end here.
   for (PageNumber seen = 0; seen <= pager_->pageCount(); ++seen) {

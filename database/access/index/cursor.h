@@ -14,8 +14,8 @@ class IndexCursor {
  public:
   explicit IndexCursor(const IndexTree& tree, Pager& pager) : tree_(&tree), pager_(&pager) {}
 
-  // Each answers whether there is such an entry. If not, because there is none or because the index is
-  // damaged, the cursor stands on no entry.
+  // Each returns whether there is such an entry. If there is none, or the index is damaged, the cursor stands on no
+  // entry.
   bool first();
   bool last();
   bool next();
@@ -28,7 +28,7 @@ class IndexCursor {
 
   /// True while the cursor stands on an entry.
   [[nodiscard]] bool valid() const { return valid_; }
-  /// True when the index turned out to be damaged.
+  /// True if damage to the index was met.
   [[nodiscard]] bool damaged() const { return damaged_; }
   /// The entry the cursor stands on; it need no longer be there.
   [[nodiscard]] IndexEntry entry() const { return {key_, row_}; }

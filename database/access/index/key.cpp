@@ -122,9 +122,8 @@ bool hasKey(ColumnType type) {
 
 }  // namespace
 
-std::optional<IndexKeyMaker> IndexKeyMaker::create(Version version, std::uint32_t defaultTextOrder,
-                                                   const TableDefinition& table, const Index& index,
-                                                   std::string& reason) {
+Result<IndexKeyMaker> IndexKeyMaker::create(Version version, std::uint32_t defaultTextOrder,
+                                            const TableDefinition& table, const Index& index) {
   IndexKeyMaker maker;
   maker.jetNumerics_ = version <= Version::jet4;
   maker.ignoreNulls_ = index.ignoreNulls;
@@ -132,15 +131,14 @@ std::optional<IndexKeyMaker> IndexKeyMaker::create(Version version, std::uint32_
   for (const IndexColumn& indexed : index.columns) {
     const Column* column = table.byNumber(indexed.column);
     if (column == nullptr || !hasKey(column->type)) {
-      reason = "index " + index.name + " is on a column that has no index order";
-      return std::nullopt;
+      return {Failure::other, "index " + index.name + " is on a column that has no index order"};
     }
     Part part{column->type, indexed.ascending, TextOrder::general};
     if (column->isText()) {
       const auto order = textOrder(version, column->language, column->orderVersion, defaultTextOrder);
       if (!order) {
-        reason = "index " + index.name + " is in the text order of a language that is not known here";
-        return std::nullopt;
+        return {Failure::other,
+                "index " + index.name + " is in the text order of a language that is not known"};
       }
       part.order = *order;
     }

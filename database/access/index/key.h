@@ -1,15 +1,15 @@
 #ifndef VELTRANO_DATABASE_ACCESS_INDEX_KEY_H
 #define VELTRANO_DATABASE_ACCESS_INDEX_KEY_H
 
-// From the values of a row's index columns to the bytes of its index entry, whose byte-wise order is the
-// index's.
+// The key of an index entry, made of the values of a row's index columns. Comparing keys byte by byte gives the order
+// of the index.
 
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
+#include "base/status.h"
 #include "database/access/collation/collation.h"
 #include "database/access/schema/table_definition.h"
 
@@ -17,24 +17,22 @@ namespace veltrano::access {
 
 /// What an index does with a row.
 enum class KeyOutcome {
-  entry,    ///< it has an entry under the key
-  leftOut,  ///< all its index columns are null and the index leaves such rows out
-  refused,  ///< a null where the index demands values: the row must not be written
+  entry,    ///< it has an entry with the key
+  leftOut,  ///< all its index columns are null, and the index leaves out such rows
+  refused,  ///< it has a null where the index demands values, and must not be written
   damaged,  ///< a stored value is shorter than its type
 };
 
 /// Makes the keys of one index.
 class IndexKeyMaker {
  public:
-  /// Nothing when the index holds values whose order is not known (another language, a type that has no key):
-  /// it cannot be kept right, so its table must not be written. `reason` then says which column.
-  static std::optional<IndexKeyMaker> create(Version version, std::uint32_t defaultTextOrder,
-                                             const TableDefinition& table, const Index& index,
-                                             std::string& reason);
+  /// Fails if the index is on values whose order is not known (another language, a type without keys). Its table must
+  /// not be written then, since the index could not be kept right.
+  static Result<IndexKeyMaker> create(Version version, std::uint32_t defaultTextOrder,
+                                      const TableDefinition& table, const Index& index);
 
-  /// Puts the key of a row into `key`, whose storage is reused. `values` are those of the index columns, in
-  /// the index's order. `allNull` tells whether all of them are null: in a unique index such rows are no
-  /// duplicates.
+  /// Puts the key of a row into `key`, whose storage is reused. `values` are those of the index columns, in the order
+  /// of the index. `allNull` is true if all of them are null; such rows are not duplicates in a unique index.
   KeyOutcome make(std::span<const StoredValue> values, std::vector<std::uint8_t>& key, bool& allNull) const;
 
  private:

@@ -28,15 +28,15 @@ bool countNewKey(const Table& table, const Index& index) {
 
 }  // namespace
 
-std::optional<TableIndexes> TableIndexes::create(const Table& table, std::string& reason) {
+Result<TableIndexes> TableIndexes::create(const Table& table) {
   TableIndexes indexes;
   for (const Index& index : table.definition().indexes) {
     auto maker = IndexKeyMaker::create(table.pager().version(), table.pager().defaultTextOrder(),
-                                       table.definition(), index, reason);
+                                       table.definition(), index);
     if (!maker) {
-      return std::nullopt;
+      return maker.status();
     }
-    indexes.makers_.push_back(std::move(*maker));
+    indexes.makers_.push_back(*std::move(maker));
   }
   return indexes;
 }
@@ -67,16 +67,15 @@ bool TableIndexes::makeKeys(const Table& table, const RowView& row, RowKeys& key
   return true;
 }
 
-bool TableIndexes::change(const Table& table, const RowKeys* before, const RowKeys* after, RowPointer row,
-                          std::string& reason) const {
+Status TableIndexes::change(const Table& table, const RowKeys* before, const RowKeys* after,
+                            RowPointer row) const {
   for (std::size_t i = 0; i < makers_.size(); ++i) {
     const Index& index = table.definition().indexes[i];
     const RowKeys::Entry* old =
         before != nullptr && before->entries[i].present() ? &before->entries[i] : nullptr;
     const RowKeys::Entry* now = after != nullptr ? &after->entries[i] : nullptr;
     if (now != nullptr && now->outcome == KeyOutcome::refused) {
-      reason = "a field of the index " + index.name + " may not be null";
-      return false;
+      return {Failure::other, "a field of the index " + index.name + " may not be null"};
     }
     now = now != nullptr && now->present() ? now : nullptr;
     if (old != nullptr && now != nullptr && old->key == now->key) {
@@ -84,24 +83,26 @@ bool TableIndexes::change(const Table& table, const RowKeys* before, const RowKe
     }
     IndexTree tree(table.pager(), table.definition().page, index);
     if (old != nullptr && !tree.remove({old->key, row})) {
-      reason = "the index " + index.name + " is damaged";
-      return false;
+      return {Failure::damaged, "the index " + index.name + " is damaged"};
     }
-    bool newKey = true;
-    if (now != nullptr && !tree.insert({now->key, row}, newKey)) {
-      reason = "the index " + index.name + " is damaged, or its key too long";
-      return false;
+    if (now == nullptr) {
+      continue;
+    }
+    bool newKey = false;
+    if (now->key.size() > longestKey) {
+      return {Failure::other, "the key of the index " + index.name + " is too long"};
+    }
+    if (!tree.insert({now->key, row}, newKey)) {
+      return {Failure::damaged, "the index " + index.name + " is damaged, or the file full"};
     }
     if (!newKey && index.unique && !now->allNull) {
-      reason = "a duplicate in the index " + index.name;
-      return false;
+      return {Failure::exists, "a duplicate in the index " + index.name};
     }
-    if (now != nullptr && newKey && !countNewKey(table, index)) {
-      reason = "the table's definition cannot be changed";
-      return false;
+    if (newKey && !countNewKey(table, index)) {
+      return {Failure::damaged, "the table's definition cannot be changed"};
     }
   }
-  return true;
+  return {};
 }
 
 }  // namespace veltrano::access

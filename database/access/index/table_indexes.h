@@ -1,10 +1,9 @@
 #ifndef VELTRANO_DATABASE_ACCESS_INDEX_TABLE_INDEXES_H
 #define VELTRANO_DATABASE_ACCESS_INDEX_TABLE_INDEXES_H
 
-// All indexes of one table, kept right when rows change.
+// All indexes of one table, and how they follow changes of its rows.
 
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "database/access/index/key.h"
@@ -25,17 +24,16 @@ class TableIndexes {
     std::vector<Entry> entries;
   };
 
-  /// Nothing when one of the indexes cannot be kept right by this engine; `reason` then says which.
-  static std::optional<TableIndexes> create(const Table& table, std::string& reason);
+  /// Fails if this engine cannot keep one of the indexes right.
+  static Result<TableIndexes> create(const Table& table);
 
-  /// Makes the entries of a row. False when the row is damaged. A null where an index forbids it shows in the
-  /// entry's outcome, and makes `change` refuse the row.
+  /// Makes the entries of a row. False if the row is damaged. A null that an index forbids shows in the entry's
+  /// outcome, and makes `change` refuse the row.
   bool makeKeys(const Table& table, const RowView& row, RowKeys& keys);
-  /// Changes the indexes from the entries `before` of a row to `after`, in a transaction; a null pointer
-  /// stands for no row. False, with a reason, when a unique index has the key already or an index forbids
-  /// the row: the transaction is then to be rolled back.
-  bool change(const Table& table, const RowKeys* before, const RowKeys* after, RowPointer row,
-              std::string& reason) const;
+  /// Changes the indexes from the entries `before` of a row to `after`, in a transaction; a null pointer stands for no
+  /// row. Fails if a unique index has the key already, or an index forbids the row: the transaction must then be
+  /// rolled back.
+  Status change(const Table& table, const RowKeys* before, const RowKeys* after, RowPointer row) const;
 
  private:
   std::vector<IndexKeyMaker> makers_;  // in the order of the definition's indexes

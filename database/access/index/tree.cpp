@@ -44,8 +44,8 @@ MutableBytes IndexTree::edit(PageNumber number) {
 
 // --- looking
 
-/// Finds the way to the leaf where the entry is or belongs. For an insertion nodes whose entries all lie
-/// before it are made to reach that far.
+/// Finds the path to the leaf where the entry is or belongs. For an insertion, nodes whose entries all lie before it
+/// are extended to it.
 bool IndexTree::descend(const IndexEntry& wanted, Purpose purpose, Path& path) {
   PageNumber number = root_;
   for (path.depth = 0; path.depth < deepestTree; ++path.depth) {
@@ -318,7 +318,7 @@ bool IndexTree::removePage(const Path& path, std::size_t depth) {
          removeChild(path, depth - 1);
 }
 
-/// Takes the child that the way goes through out of the node at `depth`.
+/// Removes the child that the path takes from the node at `depth`.
 bool IndexTree::removeChild(const Path& path, std::size_t depth) {
   const MutableBytes bytes = edit(path.steps[depth].page);
   if (bytes.empty()) {
@@ -388,9 +388,8 @@ bool IndexTree::makeTailAnEntry(IndexPageEditor& node) {
   return false;
 }
 
-/// T3: `greatest` has become the last entry of its leaf. The node entries above that still name another one
-/// are replaced, from the leaf upwards; the way is looked for anew after each, for a longer entry may divide
-/// its page.
+/// T3: `greatest` has become the last entry of its leaf. Replaces the node entries above that still name another one,
+/// from the leaf upwards. The path is found again after each, since a longer entry may divide its page.
 bool IndexTree::mendGreatest(const IndexEntry& greatest) {
   for (std::size_t round = 0; round <= deepestTree; ++round) {
     Path path;

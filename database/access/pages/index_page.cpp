@@ -133,7 +133,7 @@ std::optional<IndexEntry> IndexPage::entry(std::size_t offset, std::size_t stop,
   Bytes whole = area().subspan(offset, stop - offset);
   const std::size_t shared = offset == 0 ? 0 : prefix();
   if (shared != 0) {
-    // The prefix may reach into the row of a short entry, so the parts are joined before they are told apart.
+    // The prefix may reach into the row of a short entry, so the parts are joined first.
     scratch.assign(area().begin(), area().begin() + static_cast<std::ptrdiff_t>(shared));
     scratch.insert(scratch.end(), whole.begin(), whole.end());
     whole = scratch;

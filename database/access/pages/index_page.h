@@ -15,8 +15,8 @@
 
 namespace veltrano::access {
 
-/// What index entries are ordered by: first the key's bytes (a key that begins another one comes before it),
-/// then the row.
+/// Index entries are ordered by the bytes of the key (a key comes before those that it is the beginning of), then by
+/// the row.
 struct IndexEntry {
   Bytes key;
   RowPointer row;
@@ -52,7 +52,7 @@ class IndexPage {
   [[nodiscard]] PageNumber owner() const { return load32(&page_[4]); }
   [[nodiscard]] PageNumber previous() const { return load32(&page_[layout_->previousAt]); }
   [[nodiscard]] PageNumber next() const { return load32(&page_[layout_->nextAt]); }
-  /// Node: the child with the greatest entries, which has no entry of its own; 0 if there is none.
+  /// Node: the child with the greatest entries, which has no entry of its own; 0 for none.
   [[nodiscard]] PageNumber tail() const { return load32(&page_[layout_->tailAt]); }
   [[nodiscard]] std::uint8_t level() const { return page_[layout_->levelAt]; }
   [[nodiscard]] std::size_t prefix() const;
@@ -77,11 +77,11 @@ class IndexPage {
                                                 PageNumber* child = nullptr) const;
   /// Leaf: true if `entry`, seen earlier between these offsets, is still there.
   [[nodiscard]] bool holds(std::size_t offset, std::size_t stop, const IndexEntry& entry) const;
-  /// The first entry that is not before `wanted`; end() if there is none. `scratch` is for use in between.
+  /// The first entry that is not before `wanted`; end() if all are. `scratch` is working space.
   [[nodiscard]] std::size_t lowerBound(const IndexEntry& wanted, std::vector<std::uint8_t>& scratch) const;
 
  protected:
-  /// The last offset at which an entry begins that is not greater than `offset`.
+  /// Where the entry starts that holds the byte at `offset`.
   [[nodiscard]] std::size_t boundary(std::size_t offset) const;
   [[nodiscard]] std::uint64_t maskWord(std::size_t word) const;
   [[nodiscard]] Bytes area() const { return page_.subspan(layout_->areaAt); }

@@ -33,11 +33,11 @@ struct CatalogEntry {
   [[nodiscard]] bool isSystem() const { return (flags & 0x80000002) != 0; }
 };
 
-/// All objects, in the catalog's own order. Nothing when the catalog is damaged.
+/// All objects, in the catalog's own order. Empty if the catalog is damaged.
 std::optional<std::vector<CatalogEntry>> readCatalog(Pager& pager);
 
-/// The definition of the table of that name (in any case), with the properties that the catalog has of its
-/// columns. Nothing, with a reason, when there is none, or it is a query or lies in another file.
+/// The definition of the table of that name (in any case), with the properties of its columns from the catalog. Empty,
+/// with a reason, if there is no such table, or it is a query, lies in another file or cannot be read.
 std::optional<TableDefinition> findTable(Pager& pager, std::string_view name, std::string& reason);
 
 }  // namespace veltrano::access

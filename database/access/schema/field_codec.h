@@ -1,8 +1,7 @@
 #ifndef VELTRANO_DATABASE_ACCESS_SCHEMA_FIELD_CODEC_H
 #define VELTRANO_DATABASE_ACCESS_SCHEMA_FIELD_CODEC_H
 
-// What the bytes of a cell mean: towards text, towards a comparison, towards index keys, and from assigned
-// values.
+// What the bytes of a cell mean: as text, in comparisons, in index keys, and made of assigned values.
 
 #include <optional>
 #include <string>
@@ -16,20 +15,19 @@
 
 namespace veltrano::access {
 
-/// Replaces `text` by the text of a cell, as field_to_text.h has it. False, and an empty text, for what is
-/// damaged, null after all (a memo cell without bytes), or of a type without a text.
+/// Replaces `text` by the text of a cell, as field_to_text.h has it. False, with an empty text, if the cell is
+/// damaged, a memo cell without bytes (which is a null), or of a type without text.
 bool cellToText(Pager& pager, const Column& column, Bytes cell, std::string& text);
 
-/// True when the cell's text is what the matcher looks for. Texts are compared as they are stored.
+/// True if the matcher matches the cell's text. Texts are compared as they are stored.
 bool cellMatches(Pager& pager, const Column& column, Bytes cell, const TextMatcher& matcher);
 
-/// The value of a cell as index keys are made of it: part of `cell` or of `buffer`. Nothing when it is
-/// damaged.
+/// The value of a cell as index keys are made of it: part of `cell` or of `buffer`. Empty if it is damaged.
 std::optional<StoredValue> cellToStored(Pager& pager, const Column& column, std::optional<Bytes> cell,
                                         std::vector<std::uint8_t>& buffer);
 
 /// The cell for an assigned value. For a memo or OLE column the cell's bytes are the value itself, not yet
-/// stored. Nothing when it does not convert or fit. Nulls are not for this function.
+/// stored. Empty if the value does not convert or fit. Nulls are not for this function.
 std::optional<std::vector<std::uint8_t>> valueToCell(const Column& column, const Value& value);
 
 }  // namespace veltrano::access

@@ -9,11 +9,10 @@
 
 namespace veltrano::access {
 
-// Compressed text: FF FE, then a state machine that begins in one-byte mode.
+// Compressed text: FF FE, then a state machine that starts in one-byte mode.
 //   one-byte mode: a byte is the character U+0001 to U+00FF; 00 switches to two-byte mode
-//   two-byte mode: UTF-16 units; a 00 byte where a unit would begin switches back
-// The text may end in either mode. Since a 00 byte switches, no unit with a zero byte occurs in two-byte
-// mode.
+//   two-byte mode: UTF-16 units; a 00 byte where a unit would start switches back
+// The text may end in either mode. Since a 00 byte switches, no unit with a zero byte occurs in two-byte mode.
 
 namespace {
 

@@ -22,13 +22,12 @@ bool isKnownCodePage(std::uint16_t codePage);
 /// (base/text/wtf8.h).
 void appendUtf16AsUtf8(Bytes bytes, std::string& text);
 
-/// True for text that begins with the mark of the compressed form.
+/// True for text that starts with the mark of the compressed form.
 inline bool isCompressed(Bytes stored) {
   return stored.size() >= 2 && stored[0] == 0xFF && stored[1] == 0xFE;
 }
 
-/// When the compressed text `stored` is one byte a character throughout, these bytes; an empty pointer if
-/// not.
+/// The characters of compressed text if it is one byte a character throughout, otherwise an empty pointer.
 Bytes plainLatin1(Bytes stored);
 
 /// Replaces `text` by the stored text of a Jet 4 column, compressed or not, in UTF-8 (as above).

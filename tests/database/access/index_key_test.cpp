@@ -40,7 +40,6 @@ struct TestIndex {
   TableDefinition table;
   Index index;
   Version version = Version::jet4;
-  std::string reason;
 
   void add(ColumnType type, bool ascending, std::uint8_t orderVersion = 0) {
     Column column;
@@ -51,7 +50,9 @@ struct TestIndex {
     table.columns.push_back(column);
     index.columns.push_back({column.number, ascending});
   }
-  std::optional<IndexKeyMaker> maker() { return IndexKeyMaker::create(version, 1033, table, index, reason); }
+  [[nodiscard]] Result<IndexKeyMaker> maker() const {
+    return IndexKeyMaker::create(version, 1033, table, index);
+  }
 };
 
 std::string keyOf(ColumnType type, bool ascending, const std::vector<std::uint8_t>& stored,
@@ -207,7 +208,7 @@ TEST(IndexKey, RefusesWhatItCannotOrder) {
   german.add(ColumnType::text, true);
   german.table.columns[0].language = 1031;
   EXPECT_FALSE(german.maker());
-  EXPECT_NE(german.reason.find("language"), std::string::npos);
+  EXPECT_NE(german.maker().status().reason().find("language"), std::string::npos);
 
   TestIndex byDefault;
   byDefault.add(ColumnType::text, true);
