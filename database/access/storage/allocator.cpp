@@ -43,7 +43,7 @@ bool makeGlobalReference(Pager& pager, const MapRow& row) {
   const std::vector<PageNumber> freePages = row.pages();
   const PageNumber pages = pager.pageCount();
   const std::size_t bitmaps = pages / bitsOfPage(pager) + 2;
-  const bool fits = (pages + bitmaps) * pager.pageSize() <= maximumFileSize(pager.version());
+  const bool fits = std::uint64_t{pages + bitmaps} * pager.pageSize() <= maximumFileSize(pager.version());
   const MutableBytes bytes = fits ? row.edit(pager) : MutableBytes();
   if (bytes.empty()) {
     return false;

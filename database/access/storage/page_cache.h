@@ -27,6 +27,7 @@ struct Frame {
   bool unwritten = false;       ///< what was committed is not in the database file yet
   bool changed = false;         ///< by the current transaction
   bool unwrittenAfter = false;  ///< what `unwritten` becomes when the transaction is committed
+  std::uint64_t editedAt = 0;   ///< the number of the last call that let its bytes be changed
   std::size_t changedAt = 0;    ///< its place in the list of changed frames
   std::uint32_t size = 0;
   std::unique_ptr<std::uint8_t[]> bytes;

@@ -45,6 +45,7 @@ struct Pager::State {
   bool broken = false;  // a rollback failed: what the cache has is not what was committed
   bool transaction = false;
   bool wroteEarly = false;  // the transaction has pages of its own in the file
+  std::uint64_t edits = 0;  // calls of edit and append
   std::vector<Frame*> changed;
   std::vector<std::unique_ptr<std::uint8_t[]>> spareBuffers;
   std::vector<std::uint8_t> encodedBefore;
@@ -101,7 +102,8 @@ Frame* Pager::State::load(PageNumber page) {
 // for the next one.
 bool Pager::State::mayGiveUp(Frame& frame) {
   if (frame.changed) {
-    if (frame.number < committedPages || !writeEarly(frame)) {
+    // P7
+    if (frame.number < committedPages || edits - frame.editedAt <= editsInPlace || !writeEarly(frame)) {
       return false;
     }
     unlist(frame);
@@ -140,6 +142,7 @@ bool Pager::State::writeEarly(Frame& frame) {
 }
 
 void Pager::State::startChange(Frame& frame) {
+  frame.editedAt = ++edits;
   if (frame.changed) {
     return;
   }

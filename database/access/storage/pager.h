@@ -28,7 +28,8 @@
 //      the file is on the disk.
 //  P5  A journal with a valid record is applied by the next open before anything else is read (recovery.h).
 //  P6  A file is read only if its length is not a whole number of pages, or no journal can be made.
-//  P7  A frame of the cache that is pinned by a view, or changed, keeps its place in memory.
+//  P7  A frame of the cache that is pinned by a view keeps its place in memory; so does a changed one, unless
+//      its page was added by the transaction and `editsInPlace` other calls of edit and append came since.
 //  P8  Page 0 is never written, except by the creation of a file.
 //
 // States:
@@ -90,6 +91,8 @@ class Pager {
     FileSystem* files = nullptr;
   };
 
+  static constexpr std::uint64_t editsInPlace = 64;
+
   /// Opens a file: takes its lock, applies the journal that a killed process left, checks header and
   /// password. Null if that is impossible; `reason` then says why. Opens for reading only if the file cannot
   /// be written.
@@ -117,9 +120,9 @@ class Pager {
   /// Begins a transaction. False if the file is open for reading only, broken or already in one.
   bool begin();
   [[nodiscard]] bool inTransaction() const;
-  /// The page for changing, in a transaction: its bytes may be changed until that ends. Empty when it cannot
-  /// be read or there is no transaction; the transaction is then to be rolled back. The same memory as that
-  /// of `read` views.
+  /// The page for changing, in a transaction. Empty if it cannot be read or there is no transaction; the
+  /// transaction is then to be rolled back. The same memory as that of `read` views. It stays the page's for
+  /// the next `editsInPlace` calls of edit and append, and as long as a view of the page lives.
   MutableBytes edit(PageNumber page);
   /// A page of zeros after the last one, for changing. `noPage` if the file would grow beyond its limit.
   /// To be used by the allocator (allocator.h), which keeps the map of free pages.

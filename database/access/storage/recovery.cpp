@@ -61,7 +61,7 @@ ChangedPage* Recovery::page(std::uint64_t number) {
 }
 
 bool Recovery::add(const Change& change) {
-  const std::size_t begin = change.offset % pageSize_;
+  const auto begin = static_cast<std::size_t>(change.offset % pageSize_);
   ChangedPage* page =
       begin + change.after.size() <= pageSize_ ? this->page(change.offset / pageSize_) : nullptr;
   if (page == nullptr) {

@@ -77,7 +77,7 @@ class SimulatedDisk::File final : public RandomAccessFile {
       : disk_(disk), name_(std::move(name)), stored_(std::move(stored)) {}
 
   std::optional<std::size_t> readAt(std::uint64_t offset, MutableBytes target) override {
-    const std::size_t from = std::min<std::size_t>(offset, stored_->now.size());
+    const std::size_t from = std::min(static_cast<std::size_t>(offset), stored_->now.size());
     const std::size_t size = std::min(target.size(), stored_->now.size() - from);
     std::copy_n(stored_->now.begin() + static_cast<std::ptrdiff_t>(from), size, target.begin());
     return size;
@@ -140,12 +140,13 @@ inline void SimulatedDisk::put(const std::string& name, std::string content) {
 }
 
 inline void SimulatedDisk::apply(std::string& content, const Write& write) {
+  const auto offset = static_cast<std::size_t>(write.offset);
   if (write.bytes.empty()) {
-    content.resize(write.offset);
+    content.resize(offset);
     return;
   }
-  content.resize(std::max<std::size_t>(content.size(), write.offset + write.bytes.size()));
-  content.replace(write.offset, write.bytes.size(), write.bytes);
+  content.resize(std::max(content.size(), offset + write.bytes.size()));
+  content.replace(offset, write.bytes.size(), write.bytes);
 }
 
 inline std::unique_ptr<RandomAccessFile> SimulatedDisk::open(const std::filesystem::path& file, OpenMode mode,

@@ -33,7 +33,7 @@ std::string nameOf(int version) {
          std::string(static_cast<std::size_t>(version % 40), 'x');
 }
 std::string notesOf(int version) {
-  constexpr std::array<int, 8> most = {10, 60, 60, 500, 500, 3000, 9000, 150000};
+  constexpr std::array<int, 8> most = {10, 60, 60, 500, 500, 3000, 9000, 400000};
   const int length = 1 + version * 31 % most[static_cast<std::size_t>(version) % most.size()];
   return std::string(static_cast<std::size_t>(length), static_cast<char>('a' + version % 26));
 }
