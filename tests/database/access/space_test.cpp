@@ -32,7 +32,9 @@ class Rows {
   explicit Rows(const OpenedFile& file) : pager_(file.pager()) {
     std::string reason;
     table_.emplace(pager_, findTable(pager_, "Rows", reason).value());
-    writer_.emplace(TableWriter::create(*table_, reason).value());
+    auto writer = TableWriter::create(*table_);
+    EXPECT_TRUE(writer) << writer.status().reason();
+    writer_.emplace(*std::move(writer));
   }
   [[nodiscard]] PageNumber pages() const { return pager_.pageCount(); }
   Pager& pager() { return pager_; }
@@ -54,7 +56,8 @@ class Rows {
   }
   std::optional<RowPointer> add(int rowBytes, int longBytes) {
     auto drafts = record(rowBytes, longBytes);
-    return writer_->insert(drafts);
+    const auto row = writer_->insert(drafts);
+    return row ? std::optional(*row) : std::nullopt;
   }
 
  private:
@@ -225,7 +228,8 @@ TEST_F(Space, AFullFileLetsRecordsBeDeleted) {
   Rows rows(file);
   ASSERT_FALSE(rows.add(1600, 0)) << "it is full";
   for (std::size_t i = 0; i < places.size(); i += 5) {
-    ASSERT_TRUE(rows.writer().remove(places[i])) << i << ": " << rows.writer().lastError();
+    const Status removed = rows.writer().remove(places[i]);
+    ASSERT_TRUE(removed) << i << ": " << removed.reason();
   }
   EXPECT_TRUE(rows.add(1600, 300)) << "where a deleted one was";
   EXPECT_EQ(file.check(), "");
@@ -254,7 +258,8 @@ TEST_F(Space, DamagedLongValuesLetTheirRecordBeDeleted) {
   disk_.put("a.mdb", content);
   OpenedFile file("a.mdb", &disk_);
   Rows rows(file);
-  EXPECT_TRUE(rows.writer().remove(place)) << rows.writer().lastError();
+  const Status removed = rows.writer().remove(place);
+  EXPECT_TRUE(removed) << removed.reason();
 }
 
 }  // namespace
