@@ -27,7 +27,8 @@ WScript.Echo lists & "; " & ini.GetIniValue(folder & "\a.ini", "key", "none") & 
 
 Function Shape(list)
     If IsArray(list) Then
-        Shape = "[" & Join(list, ",") & "]"
+        Shape = "array " & UBound(list)
+        If UBound(list) >= 0 Then Shape = Shape & " last [" & list(UBound(list)) & "]"
     Else
         Shape = TypeName(list)
     End If

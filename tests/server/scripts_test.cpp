@@ -127,7 +127,7 @@ TEST_F(Scripts, StoreTheirDatesAndTextsAsTheyAre) {
 }
 
 TEST_F(Scripts, UseEveryClass) {
-  EXPECT_EQ("new []; keys [Width,Height,]; missing []; emptied Empty; Value False 2,1,3",
+  EXPECT_EQ("new array -1; keys array 2 last []; missing array -1; emptied Empty; Value False 2,1,3",
             runScript("classes.vbs", folder_));
   EXPECT_NE(std::string::npos, readFile(folder_ / "places.kml").find("0.125,51.5,10"));
   EXPECT_NE(
