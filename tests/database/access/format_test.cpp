@@ -45,8 +45,8 @@ TEST(StoredText, IsDecoded) {
       {"surrogates", {0x3D, 0xD8, 0x00, 0xDE}, "\xF0\x9F\x98\x80"},
       {"lone surrogates",
        {0x3D, 0xD8, 0x41, 0, 0x00, 0xDE},
-       "\xEF\xBF\xBD"
-       "A\xEF\xBF\xBD"},
+       "\xED\xA0\xBD"
+       "A\xED\xB8\x80"},
       {"odd byte at the end", {0x41, 0, 0x42}, "A"},
       {"compressed, nothing", {0xFF, 0xFE}, ""},
       {"compressed Latin-1, not 1252", {0xFF, 0xFE, 0x41, 0xE9, 0x80}, "A\xC3\xA9\xC2\x80"},

@@ -204,8 +204,8 @@ TEST_F(PatchedFile, DamagedJournalsAreNotFollowed) {
       people->edit();
       people->write("Name", "somebody else");
       people->update();
-      died = files.dead();
     }
+    died = files.dead();
     const auto record = died ? readWholeFile(journal) : std::nullopt;
     if (!record) {
       continue;
