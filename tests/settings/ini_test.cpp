@@ -135,7 +135,7 @@ TEST_F(IniFiles, RandomTextsObeyTheRules) {
     for (std::size_t i = 0; i < lines.size(); ++i) {
       ASSERT_EQ(changedLines[i], belongsTo(lines[i], key) ? key + u"=new" : lines[i]) << round;
     }
-    if (round % 10 == 0) {
+    if (round % 50 == 0) {  // each waits for the disk
       put(utf16ToAnsi(text));
       ASSERT_EQ(ini.GetIniValue(file, key, absent), expected) << round;
       ini.SetIniValue(file, key, u"new");
