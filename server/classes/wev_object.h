@@ -1,8 +1,8 @@
 #ifndef VELTRANO_SERVER_CLASSES_WEV_OBJECT_H
 #define VELTRANO_SERVER_CLASSES_WEV_OBJECT_H
 
-#include "veltrano/wev.h"
 #include "server/com/automation_object.h"
+#include "veltrano/wev.h"
 
 namespace veltrano::server {
 
