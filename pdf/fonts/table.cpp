@@ -14,7 +14,8 @@ namespace {
 constexpr std::string_view extension = ".afm";
 
 bool namesMetrics(const std::string& path) {
-  return !std::ranges::search(path, extension, {}, lowerAscii<char>).empty();
+  const auto sameLetter = [](char a, char b) { return lowerAscii(a) == b; };
+  return std::search(path.begin(), path.end(), extension.begin(), extension.end(), sameLetter) != path.end();
 }
 
 }  // namespace
