@@ -301,7 +301,7 @@ Sub Cells()
     pdf.PDFSetFill = False
     pdf.PDFSetAlignement = JUSTIFIED
     pdf.PDFCell "A longer text is broken at the blanks that fit, its lines are stretched to both margins, and its last " & _
-        "line stays as it is. A word longer than its cell is broken where it must be.", 150, 114, 132, 16
+        "line stays as it is. A word is never cut.", 150, 114, 132, 16
 End Sub
 
 Sub Edges(digits, y)
