@@ -23,7 +23,7 @@ bool keepCopy(const std::filesystem::path& file) {
   }
   std::filesystem::path copy = file;
   copy += ".bak";
-  return static_cast<bool>(replaceFile(copy, *content, Durability::power));
+  return static_cast<bool>(replaceFileAs(file, copy, *content, Durability::power));
 }
 
 }  // namespace

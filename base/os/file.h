@@ -54,7 +54,8 @@ class File {
   Status sync();
   /// Gives the file the owner and the permissions of `model`, as far as the user may, or what the system has in
   /// their place (access list, attributes, time of creation).
-  void takeRightsOf(const std::filesystem::path& model);
+  /// False if that would give the file to somebody else: the user may not keep its owner or group.
+  bool takeRightsOf(const std::filesystem::path& model);
   /// False for devices, pipes and folders.
   bool onDisk();
 

@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -59,20 +60,20 @@ struct HowToOpen {
 HowToOpen howTo(Opening opening) {
   constexpr mode_t everybody = 0666;
   constexpr mode_t owner = 0600;
-  // Without waiting, lest a pipe of that name hang the host.
+  // Without waiting, lest a pipe without another end hang the host.
   switch (opening) {
     case Opening::read:
-      return {O_RDONLY, unlocked, 0};
+      return {O_RDONLY | O_NONBLOCK, unlocked, 0};
     case Opening::write:
-      return {O_WRONLY, unlocked, 0};
+      return {O_WRONLY | O_NONBLOCK, unlocked, 0};
     case Opening::change:
-      return {O_RDWR, unlocked, 0};
+      return {O_RDWR | O_NONBLOCK, LOCK_EX, 0};
     case Opening::createNew:
       return {O_WRONLY | O_CREAT | O_EXCL, unlocked, everybody};
     case Opening::createPrivate:
       return {O_WRONLY | O_CREAT | O_EXCL, unlocked, owner};
     case Opening::append:
-      return {O_WRONLY | O_CREAT | O_APPEND, LOCK_EX, everybody};
+      return {O_WRONLY | O_NONBLOCK | O_CREAT | O_APPEND, LOCK_EX, everybody};
     case Opening::lockedRead:
       return {O_RDONLY | O_NONBLOCK, LOCK_SH, 0};
     case Opening::lockedChange:
@@ -92,15 +93,16 @@ Status lock(int descriptor, Opening opening, int operation) {
   if (operation == unlocked) {
     return {};
   }
+  const bool isText = opening == Opening::append || opening == Opening::change;
   if (!isRegular(descriptor)) {
-    return opening == Opening::append ? Status() : Status(Failure::other, "not a regular file");
+    return isText ? Status() : Status(Failure::other, "not a regular file");
   }
   // The lock belongs to this opening of the file, so it also keeps two users within one process apart.
   if (::flock(descriptor, operation | LOCK_NB) == 0) {
     return {};
   }
   // Some network file systems have no locks; their text files can be written all the same.
-  return opening == Opening::append && errno != EWOULDBLOCK ? Status() : failureOf(errno);
+  return isText && errno != EWOULDBLOCK ? Status() : failureOf(errno);
 }
 
 /// Repeats `call`, which moves up to as many bytes as it is told and answers how many, until all are moved or
@@ -157,6 +159,15 @@ Result<File> File::open(const std::filesystem::path& file, Opening opening) {
   }
   if (Status locked = lock(descriptor.get(), opening, how.lock); !locked) {
     return locked;
+  }
+  if ((how.flags & O_NONBLOCK) != 0 && !isRegular(descriptor.get())) {
+    if (opening == Opening::read) {
+      // The other end of a pipe may be about to come.
+      constexpr int milliseconds = 1000;
+      pollfd readable = {descriptor.get(), POLLIN, 0};
+      ::poll(&readable, 1, milliseconds);
+    }
+    ::fcntl(descriptor.get(), F_SETFL, how.flags & O_APPEND);
   }
   return File(std::make_unique<State>(State{std::move(descriptor), file}));
 }
@@ -220,16 +231,16 @@ Status File::sync() {
   return watched ? answerOf(::fsync(state_->number())) : watched;
 }
 
-void File::takeRightsOf(const std::filesystem::path& model) {
-  struct stat status = {};
-  if (::stat(model.c_str(), &status) != 0) {
-    return;
+bool File::takeRightsOf(const std::filesystem::path& model) {
+  struct stat wanted = {};
+  struct stat own = {};
+  if (::stat(model.c_str(), &wanted) != 0 || ::fstat(state_->number(), &own) != 0) {
+    return false;
   }
-  // Only the superuser can keep the owner; otherwise the file is simply the writer's.
-  if (::fchown(state_->number(), status.st_uid, status.st_gid) != 0) {
-    errno = 0;
-  }
-  ::fchmod(state_->number(), status.st_mode & 07777);
+  // Only the superuser may give a file to another user. The rights of a group are not for another one.
+  const bool sameOwner = own.st_uid == wanted.st_uid && own.st_gid == wanted.st_gid;
+  return (sameOwner || ::fchown(state_->number(), wanted.st_uid, wanted.st_gid) == 0) &&
+         ::fchmod(state_->number(), wanted.st_mode & 07777) == 0;
 }
 
 bool File::onDisk() {

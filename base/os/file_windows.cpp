@@ -249,7 +249,7 @@ Status File::sync() {
   return watched ? answerOf(FlushFileBuffers(state_->handle.get())) : watched;
 }
 
-void File::takeRightsOf(const std::filesystem::path& model) {
+bool File::takeRightsOf(const std::filesystem::path& model) {
   const HANDLE handle = state_->handle.get();
   WIN32_FILE_ATTRIBUTE_DATA old = {};
   if (GetFileAttributesExW(model.c_str(), GetFileExInfoStandard, &old) != 0) {
@@ -264,6 +264,7 @@ void File::takeRightsOf(const std::filesystem::path& model) {
   if (!rights.empty() && rights != accessListOf(state_->name)) {
     SetKernelObjectSecurity(handle, DACL_SECURITY_INFORMATION, rights.data());
   }
+  return true;
 }
 
 bool File::onDisk() {

@@ -141,14 +141,15 @@ struct Replacement {
   bool inPlaceMayWork = false;
 };
 
-Replacement replaceByRenaming(const std::filesystem::path& target, bool exists, Pieces pieces,
-                              Durability durability, Patience& patience) {
-  auto temporary = TemporaryFile::createBeside(target, exists);
+/// `model`: the file whose rights the new one gets; empty if there is none.
+Replacement replaceByRenaming(const std::filesystem::path& target, const std::filesystem::path& model,
+                              Pieces pieces, Durability durability, Patience& patience) {
+  auto temporary = TemporaryFile::createBeside(target, !model.empty());
   if (!temporary) {
     return {temporary.status(), temporary.failure() != Failure::full};
   }
-  if (exists) {
-    temporary->file().takeRightsOf(target);
+  if (!model.empty() && !temporary->file().takeRightsOf(model)) {
+    return {Status(Failure::notAllowed, "the file belongs to somebody else"), true};
   }
   if (Status status = writePieces(temporary->file(), pieces, durability); !status) {
     // A disk that is full or broken: the old content is the best there is.
@@ -235,7 +236,8 @@ Status replace(const std::filesystem::path& file, Pieces pieces, Durability dura
     return {Failure::notAllowed, "the file is read-only"};
   }
   Patience patience;
-  Replacement replacement = replaceByRenaming(target, exists, pieces, durability, patience);
+  Replacement replacement =
+      replaceByRenaming(target, exists ? target : std::filesystem::path(), pieces, durability, patience);
   if (replacement.status || !replacement.inPlaceMayWork) {
     return std::move(replacement.status);
   }
@@ -261,6 +263,18 @@ Status replaceFile(const std::filesystem::path& file, std::span<const std::strin
 
 Status replaceFile(const std::filesystem::path& file, std::string_view content, Durability durability) {
   return replaceFile(file, std::span(&content, 1), durability);
+}
+
+Status replaceFileAs(const std::filesystem::path& model, const std::filesystem::path& file,
+                     std::string_view content, Durability durability) {
+  Patience patience;
+  Status status = kindOf(file) == FileKind::folder
+                      ? Status(Failure::notAllowed, "a folder has this name")
+                      : replaceByRenaming(file, model, std::span(&content, 1), durability, patience).status;
+  if (!status) {
+    traceFailure("replaceFile", status, file);
+  }
+  return status;
 }
 
 }  // namespace veltrano

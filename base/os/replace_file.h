@@ -23,12 +23,18 @@ enum class Durability {
 /// If that fails too, or the disk is full, the file keeps its old content; one that did not exist is not made.
 /// What another program prevents for a moment is tried again for some 30 milliseconds.
 ///
-/// A link keeps pointing to its target, whose permissions are kept; a read-only file is refused. A device or
-/// pipe is written to directly.
+/// A link keeps pointing to its target, whose owner and permissions are kept: a file that a new one could not
+/// be given the owner of is written in place. A read-only file is refused. A device or pipe is written to
+/// directly.
 Status replaceFile(const std::filesystem::path& file, std::span<const std::string_view> pieces,
                    Durability durability = Durability::process);
 Status replaceFile(const std::filesystem::path& file, std::string_view content,
                    Durability durability = Durability::process);
+
+/// The same with the owner and permissions of `model`, for copies that must be as private as that. Never in
+/// place.
+Status replaceFileAs(const std::filesystem::path& model, const std::filesystem::path& file,
+                     std::string_view content, Durability durability);
 
 }  // namespace veltrano
 

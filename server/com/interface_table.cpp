@@ -167,7 +167,7 @@ bool InterfaceTable::addMember(ITypeInfo& type, const FUNCDESC& function, const 
   const bool follows = !members_.empty() && members_.back().id == function.memid;
   // Ids count from 1 in the order of the interface, so that they index the table.
   if (names.empty() || count > mostParameters ||
-      (!follows && function.memid != static_cast<DISPID>(first_.size() + 1))) {
+      (!follows && function.memid != static_cast<DISPID>(first_.size()) + 1)) {
     return false;
   }
   Member member;

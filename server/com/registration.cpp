@@ -131,9 +131,9 @@ LSTATUS writeEntry(const Root& root, const Entry& entry) {
   if (status != ERROR_SUCCESS) {
     return status;
   }
-  const auto size = static_cast<DWORD>((entry.data.size() + 1) * sizeof(wchar_t));
-  status =
-      RegSetValueExW(key, entry.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(entry.data.c_str()), size);
+  const std::size_t size = (entry.data.size() + 1) * sizeof(wchar_t);
+  status = RegSetValueExW(key, entry.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(entry.data.c_str()),
+                          static_cast<DWORD>(size));
   RegCloseKey(key);
   return status;
 }

@@ -6,6 +6,7 @@
 #endif
 
 #include <algorithm>
+#include <chrono>
 #include <random>
 #include <thread>
 
@@ -53,9 +54,15 @@ TEST(ReadFile, PipesToTheirEnd) {
   const auto pipe = folder / "pipe";
   ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   const std::string content = noise(300'000);
-  std::thread writer([&] { EXPECT_TRUE(replaceFile(pipe, content)); });
-  EXPECT_TRUE(readWholeFile(pipe) == content);
-  writer.join();
+  std::thread reader([&] { EXPECT_TRUE(readWholeFile(pipe) == content); });
+  bool written = false;
+  // Nobody waits for a reader that may never come.
+  for (int attempt = 0; attempt < 500 && !written; ++attempt) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    written = static_cast<bool>(replaceFile(pipe, content));
+  }
+  EXPECT_TRUE(written);
+  reader.join();
 }
 #endif
 

@@ -1,6 +1,10 @@
 #include "base/os/replace_file.h"
 
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
 
 #include <fstream>
 #include <thread>
@@ -229,6 +233,55 @@ TEST(ReplaceFile, WritesWhereTheUserMayNotMakeFiles) {
   EXPECT_EQ(readWholeFile(folder / "a"), "new content");
   EXPECT_FALSE(replaceFile(folder / "b", "new content"));
   EXPECT_EQ(entriesOf(folder.path()), 1U);
+}
+
+TEST(ReplaceFile, WritersInPlaceTakeTurns) {
+  const TemporaryFolder folder;
+  const auto file = folder / "a";
+  ASSERT_TRUE(replaceFile(file, "old"));
+  const tests::NoNewFilesIn unwritable(folder.path());
+  if (!unwritable.enforced()) {
+    GTEST_SKIP() << "the superuser cannot become another user";
+  }
+  const auto write = [&](char letter) {
+    for (std::size_t round = 0; round < 400; ++round) {
+      replaceFile(file, std::string(1 + round * 37 % 5000, letter));
+    }
+  };
+  std::thread other(write, 'o');
+  write('m');
+  other.join();
+  const std::string left = readWholeFile(file).value();
+  EXPECT_TRUE(!left.empty() && left.find_first_not_of(left[0]) == std::string::npos);
+}
+
+TEST(ReplaceFile, TheFileOfSomebodyElseStaysHis) {
+  const TemporaryFolder folder;
+  const auto file = folder / "a";
+  constexpr uid_t somebody = 1;
+  constexpr uid_t nobody = 65534;
+  ASSERT_TRUE(replaceFile(file, "old"));
+  fs::permissions(file, fs::perms(0666));
+  fs::permissions(folder.path(), fs::perms(0777));
+  if (::geteuid() != 0 || ::chown(file.c_str(), somebody, somebody) != 0) {
+    GTEST_SKIP() << "only the superuser can give files away";
+  }
+  ASSERT_EQ(::seteuid(nobody), 0);
+  const bool replaced = static_cast<bool>(replaceFile(file, "new content"));
+  ASSERT_EQ(::seteuid(0), 0);
+  EXPECT_TRUE(replaced);
+  EXPECT_EQ(readWholeFile(file), "new content");
+  struct stat status = {};
+  ASSERT_EQ(::stat(file.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, somebody);
+  EXPECT_EQ(entriesOf(folder.path()), 1U);
+}
+
+TEST(ReplaceFile, APipeWithoutAnotherEndHangsNobody) {
+  const TemporaryFolder folder;
+  ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
+  EXPECT_FALSE(replaceFile(folder / "pipe", "text"));
+  EXPECT_EQ(readWholeFile(folder / "pipe").value_or(""), "");
 }
 
 TEST(ReplaceFile, LinksAndRightsSurvive) {

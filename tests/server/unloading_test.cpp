@@ -97,8 +97,9 @@ TEST(Unloading, HappensUntilTheFirstObjectIsMade) {
     EXPECT_FALSE(isLoaded()) << name;
     std::printf("%s: %d bytes and %.2f handles a round\n", name, static_cast<int>(left.bytes) / rounds,
                 static_cast<double>(left.handles) / rounds);
-    // The compiler's runtime leaves as much of a DLL of ten lines.
-    EXPECT_GE(rounds * 20000U, left.bytes) << name;
+    // The compiler's runtime leaves as much of a DLL of ten lines: its reserve for exceptions, above all, which has
+    // 73 KB in 64 bits.
+    EXPECT_GE(rounds * (sizeof(void*) == 8 ? 80000U : 20000U), left.bytes) << name;
     EXPECT_GE(rounds * 4, left.handles) << name;
   }
 }

@@ -165,9 +165,14 @@ TEST_F(XmlSettings, AMalformedFileStaysUntilASettingIsSavedAndIsKeptThen) {
   xml.XML_SaveSetting("not a name", "K", "2");
   EXPECT_EQ(saved(), malformed);
   EXPECT_FALSE(fs::exists(copy));
+  // The copy is as private as the file.
+  constexpr auto ownerOnly = fs::perms::owner_read | fs::perms::owner_write;
+  fs::permissions(file, ownerOnly);
+  const auto rights = fs::status(file).permissions();
   xml.XML_SaveSetting("A", "K", "2");
   EXPECT_EQ(saved(), "<XML><A><K>2</K></A></XML>");
   EXPECT_EQ(readWholeFile(copy), malformed);
+  EXPECT_EQ(fs::status(copy).permissions(), rights);
   // What was read or written as settings is no reason for another copy, nor is an empty file.
   xml.XML_SaveSetting("A", "K", "3");
   EXPECT_EQ(saved(), "<XML><A><K>3</K></A></XML>");

@@ -18,25 +18,6 @@ namespace {
 
 constexpr std::size_t markSize = 2;
 
-void appendUtf8(char32_t c, std::string& text) {
-  const auto put = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-  if (c < 0x80) {
-    put(c);
-  } else if (c < 0x800) {
-    put(0xC0 | (c >> 6));
-    put(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    put(0xE0 | (c >> 12));
-    put(0x80 | ((c >> 6) & 0x3F));
-    put(0x80 | (c & 0x3F));
-  } else {
-    put(0xF0 | (c >> 18));
-    put(0x80 | ((c >> 12) & 0x3F));
-    put(0x80 | ((c >> 6) & 0x3F));
-    put(0x80 | (c & 0x3F));
-  }
-}
-
 void appendLatin1AsUtf8(Bytes bytes, std::string& text) {
   // Most texts are plain ASCII, which is UTF-8 as it stands.
   constexpr std::uint64_t highBits = 0x8080808080808080;
@@ -49,7 +30,7 @@ void appendLatin1AsUtf8(Bytes bytes, std::string& text) {
     if (byte < 0x80) {
       text.push_back(static_cast<char>(byte));
     } else {
-      appendUtf8(byte, text);
+      appendUtf8(text, byte);
     }
   }
 }
@@ -65,7 +46,7 @@ std::optional<std::string> codePageToUtf8(std::uint16_t codePage, Bytes bytes) {
     std::string text;
     text.reserve(bytes.size());
     for (const std::uint8_t byte : bytes) {
-      appendUtf8(byte < 0x80 ? char32_t{byte} : char32_t{table[byte - 0x80U]}, text);
+      appendUtf8(text, byte < 0x80 ? char32_t{byte} : char32_t{table[byte - 0x80U]});
     }
     return text;
   }
@@ -92,18 +73,16 @@ bool isKnownCodePage(std::uint16_t codePage) {
 void appendUtf16AsUtf8(Bytes bytes, std::string& text) {
   const std::size_t size = bytes.size() & ~std::size_t{1};
   for (std::size_t i = 0; i < size; i += 2) {
-    const std::uint16_t unit = load16(bytes.data() + i);
+    const char32_t unit = load16(bytes.data() + i);
     if (unit < 0x80) {
       text.push_back(static_cast<char>(unit));
-    } else if ((unit & 0xF800) != 0xD800) {
-      appendUtf8(unit, text);
-    } else if (const std::uint16_t low = i + 2 < size ? load16(bytes.data() + i + 2) : std::uint16_t{0};
-               unit < 0xDC00 && (low & 0xFC00) == 0xDC00) {
-      appendUtf8(0x10000 + ((char32_t{unit} & 0x3FF) << 10) + (low & 0x3FFU), text);
-      i += 2;
-    } else {
-      appendUtf8(unit, text);
+      continue;
     }
+    // A lone surrogate stays what it is.
+    const char32_t next = i + 2 < size ? load16(bytes.data() + i + 2) : 0;
+    const bool pair = isHighSurrogate(unit) && isLowSurrogate(next);
+    appendUtf8(text, pair ? fromSurrogates(unit, next) : unit);
+    i += pair ? 2 : 0;
   }
 }
 
