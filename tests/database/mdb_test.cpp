@@ -159,6 +159,10 @@ TEST_F(VeltranoMdb, StoresEveryKindAndTakesItsTextAgain) {
     first_.MoveLast();
     EXPECT_EQ(first_.ReadRecord_String(field), text) << "written again as it was read";
   }
+  first_.AddNew();
+  for (const char* field : {"Words", "Long words"}) {
+    EXPECT_FALSE(first_.WriteRecord(field, "\xEF\xBB\xBFtext")) << "the file would read it as compressed";
+  }
 }
 
 TEST_F(VeltranoMdb, TwoObjectsSeeEachOthersChanges) {

@@ -245,6 +245,11 @@ OptionalCell textCell(const Column& column, const Value& value) {
   if (!text || (text->empty() && !column.allowZeroLength)) {
     return std::nullopt;
   }
+  // In the file it would be the mark of compressed text, and the rest would be read as bytes.
+  constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+  if (text->starts_with(byteOrderMark)) {
+    return std::nullopt;
+  }
   const std::size_t characters = utf16Length(*text);
   if (column.type == ColumnType::text && characters > column.length / 2U) {
     return std::nullopt;
