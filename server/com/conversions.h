@@ -12,8 +12,8 @@
 #include <string>
 #include <string_view>
 
-#include "base/value.h"
 #include "server/com/automation.h"
+#include "veltrano/value.h"
 
 namespace veltrano::server {
 

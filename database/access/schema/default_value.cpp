@@ -8,9 +8,9 @@
 #include "base/numbers/numbers.h"
 #include "base/os/clock.h"
 #include "base/text/lower_case.h"
-#include "base/value.h"
 #include "database/access/schema/field_codec.h"
 #include "database/dates.h"
+#include "veltrano/value.h"
 
 namespace veltrano::access {
 

@@ -7,11 +7,11 @@
 #include <string>
 #include <vector>
 
-#include "base/value.h"
 #include "database/access/pages/row.h"
 #include "database/access/schema/table_definition.h"
 #include "database/access/storage/pager.h"
 #include "database/text_matcher.h"
+#include "veltrano/value.h"
 
 namespace veltrano::access {
 

@@ -1,1 +1,0 @@
-#include "veltrano/value.h"  // moved; include that
