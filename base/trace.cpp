@@ -1,60 +1,160 @@
 #include "base/trace.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
-#include <cstdlib>
-#include <mutex>
-#include <string>
+#include <exception>
 
+#include "base/os/clock.h"
+#include "base/os/file.h"
+#include "base/os/host.h"
 #include "base/os/paths.h"
+#include "base/os/trace_output.h"
+#include "base/text/utf.h"
+#include "veltrano/text.h"
+#include "veltrano/version.h"
 
 namespace veltrano {
 
 namespace {
 
-const std::string& target() {
-  // Read once: the environment of a running host does not change under us.
-  static const std::string name = [] {
-    const char* value = std::getenv("VELTRANO_TRACE");
-    return std::string(value == nullptr ? "" : value);
+/// Where lines go.
+struct Target {
+  enum class Kind { off, standardError, debugOutput, file };
+  Kind kind = Kind::off;
+  std::filesystem::path file;
+};
+
+Target targetOf(const std::filesystem::path& setting) {
+  if (setting.empty() || setting == "off") {
+    return {};
+  }
+  if (setting == "stderr") {
+    return {Target::Kind::standardError, {}};
+  }
+  if (setting == "debug") {
+    return {Target::Kind::debugOutput, {}};
+  }
+  // A host may change its current folder later.
+  std::error_code error;
+  auto file = std::filesystem::absolute(setting, error);
+  return {Target::Kind::file, error ? setting : std::move(file)};
+}
+
+const Target& target() {
+  static const Target found = targetOf(traceSetting());
+  return found;
+}
+
+thread_local const TracedMember* currentlyTraced = nullptr;
+
+void write(std::string line) {
+  if (target().kind == Target::Kind::debugOutput) {
+    writeDebugOutput(line);
+    return;
+  }
+  line += systemLineEnd;
+  if (target().kind == Target::Kind::standardError) {
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    std::fflush(stderr);
+    return;
+  }
+  // Opened anew for each line, so that a user may move or delete the file meanwhile; and written in one piece, so
+  // that lines of several processes never mix.
+  if (auto file = File::open(target().file, Opening::appendShared)) {
+    file->write(line);
+  }
+}
+
+/// One line, whatever names hold: without control characters and not endless.
+std::string asOneLine(std::string_view sentence) {
+  constexpr std::size_t longest = 4000;
+  std::string line(sentence.substr(0, longest));
+  if (sentence.size() > longest) {
+    constexpr unsigned continuationMask = 0xC0;
+    constexpr unsigned continuation = 0x80;
+    while (!line.empty() && (static_cast<unsigned char>(line.back()) & continuationMask) == continuation) {
+      line.pop_back();
+    }
+    line.back() = ' ';
+    line += "...";
+  }
+  std::ranges::replace_if(
+      line, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
+  return line;
+}
+
+std::string prefix() {
+  const LocalTime now = localTime();
+  const ProcessAndThread caller = processAndThread();
+  std::array<char, 80> text{};
+  std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d.%03d %lu/%lu ", now.year, now.month,
+                now.day, now.hour, now.minute, now.second, now.millisecond, caller.process, caller.thread);
+  return text.data();
+}
+
+void writeLine(const std::string& subject, std::string_view sentence) {
+  write(prefix() + pathToUtf8(hostExecutable().filename()) + " " + subject + ": " + asOneLine(sentence));
+}
+
+/// Said once: what else a reader of the trace wants to know first.
+void introduce() {
+  static const bool introduced = [] {
+    std::string sentence =
+        std::string("Version ") + versionText + ", " + std::to_string(8 * sizeof(void*)) + " bits, from ";
+    appendTraced(sentence, libraryFolder());
+    sentence.append(", in the host ");
+    appendTraced(sentence, hostExecutable());
+    sentence += ", code page " + codePage() + ".";
+    writeLine("VeltranoFrameWorkDLL", sentence);
+    return true;
   }();
-  return name;
+  static_cast<void>(introduced);
 }
 
 }  // namespace
 
+std::string currentMember() {
+  if (currentlyTraced == nullptr) {
+    return "VeltranoFrameWorkDLL";
+  }
+  return std::string(currentlyTraced->className_) + "." + currentlyTraced->member_;
+}
+
 bool traceEnabled() {
-  static const bool enabled = !target().empty();
+  static const bool enabled = target().kind != Target::Kind::off;
   return enabled;
 }
 
-void traceSkipped(std::string_view member, std::string_view reason, std::string_view detail) {
-  if (!traceEnabled()) {
-    return;
-  }
-  std::string line(member);
-  line.append(": ").append(reason);
-  if (!detail.empty()) {
-    line.append(" (").append(detail).append(")");
-  }
-  line += '\n';
-
-  static std::mutex lock;
-  const std::scoped_lock guard(lock);
-  std::FILE* file = target() == "stderr" ? stderr : std::fopen(target().c_str(), "ab");
-  if (file == nullptr) {
-    return;
-  }
-  std::fwrite(line.data(), 1, line.size(), file);
-  if (file == stderr) {
-    std::fflush(file);
-  } else {
-    std::fclose(file);
-  }
+void TracedMember::enter(const char* className, const char* member) {
+  className_ = className;
+  member_ = member;
+  outer_ = currentlyTraced;
+  currentlyTraced = this;
 }
 
-void traceFailure(std::string_view member, const Status& failure, const std::filesystem::path& file) {
-  if (traceEnabled()) {
-    traceSkipped(member, failure.reason(), pathToUtf8(file));
+void TracedMember::leave() {
+  currentlyTraced = outer_;
+}
+
+void appendTraced(std::string& sentence, std::string_view text) {
+  const bool isUtf8 = utf16ToUtf8(utf8ToUtf16(text)) == text;
+  sentence += isUtf8 ? std::string(text) : ansiToUtf8(text);
+}
+void appendTraced(std::string& sentence, std::u16string_view text) {
+  sentence += utf16ToUtf8(text);
+}
+void appendTraced(std::string& sentence, const std::filesystem::path& file) {
+  sentence.append("\"").append(pathToUtf8(file)).append("\"");
+}
+
+void writeTraceLine(std::string_view sentence) {
+  try {
+    introduce();
+    writeLine(currentMember(), sentence);
+  } catch (const std::exception&) {
+    // A host whose memory is short loses a line, not its call.
+    return;
   }
 }
 

@@ -1,26 +1,95 @@
 #ifndef VELTRANO_BASE_TRACE_H
 #define VELTRANO_BASE_TRACE_H
 
-// The developer's trace. Hosts never see an error, so this says which member skipped which step and why.
+// The trace: the one place where everything is said that hosts never see, since no member raises an error. What
+// was rejected, skipped, refused or replaced, and which choice was made and why, one line each:
 //
-// VELTRANO_TRACE=<file> appends to that file, VELTRANO_TRACE=stderr writes to the standard error. Off, it
-// costs one test of a flag. Traces name the member and the reason, never document content.
+//   2026-11-22 14:03:07.125 4711/4712 wscript.exe VeltranoMDB.OpenTable: There is no table "Custmers".
+//
+// Local time, process and thread, host, class and member, a sentence. docs/trace.md tells users how to switch
+// it on. Off, it costs one test of a flag. It holds no content of documents beyond the names of files, fonts,
+// fields, tables and keys.
 
 #include <filesystem>
+#include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "base/status.h"
 
 namespace veltrano {
 
-/// True when tracing is on; read from the environment once.
+/// True if tracing is on; what decides is read once, at the first question.
 bool traceEnabled();
 
-/// "member: reason (detail)", one line. Callable at any time, from any thread, also when tracing is off.
-void traceSkipped(std::string_view member, std::string_view reason, std::string_view detail = {});
+/// While it lives, lines of this thread name this class and member. Both must be literals. Members that call
+/// others nest: the innermost is named.
+class TracedMember {
+ public:
+  TracedMember(const char* className, const char* member) {
+    if (traceEnabled()) {
+      enter(className, member);
+    }
+  }
+  TracedMember(const TracedMember&) = delete;
+  TracedMember& operator=(const TracedMember&) = delete;
+  ~TracedMember() {
+    if (className_ != nullptr) {
+      leave();
+    }
+  }
 
-/// The same with the reason of a failure and the file that it befell.
-void traceFailure(std::string_view member, const Status& failure, const std::filesystem::path& file = {});
+ private:
+  friend std::string currentMember();
+  void enter(const char* className, const char* member);
+  void leave();
+
+  const char* className_ = nullptr;
+  const char* member_ = nullptr;
+  const TracedMember* outer_ = nullptr;
+};
+
+void appendTraced(std::string& sentence, std::string_view text);
+void appendTraced(std::string& sentence, std::u16string_view text);
+void appendTraced(std::string& sentence, const std::filesystem::path& file);
+
+/// Appends a part of a sentence. Text may be UTF-8 or in the ANSI code page; a path is put in quotes.
+template <typename Part>
+void appendTracedPart(std::string& sentence, const Part& part) {
+  if constexpr (std::is_arithmetic_v<Part>) {
+    sentence += std::to_string(part);
+  } else if constexpr (std::is_same_v<Part, Status>) {
+    appendTraced(sentence, std::string_view(part.reason()));
+  } else if constexpr (std::is_convertible_v<Part, std::string_view>) {
+    appendTraced(sentence, std::string_view(part));
+  } else if constexpr (std::is_convertible_v<Part, std::u16string_view>) {
+    appendTraced(sentence, std::u16string_view(part));
+  } else {
+    appendTraced(sentence, static_cast<const std::filesystem::path&>(part));
+  }
+}
+
+void writeTraceLine(std::string_view sentence);
+
+/// Writes a line with the sentence that the parts make up: text, paths, whole numbers, a Status for its reason.
+/// Callable at any time and from any thread; failures to write are ignored. Parts that take work to compute
+/// belong under `if (traceEnabled())`.
+template <typename... Parts>
+void trace(const Parts&... parts) {
+  if (traceEnabled()) {
+    std::string sentence;
+    (appendTracedPart(sentence, parts), ...);
+    writeTraceLine(sentence);
+  }
+}
+
+inline void traceSkipped(std::string_view member, std::string_view reason, std::string_view detail = {}) {
+  trace(member, ": ", reason, detail.empty() ? "" : ": ", detail);
+}
+inline void traceFailure(std::string_view member, const Status& failure,
+                         const std::filesystem::path& file = {}) {
+  trace(member, ": ", failure, " ", file);
+}
 
 }  // namespace veltrano
 

@@ -5,7 +5,7 @@
 
 namespace veltrano {
 
-/// Local date and time; month 1 to 12, day 1 to 31, hour 0 to 23.
+/// Local date and time; month 1 to 12, day 1 to 31, hour 0 to 23, millisecond 0 to 999.
 struct LocalTime {
   int year = 1899;
   int month = 12;
@@ -13,6 +13,7 @@ struct LocalTime {
   int hour = 0;
   int minute = 0;
   int second = 0;
+  int millisecond = 0;
 };
 
 LocalTime localTime();

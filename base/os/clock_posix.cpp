@@ -7,12 +7,20 @@
 namespace veltrano {
 
 LocalTime localTime() {
-  const std::time_t now = std::time(nullptr);
+  timeval now = {};
+  gettimeofday(&now, nullptr);
   std::tm local = {};
-  if (localtime_r(&now, &local) == nullptr) {
+  if (localtime_r(&now.tv_sec, &local) == nullptr) {
     return {};
   }
-  return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec};
+  constexpr int microsecondsOfAMillisecond = 1'000;
+  return {local.tm_year + 1900,
+          local.tm_mon + 1,
+          local.tm_mday,
+          local.tm_hour,
+          local.tm_min,
+          local.tm_sec,
+          static_cast<int>(now.tv_usec) / microsecondsOfAMillisecond};
 }
 
 float secondsSinceMidnight() {

@@ -7,7 +7,7 @@ namespace veltrano {
 LocalTime localTime() {
   SYSTEMTIME now = {};
   GetLocalTime(&now);
-  return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
+  return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond, now.wMilliseconds};
 }
 
 float secondsSinceMidnight() {

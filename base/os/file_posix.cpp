@@ -74,6 +74,8 @@ HowToOpen howTo(Opening opening) {
       return {O_WRONLY | O_CREAT | O_EXCL, unlocked, owner};
     case Opening::append:
       return {O_WRONLY | O_NONBLOCK | O_CREAT | O_APPEND, LOCK_EX, everybody};
+    case Opening::appendShared:
+      return {O_WRONLY | O_NONBLOCK | O_CREAT | O_APPEND, unlocked, everybody};
     case Opening::lockedRead:
       return {O_RDONLY | O_NONBLOCK, LOCK_SH, 0};
     case Opening::lockedChange:

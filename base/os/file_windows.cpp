@@ -102,6 +102,9 @@ HowToOpen howTo(Opening opening) {
       return {GENERIC_WRITE | WRITE_DAC, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL};
     case Opening::append:
       return {GENERIC_WRITE, FILE_SHARE_READ, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL};
+    case Opening::appendShared:
+      // Without the right to write elsewhere, the system itself finds the end at each write.
+      return {FILE_APPEND_DATA | SYNCHRONIZE, shareAll, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL};
     case Opening::lockedRead:
       return {GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_FLAG_RANDOM_ACCESS};
     case Opening::lockedChange:

@@ -26,6 +26,9 @@ bool setInstallation(const char* header);
 /// use it.
 std::string hostApplicationName();
 
+/// The program that the library lives in.
+std::filesystem::path hostExecutable();
+
 /// Gives the host's pending user-interface messages a turn, so that it stays responsive during long work.
 /// Does nothing where there is no message queue.
 void yieldToHost();

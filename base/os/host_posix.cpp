@@ -11,11 +11,6 @@ namespace {
 
 constexpr const char* sharedMetrics = "share/veltranoframework/metrics";
 
-std::filesystem::path executable() {
-  std::error_code error;
-  return std::filesystem::read_symlink("/proc/self/exe", error);
-}
-
 bool holdsMetrics(const std::filesystem::path& folder) {
   // Every object asks at its start, and a look for one name is far cheaper than a list of all.
   std::error_code error;
@@ -45,7 +40,7 @@ std::filesystem::path libraryFolder() {
     // A program's own name is what its caller typed, which need not be a path that leads to it.
     std::error_code error;
     if (file.filename().native().find(".so") == std::string::npos) {
-      file = executable();
+      file = hostExecutable();
     }
     const auto real = std::filesystem::canonical(file, error);
     return (error ? file : real).parent_path();
@@ -71,8 +66,13 @@ std::filesystem::path metricsFolder() {
   return own;
 }
 
+std::filesystem::path hostExecutable() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
 std::string hostApplicationName() {
-  return pathToAnsi(executable().stem());
+  return pathToAnsi(hostExecutable().stem());
 }
 
 void yieldToHost() {}

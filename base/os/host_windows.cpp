@@ -69,8 +69,12 @@ bool setInstallation(const char*) {
   return true;
 }
 
+std::filesystem::path hostExecutable() {
+  return modulePath(nullptr);
+}
+
 std::string hostApplicationName() {
-  const auto executable = modulePath(nullptr);
+  const auto executable = hostExecutable();
   const std::wstring product = productName(executable);
   return pathToAnsi(product.empty() ? executable.stem() : std::filesystem::path(product));
 }

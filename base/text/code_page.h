@@ -27,8 +27,10 @@ extern const CodePageTable windows1250;
 /// Windows-1251, Cyrillic.
 extern const CodePageTable windows1251;
 
-/// Conversions never fail: see veltrano/text.h.
+/// Conversions never fail: see veltrano/text.h. What had to be replaced is traced.
 std::string utf16ToAnsi(std::u16string_view text);
+/// The same without the trace, as the system does it.
+std::string convertToAnsi(std::u16string_view text);
 std::u16string ansiToUtf16(std::string_view text);
 
 }  // namespace veltrano

@@ -12,6 +12,7 @@ namespace {
 struct ActivePage {
   CodePageTable unicode{};
   std::unordered_map<char16_t, char> codes;
+  std::string name = "windows-1252";
   /// The system's name of a page of several bytes a character, which has no table; else empty.
   std::string encoding;
 
@@ -69,6 +70,10 @@ std::u16string fromMultiByte(std::string_view text, const std::string& encoding)
 
 }  // namespace
 
+std::string codePage() {
+  return activePage().name;
+}
+
 bool setCodePage(std::string_view encoding) {
   if (!isKnownEncoding(encoding)) {
     return false;
@@ -82,10 +87,11 @@ bool setCodePage(std::string_view encoding) {
     singleByte &= character.has_value();
   }
   activePage().use(table, singleByte ? std::string() : systemEncodingName(encoding));
+  activePage().name = encoding;
   return true;
 }
 
-std::string utf16ToAnsi(std::u16string_view text) {
+std::string convertToAnsi(std::u16string_view text) {
   const ActivePage& page = activePage();
   if (!page.encoding.empty()) {
     return toMultiByte(text, page.encoding);

@@ -1,6 +1,7 @@
 #include <windows.h>
 
 #include <limits>
+#include <string>
 
 #include "base/text/code_page.h"
 
@@ -17,11 +18,15 @@ int length(std::size_t size) {
 
 }  // namespace
 
+std::string codePage() {
+  return "windows-" + std::to_string(GetACP());
+}
+
 bool setCodePage(std::string_view) {
   return false;
 }
 
-std::string utf16ToAnsi(std::u16string_view text) {
+std::string convertToAnsi(std::u16string_view text) {
   if (text.empty()) {
     return {};
   }

@@ -18,6 +18,9 @@ std::string utf8ToAnsi(std::string_view text);
 /// Never fails: bytes that stand for no character become U+FFFD or a control character.
 std::string ansiToUtf8(std::string_view text);
 
+/// The name of the code page in use: "windows-1252".
+std::string codePage();
+
 /// Chooses the code page of the process by a name that files use for encodings: "windows-1250", "ISO-8859-15",
 /// "KOI8-R", "Shift_JIS". Case does not matter. False if the system does not know the name or ASCII text is not
 /// itself in that encoding (UTF-16), and always on Windows, where the system's setting holds. Not to be called
