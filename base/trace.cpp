@@ -5,7 +5,7 @@
 #include <mutex>
 #include <string>
 
-#include "base/os/paths.h"
+#include "base/files/paths.h"
 
 namespace veltrano {
 

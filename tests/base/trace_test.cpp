@@ -4,7 +4,7 @@
 
 #include <cstdlib>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {
