@@ -5,10 +5,10 @@
 #include <cstdio>
 #include <exception>
 
+#include "base/files/file.h"
+#include "base/files/paths.h"
 #include "base/os/clock.h"
-#include "base/os/file.h"
 #include "base/os/host.h"
-#include "base/os/paths.h"
 #include "base/os/trace_output.h"
 #include "base/text/utf.h"
 #include "veltrano/text.h"

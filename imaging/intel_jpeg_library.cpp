@@ -3,8 +3,8 @@
 #include <optional>
 #include <span>
 
+#include "base/files/whole.h"
 #include "base/numbers/numbers.h"
-#include "base/os/files.h"
 #include "base/os/host.h"
 #include "base/trace.h"
 #include "imaging/byte_chunks.h"

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/trace.h"
 #include "imaging/byte_chunks.h"
 #include "imaging/png_writer.h"

@@ -5,10 +5,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/files/output.h"
 #include "base/numbers/numbers.h"
 #include "base/os/clock.h"
 #include "base/os/host.h"
-#include "base/os/output_file.h"
 #include "base/trace.h"
 #include "kml/coordinates.h"
 #include "kml/markup.h"

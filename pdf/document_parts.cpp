@@ -1,7 +1,7 @@
 #include "pdf/document_parts.h"
 
+#include "base/files/replace.h"
 #include "base/os/host.h"
-#include "base/os/replace_file.h"
 #include "base/trace.h"
 #include "pdf/graphics/color.h"
 #include "pdf/text/cell.h"

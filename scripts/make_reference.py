@@ -7,7 +7,7 @@
                                             prints a VBScript that runs every example with its files in FOLDER
 
 Names, types, order, enumerations and the first sentence of each member come from server/veltrano.idl, defaults from
-server/com/defaults.cpp, everything else from docs/reference/notes/<class>.md. A note has one key
+server/com/dispatch/defaults.cpp, everything else from docs/reference/notes/<class>.md. A note has one key
 a line, continued by lines that start with two blanks:
 
   <parameter>: units, range and meaning, for every parameter ("value" for what a property is set to)
@@ -122,7 +122,7 @@ def help_string(attributes):
 
 def read_defaults():
     rows = re.findall(
-        r'\{&IID__(\w+), L"(\w+)", L"(\w+)", (-?[\d.]+), (nullptr|L"[^"]*")\}', (ROOT / "server/com/defaults.cpp").read_text()
+        r'\{&IID__(\w+), L"(\w+)", L"(\w+)", (-?[\d.]+), (nullptr|L"[^"]*")\}', (ROOT / "server/com/dispatch/defaults.cpp").read_text()
     )
     return {(owner, member, name): number if text == "nullptr" else text[1:] for owner, member, name, number, text in rows}
 

@@ -3,7 +3,7 @@
 #include <new>
 #include <utility>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/trace.h"
 #include "settings/xml_parser.h"
 #include "settings/xml_writer.h"

@@ -3,7 +3,7 @@
 #include <array>
 #include <optional>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/text/code_page.h"
 #include "base/trace.h"
 #include "settings/ini_lines.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "base/os/file_calls.h"
+#include "base/files/calls.h"
 
 namespace veltrano::tests {
 

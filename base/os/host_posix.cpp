@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/os/host.h"
 
 namespace veltrano {

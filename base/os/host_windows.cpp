@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/os/floating_point_windows.h"
 #include "base/os/host.h"
 #include "base/text/code_page.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "base/os/paths.h"
+#include "base/files/paths.h"
 #include "base/os/trace_output.h"
 
 namespace veltrano {

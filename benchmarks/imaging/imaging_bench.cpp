@@ -14,7 +14,7 @@
 
 #include <jpeglib.h>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "imaging/intel_jpeg_library.h"
 #include "veltrano/dib_section.h"
 #include "veltrano/png.h"

@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <string>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "veltrano/ini.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <pugixml.hpp>
 #include <random>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "veltrano/xml.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <thread>
 #include <vector>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "database/access/recordset.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/storage/file.h"

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "database/access/authoring/create_database.h"
 #include "database/access/schema/text_codec.h"
 #include "hostile.h"

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "veltrano/xml.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/os/paths.h"
+#include "base/files/paths.h"
 #include "base/trace.h"
 #include "pdf/fonts/afm_file.h"
 

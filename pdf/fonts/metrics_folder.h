@@ -12,7 +12,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/os/file_identity.h"
+#include "base/files/identity.h"
 #include "pdf/fonts/metrics.h"
 
 namespace veltrano {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/text/lower_case.h"
 #include "base/trace.h"
 

@@ -4,7 +4,7 @@
 #include <limits>
 #include <utility>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/os/host.h"
 #include "pdf/images/jpeg_scan.h"
 

@@ -6,7 +6,7 @@
 #include "base/os/floating_point_windows.h"
 #include "base/trace.h"
 #include "server/com/com_object.h"
-#include "server/com/dispatch_core.h"
+#include "server/com/dispatch/core.h"
 #include "server/com/module.h"
 
 namespace veltrano::server {

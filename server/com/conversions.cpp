@@ -4,10 +4,10 @@
 #include <limits>
 #include <vector>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/text/code_page.h"
 #include "base/text/wtf8.h"
-#include "server/com/object_values.h"
+#include "server/com/dispatch/object_values.h"
 
 namespace veltrano::server {
 

@@ -1,4 +1,4 @@
-#include "base/os/files.h"
+#include "base/files/whole.h"
 
 #include <gtest/gtest.h>
 #ifndef _WIN32

@@ -4,8 +4,8 @@
 
 #include <cmath>
 
+#include "base/files/whole.h"
 #include "base/os/clock.h"
-#include "base/os/files.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {

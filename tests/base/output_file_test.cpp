@@ -1,8 +1,8 @@
-#include "base/os/output_file.h"
+#include "base/files/output.h"
 
 #include <gtest/gtest.h>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "tests/base/user_limits.h"
 #include "tests/file_call_log.h"
 #include "tests/temporary_folder.h"

@@ -1,12 +1,12 @@
-#include "base/os/random_access_file.h"
+#include "base/files/random_access.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <vector>
 
-#include "base/os/file_identity.h"
-#include "base/os/files.h"
+#include "base/files/identity.h"
+#include "base/files/whole.h"
 #include "tests/file_call_log.h"
 #include "tests/temporary_folder.h"
 

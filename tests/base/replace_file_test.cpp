@@ -1,4 +1,4 @@
-#include "base/os/replace_file.h"
+#include "base/files/replace.h"
 
 #include <gtest/gtest.h>
 #ifndef _WIN32
@@ -9,7 +9,7 @@
 #include <fstream>
 #include <thread>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "tests/base/user_limits.h"
 #include "tests/file_call_log.h"
 #include "tests/temporary_folder.h"

@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "base/os/files.h"
-#include "base/os/output_file.h"
+#include "base/files/output.h"
+#include "base/files/whole.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {

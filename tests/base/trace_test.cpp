@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/text/code_page.h"
 #include "tests/temporary_folder.h"
 

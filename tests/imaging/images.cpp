@@ -9,7 +9,7 @@
 
 #include <jpeglib.h>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 
 namespace veltrano::test {
 

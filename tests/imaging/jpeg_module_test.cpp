@@ -5,7 +5,7 @@
 
 #include <set>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/os/host.h"
 #include "images.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "images.h"
 #include "imaging/intel_jpeg_library.h"
 

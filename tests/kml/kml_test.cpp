@@ -7,7 +7,7 @@
 #include <limits>
 #include <regex>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/os/host.h"
 #include "kml/coordinates.h"
 #include "tests/file_call_log.h"

@@ -6,7 +6,7 @@
 #include <limits>
 #include <new>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "kml/markup.h"
 #include "tests/temporary_folder.h"
 #include "veltrano/kml.h"

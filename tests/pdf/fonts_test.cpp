@@ -3,8 +3,8 @@
 #include <functional>
 #include <tuple>
 
+#include "base/files/output.h"
 #include "base/os/host.h"
-#include "base/os/output_file.h"
 #include "pdf/fonts/afm_file.h"
 #include "pdf/fonts/metrics_folder.h"
 #include "tests/pdf/pdf_testing.h"

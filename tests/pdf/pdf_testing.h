@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "tests/temporary_folder.h"
 #include "veltrano/pdf.h"
 

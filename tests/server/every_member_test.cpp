@@ -9,7 +9,7 @@
 #include "fake_objects.h"
 #include "host.h"
 #include "server/classes/class_table.h"
-#include "server/com/interface_table.h"
+#include "server/com/dispatch/interface_table.h"
 
 namespace veltrano::tests {
 

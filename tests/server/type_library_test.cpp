@@ -8,7 +8,7 @@
 #include "expected_interface.h"
 #include "host.h"
 #include "server/classes/class_table.h"
-#include "server/com/defaults.h"
+#include "server/com/dispatch/defaults.h"
 
 namespace veltrano::tests {
 

@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "base/text/code_page.h"
 #include "base/text/lower_case.h"
 #include "tests/file_call_log.h"

@@ -6,7 +6,7 @@
 #include <map>
 #include <random>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "tests/temporary_folder.h"
 #include "veltrano/xml.h"
 

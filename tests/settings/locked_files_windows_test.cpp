@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "tests/temporary_folder.h"
 #include "veltrano/ini.h"
 #include "veltrano/xml.h"

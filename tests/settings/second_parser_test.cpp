@@ -8,7 +8,7 @@
 #include <memory>
 #include <random>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "tests/temporary_folder.h"
 #include "veltrano/xml.h"
 

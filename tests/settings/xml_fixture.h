@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "tests/temporary_folder.h"
 #include "veltrano/xml.h"
 

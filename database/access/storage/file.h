@@ -3,8 +3,8 @@
 
 // The engine's files are those of the base; their bytes are the engine's.
 
-#include "base/os/file_identity.h"
-#include "base/os/random_access_file.h"
+#include "base/files/identity.h"
+#include "base/files/random_access.h"
 #include "database/access/storage/bytes.h"
 
 namespace veltrano::access {

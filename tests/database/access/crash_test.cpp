@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "harness.h"
 #include "simulated_disk.h"
 #include "storm.h"

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <set>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "database/access/schema/catalog.h"
 #include "database/text_matcher.h"
 #include "harness.h"

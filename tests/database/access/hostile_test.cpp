@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "database/access/storage/codec.h"
 #include "harness.h"
 #include "hostile.h"

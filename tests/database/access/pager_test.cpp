@@ -5,7 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "harness.h"
 #include "simulated_disk.h"
 

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/storage/allocator.h"
 #include "database/access/storage/usage_map.h"

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "base/os/files.h"
+#include "base/files/whole.h"
 #include "database/access/authoring/create_database.h"
 #include "database/access/check/database_check.h"
 #include "database/access/recordset.h"

@@ -1,0 +1,98 @@
+#include "server/com/dispatch/core.h"
+
+#include <exception>
+
+#include "server/com/module.h"
+
+namespace veltrano::server {
+
+namespace {
+
+HRESULT findType(REFGUID guid, ITypeInfo** type) {
+  if (type == nullptr) {
+    return E_POINTER;
+  }
+  *type = nullptr;
+  ComPointer<ITypeLib> library;
+  const HRESULT loaded = loadTypeLibrary(library);
+  return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(guid, type);
+}
+
+}  // namespace
+
+HRESULT DispatchCore::getTypeInfo(UINT index, ITypeInfo** type) {
+  if (index != 0) {
+    if (type != nullptr) {
+      *type = nullptr;
+    }
+    return DISP_E_BADINDEX;
+  }
+  try {
+    return findType(*entry_.dispatchInterface, type);
+  } catch (const std::exception&) {
+    return E_OUTOFMEMORY;
+  }
+}
+
+HRESULT DispatchCore::getClassInfo(ITypeInfo** type) {
+  try {
+    return findType(*entry_.clsid, type);
+  } catch (const std::exception&) {
+    return E_OUTOFMEMORY;
+  }
+}
+
+HRESULT DispatchCore::getGuid(DWORD kind, GUID* guid) const {
+  if (guid == nullptr) {
+    return E_POINTER;
+  }
+  *guid = GUID_NULL;
+  if (kind != GUIDKIND_DEFAULT_SOURCE_DISP_IID) {
+    return E_INVALIDARG;
+  }
+  if (entry_.eventInterface == nullptr) {
+    return E_FAIL;
+  }
+  *guid = *entry_.eventInterface;
+  return S_OK;
+}
+
+HRESULT DispatchCore::getIdsOfNames(REFIID iid, OLECHAR** names, UINT count, DISPID* ids) const {
+  if (iid != IID_NULL) {
+    return DISP_E_UNKNOWNINTERFACE;
+  }
+  try {
+    const InterfaceTable* table = InterfaceTable::of(entry_);
+    return table != nullptr ? table->identify(names, count, ids) : TYPE_E_CANTLOADLIBRARY;
+  } catch (const std::exception&) {
+    return E_OUTOFMEMORY;
+  }
+}
+
+HRESULT DispatchCore::invoke(IDispatch& object, DISPID id, REFIID iid, LCID locale, WORD flags,
+                             DISPPARAMS* arguments, VARIANT* result, UINT* wrongArgument) {
+  if (result != nullptr) {
+    VariantInit(result);
+  }
+  if (iid != IID_NULL) {
+    return DISP_E_UNKNOWNINTERFACE;
+  }
+  if (arguments == nullptr) {
+    return E_INVALIDARG;
+  }
+  try {
+    const InterfaceTable* table = InterfaceTable::of(entry_);
+    if (table == nullptr) {
+      return TYPE_E_CANTLOADLIBRARY;
+    }
+    const Member* member = table->find(id, flags);
+    if (member == nullptr) {
+      return DISP_E_MEMBERNOTFOUND;
+    }
+    return callMember(*member, {&object, &kinds_, locale, arguments, result, wrongArgument});
+  } catch (const std::exception&) {
+    return E_OUTOFMEMORY;
+  }
+}
+
+}  // namespace veltrano::server
