@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
 namespace veltrano {
 namespace {

@@ -1,4 +1,4 @@
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 
 #include "base/os/files.h"
 #include "images.h"
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
 namespace veltrano {
 namespace {

@@ -7,8 +7,8 @@
 #include <memory>
 #include <span>
 
-#include "imaging/intel_jpeg_library.h"
-#include "imaging/pixel_surface.h"
+#include "imaging/bitmap/pixel_surface.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
 namespace veltrano::mIntelJPEGLibrary {
 

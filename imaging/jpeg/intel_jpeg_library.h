@@ -1,5 +1,5 @@
-#ifndef VELTRANO_IMAGING_INTEL_JPEG_LIBRARY_H
-#define VELTRANO_IMAGING_INTEL_JPEG_LIBRARY_H
+#ifndef VELTRANO_IMAGING_JPEG_INTEL_JPEG_LIBRARY_H
+#define VELTRANO_IMAGING_JPEG_INTEL_JPEG_LIBRARY_H
 
 // JPEG coding of DIB sections. The module keeps the name and the outcomes of the library it was first written
 // for; libjpeg-turbo does the coding.
