@@ -4,8 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "settings/xml_parser.h"
-#include "settings/xml_writer.h"
 #include "tests/settings/xml_fixture.h"
 
 namespace veltrano {
@@ -145,24 +143,6 @@ TEST_F(XmlFiles, AsDeepAsAllowedButNotDeeper) {
   EXPECT_EQ(xml.XML_GetSetting("New", "K"), "1");
   xml.XML_DeleteSetting({}, "a");
   EXPECT_EQ(saved(), "<XML><New><K>1</K></New></XML>");
-}
-
-// Whatever needs more than copying, at every place around the end of what the writer gathers before it goes on.
-TEST(XmlWriter, WhatIsWrittenDoesNotDependOnWhereItStands) {
-  constexpr std::size_t block = 4096;
-  XmlForm form;
-  form.crlf = true;
-  const std::string pieces[] = {"\r\n", "&#233;", "&amp;", "&#13;&#10;", "<!--\r\n-->", "<K a=\"&#10;\"/>"};
-  for (const std::string& piece : pieces) {
-    for (std::size_t before = block - 24; before < block + 2; ++before) {
-      const std::string text =
-          "<XML>" + std::string(before, 'x') + piece + std::string(block, 'y') + "</XML>";
-      std::string parsed = text;
-      pugi::xml_document document;
-      ASSERT_EQ(parseXml(parsed, 0, document), ParseResult::parsed);
-      ASSERT_EQ(writeXml(document, form, U"\u00E9", 0), text) << before;
-    }
-  }
 }
 
 }  // namespace
