@@ -147,11 +147,8 @@ TEST(JpegScanTest, FrameHeaders) {
 
 TEST(JpegScanTest, SizeAndEnds) {
   const std::string file = jpeg({frame(0xC0, 9, 9, 3)}, 250);
-  EXPECT_EQ(scan(file).header->densityUnit, "");
   EXPECT_EQ(scan("").message, "JPEG format invalid");
   EXPECT_EQ(scan("x" + file).message, "JPEG format invalid. Pass 2");
-  const char* const units[] = {"Dots", "Dots/inch (DPI)", "Dots/cm"};
-  for (int unit = 0; unit < 3; ++unit) EXPECT_EQ(scan(jpeg({app0(unit)})).header->densityUnit, units[unit]);
 }
 
 TEST(JpegScanTest, WalksWhereverTheLengthsLead) {
