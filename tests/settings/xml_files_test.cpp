@@ -26,7 +26,7 @@ std::string utf16(std::u16string_view text, bool big) {
 
 TEST_F(XmlFiles, UntouchedFilesAreSavedAsTheyWere) {
   const std::string pretty =
-      "<!-- by hand -->\n<?app mode=\"1\"?>\n<XML version=\"2\" note=\"a&amp;b &quot;&lt;&#10;&#9;\">\n"
+      "<!-- by hand -->\n<?app mode=\n\"1\"?>\n<XML version=\"2\" note=\"a&amp;b &quot;&lt;&#10;&#9;\">\n"
       "  <A>\n    <K><![CDATA[<x> ]] ]]></K> <!-- k\n k -->\n    <L>a\n  b&#13;</L>\n    <M> </M>\n  "
       "</A>\n</XML>\n";
   std::string crlf;
