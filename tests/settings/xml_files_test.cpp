@@ -117,7 +117,6 @@ TEST_F(XmlFiles, WhatIsNotWellFormedLoadsAsEmptyAndStays) {
       "<?xml version='1.0' encoding='no such encoding'?><XML/>",
       "<?xml version='1.0' encoding='Shift_JIS'?><XML>\x83</XML>",
       "<XML/>\0"s,
-      "<XML>\xFF</XML>",
       "\xFF\xFE<\0X\0M\0L\0/\0>"s,
       "\xFF\xFE" + utf16(u"<XML>\xD800</XML>", false),
       "<!DOCTYPE XML><XML/>",
