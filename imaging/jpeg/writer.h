@@ -22,8 +22,8 @@ struct JpegOutcome {
   std::unique_ptr<std::uint8_t, decltype(&std::free)> overflow{nullptr, std::free};
 };
 
-/// Encodes into `buffer` while it lasts, otherwise into memory of libjpeg; even a JPEG that fills the buffer to
-/// its last byte ends up there.
+/// Encodes into `buffer` while it lasts, otherwise into memory of libjpeg; even a JPEG that fills the buffer
+/// to its last byte ends up there.
 JpegOutcome writeJpeg(const PixelSurface& image, std::int32_t quality, std::span<std::uint8_t> buffer);
 
 }  // namespace veltrano::mIntelJPEGLibrary
