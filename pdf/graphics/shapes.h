@@ -23,7 +23,7 @@ void drawRectangle(ContentStream& content, const PageGeometry& page, const Graph
 /// The ellipse within a box.
 void drawEllipse(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
                  const Box& box);
-/// A closed outline; paints nothing without any point.
+/// A closed outline; without a point nothing is painted.
 void drawPolygon(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
                  const std::vector<Point>& points);
 
