@@ -1,14 +1,14 @@
-#ifndef VELTRANO_IMAGING_DIB_BACKING_H
-#define VELTRANO_IMAGING_DIB_BACKING_H
+#ifndef VELTRANO_IMAGING_BITMAP_DIB_BACKING_H
+#define VELTRANO_IMAGING_BITMAP_DIB_BACKING_H
 
-// What a DIB section stands on: GDI (dib_backing_windows.cpp) or a pixel buffer (dib_backing_posix.cpp).
+// What backs a DIB section: GDI (dib_backing_windows.cpp) or a pixel buffer (dib_backing_posix.cpp).
 // Internal to imaging/.
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 
-#include "imaging/pixel_surface.h"
+#include "imaging/bitmap/pixel_surface.h"
 #include "veltrano/dib_section.h"
 #include "veltrano/picture.h"
 

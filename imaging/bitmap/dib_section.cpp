@@ -4,8 +4,8 @@
 #include <limits>
 #include <utility>
 
-#include "imaging/dib_backing.h"
-#include "imaging/point_sampling.h"
+#include "imaging/bitmap/dib_backing.h"
+#include "imaging/bitmap/point_sampling.h"
 
 namespace veltrano {
 

@@ -1,4 +1,4 @@
-#include "imaging/jpeg_errors.h"
+#include "imaging/jpeg/errors.h"
 
 // After it: jerror.h makes an enumeration from libjpeg's own definitions.
 #include <jerror.h>

@@ -7,8 +7,8 @@
 #include <memory>
 #include <span>
 
-#include "imaging/intel_jpeg_library.h"
-#include "imaging/pixel_surface.h"
+#include "imaging/bitmap/pixel_surface.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
 namespace veltrano::mIntelJPEGLibrary {
 
@@ -20,8 +20,8 @@ class JpegReader {
   JpegReader& operator=(const JpegReader&) = delete;
   ~JpegReader();
 
-  /// Reads up to the image data. Sizes are known afterwards also when the answer is that the image is
-  /// unsupported or claims more pixels than its bytes can describe.
+  /// Reads up to the image data. The sizes are known afterwards even if the image is unsupported or claims
+  /// more pixels than its bytes can describe.
   CoderResult readHeader();
   [[nodiscard]] std::int32_t width() const;
   [[nodiscard]] std::int32_t height() const;

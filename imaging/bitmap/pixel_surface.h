@@ -1,5 +1,5 @@
-#ifndef VELTRANO_IMAGING_PIXEL_SURFACE_H
-#define VELTRANO_IMAGING_PIXEL_SURFACE_H
+#ifndef VELTRANO_IMAGING_BITMAP_PIXEL_SURFACE_H
+#define VELTRANO_IMAGING_BITMAP_PIXEL_SURFACE_H
 
 // Blit and stretch on 24-bit pixels in memory, as GDI does them: coordinates from the top left, everything
 // clipped to both surfaces, raster operations by their GDI number.

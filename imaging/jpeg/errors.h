@@ -12,7 +12,7 @@
 
 #include <csetjmp>
 
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
 namespace veltrano::mIntelJPEGLibrary {
 

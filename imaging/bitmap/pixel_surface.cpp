@@ -1,4 +1,4 @@
-#include "imaging/pixel_surface.h"
+#include "imaging/bitmap/pixel_surface.h"
 
 #include <algorithm>
 #include <array>

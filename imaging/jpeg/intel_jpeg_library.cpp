@@ -1,5 +1,6 @@
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
+#include <algorithm>
 #include <optional>
 #include <span>
 
@@ -7,9 +8,8 @@
 #include "base/numbers/numbers.h"
 #include "base/os/host.h"
 #include "base/trace.h"
-#include "imaging/byte_chunks.h"
-#include "imaging/jpeg_reader.h"
-#include "imaging/jpeg_writer.h"
+#include "imaging/jpeg/reader.h"
+#include "imaging/jpeg/writer.h"
 
 namespace veltrano::mIntelJPEGLibrary {
 namespace {
@@ -69,22 +69,26 @@ std::int32_t lastJpegHeight() {
 }
 
 bool saveDibToJpegFile(const cDIBSection& dib, const std::filesystem::path& file, std::int32_t quality) {
-  ByteChunks chunks;
-  return succeeded("saveDibToJpegFile", writeJpeg(surfaceOf(dib), quality, chunks).result) &&
-         replaceFile(file, chunks.pieces());
+  const JpegOutcome outcome = writeJpeg(surfaceOf(dib), quality, {});
+  return succeeded("saveDibToJpegFile", outcome.result) &&
+         replaceFile(file, {reinterpret_cast<const char*>(outcome.bytes.data()), outcome.bytes.size()});
 }
 
 bool saveDibToJpegBuffer(const cDIBSection& dib, std::uint8_t* buffer, std::int32_t& bufferSize,
                          std::int32_t quality) {
   const std::size_t size = buffer == nullptr || bufferSize < 1 ? 0 : static_cast<std::size_t>(bufferSize);
-  const JpegOutcome outcome = writeJpeg(surfaceOf(dib), quality, std::span(buffer, size));
+  JpegOutcome outcome = writeJpeg(surfaceOf(dib), quality, {buffer, size});
+  if (outcome.result == CoderResult::ok && outcome.bytes.size() > size) {
+    outcome.result = CoderResult::bufferTooSmall;
+  }
   if (outcome.result != CoderResult::ok) {
     throw RaisedError(
         (outcome.started ? "Failed to save to JPG " : "Failed to initialise the IJL library: ") +
             codeText(outcome.result),
         hostApplicationName() + ".mIntelJPEGLibrary");
   }
-  bufferSize = static_cast<std::int32_t>(outcome.length);
+  if (outcome.overflow) std::copy(outcome.bytes.begin(), outcome.bytes.end(), buffer);
+  bufferSize = static_cast<std::int32_t>(outcome.bytes.size());
   return true;
 }
 

@@ -2,18 +2,16 @@
 
 #include <cstdlib>
 
-#include "imaging/dib_backing.h"
+#include "imaging/bitmap/dib_backing.h"
 
 namespace veltrano {
 namespace {
 
-struct FreeMemory {
-  void operator()(std::uint8_t* memory) const { std::free(memory); }
-};
+using Memory = std::unique_ptr<std::uint8_t, decltype(&std::free)>;
 
 class BufferBacking final : public DibBacking {
  public:
-  BufferBacking(std::unique_ptr<std::uint8_t, FreeMemory> bits, const BitmapInfoHeader& header)
+  BufferBacking(Memory bits, const BitmapInfoHeader& header)
       : bits_(std::move(bits)),
         surface_{bits_.get(), header.biWidth, header.biHeight, bytesPerScanLine(header.biWidth)} {}
 
@@ -30,7 +28,7 @@ class BufferBacking final : public DibBacking {
   [[nodiscard]] std::uint8_t* bits() const override { return bits_.get(); }
 
  private:
-  std::unique_ptr<std::uint8_t, FreeMemory> bits_;
+  Memory bits_;
   PixelSurface surface_;
   bool attached_ = false;
 };
@@ -47,8 +45,8 @@ std::unique_ptr<DibBacking> makeDibBacking(GraphicsHandle, const BitmapInfoHeade
                                      ? static_cast<std::size_t>(header.biWidth) * 4
                                      : static_cast<std::size_t>(bytesPerScanLine(header.biWidth));
   // calloc: large blocks come zeroed from the system without being touched.
-  std::unique_ptr<std::uint8_t, FreeMemory> bits(
-      static_cast<std::uint8_t*>(std::calloc(static_cast<std::size_t>(header.biHeight), lineLength)));
+  Memory bits(static_cast<std::uint8_t*>(std::calloc(static_cast<std::size_t>(header.biHeight), lineLength)),
+              std::free);
   if (!bits) return nullptr;
   return std::make_unique<BufferBacking>(std::move(bits), header);
 }

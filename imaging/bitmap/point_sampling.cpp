@@ -1,4 +1,4 @@
-#include "imaging/point_sampling.h"
+#include "imaging/bitmap/point_sampling.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,11 +1,11 @@
-#ifndef VELTRANO_IMAGING_INTEL_JPEG_LIBRARY_H
-#define VELTRANO_IMAGING_INTEL_JPEG_LIBRARY_H
+#ifndef VELTRANO_IMAGING_JPEG_INTEL_JPEG_LIBRARY_H
+#define VELTRANO_IMAGING_JPEG_INTEL_JPEG_LIBRARY_H
 
 // JPEG coding of DIB sections. The module keeps the name and the outcomes of the library it was first written
 // for; libjpeg-turbo does the coding.
 //
-// Pictures are written as JFIF, 4:2:0, with the quality clamped to 1..100. Read are grey, colour and
-// four-channel JPEGs, baseline or progressive, into 24-bit sections. Damaged and hostile data is refused.
+// Writes JFIF, 4:2:0, with the quality clamped to 1..100. Reads grey, colour and four-channel JPEGs, baseline
+// or progressive, into 24-bit sections. Damaged and hostile data is refused.
 
 #include <cstdint>
 #include <filesystem>

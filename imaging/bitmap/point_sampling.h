@@ -1,10 +1,10 @@
-#ifndef VELTRANO_IMAGING_POINT_SAMPLING_H
-#define VELTRANO_IMAGING_POINT_SAMPLING_H
+#ifndef VELTRANO_IMAGING_BITMAP_POINT_SAMPLING_H
+#define VELTRANO_IMAGING_BITMAP_POINT_SAMPLING_H
 
 // Resizing by taking single pixels, with the arithmetic that hosts know: scales of (size - 1) / new size in
 // single precision, whole-number parts, no interpolation.
 
-#include "imaging/pixel_surface.h"
+#include "imaging/bitmap/pixel_surface.h"
 
 namespace veltrano {
 

@@ -1,8 +1,8 @@
-#include "imaging/jpeg_reader.h"
+#include "imaging/jpeg/reader.h"
 
 #include <cstring>
 
-#include "imaging/jpeg_errors.h"
+#include "imaging/jpeg/errors.h"
 
 namespace veltrano::mIntelJPEGLibrary {
 namespace {
