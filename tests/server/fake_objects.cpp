@@ -12,16 +12,6 @@ constexpr DISPID lengthId = 1000;
 
 }  // namespace
 
-STDMETHODIMP DispatchFake::QueryInterface(REFIID iid, void** object) {
-  *object = nullptr;
-  if (iid != IID_IUnknown && iid != IID_IDispatch) {
-    return E_NOINTERFACE;
-  }
-  *object = this;
-  AddRef();
-  return S_OK;
-}
-
 STDMETHODIMP_(ULONG) DispatchFake::Release() {
   const ULONG left = --references;
   if (left == 0 && onHeap) {
@@ -51,9 +41,8 @@ STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARI
   return VariantCopy(result, elements_.at(static_cast<std::size_t>(id) - 1).get());
 }
 
-STDMETHODIMP RecordingSink::QueryInterface(REFIID iid, void** object) {
-  return DispatchFake::QueryInterface(knowsEventInterface && iid == DIID___VeltranoPDF ? IID_IDispatch : iid,
-                                      object);
+void* RecordingSink::find(REFIID iid) {
+  return DispatchFake::find(knowsEventInterface && iid == DIID___VeltranoPDF ? IID_IDispatch : iid);
 }
 
 STDMETHODIMP RecordingSink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,

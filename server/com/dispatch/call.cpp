@@ -46,7 +46,7 @@ HRESULT Assignment::assign(const Member& member, const DISPPARAMS& passed, UINT*
     given[static_cast<std::size_t>(id)] = &passed.rgvarg[i];
   }
   for (std::size_t i = 0; i < count; ++i) {
-    if (given[i] == nullptr && member.parameters[i].omitted == nullptr) {
+    if (given[i] == nullptr && !member.parameters[i].optional) {
       return DISP_E_BADPARAMCOUNT;
     }
   }
