@@ -1,7 +1,5 @@
 #include "fake_objects.h"
 
-#include <xmmintrin.h>
-
 #include <fstream>
 
 namespace veltrano::tests {
@@ -71,18 +69,6 @@ void Connection::disconnect() {
     cookie_ = 0;
   }
   point_ = {};
-}
-
-Arithmetic Arithmetic::now() {
-  constexpr unsigned noted = 0x3F;  // what has happened, not what shall happen
-  Arithmetic settings{_mm_getcsr() & ~noted, 0};
-  __asm__ __volatile__("fnstcw %0" : "=m"(settings.stack));
-  return settings;
-}
-
-void Arithmetic::set() const {
-  _mm_setcsr(vector);
-  __asm__ __volatile__("fnclex; fldcw %0" : : "m"(stack));
 }
 
 void writeGreyJpeg(const std::filesystem::path& file, int width, int height) {

@@ -1,7 +1,7 @@
 #ifndef VELTRANO_TESTS_SERVER_FAKE_OBJECTS_H
 #define VELTRANO_TESTS_SERVER_FAKE_OBJECTS_H
 
-// What a host hands to the server: objects made for one test, arithmetic settings, pictures.
+// What a host hands to the server: objects made for one test, pictures.
 
 #include <filesystem>
 #include <functional>
@@ -71,15 +71,6 @@ class Connection {
  private:
   ComPointer<IConnectionPoint> point_;
   DWORD cookie_ = 0;
-};
-
-/// What the processor does with floating-point numbers in this thread: the control words of both units.
-struct Arithmetic {
-  unsigned vector = 0;
-  unsigned short stack = 0;
-  bool operator==(const Arithmetic&) const = default;
-  static Arithmetic now();
-  void set() const;
 };
 
 /// The smallest file that the PDF writer takes for a grey JPEG of that size.

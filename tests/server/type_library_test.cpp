@@ -12,12 +12,6 @@ namespace veltrano::tests {
 
 namespace {
 
-std::wstring nameOf(ITypeInfo& type) {
-  Text name;
-  type.GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr);
-  return std::wstring(name.view());
-}
-
 std::wstring typeName(ITypeInfo& type, const TYPEDESC& description) {
   if (description.vt != VT_PTR) {
     return L"not by reference";
