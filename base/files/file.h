@@ -2,7 +2,7 @@
 #define VELTRANO_BASE_FILES_FILE_H
 
 // Open files and the few other things that the library asks of a file system. All reading and writing of files
-// in the library comes through here, so a test can watch it or let it fail (file_calls.h).
+// in the library comes through here, so a test can watch it or let it fail (calls.h).
 
 #include <cstddef>
 #include <cstdint>

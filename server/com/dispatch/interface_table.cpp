@@ -108,47 +108,35 @@ const InterfaceTable* InterfaceTable::of(const ClassEntry& entry) {
 
 std::unique_ptr<InterfaceTable> InterfaceTable::read(const ClassEntry& entry, ITypeLib& library) {
   auto table = std::make_unique<InterfaceTable>();
-  if (FAILED(table->load(entry, library))) {
-    table.reset();
-  }
-  return table;
+  return table->load(entry, library) ? std::move(table) : nullptr;
 }
 
-HRESULT InterfaceTable::load(const ClassEntry& entry, ITypeLib& library) {
+bool InterfaceTable::load(const ClassEntry& entry, ITypeLib& library) {
   ComPointer<ITypeInfo> dispatch;
   ComPointer<ITypeInfo> type;
   HREFTYPE reference = 0;
-  HRESULT result = library.GetTypeInfoOfGuid(*entry.dispatchInterface, dispatch.out());
-  if (SUCCEEDED(result)) {
-    // A dual interface is listed as what scripts see; -1 leads to its vtable side.
-    result = dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference);
-  }
-  if (SUCCEEDED(result)) {
-    result = dispatch->GetRefTypeInfo(reference, type.out());
-  }
   TYPEATTR* attributes = nullptr;
-  if (SUCCEEDED(result)) {
-    result = type->GetTypeAttr(&attributes);
-  }
-  if (FAILED(result)) {
-    return result;
+  // A dual interface is listed as what scripts see; -1 leads to its vtable side.
+  if (FAILED(library.GetTypeInfoOfGuid(*entry.dispatchInterface, dispatch.out())) ||
+      FAILED(dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference)) ||
+      FAILED(dispatch->GetRefTypeInfo(reference, type.out())) || FAILED(type->GetTypeAttr(&attributes))) {
+    return false;
   }
   const UINT count = attributes->cFuncs;
   type->ReleaseTypeAttr(attributes);
   for (UINT i = 0; i < count; ++i) {
     FUNCDESC* function = nullptr;
-    result = type->GetFuncDesc(i, &function);
-    if (FAILED(result)) {
-      return result;
+    if (FAILED(type->GetFuncDesc(i, &function))) {
+      return false;
     }
     const bool added = addMember(*type.get(), *function, entry);
     type->ReleaseFuncDesc(function);
     if (!added) {
-      return TYPE_E_BADMODULEKIND;
+      return false;
     }
   }
   std::ranges::sort(names_, isBefore, &Name::name);
-  return S_OK;
+  return true;
 }
 
 bool InterfaceTable::addMember(ITypeInfo& type, const FUNCDESC& function, const ClassEntry& entry) {

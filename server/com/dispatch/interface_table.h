@@ -52,7 +52,8 @@ class InterfaceTable {
     std::wstring name;
     std::size_t member;
   };
-  HRESULT load(const ClassEntry& entry, ITypeLib& library);
+  /// False if the library is damaged or memory is short: then nothing can be called.
+  bool load(const ClassEntry& entry, ITypeLib& library);
   bool addMember(ITypeInfo& type, const FUNCDESC& function, const ClassEntry& entry);
 
   std::vector<Member> members_;     ///< by id; a property's get and put are neighbours
