@@ -77,20 +77,6 @@ TEST(ReadIdentified, StopsAtTheLimitOrTheEnd) {
   EXPECT_FALSE(readIdentified(folder.path(), 4));
 }
 
-TEST(FileIdentity, TellsAChangedFile) {
-  const TemporaryFolder folder;
-  const auto file = folder / "metrics.afm";
-  EXPECT_FALSE(fileIdentity(file));
-  EXPECT_FALSE(fileIdentity(folder.path()));
-  ASSERT_TRUE(replaceFile(file, "one"));
-  const auto first = fileIdentity(file);
-  ASSERT_TRUE(first);
-  EXPECT_EQ(first->size, 3U);
-  EXPECT_EQ(fileIdentity(file), first);
-  ASSERT_TRUE(replaceFile(file, "three"));
-  EXPECT_NE(fileIdentity(file), first);
-}
-
 TEST(ListFiles, IsSortedAndLeavesFoldersOut) {
   const TemporaryFolder folder;
   for (const char* name : {"b.afm", "A.afm", "a.afm"}) {
