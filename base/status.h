@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace veltrano {
@@ -43,7 +44,9 @@ class Status {
 template <typename T>
 class Result {
  public:
-  Result(T value) : value_(std::move(value)) {}
+  /// From a value, or from what converts to one: a pointer to a derived class.
+  template <typename Value = T>
+  requires std::is_convertible_v<Value, T> Result(Value&& value) : value_(std::forward<Value>(value)) {}
   Result(Status failure) : status_(std::move(failure)) {}
   Result(Failure failure, std::string reason) : status_(failure, std::move(reason)) {}
 
