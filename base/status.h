@@ -44,9 +44,10 @@ class Status {
 template <typename T>
 class Result {
  public:
-  /// From a value, or from what converts to one: a pointer to a derived class.
-  template <typename Value = T>
-  requires std::is_convertible_v<Value, T> Result(Value&& value) : value_(std::forward<Value>(value)) {}
+  Result(T value) : value_(std::move(value)) {}
+  /// From what converts to a value: a pointer to a derived class.
+  template <typename Other>
+  requires std::is_convertible_v<Other, T> Result(Other value) : value_(std::move(value)) {}
   Result(Status failure) : status_(std::move(failure)) {}
   Result(Failure failure, std::string reason) : status_(failure, std::move(reason)) {}
 

@@ -274,7 +274,7 @@ Status addFirstRows(Pager& pager, double created) {
 }  // namespace
 
 Status makeSystemTables(Pager& pager, double created) {
-  const Status full(Failure::full, "the file cannot be written");
+  constexpr const char* full = "the file cannot be written";
   Transaction transaction(pager);
   if (!transaction.begun()) {
     return transaction.begun();
@@ -282,13 +282,13 @@ Status makeSystemTables(Pager& pager, double created) {
   const auto tables = systemTables();
   for (PageNumber i = 0; i < tables.size(); ++i) {
     if (allocatePage(pager) != catalogPage + i) {
-      return full;
+      return {Failure::full, full};
     }
   }
   MapAllocator maps(pager);
   for (PageNumber i = 0; i < tables.size(); ++i) {
     if (!writeDefinition(pager, catalogPage + i, tables[i], TableKind::system, maps)) {
-      return full;
+      return {Failure::full, full};
     }
   }
   Status done = addFirstRows(pager, created);
