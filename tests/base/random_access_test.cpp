@@ -18,9 +18,9 @@ using Bytes = std::vector<std::uint8_t>;
 
 TEST(RandomAccessFile, ReadsAndWritesAtPlaces) {
   const TemporaryFolder folder;
-  OpenFailure failure = {};
-  const auto file = systemFiles().open(folder / "a", OpenMode::create, failure);
-  ASSERT_TRUE(file);
+  const auto opened = systemFiles().open(folder / "a", OpenMode::create);
+  ASSERT_TRUE(opened);
+  RandomAccessFile* const file = opened->get();
   EXPECT_TRUE(file->writeAt(3, Bytes{4, 5}));
   EXPECT_TRUE(file->writeAt(0, Bytes{1, 2, 3}));
   Bytes read(10, 0xEE);
@@ -54,22 +54,18 @@ TEST(RandomAccessFile, KeepsUsersApart) {
                {OpenMode::write, OpenMode::write, false},
                {OpenMode::create, OpenMode::create, false}};
   for (const auto& c : cases) {
-    OpenFailure failure = OpenFailure::other;
-    const auto first = systemFiles().open(file, c.first, failure);
+    const auto first = systemFiles().open(file, c.first);
     ASSERT_TRUE(first);
-    EXPECT_EQ(systemFiles().open(file, c.second, failure) != nullptr, c.together);
-    EXPECT_EQ(failure, c.together ? OpenFailure::other : OpenFailure::inUse);
+    EXPECT_EQ(systemFiles().open(file, c.second).failure(), c.together ? Failure::none : Failure::inUse);
   }
 }
 
 TEST(RandomAccessFile, SaysWhyItDoesNotOpen) {
   const TemporaryFolder folder;
-  OpenFailure failure = OpenFailure::other;
-  EXPECT_FALSE(systemFiles().open(folder / "missing", OpenMode::write, failure));
-  EXPECT_EQ(failure, OpenFailure::missing);
+  EXPECT_EQ(systemFiles().open(folder / "missing", OpenMode::write).failure(), Failure::missing);
   EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
   for (const OpenMode mode : {OpenMode::read, OpenMode::write}) {
-    EXPECT_FALSE(systemFiles().open(folder.path(), mode, failure)) << "a folder";
+    EXPECT_FALSE(systemFiles().open(folder.path(), mode)) << "a folder";
   }
   ASSERT_TRUE(replaceFile(folder / "b", ""));
   EXPECT_TRUE(systemFiles().remove(folder / "b"));

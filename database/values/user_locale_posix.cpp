@@ -1,9 +1,9 @@
 #include <langinfo.h>
 #include <locale.h>  // newlocale is POSIX's, not C++'s
 
-#include "database/date_from_text.h"
-#include "database/number_from_text.h"
-#include "database/user_locale.h"
+#include "database/values/date_from_text.h"
+#include "database/values/number_from_text.h"
+#include "database/values/user_locale.h"
 
 namespace veltrano {
 

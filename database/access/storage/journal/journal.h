@@ -1,8 +1,8 @@
-#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_JOURNAL_H
-#define VELTRANO_DATABASE_ACCESS_STORAGE_JOURNAL_H
+#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_JOURNAL_JOURNAL_H
+#define VELTRANO_DATABASE_ACCESS_STORAGE_JOURNAL_JOURNAL_H
 
 // The journal being written: a file beside the database that holds every transaction since the last
-// checkpoint. journal_format.h shows the bytes, recovery.h reads them after a crash, pager.h says what is
+// checkpoint. format.h shows the bytes, recovery.h reads them after a crash, and pager.h says what is
 // written when.
 //
 // The file is made at the first transaction, kept open, and removed when the database is closed.
@@ -12,9 +12,9 @@
 #include <memory>
 #include <vector>
 
+#include "base/files/random_access.h"
 #include "database/access/storage/bytes.h"
-#include "database/access/storage/file.h"
-#include "database/access/storage/journal_format.h"
+#include "database/access/storage/journal/format.h"
 
 namespace veltrano::access {
 

@@ -1,4 +1,4 @@
-#include "database/access/storage/map_row.h"
+#include "database/access/storage/space/map_row.h"
 
 #include <algorithm>
 #include <bit>

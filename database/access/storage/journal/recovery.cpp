@@ -1,4 +1,4 @@
-#include "database/access/storage/recovery.h"
+#include "database/access/storage/journal/recovery.h"
 
 #include <algorithm>
 #include <map>
@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/trace.h"
-#include "database/access/storage/journal.h"
+#include "database/access/storage/journal/journal.h"
 
 namespace veltrano::access {
 
@@ -187,11 +187,11 @@ Outcome apply(const Contents& journal, RandomAccessFile* database, RandomAccessF
 
 bool recoverDatabase(FileSystem& files, const std::filesystem::path& path, RandomAccessFile* database,
                      std::uint64_t identity, std::uint32_t pageSize) {
-  OpenFailure failure = {};
-  auto file = files.open(journalPath(path), database != nullptr ? OpenMode::write : OpenMode::read, failure);
-  if (!file) {
-    return failure == OpenFailure::missing;
+  auto opened = files.open(journalPath(path), database != nullptr ? OpenMode::write : OpenMode::read);
+  if (!opened) {
+    return opened.failure() == Failure::missing;
   }
+  auto file = *std::move(opened);
   const auto journal = readJournal(*file);
   if (journal && apply(*journal, database, *file, identity, pageSize, path) == Outcome::failed) {
     return false;

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_FIELD_TO_TEXT_H
-#define VELTRANO_DATABASE_FIELD_TO_TEXT_H
+#ifndef VELTRANO_DATABASE_VALUES_FIELD_TO_TEXT_H
+#define VELTRANO_DATABASE_VALUES_FIELD_TO_TEXT_H
 
 // How field values become text. Both engines use these, so a host reads the same texts whichever engine it
 // gets, in every locale:

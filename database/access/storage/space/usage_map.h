@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_USAGE_MAP_H
-#define VELTRANO_DATABASE_ACCESS_STORAGE_USAGE_MAP_H
+#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_SPACE_USAGE_MAP_H
+#define VELTRANO_DATABASE_ACCESS_STORAGE_SPACE_USAGE_MAP_H
 
 // Sets of pages as the file keeps them: for each table, index and long-value column the maps of what it owns,
 // and the global map of free pages (allocator.h). map_row.h shows the bytes.

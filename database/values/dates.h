@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_DATES_H
-#define VELTRANO_DATABASE_DATES_H
+#ifndef VELTRANO_DATABASE_VALUES_DATES_H
+#define VELTRANO_DATABASE_VALUES_DATES_H
 
 // Automation dates: days since 1899-12-30, years 100 to 9999. The fraction is the time of day and counts upwards
 // before the origin, too: -1.25 is 6 o'clock on 1899-12-29.

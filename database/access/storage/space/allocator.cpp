@@ -1,10 +1,10 @@
-#include "database/access/storage/allocator.h"
+#include "database/access/storage/space/allocator.h"
 
 #include <algorithm>
 #include <vector>
 
-#include "database/access/storage/map_row.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/space/map_row.h"
+#include "database/access/storage/space/usage_map.h"
 
 namespace veltrano::access {
 

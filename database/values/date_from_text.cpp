@@ -1,9 +1,9 @@
-#include "database/date_from_text.h"
+#include "database/values/date_from_text.h"
 
 #include <algorithm>
 #include <charconv>
 
-#include "database/dates.h"
+#include "database/values/dates.h"
 
 namespace veltrano {
 

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_ALLOCATOR_H
-#define VELTRANO_DATABASE_ACCESS_STORAGE_ALLOCATOR_H
+#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_SPACE_ALLOCATOR_H
+#define VELTRANO_DATABASE_ACCESS_STORAGE_SPACE_ALLOCATOR_H
 
 // Pages for new use, and pages given back: the global map of free pages. All in a transaction, which is to be
 // rolled back after a failure.

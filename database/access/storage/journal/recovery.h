@@ -1,12 +1,12 @@
-#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_RECOVERY_H
-#define VELTRANO_DATABASE_ACCESS_STORAGE_RECOVERY_H
+#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_JOURNAL_RECOVERY_H
+#define VELTRANO_DATABASE_ACCESS_STORAGE_JOURNAL_RECOVERY_H
 
 // What an opener does with the journal of a process that did not close the database.
 
 #include <cstdint>
 #include <filesystem>
 
-#include "database/access/storage/file.h"
+#include "base/files/random_access.h"
 
 namespace veltrano::access {
 

@@ -1,4 +1,4 @@
-#include "database/user_locale_windows.h"
+#include "database/values/user_locale_windows.h"
 
 // clang-format off
 #include <windows.h>
@@ -10,7 +10,7 @@
 #include <cmath>
 
 #include "base/text/code_page.h"
-#include "database/user_locale.h"
+#include "database/values/user_locale.h"
 
 namespace veltrano {
 

@@ -1,4 +1,4 @@
-#include "database/field_to_text.h"
+#include "database/values/field_to_text.h"
 
 #include <charconv>
 #include <chrono>
@@ -6,7 +6,7 @@
 #include "base/numbers/numbers.h"
 #include "base/numbers/scaled_numbers.h"
 #include "base/text/code_page.h"
-#include "database/dates.h"
+#include "database/values/dates.h"
 
 namespace veltrano {
 

@@ -1,4 +1,4 @@
-#include "database/access/storage/journal_format.h"
+#include "database/access/storage/journal/format.h"
 
 #include <algorithm>
 

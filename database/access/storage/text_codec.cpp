@@ -1,4 +1,4 @@
-#include "database/access/schema/text_codec.h"
+#include "database/access/storage/text_codec.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "database/field_conversion.h"
+#include "database/values/field_conversion.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,10 +6,11 @@
 
 #include "base/numbers/numbers.h"
 #include "base/text/code_page.h"
+#include "base/text/lower_case.h"
 #include "base/text/wtf8.h"
-#include "database/date_from_text.h"
-#include "database/dates.h"
-#include "database/user_locale.h"
+#include "database/values/date_from_text.h"
+#include "database/values/dates.h"
+#include "database/values/user_locale.h"
 
 namespace veltrano {
 
@@ -30,16 +31,16 @@ std::optional<Digits> readDigits(std::string_view text) {
     return std::nullopt;
   }
   Digits number;
-  bool behindPoint = false;
+  bool afterPoint = false;
   std::size_t i = text.find_first_of("+-.0123456789");
   for (; i < text.size() && text[i] != 'e' && text[i] != 'E'; ++i) {
     const char c = text[i];
     if (c == '-') {
       number.negative = true;
     } else if (c == '.') {
-      behindPoint = true;
+      afterPoint = true;
     } else if (c >= '0' && c <= '9') {
-      number.exponent -= behindPoint ? 1 : 0;
+      number.exponent -= afterPoint ? 1 : 0;
       if (c != '0' || !number.digits.empty()) {
         number.digits.push_back(c);
       }
@@ -55,8 +56,8 @@ std::optional<Digits> readDigits(std::string_view text) {
   return number;
 }
 
-/// The number in units of 10^-scale, rounded half to even, as plain digits ("" for zero). Nothing when there
-/// are more than `most` of them.
+/// The number in units of 10^-scale, rounded half to even, as plain digits ("" for zero). Empty if there are
+/// more than `most` of them.
 std::optional<std::string> scaled(const Digits& number, int scale, std::size_t most) {
   std::string digits = number.digits;
   const int shift = number.exponent + scale;
@@ -146,12 +147,6 @@ std::optional<double> realOfSingle(float value) {
   return parseNumber(singleNumberText(value));
 }
 
-bool equalsIgnoringCase(std::string_view text, std::string_view lower) {
-  return text.size() == lower.size() &&
-         std::equal(text.begin(), text.end(), lower.begin(),
-                    [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 0x20 : a) == b; });
-}
-
 std::optional<std::uint8_t> hexDigit(char c) {
   if (c >= '0' && c <= '9') {
     return static_cast<std::uint8_t>(c - '0');
@@ -164,7 +159,7 @@ std::optional<std::uint8_t> hexDigit(char c) {
 /// "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX", also in braces and as "{guid {...}}".
 std::optional<Guid> guidFromText(std::string_view text) {
   constexpr std::string_view longForm = "{guid {";
-  if (text.size() > longForm.size() && equalsIgnoringCase(text.substr(0, longForm.size()), longForm) &&
+  if (text.size() > longForm.size() && sameAsciiName(text.substr(0, longForm.size()), longForm) &&
       text.ends_with("}}")) {
     text = text.substr(longForm.size() - 1, text.size() - longForm.size());
   }
@@ -192,6 +187,24 @@ std::optional<Guid> guidFromText(std::string_view text) {
   }
   return guid;
 }
+
+/// `digits` (at most 28, "" for zero) as the magnitude of a decimal.
+Decimal decimalOf(const std::string& digits, bool negative, int scale) {
+  Decimal result;
+  result.negative = negative && !digits.empty();
+  result.scale = static_cast<std::uint8_t>(scale);
+  for (const char c : digits) {
+    std::uint64_t carry = static_cast<unsigned>(c - '0');
+    for (auto& part : result.magnitude) {
+      carry += std::uint64_t{part} * 10;
+      part = static_cast<std::uint32_t>(carry);
+      carry >>= 32;
+    }
+  }
+  return result;
+}
+
+constexpr int mostDecimalDigits = 28;
 
 }  // namespace
 
@@ -227,10 +240,10 @@ std::optional<bool> toBoolean(const Value& value) {
     return *flag;
   }
   if (const auto* text = value.as<std::string>()) {
-    if (equalsIgnoringCase(*text, "true")) {
+    if (sameAsciiName(*text, "true")) {
       return true;
     }
-    if (equalsIgnoringCase(*text, "false")) {
+    if (sameAsciiName(*text, "false")) {
       return false;
     }
   }
@@ -262,28 +275,6 @@ std::optional<Currency> toCurrency(const Value& value) {
   const auto number = scaledInteger(value, 4);
   return number ? std::optional(Currency{*number}) : std::nullopt;
 }
-
-namespace {
-
-/// `digits` (at most 28, "" for zero) as the magnitude of a decimal.
-Decimal decimalOf(const std::string& digits, bool negative, int scale) {
-  Decimal result;
-  result.negative = negative && !digits.empty();
-  result.scale = static_cast<std::uint8_t>(scale);
-  for (const char c : digits) {
-    std::uint64_t carry = static_cast<unsigned>(c - '0');
-    for (auto& part : result.magnitude) {
-      carry += std::uint64_t{part} * 10;
-      part = static_cast<std::uint32_t>(carry);
-      carry >>= 32;
-    }
-  }
-  return result;
-}
-
-constexpr int mostDecimalDigits = 28;
-
-}  // namespace
 
 std::optional<Decimal> toDecimal(const Value& value, int precision, int scale) {
   const auto number = digitsOf(value);

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_FIELD_CONVERSION_H
-#define VELTRANO_DATABASE_FIELD_CONVERSION_H
+#ifndef VELTRANO_DATABASE_VALUES_FIELD_CONVERSION_H
+#define VELTRANO_DATABASE_VALUES_FIELD_CONVERSION_H
 
 // How assigned values become what a field holds, as automation variants convert; both engines use these.
 //
@@ -15,7 +15,7 @@
 #include <string>
 #include <string_view>
 
-#include "database/field_to_text.h"
+#include "database/values/field_to_text.h"
 #include "veltrano/value.h"
 
 namespace veltrano {

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_TEXT_MATCHER_H
-#define VELTRANO_DATABASE_TEXT_MATCHER_H
+#ifndef VELTRANO_DATABASE_VALUES_TEXT_MATCHER_H
+#define VELTRANO_DATABASE_VALUES_TEXT_MATCHER_H
 
 // The comparison of a record search, prepared once and used for every record. It takes stored text in the forms
 // in which files hold it, so that engines need not convert what they only compare.

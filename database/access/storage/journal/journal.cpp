@@ -1,4 +1,4 @@
-#include "database/access/storage/journal.h"
+#include "database/access/storage/journal/journal.h"
 
 #include <algorithm>
 #include <random>
@@ -68,8 +68,9 @@ void Journal::addChange(std::uint64_t offset, Bytes before, Bytes after) {
 
 bool Journal::flush() {
   if (!file_) {
-    OpenFailure failure = {};
-    file_ = files_->open(path_, OpenMode::create, failure);
+    if (auto opened = files_->open(path_, OpenMode::create)) {
+      file_ = *std::move(opened);
+    }
   }
   if (!file_ || !file_->writeAt(end_ + flushed_, pending_)) {
     return false;

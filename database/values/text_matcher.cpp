@@ -1,4 +1,4 @@
-#include "database/text_matcher.h"
+#include "database/values/text_matcher.h"
 
 #include <algorithm>
 

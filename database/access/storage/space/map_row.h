@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_MAP_ROW_H
-#define VELTRANO_DATABASE_ACCESS_STORAGE_MAP_ROW_H
+#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_SPACE_MAP_ROW_H
+#define VELTRANO_DATABASE_ACCESS_STORAGE_SPACE_MAP_ROW_H
 
 // The bytes of a usage map: a row of a data page, always of the same length (Jet 4: 69 bytes, Jet 3: 133).
 //

@@ -1,4 +1,4 @@
-#include "database/number_from_text.h"
+#include "database/values/number_from_text.h"
 
 #include "base/numbers/numbers.h"
 

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_USER_LOCALE_H
-#define VELTRANO_DATABASE_USER_LOCALE_H
+#ifndef VELTRANO_DATABASE_VALUES_USER_LOCALE_H
+#define VELTRANO_DATABASE_VALUES_USER_LOCALE_H
 
 // Texts that are not in the library's own form of a value mean what they mean to the user: "12,75" and
 // "3/4/2026".
