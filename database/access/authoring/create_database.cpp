@@ -4,8 +4,8 @@
 #include <array>
 #include <chrono>
 
-#include "base/os/clock.h"
 #include "base/files/random_access.h"
+#include "base/os/clock.h"
 #include "base/text/code_page.h"
 #include "base/text/lower_case.h"
 #include "database/access/authoring/definition_builder.h"
