@@ -6,6 +6,7 @@
 #include "base/os/floating_point_windows.h"
 #include "base/os/host.h"
 #include "base/text/code_page.h"
+#include "veltrano/installed.h"
 
 namespace veltrano {
 
@@ -65,7 +66,7 @@ std::filesystem::path metricsFolder() {
   return libraryFolder();
 }
 
-bool setInstallation(const char*) {
+bool setMetricsFolder(const char*) {
   return true;
 }
 
