@@ -10,7 +10,8 @@ rm -rf "$work"
 mkdir -p "$work"
 cd "$work"
 # Quick to compile; ccache finds what another way has compiled.
-export CXXFLAGS=-O0 CCACHE_BASEDIR=$work CCACHE_NOHASHDIR=1
+export CXXFLAGS=-O0 CCACHE_BASEDIR=$work
+if command -v ccache >/dev/null; then export CMAKE_CXX_COMPILER_LAUNCHER=ccache; fi
 unset VELTRANO_METRICS
 
 fail() { echo "consume.sh: $1" >&2; exit 1; }
@@ -47,13 +48,25 @@ with_pkgconfig() {
 install() {
   local prefix=$1
   shift
-  quietly cmake -G Ninja -S "$project" -B "$prefix-build" -DVELTRANO_TESTS=OFF -DVELTRANO_SAMPLES=OFF \
-    -DCMAKE_INSTALL_LIBDIR=lib "$@"
+  quietly cmake -G Ninja -S "$sources" -B "$prefix-build" -DVELTRANO_TESTS=OFF -DVELTRANO_SAMPLES=OFF \
+    -DVELTRANO_WARNINGS_AS_ERRORS=OFF -DCMAKE_INSTALL_LIBDIR=lib "$@"
   quietly cmake --build "$prefix-build" --target VeltranoFrameWork
   quietly cmake --install "$prefix-build" --prefix "$work/$prefix-first" --component linux
   # What is installed may be moved.
   mv "$prefix-first" "$prefix"
 }
+
+# The work tree as a repository, which may differ from what is committed.
+mkdir repository
+(cd "$project" && git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$work/repository" 2>/dev/null) || true
+quietly git -C repository init -q
+quietly git -C repository add -A
+quietly git -C repository -c user.name=test -c user.email=test@localhost commit -qm "The work tree"
+consume fetch -DCONSUMER_SOURCE="file://$work/repository" -DFETCHCONTENT_BASE_DIR="$work/fetched"
+[ ! -e fetched/veltrano-build/tests ] || fail "a project that uses the library builds its tests, too"
+# The other ways compile the same files with the same options, so ccache has them.
+sources=$work/fetched/veltrano-src
+consume subdirectory -DCONSUMER_SOURCE="$sources"
 
 install static -DBUILD_SHARED_LIBS=OFF
 install shared -DBUILD_SHARED_LIBS=ON
@@ -62,16 +75,7 @@ CXXFLAGS="$CXXFLAGS -ffile-prefix-map=$work=." consume found-static -DCMAKE_PREF
 consume found-shared -DCMAKE_PREFIX_PATH="$work/shared"
 with_pkgconfig pkgconfig-static "$work/static"
 with_pkgconfig pkgconfig-shared "$work/shared"
-nm -DC --defined-only shared/lib/libveltranoframework.so |
-  grep -vE ' [VWu] |veltrano::(Veltrano|Value|Picture|cDIBSection|Null|utf8ToAnsi|ansiToUtf8|codePage|setCodePage|setMetricsFolder)' |
-  grep -E ' [A-Z] ' | grep . && fail "the shared library shows more than its headers declare"
-
-# The work tree as a repository, which may differ from what is committed.
-mkdir repository
-(cd "$project" && git ls-files -z --cached --others --exclude-standard | xargs -0 cp --parents -t "$work/repository" 2>/dev/null) || true
-quietly git -C repository init -q
-quietly git -C repository add -A
-quietly git -C repository -c user.name=test -c user.email=test@localhost commit -qm "The work tree"
-consume fetch -DCONSUMER_SOURCE="file://$work/repository"
-consume subdirectory -DCONSUMER_SOURCE="$work/repository"
-[ ! -e subdirectory/veltrano/tests ] || fail "a project that uses the library builds its tests, too"
+if nm -DC --defined-only shared/lib/libveltranoframework.so | grep -vE ' [VWu] ' |
+  grep -vE ' [A-Z] (vtable for |typeinfo (name )?for )?veltrano::(Veltrano[A-Z]+|Value|Picture|cDIBSection|utf8ToAnsi|ansiToUtf8|codePage|setCodePage|setMetricsFolder)\b'; then
+  fail "the shared library shows more than its headers declare"
+fi
