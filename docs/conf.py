@@ -2,6 +2,9 @@
 import re
 from pathlib import Path
 
+from docutils.nodes import reference
+from sphinx.addnodes import download_reference
+
 project = "Veltrano FrameWork"
 author = "VELTRANO Software Technologies"
 copyright = author  # noqa: A001: Sphinx's name
@@ -21,3 +24,16 @@ html_copy_source = False
 html_show_sphinx = False
 html_show_sourcelink = False
 pygments_style = "friendly"
+html_use_index = False
+
+
+def link_to_samples(app, doctree):
+    """Links to samples lead to those of the package, which lie beside the manual, instead of copies in it."""
+    for node in list(doctree.findall(download_reference)):
+        link = reference("", "", *node.children, refuri=node["reftarget"], internal=False)
+        node.replace_self(link)
+
+
+def setup(app):
+    # Before Sphinx collects what it would copy.
+    app.connect("doctree-read", link_to_samples, priority=100)
