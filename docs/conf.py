@@ -12,7 +12,7 @@ release = version = re.search(r"project\(.* VERSION ([\d.]+)", (Path(__file__).p
 
 extensions = ["myst_parser"]
 root_doc = "index"
-exclude_patterns = ["reference/notes", "contributing"]
+exclude_patterns = ["reference/notes"]
 # Headings can be linked to by their text, three levels deep, as on the pages of the repository.
 myst_heading_anchors = 3
 

@@ -117,7 +117,7 @@ texts() {
 
 # dead_links FOLDER: the relative links of its pages to files that do not exist, as they are in the unpacked package.
 dead_links() {
-  grep -roE '(href|src)="[^"#:]+[#"]' --include='*.html' "$1" | sed -E 's/(href|src)="//; s/[#?"]$//' | sort -u |
+  grep -roE '(href|src)="[^"#:]+[#"]' --include='*.html' "$1" | sed -E 's/(href|src)="//; s/[#?"].*$//' | sort -u |
     while IFS=: read -r page link; do [ -e "$(dirname "$page")/$link" ] || echo "$(basename "$page"): $link"; done
 }
 

@@ -22,7 +22,7 @@ BLOCK = re.compile(r"(?:<!-- (file|not run): (.*?) -->\n)?^```(\w+)\n(.*?)^```\n
 
 
 def pages():
-    for path in sorted((ROOT / "docs").rglob("*.md")):
+    for path in [ROOT / "README.md", *sorted((ROOT / "docs").rglob("*.md"))]:
         if "reference" not in path.parts:
             yield path.stem, path.read_text()
 
