@@ -115,6 +115,8 @@ def member_section(member, entries):
     if "note" in texts:
         out += [texts["note"], ""]
     for key, lines in entries:
+        if key == "example not run":
+            out += ["The project's tests do not run this example: Wine's script host has neither pictures nor addresses to pass.", ""]
         if key.startswith("example"):
             out += fenced("vbscript", lines)
     return out

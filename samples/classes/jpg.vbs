@@ -1,5 +1,6 @@
 ' Makes a smaller copy of a photo and proves it: asks for the size of the new picture.
-'   cscript //nologo jpg.vbs OUTPUT_FOLDER        (with photo.jpg in it)
+'   cscript //nologo jpg.vbs OUTPUT_FOLDER
+' Copy photo.jpg there first, from the folder samples.
 Option Explicit
 
 Dim files, file, jpg, pdf

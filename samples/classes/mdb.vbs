@@ -1,5 +1,6 @@
 ' Adds a record and proves it: finds it again.
-'   cscript //nologo mdb.vbs OUTPUT_FOLDER        (with contacts.mdb in it)
+'   cscript //nologo mdb.vbs OUTPUT_FOLDER
+' Copy contacts.mdb there first, from the folder samples.
 Option Explicit
 
 Dim mdb

@@ -1,5 +1,6 @@
 ' Saves a picture as a PNG file; the result says whether it was written.
-'   cscript //nologo png.vbs OUTPUT_FOLDER        (with photo.jpg in it)
+'   cscript //nologo png.vbs OUTPUT_FOLDER
+' Copy photo.jpg there first, from the folder samples.
 ' The project's tests do not run it: Wine's script hosts have no LoadPicture.
 Option Explicit
 

@@ -1,5 +1,6 @@
 ' A table of an Access database as a PDF file.
-'   cscript //nologo database-to-pdf.vbs OUTPUT_FOLDER        (with contacts.mdb in it)
+'   cscript //nologo database-to-pdf.vbs OUTPUT_FOLDER
+' Copy contacts.mdb there first, from the folder samples.
 Option Explicit
 
 Const UNIT_MM = 1, FONT_ARIAL = 0, FONT_NORMAL = 0, FONT_BOLD = 2, ALIGN_LEFT = 1, ALIGN_RIGHT = 2, BORDER_BOTTOM = 3

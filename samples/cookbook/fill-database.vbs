@@ -1,5 +1,6 @@
 ' Fills a table of an Access database from a text file, and says which lines it refused.
-'   cscript //nologo fill-database.vbs OUTPUT_FOLDER        (with contacts.mdb in it)
+'   cscript //nologo fill-database.vbs OUTPUT_FOLDER
+' Copy contacts.mdb there first, from the folder samples.
 Option Explicit
 
 Dim files, stream, mdb, line, added

@@ -1,5 +1,6 @@
 ' A photo, scaled so that it fits a box and keeps its proportions, and centred in it.
-'   cscript //nologo photo.vbs OUTPUT_FOLDER        (with photo.jpg in it)
+'   cscript //nologo photo.vbs OUTPUT_FOLDER
+' Copy photo.jpg there first, from the folder samples.
 Option Explicit
 
 Const UNIT_MM = 1

@@ -1,6 +1,7 @@
 """The examples in the pages for users.
 
   page_examples.py scripts FOLDER FILES    writes one script for each page and language into FOLDER, which works on the files in FILES
+  page_examples.py compile COMPILER        compiles the programs of the page on Linux
   page_examples.py compare FOLDER          compares the logs of those scripts, and of the samples that pages show, with what the
                                            pages say that they print; exits 1 if a log differs
 
@@ -9,6 +10,7 @@ of a sample's file, which is run by itself. A text block right after an example 
 """
 
 import re
+import subprocess
 import sys
 from pathlib import Path
 
@@ -65,7 +67,17 @@ def compare(folder):
     sys.exit(failures > 0)
 
 
+def compile_programs(compiler):
+    programs = list(examples((ROOT / "docs/hosts/linux.md").read_text(), "cpp"))
+    for code, _ in programs:
+        subprocess.run([compiler, "-std=c++20", "-Wall", "-fsyntax-only", "-I", ROOT / "include", "-x", "c++", "-"],
+                       input=code, text=True, check=True)
+    sys.exit(not programs)
+
+
 if sys.argv[1] == "scripts":
     write_scripts(Path(sys.argv[2]), sys.argv[3])
+elif sys.argv[1] == "compile":
+    compile_programs(sys.argv[2])
 else:
     compare(Path(sys.argv[2]))
