@@ -116,7 +116,7 @@ def member_section(member, entries):
         out += [texts["note"], ""]
     for key, lines in entries:
         if key == "example not run":
-            out += ["The project's tests do not run this example: Wine's script host has neither pictures nor addresses to pass.", ""]
+            out += ["The project's tests do not run this example: Wine's script host has no events, pictures or addresses.", ""]
         if key.startswith("example"):
             out += fenced("vbscript", lines)
     return out

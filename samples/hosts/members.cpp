@@ -1,6 +1,7 @@
 // Lists the members of a club who get the newsletter: reads a database, draws a PDF page, keeps settings.
 //   members CONTACTS.mdb PHOTO.jpg OUTPUT_FOLDER
-// On Linux, with the portable library: g++ -std=c++20 members.cpp $(pkg-config --cflags --libs veltranoframework) -o members
+// On Linux, with the portable library:
+//   g++ -std=c++20 members.cpp $(pkg-config --cflags --libs veltranoframework) -o members
 #include <veltrano/mdb.h>
 #include <veltrano/pdf.h>
 #include <veltrano/text.h>
@@ -25,7 +26,8 @@ int printMembers(VeltranoPDF& pdf, const char* database, double y) {
   for (; !mdb.Eof(); mdb.MoveNext()) {
     if (mdb.ReadRecord_String("Newsletter") == "True") {
       // The database answers UTF-8, pages take the ANSI code page.
-      pdf.PDFTextOut(utf8ToAnsi(mdb.ReadRecord_String("LastName") + ", " + mdb.ReadRecord_String("City")), 20, y);
+      pdf.PDFTextOut(utf8ToAnsi(mdb.ReadRecord_String("LastName") + ", " + mdb.ReadRecord_String("City")), 20,
+                     y);
       y += 7;
       ++count;
     }
@@ -51,7 +53,9 @@ int main(int argc, char** argv) {
   settings.XML_Save();
 
   VeltranoPDF pdf;
-  pdf.onError = [](std::string_view message) { std::printf("PDF: %.*s\n", static_cast<int>(message.size()), message.data()); };
+  pdf.onError = [](std::string_view message) {
+    std::printf("PDF: %.*s\n", static_cast<int>(message.size()), message.data());
+  };
   pdf.PDFTitle(utf8ToAnsi(title));
   pdf.PDFFileName(folder / "members.pdf");
   pdf.PDFSetUnit(UNIT_MM);

@@ -1,9 +1,9 @@
 // Calls registered classes late bound for a program outside Wine: one request a line, one answer a line.
 //   new PROGID                              ->  = NUMBER
-//   call NUMBER MEMBER FLAGS [VALUE ...]    ->  = RESULT [VALUE ...]: the arguments by reference as they are afterwards
-// Fields are separated by tabs. A value is its kind (s text, d double, i 32 bits, h 16 bits, b flag, e empty, l list), in upper
-// case if passed by reference, and the text of the value with percent-encoded UTF-8. Events come before the answer as "! TEXT",
-// failures are "? HRESULT".
+//   call NUMBER MEMBER FLAGS [VALUE ...]    ->  = RESULT [VALUE ...]: the arguments as they are after the call
+// Fields are separated by tabs. A value is its kind (s text, d double, i 32 bits, h 16 bits, b flag, e empty,
+// l list), in upper case if passed by reference, and the text of the value as percent-encoded UTF-8. Events
+// come before the answer as "! TEXT", failures are "? HRESULT".
 
 #include <cstdio>
 #include <iostream>
@@ -30,16 +30,16 @@ std::wstring decoded(const std::string& field) {
     i += escaped ? 2 : 0;
   }
   std::wstring text(bytes.size(), L'\0');
-  text.resize(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()),
-                                                           text.data(), static_cast<int>(text.size()))));
+  text.resize(static_cast<std::size_t>(MultiByteToWideChar(
+      CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(), static_cast<int>(text.size()))));
   return text;
 }
 
 std::string encoded(const std::wstring& text) {
   std::string bytes(3 * text.size(), '\0');
-  bytes.resize(static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()),
-                                                            bytes.data(), static_cast<int>(bytes.size()), nullptr,
-                                                            nullptr)));
+  bytes.resize(static_cast<std::size_t>(
+      WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
+                          static_cast<int>(bytes.size()), nullptr, nullptr)));
   std::string field;
   for (const char byte : bytes) {
     char escape[4];
@@ -52,12 +52,18 @@ std::string encoded(const std::wstring& text) {
 Argument argumentOf(const std::string& field) {
   const std::wstring text = decoded(field.substr(1));
   switch (field[0] | 0x20) {
-    case 's': return text.c_str();
-    case 'd': return std::stod(text);
-    case 'i': return std::stoi(text);
-    case 'h': return Argument::of<short>(VT_I2, static_cast<short>(std::stoi(text)));
-    case 'b': return text == L"True";
-    default: return {};
+    case 's':
+      return text.c_str();
+    case 'd':
+      return std::stod(text);
+    case 'i':
+      return std::stoi(text);
+    case 'h':
+      return Argument::of<short>(VT_I2, static_cast<short>(std::stoi(text)));
+    case 'b':
+      return text == L"True";
+    default:
+      return {};
   }
 }
 
@@ -122,7 +128,8 @@ int main() {
       if (created.object.get() != nullptr && clsid == CLSID_VeltranoPDF) {
         created.connection = std::make_unique<Connection>(*created.object.get(), created.sink);
       }
-      std::cout << (created.object.get() != nullptr ? "=\t" + std::to_string(objects.size() - 1) : "?\t0") << std::endl;
+      std::cout << (created.object.get() != nullptr ? "=\t" + std::to_string(objects.size() - 1) : "?\t0")
+                << std::endl;
     } else {
       std::cout << call(*std::next(objects.begin(), std::stoi(fields[1])), fields) << std::endl;
     }
