@@ -49,7 +49,28 @@ std::string encoded(const std::wstring& text) {
   return field;
 }
 
+Argument argumentOf(const std::string& field);
+
+/// Elements, each followed by a comma.
+Argument listOf(const std::string& elements) {
+  SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, 0);
+  SAFEARRAYBOUND bound = {};
+  for (std::size_t start = 0; start < elements.size(); ++bound.cElements) {
+    const std::size_t end = elements.find(',', start);
+    Argument element = argumentOf(elements.substr(start, end - start));
+    SAFEARRAYBOUND wider = {bound.cElements + 1, 0};
+    SafeArrayRedim(array, &wider);
+    LONG index = static_cast<LONG>(bound.cElements);
+    SafeArrayPutElement(array, &index, element.get());
+    start = end + 1;
+  }
+  return Argument::of(VT_ARRAY | VT_VARIANT, array);
+}
+
 Argument argumentOf(const std::string& field) {
+  if (field[0] == 'l') {
+    return listOf(field.substr(1));
+  }
   const std::wstring text = decoded(field.substr(1));
   switch (field[0] | 0x20) {
     case 's':

@@ -5,7 +5,7 @@
   page_examples.py compare FOLDER          compares the logs of those scripts, and of the samples that pages show, with what the
                                            pages say that they print; exits 1 if a log differs
 
-VBScript and JScript blocks of a page run one after the other in one script, except those after a remark "not run: REASON" and those
+VBScript, JScript and Python blocks of a page run one after the other in one script, except those after a remark "not run: REASON" and those
 of a sample's file, which is run by itself. A text block right after an example is what it prints.
 """
 
@@ -19,7 +19,9 @@ sys.path.insert(0, str(ROOT / "scripts"))
 from make_stubs import constants  # noqa: E402
 from type_library_source import read_library  # noqa: E402
 
-HOSTS = {"vbscript": ("vbs", "'", "Const {name} = {value}"), "javascript": ("js", "//", "var {name} = {value};")}
+# Extension, and how constants that a script does not know are declared.
+HOSTS = {"vbscript": ("vbs", "'", "Const {name} = {value}"), "javascript": ("js", "//", "var {name} = {value};"), "python": ("py", None, None)}
+DONE = {"vbs": 'WScript.Echo "done"', "js": 'WScript.Echo("done");', "py": 'print("done")'}
 BLOCK = re.compile(r"(?:<!-- (file|not run): (.*?) -->\n)?^```(\w+)\n(.*?)^```\n(?:\n^```text\n(.*?)^```\n)?", re.M | re.S)
 
 
@@ -43,12 +45,12 @@ def write_scripts(folder, files):
             codes = [code for code, _ in examples(text, language)]
             if not codes:
                 continue
-            lines = "\n".join(codes + ['WScript.Echo("done");' if extension == "js" else 'WScript.Echo "done"'])
+            lines = "\n".join([*codes, DONE[extension]])
             declared = "\n".join(re.findall(r"^(?:Const|var) (?:\w+ = \d+(?:, )?)+;?$", lines, re.M))
-            head = [row for row in constants(enumerations, remark, line)
+            head = [row for row in (constants(enumerations, remark, line) if remark else [])
                     if not any(constant in declared for constant in re.findall(r"(?:Const|var) (\w+)", row))]
-            place = files.replace("\\", "\\\\") if extension == "js" else files
-            lines = lines.replace("C:\\\\Temp" if extension == "js" else "C:\\Temp", place)
+            doubled = extension == "js"
+            lines = lines.replace("C:\\\\Temp" if doubled else "C:\\Temp", files.replace("\\", "\\\\") if doubled else files)
             (folder / f"page-{name}.{extension}").write_text("\n".join(head) + "\n" + lines + "\n", newline="\r\n")
 
 

@@ -74,6 +74,8 @@ run unregistered "$wine" "$beside/$(basename "$program")" "$(windows_path "$fold
 
 "$wine" "C:\\windows\\$system\\regsvr32.exe" /s "$(windows_path "$dll")" || fail "the DLL cannot be registered"
 
+VELTRANO_TRACE=$(windows_path "$folder/trace.txt")
+export VELTRANO_TRACE
 # The samples' database and photo, for the members' lists, the recipes and the examples of the pages.
 cp "$samples/photo.jpg" "$folder/files/"
 "$wine" "$makeContacts" "$(windows_path "$folder/files/contacts.mdb")"
@@ -107,6 +109,9 @@ xmllint --noout "$folder/files/track.kml" "$folder/files/place.kml" || fail "a K
 "$python" "$here/page_examples.py" scripts "$folder" "$(windows_path "$folder/files")"
 "$python" "$root/scripts/make_reference.py" --examples "$(windows_path "$folder/files")" >"$folder/reference.vbs"
 for sample in "$folder"/*.vbs "$folder"/*.js; do script "$(basename "$sample")" "$sample"; done
+for sample in "$folder"/*.py; do TMPDIR="$folder/files" run_python "$(basename "$sample")" "$sample"; done
 "$python" "$here/page_examples.py" compare "$folder" || fail "examples do not print what their pages say"
+
+grep -q 'OpenDB.*missing\.mdb' "$folder/trace.txt" || fail "the trace does not say why a database did not open"
 
 [ "$failures" -eq 0 ]

@@ -49,6 +49,8 @@ _bridge = _Bridge()
 
 
 def _field(value, kind, by_reference):
+    if kind == "v" and isinstance(value, (list, tuple)):
+        return "l" + "".join(_field(element, "v", False) + "," for element in value)
     if kind == "v":
         kind = {str: "s", bool: "b", int: "i", float: "d", type(None): "e"}[type(value)]
     if kind == "s" and not isinstance(value, str):
