@@ -26,6 +26,21 @@ html_show_sourcelink = False
 pygments_style = "friendly"
 html_use_index = False
 
+# The contents of the manual. Added to the first page here, since the repository's readers would see the directives as code.
+CONTENTS = {
+    "Start": "quick-start did-it-work cookbook leaving-vbscript migration-64-bit what-is-kept",
+    "Languages": "hosts/vbscript hosts/jscript hosts/vba hosts/powershell hosts/python hosts/csharp hosts/cpp hosts/linux",
+    "Reference": "reference/VeltranoPDF reference/VeltranoKML reference/VeltranoXML reference/VeltranoINI reference/VeltranoMDB "
+                 "reference/VeltranoJPG reference/VeltranoPNG reference/VeltranoWEV reference/VeltranoGIS",
+    "Formats": "kml settings imaging access",
+}
+
+
+def add_contents(app, page, source):
+    if page == root_doc:
+        for caption, pages in CONTENTS.items():
+            source[0] += "\n".join(["", "```{toctree}", ":hidden:", f":caption: {caption}", "", *pages.split(), "```", ""])
+
 
 def link_to_samples(app, doctree):
     """Links to samples lead to those of the package, which lie beside the manual, instead of copies in it."""
@@ -35,5 +50,6 @@ def link_to_samples(app, doctree):
 
 
 def setup(app):
+    app.connect("source-read", add_contents)
     # Before Sphinx collects what it would copy.
     app.connect("doctree-read", link_to_samples, priority=100)
