@@ -41,6 +41,12 @@ manual() {
   PYTHONHASHSEED=0 PYTHONDONTWRITEBYTECODE=1 SOURCE_DATE_EPOCH=$epoch \
     sphinx-build -q -E -W -d "$stage/doctrees" -b html docs "$1/manual"
   rm "$1/manual/.buildinfo" "$1/manual/objects.inv"
+  # Of the scripts and styles in it.
+  mkdir "$1/manual/licenses"
+  local package
+  for package in sphinx-common sphinx-basic-ng furo libjs-jquery libjs-underscore; do
+    cp -L "/usr/share/doc/$package/copyright" "$1/manual/licenses/$package.txt"
+  done
 }
 
 stubs() { PYTHONDONTWRITEBYTECODE=1 python3 scripts/make_stubs.py "$1/stubs"; }

@@ -151,7 +151,7 @@ expect "licence texts" 8 "$(find "$folder/licenses" -name '*.txt' ! -name README
 texts "$folder" README.txt LICENSE.txt NOTICE.txt CHANGELOG.txt licenses/Apache-2.0.txt
 expect "lines of scripts and stubs that end in CR LF" "all" \
   "$(grep -rqv $'\r$' "$folder/stubs" "$folder/samples"/*.vbs "$folder/samples"/*/ && echo "not all" || echo "all")"
-texts "$folder" manual/index.html manual/searchindex.js stubs/veltrano_constants.vbs stubs/Veltrano.cs
+texts "$folder" manual/index.html manual/searchindex.js manual/licenses/furo.txt stubs/veltrano_constants.vbs stubs/Veltrano.cs
 expect "links of the manual that lead nowhere" "" "$(dead_links "$folder/manual")"
 for architecture in x86 x64; do
   expect "$architecture: metrics beside the DLL" 16 "$(find "$folder/$architecture" -maxdepth 1 -name '*.afm' | wc -l)"
