@@ -8,6 +8,7 @@ Set stream = files.CreateTextFile(WScript.Arguments(0) & "\track.csv")
 stream.WriteLine "45.899260;6.129520;448;Quay"
 stream.WriteLine "45.900650;6.139210;447;"
 stream.WriteLine "45.907820;6.139740;531;Viewpoint"
+stream.WriteLine "45.911000;6.131000;-0.5;"
 stream.Close
 
 Set kml = CreateObject("VeltranoFrameWorkDLL.VeltranoKML")
@@ -32,8 +33,5 @@ WScript.Echo "done"
 
 ' A number with a decimal point, whatever the user's decimal separator is.
 Function Number(text)
-    Dim parts
-    parts = Split(text, ".")
-    Number = CDbl(parts(0))
-    If UBound(parts) = 1 Then Number = Number + CDbl(parts(1)) / 10 ^ Len(parts(1))
+    Number = CDbl(Replace(text, ".", Mid(CStr(1.5), 2, 1)))
 End Function

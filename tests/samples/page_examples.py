@@ -6,7 +6,8 @@
                                            pages say that they print; exits 1 if a log differs
 
 VBScript, JScript and Python blocks of a page run one after the other in one script, except those after a remark "not run: REASON" and those
-of a sample's file, which is run by itself. A text block right after an example is what it prints.
+of a sample's file, which is run by itself. A text block right after an example is what it prints; a block after a remark "in FILE"
+is a part of that file.
 """
 
 import re
@@ -22,7 +23,7 @@ from type_library_source import read_library  # noqa: E402
 # Extension, and how constants that a script does not know are declared.
 HOSTS = {"vbscript": ("vbs", "'", "Const {name} = {value}"), "javascript": ("js", "//", "var {name} = {value};"), "python": ("py", None, None)}
 DONE = {"vbs": 'WScript.Echo "done"', "js": 'WScript.Echo("done");', "py": 'print("done")'}
-BLOCK = re.compile(r"(?:<!-- (file|not run): (.*?) -->\n)?^```(\w+)\n(.*?)^```\n(?:\n^```text\n(.*?)^```\n)?", re.M | re.S)
+BLOCK = re.compile(r"(?:<!-- (file:|not run:|in) (.*?) -->\n)?^```(\w+)\n(.*?)^```\n(?:\n^```text\n(.*?)^```\n)?", re.M | re.S)
 
 
 def pages():
@@ -59,12 +60,16 @@ def compare(folder):
     for name, text in pages():
         expected = {f"page-{name}.{extension}": "".join(printed for _, printed in examples(text, language)) + "done\n"
                     for language, (extension, _, _) in HOSTS.items() if any(examples(text, language))}
-        expected |= {Path(file).name: printed for mark, file, _, _, printed in BLOCK.findall(text) if mark == "file" and printed}
+        expected |= {Path(file).name: printed for mark, file, _, _, printed in BLOCK.findall(text) if mark == "file:" and printed}
         for script, printed in expected.items():
             log = folder / f"{script}.log"
             said = log.read_text() if log.exists() else "(was not run)\n"
             if said != printed:
                 print(f"FAILED: {script} says\n{said}instead of\n{printed}", file=sys.stderr)
+                failures += 1
+        for mark, file, _, part, _ in BLOCK.findall(text):
+            if mark == "in" and part not in (folder / "files" / file).read_text():
+                print(f"FAILED: {file} lacks what {name}.md shows:\n{part}", file=sys.stderr)
                 failures += 1
     sys.exit(failures > 0)
 
