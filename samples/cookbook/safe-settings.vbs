@@ -24,8 +24,8 @@ Function Opened(file)
 End Function
 
 ' The waiting value is the newer one.
-Function Read(key, default)
-    Read = Opened(main).XML_GetSetting("View", key, default)
+Function Read(key, fallback)
+    Read = Opened(main).XML_GetSetting("View", key, fallback)
     If files.FileExists(waiting) Then Read = Opened(waiting).XML_GetSetting("View", key, Read)
 End Function
 

@@ -12,5 +12,8 @@ for sample in Hello Members; do
   mcs -warnaserror -out:"$stubs/$sample.exe" "$root/samples/hosts/$sample.cs" "$stubs/Veltrano.cs"
 done
 mcs -target:library -warnaserror -out:"$stubs/Picture.dll" "$root/samples/hosts/Picture.cs"
-"$compiler" -fsyntax-only "$stubs/names.cpp"
+# The first example of that page is a header and statements.
+example=$(awk '/^```cpp/ { found = 1; next } /^```/ && found { exit } found' "$root/docs/hosts/cpp.md")
+printf '#include <windows.h>\n%s\nint main() {\n%s\n}\n' "${example%%$'\n'*}" "${example#*$'\n'}" >"$stubs/example.cpp"
+for source in names example; do "$compiler" -fsyntax-only -I "$(dirname "$library")" "$stubs/$source.cpp"; done
 xmllint --noout "$root/samples/hosts/hello.wsf"
