@@ -69,11 +69,11 @@ CSHARP = {"String": "string", "Integer": "short", "Long": "int", "LongPtr": "lon
           "Variant": "object", "IPictureDisp": "[MarshalAs(UnmanagedType.IDispatch)] object", None: "void"}
 
 
-def csharp_parameter(member, parameter):
+def csharp_parameter(member, parameter, optional):
     kind = CSHARP.get(parameter.kind, parameter.kind)
     if (member.name, parameter.name) in WRITTEN_BACK or "event" in member.kinds:
         return f"ref {kind} {parameter.name}"
-    if parameter.default is None:
+    if parameter.default is None or not optional:
         return f"{kind} {parameter.name}"
     default = {"True": "true", "False": "false"}.get(parameter.default, parameter.default)
     if parameter.kind not in CSHARP:
@@ -84,10 +84,9 @@ def csharp_parameter(member, parameter):
 def csharp_parameters(member):
     """C# lets no required argument follow an optional one, and one by reference cannot be optional."""
     parameters = member.parameters
-    fixed = [index for index, parameter in enumerate(parameters) if (member.name, parameter.name) in WRITTEN_BACK]
-    for parameter in parameters[: max(fixed, default=-1) + 1]:
-        parameter.default = None
-    return ", ".join(csharp_parameter(member, parameter) for parameter in parameters)
+    last_required = max((index for index, parameter in enumerate(parameters) if (member.name, parameter.name) in WRITTEN_BACK),
+                        default=-1)
+    return ", ".join(csharp_parameter(member, parameter, index > last_required) for index, parameter in enumerate(parameters))
 
 
 def csharp_member(member):
