@@ -3,4 +3,8 @@ var pdf = new ActiveXObject("VeltranoFrameWorkDLL.VeltranoPDF");
 pdf.PDFSetUnit = 9;
 pdf.PDFTitle = "\u4E2D";
 pdf.PDFEndDoc();
-WScript.Echo("rejected");
+try {
+    pdf.PDFSetFont("large", 12);
+} catch (mismatch) {
+    WScript.Echo("rejected");
+}
