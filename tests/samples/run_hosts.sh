@@ -80,7 +80,8 @@ export VELTRANO_TRACE
 cp "$samples/photo.jpg" "$folder/files/"
 "$wine" "$makeContacts" "$(windows_path "$folder/files/contacts.mdb")"
 
-export VELTRANO_BRIDGE="$wine|$bridge" PYTHONPATH="$here/pywin32" PYTHONDONTWRITEBYTECODE=1
+# TMPDIR, which the examples want, would make Wine start another server with an older registry.
+export VELTRANO_BRIDGE="env|-u|TMPDIR|$wine|$bridge" PYTHONPATH="$here/pywin32" PYTHONDONTWRITEBYTECODE=1
 for language in vbs js py; do
   out="$folder/files/$language"
   mkdir "$out"
