@@ -6,7 +6,7 @@
 //
 //   2026-11-22 14:03:07.125 4711/4712 wscript.exe VeltranoMDB.OpenTable: There is no table "Custmers".
 //
-// Local time, process and thread, host, class and member, a sentence. docs/trace.md tells users how to switch
+// Local time, process and thread, host, class and member, a sentence. docs/did-it-work.md tells users how to switch
 // it on. Off, it costs one test of a flag. It holds no content of documents beyond the names of files, fonts,
 // fields, tables and keys.
 
