@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int16_t flagTrue = -1;
 
-void trace(const char* member, const ErrorReason& source, std::string_view detail = {}) {
+void traceReason(const char* member, const ErrorReason& source, std::string_view detail = {}) {
   if (traceEnabled()) {
     traceSkipped(member, source.lastError(), detail);
   }
@@ -26,7 +26,7 @@ void step(const char* member, Recordset* recordset, bool (Recordset::*operation)
   if (recordset == nullptr) {
     traceClosed(member, "no table is open");
   } else if (!(recordset->*operation)()) {
-    trace(member, *recordset);
+    traceReason(member, *recordset);
   }
 }
 
@@ -71,7 +71,7 @@ bool VeltranoMDB::OpenTable(const std::string& Table) {
   }
   auto recordset = impl_->database->openTable(Table);
   if (!recordset) {
-    trace("OpenTable", *impl_->database, Table);
+    traceReason("OpenTable", *impl_->database, Table);
     return false;
   }
   impl_->recordset = std::move(recordset);
@@ -82,7 +82,7 @@ bool VeltranoMDB::WriteRecord(const std::string& Field, const Value& value) {
   if (!impl_->recordset) {
     traceClosed("WriteRecord", "no table is open");
   } else if (!impl_->recordset->write(Field, value)) {
-    trace("WriteRecord", *impl_->recordset, Field);
+    traceReason("WriteRecord", *impl_->recordset, Field);
   }
   return false;
 }
@@ -92,7 +92,7 @@ std::string VeltranoMDB::ReadRecord_String(const std::string& xField) {
   if (!impl_->recordset) {
     traceClosed("ReadRecord_String", "no table is open");
   } else if (!impl_->recordset->readText(xField, text)) {
-    trace("ReadRecord_String", *impl_->recordset, xField);
+    traceReason("ReadRecord_String", *impl_->recordset, xField);
     text.clear();
   }
   return text;
@@ -150,7 +150,7 @@ void VeltranoMDB::CloseDatabase() {
   if (!impl_->database) {
     traceClosed("CloseDatabase", "no database is open");
   } else if (!impl_->database->close()) {
-    trace("CloseDatabase", *impl_->database);
+    traceReason("CloseDatabase", *impl_->database);
   }
 }
 
