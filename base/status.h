@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 namespace veltrano {
@@ -44,6 +45,9 @@ template <typename T>
 class Result {
  public:
   Result(T value) : value_(std::move(value)) {}
+  /// From what converts to a value: a pointer to a derived class.
+  template <typename Other>
+  requires std::is_convertible_v<Other, T> Result(Other value) : value_(std::move(value)) {}
   Result(Status failure) : status_(std::move(failure)) {}
   Result(Failure failure, std::string reason) : status_(failure, std::move(reason)) {}
 

@@ -1,6 +1,6 @@
 #include "database/database_engine.h"
 
-#include "database/text_matcher.h"
+#include "database/values/text_matcher.h"
 
 namespace veltrano {
 

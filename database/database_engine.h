@@ -6,43 +6,20 @@
 // embedded engine (access/, everywhere else).
 //
 // All texts are UTF-8, those of fields with unpaired surrogates kept (base/text/wtf8.h). Nothing throws but
-// std::bad_alloc. A step that fails changes nothing, returns false or an empty result and leaves the reason
-// for the debug trace in lastError. Objects are used by one thread at a time. A recordset that outlives its
-// database object goes on working until one of the two is closed by its close.
+// std::bad_alloc. A step that fails changes nothing. Objects are used by one thread at a time. A recordset that
+// outlives its database object goes on working until one of the two is closed by its close.
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "base/status.h"
 #include "veltrano/value.h"
 
 namespace veltrano {
 
 class TextMatcher;
-
-/// The common end of every failure: the reason of the last step that failed, for the trace only.
-class ErrorReason {
- public:
-  [[nodiscard]] const std::string& lastError() const { return reason_; }
-
- protected:
-  ErrorReason() = default;
-  ~ErrorReason() = default;
-  ErrorReason(const ErrorReason&) = default;
-  ErrorReason& operator=(const ErrorReason&) = default;
-  ErrorReason(ErrorReason&&) = default;
-  ErrorReason& operator=(ErrorReason&&) = default;
-
-  /// Records why; always false, so that a step can end with `return fail("...")`.
-  bool fail(std::string reason) {
-    reason_ = std::move(reason);
-    return false;
-  }
-
- private:
-  std::string reason_;
-};
 
 /// The records of one table with a current one among them, as a DAO dynaset behaves:
 ///  - it begins on its first record, or at end of file if it has none;
@@ -52,32 +29,32 @@ class ErrorReason {
 ///    on; update stores it, any move drops it;
 ///  - after the update of a new record the current record is the one it was before addNew;
 ///  - a deleted record stays current (and unreadable) until the next move.
-class Recordset : public ErrorReason {
+class Recordset {
  public:
   Recordset() = default;
   Recordset(const Recordset&) = delete;
   Recordset& operator=(const Recordset&) = delete;
   virtual ~Recordset() = default;
 
-  virtual bool moveFirst() = 0;
-  virtual bool moveLast() = 0;
+  virtual Status moveFirst() = 0;
+  virtual Status moveLast() = 0;
   /// To the next record, or past the last one; fails at end of file.
-  virtual bool moveNext() = 0;
+  virtual Status moveNext() = 0;
   /// Empty if the recordset is closed.
   virtual std::optional<bool> atEnd() = 0;
 
-  virtual bool edit() = 0;
-  virtual bool addNew() = 0;
-  virtual bool update() = 0;
+  virtual Status edit() = 0;
+  virtual Status addNew() = 0;
+  virtual Status update() = 0;
   /// Deletes the current record.
-  virtual bool remove() = 0;
+  virtual Status remove() = 0;
 
   /// Puts the field's value as text (field_to_text.h says how) into `text`, whose storage is reused. A
   /// null, an unknown field and the lack of a current record fail; `text` is then empty.
-  virtual bool readText(std::string_view field, std::string& text) = 0;
+  virtual Status readText(std::string_view field, std::string& text) = 0;
   /// Assigns a value to a field of the record being edited or added, converted to the field's type. What does
   /// not convert, does not fit or is not allowed fails and leaves the field, and the edit, as they were.
-  virtual bool write(std::string_view field, const Value& value) = 0;
+  virtual Status write(std::string_view field, const Value& value) = 0;
 
   /// Not at end of file: goes from the current record on, itself included, to the first one whose field is
   /// equal to the matcher's text, and answers true; false and end of file if there is none. A null equals
@@ -85,21 +62,21 @@ class Recordset : public ErrorReason {
   /// field overrides it.
   virtual bool find(std::string_view field, const TextMatcher& matcher);
 
-  virtual bool close() = 0;
+  virtual Status close() = 0;
 };
 
 /// One open database file. Goes away closed.
-class Database : public ErrorReason {
+class Database {
  public:
   Database() = default;
   Database(const Database&) = delete;
   Database& operator=(const Database&) = delete;
   virtual ~Database() = default;
 
-  /// A dynaset on the table of that name (in any case). Null if that fails.
-  virtual std::unique_ptr<Recordset> openTable(std::string_view table) = 0;
+  /// A dynaset on the table of that name (in any case).
+  virtual Result<std::unique_ptr<Recordset>> openTable(std::string_view table) = 0;
   /// Closes the recordsets opened on it, too.
-  virtual bool close() = 0;
+  virtual Status close() = 0;
 };
 
 class DatabaseEngine {
@@ -110,11 +87,10 @@ class DatabaseEngine {
   virtual ~DatabaseEngine() = default;
 
   /// Opens a database file for reading and, where that is possible, writing. `connect` is empty or
-  /// "MS Access;PWD=" followed by the password as it is. Null if that fails; `reason` then says why. Unlike
-  /// the other objects an engine serves all threads at once.
-  virtual std::unique_ptr<Database> openDatabase(std::string_view fileName,
-                                                 std::optional<std::string_view> connect,
-                                                 std::string& reason) = 0;
+  /// "MS Access;PWD=" followed by the password as it is. Unlike the other objects an engine serves all threads
+  /// at once.
+  virtual Result<std::unique_ptr<Database>> openDatabase(std::string_view fileName,
+                                                         std::optional<std::string_view> connect) = 0;
 };
 
 /// What a connect string says before the password.

@@ -3,7 +3,7 @@
 #include "base/trace.h"
 #include "database/database_engine.h"
 #include "database/shared_engine.h"
-#include "database/text_matcher.h"
+#include "database/values/text_matcher.h"
 
 namespace veltrano {
 
@@ -11,30 +11,31 @@ namespace {
 
 constexpr std::int16_t flagTrue = -1;
 
-void traceReason(const char* member, const ErrorReason& source, std::string_view detail = {}) {
-  if (traceEnabled()) {
-    traceSkipped(member, source.lastError(), detail);
-  }
+Status noDatabase() {
+  return {Failure::missing, "no database is open"};
+}
+Status noTable() {
+  return {Failure::missing, "no table is open"};
 }
 
-void traceClosed(const char* member, const char* what) {
-  traceSkipped(member, what);
+/// Whether a step succeeded; the trace says why not.
+bool succeeded(const char* member, const Status& done, std::string_view detail = {}) {
+  if (!done) {
+    traceSkipped(member, done.reason(), detail);
+  }
+  return static_cast<bool>(done);
 }
 
 /// Runs one operation of the current recordset, or does nothing without one.
-void step(const char* member, Recordset* recordset, bool (Recordset::*operation)()) {
-  if (recordset == nullptr) {
-    traceClosed(member, "no table is open");
-  } else if (!(recordset->*operation)()) {
-    traceReason(member, *recordset);
-  }
+void step(const char* member, Recordset* recordset, Status (Recordset::*operation)()) {
+  succeeded(member, recordset != nullptr ? (recordset->*operation)() : noTable());
 }
 
 }  // namespace
 
 struct VeltranoMDB::Impl {
-  DatabaseEngine* engine =
-      nullptr;  ///< null: the shared one, made on first use and not with the first object
+  /// Null for the shared one, which is made on first use and not with the first object.
+  DatabaseEngine* engine = nullptr;
   std::unique_ptr<Database> database;
   std::unique_ptr<Recordset> recordset;  // goes first
 };
@@ -54,45 +55,32 @@ bool VeltranoMDB::OpenDB(const std::string& filename, const std::string& /*Usern
   if (!Password.empty()) {
     connect = std::string(passwordConnectPrefix) + Password;
   }
-  std::string reason;
-  auto database = engine.openDatabase(filename, connect, reason);
-  if (!database) {
-    traceSkipped("OpenDB", reason, filename);
+  auto database = engine.openDatabase(filename, connect);
+  if (!succeeded("OpenDB", database.status(), filename)) {
     return false;
   }
-  impl_->database = std::move(database);
+  impl_->database = *std::move(database);
   return true;
 }
 
 bool VeltranoMDB::OpenTable(const std::string& Table) {
-  if (!impl_->database) {
-    traceClosed("OpenTable", "no database is open");
+  auto recordset = impl_->database ? impl_->database->openTable(Table) : noDatabase();
+  if (!succeeded("OpenTable", recordset.status(), Table)) {
     return false;
   }
-  auto recordset = impl_->database->openTable(Table);
-  if (!recordset) {
-    traceReason("OpenTable", *impl_->database, Table);
-    return false;
-  }
-  impl_->recordset = std::move(recordset);
+  impl_->recordset = *std::move(recordset);
   return true;
 }
 
 bool VeltranoMDB::WriteRecord(const std::string& Field, const Value& value) {
-  if (!impl_->recordset) {
-    traceClosed("WriteRecord", "no table is open");
-  } else if (!impl_->recordset->write(Field, value)) {
-    traceReason("WriteRecord", *impl_->recordset, Field);
-  }
+  succeeded("WriteRecord", impl_->recordset ? impl_->recordset->write(Field, value) : noTable(), Field);
   return false;
 }
 
 std::string VeltranoMDB::ReadRecord_String(const std::string& xField) {
   std::string text;
-  if (!impl_->recordset) {
-    traceClosed("ReadRecord_String", "no table is open");
-  } else if (!impl_->recordset->readText(xField, text)) {
-    traceReason("ReadRecord_String", *impl_->recordset, xField);
+  if (!succeeded("ReadRecord_String", impl_->recordset ? impl_->recordset->readText(xField, text) : noTable(),
+                 xField)) {
     text.clear();
   }
   return text;
@@ -122,16 +110,14 @@ void VeltranoMDB::Update() {
 
 bool VeltranoMDB::Eof() {
   if (!impl_->recordset) {
-    traceClosed("EOF", "no table is open");
-    return false;
+    return succeeded("EOF", noTable());
   }
   return impl_->recordset->atEnd().value_or(false);
 }
 
 bool VeltranoMDB::FindRecord(const std::string& Field, const std::string& Value, std::int16_t CaseSensivite) {
   if (!impl_->recordset) {
-    traceClosed("FindRecord", "no table is open");
-    return false;
+    return succeeded("FindRecord", noTable());
   }
   MoveFirst();
   // Without an answer the recordset is closed, and no step could leave the loop.
@@ -147,11 +133,7 @@ void VeltranoMDB::CloseTable() {
 }
 
 void VeltranoMDB::CloseDatabase() {
-  if (!impl_->database) {
-    traceClosed("CloseDatabase", "no database is open");
-  } else if (!impl_->database->close()) {
-    traceReason("CloseDatabase", *impl_->database);
-  }
+  succeeded("CloseDatabase", impl_->database ? impl_->database->close() : noDatabase());
 }
 
 }  // namespace veltrano

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
 namespace veltrano {
 namespace {
@@ -51,7 +51,7 @@ bool VeltranoJPG::LoadJPEGFromRAM2Picture(GraphicsHandle Dest_hDC, std::uintptr_
       dib.Stretch(Dest_hDC, 0, 0, X, y);
     }
   }
-  return false;  // drawn or not, which hosts know
+  return false;  // whether it was drawn or not: hosts rely on it
 }
 
 bool VeltranoJPG::LoadJPEGFromRAM2PictureXY(GraphicsHandle Dest_hDC, std::uintptr_t ArrayPointer,

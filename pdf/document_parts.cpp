@@ -94,21 +94,16 @@ void DocumentParts::endDocument() {
 }
 
 void DocumentParts::drawText(std::string_view text, double x, double y) {
-  if (x == 0) {
-    x = geometry.currentX;
-  }
-  if (y == 0) {
-    y = geometry.currentY;
-  }
+  const Point start = geometry.orCurrent(x, y);
   if (font.size == 0) {
     font.size = Font::usualSize;
   }
-  const double width = veltrano::drawText(content, text, geometry.points(x, y), font, graphics.textColorOp,
+  const double width = veltrano::drawText(content, text, geometry.points(start), font, graphics.textColorOp,
                                           graphics.textRotation);
   font.underlined = false;
   // The width is in points and not divided by the points of a unit, and so is the font size: after a text the
   // current position is in mixed units, kept because hosts rely on it.
-  geometry.moveTo(x + width, y + font.size);
+  geometry.moveTo(start.x + width, start.y + font.size);
 }
 
 void DocumentParts::drawCell(std::string_view text, const Box& box, bool linked) {
@@ -117,12 +112,11 @@ void DocumentParts::drawCell(std::string_view text, const Box& box, bool linked)
   }
   // A cell that leads somewhere shows it, as a linked text does.
   font.underlined = font.underlined || linked;
-  const double k = geometry.scaleFactor;
-  const CellFrame frame{geometry.xPoints(box.x), geometry.yPoints(box.y), box.width * k, box.height * k};
-  const CellStyle style{graphics.alignment,     graphics.border,     graphics.fillCells,
-                        graphics.lineWidth * k, geometry.cellMargin, graphics.textColorOp,
+  const CellStyle style{graphics.alignment,  graphics.border,
+                        graphics.fillCells,  graphics.lineWidth * geometry.scaleFactor,
+                        geometry.cellMargin, graphics.textColorOp,
                         graphics.fillColorOp};
-  veltrano::drawCell(content, text, frame, style, font);
+  veltrano::drawCell(content, text, geometry.area(box), style, font);
   graphics.border = {};
   font.underlined = false;
 }
@@ -139,21 +133,16 @@ void DocumentParts::drawWatermark() {
   graphics.textRotation = 0;
 }
 
-void DocumentParts::addLink(const LinkArea& area, std::string_view target) {
+void DocumentParts::addLink(const Area& area, std::string_view target) {
   veltrano::addLink(links, {static_cast<int>(composition.pages().size()), area, std::string(target)});
 }
 
 void DocumentParts::linkText(double x, double y, std::string_view text, std::string_view target) {
   ContentWriter(content).line("%DEBUT_LINK/%");
-  if (x == 0) {
-    x = geometry.currentX;
-  }
-  if (y == 0) {
-    y = geometry.currentY;
-  }
+  const Point start = geometry.orCurrent(x, y);
   font.underlined = true;
-  drawText(text, x, y);
-  addLink(LinkArea::ofText(geometry.points(x, y), text, font, graphics.textRotation), target);
+  drawText(text, start.x, start.y);
+  addLink(linkedText(geometry.points(start), text, font, graphics.textRotation), target);
   ContentWriter(content).line("%FIN_LINK/%");
 }
 
@@ -164,7 +153,7 @@ void DocumentParts::linkShape(const Box& shape, std::string_view target, double 
   ContentWriter(content).line("%DEBUT_LINK/%");
   font.underlined = true;
   drawText("", x, y);
-  addLink(LinkArea::ofShape(shape, geometry), target);
+  addLink(geometry.area(shape), target);
   ContentWriter(content).line("%FIN_LINK/%");
 }
 

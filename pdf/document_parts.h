@@ -66,7 +66,7 @@ struct DocumentParts {
   void linkShape(const Box& shape, std::string_view target, double x, double y);
 
  private:
-  void addLink(const LinkArea& area, std::string_view target);
+  void addLink(const Area& area, std::string_view target);
 };
 
 }  // namespace veltrano

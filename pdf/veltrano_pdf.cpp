@@ -336,18 +336,18 @@ void VeltranoPDF::PDFSetFill(bool fill) {
 // Drawing
 void VeltranoPDF::PDFDrawLineHor(double x, double y, double width) {
   impl_->graphics.fillColorOp = fillOperatorOf(impl_->graphics.lineColorOp);
-  drawDashedLine(impl_->content, impl_->geometry, impl_->graphics, "LNH", {x, y}, {x + width, y});
+  drawLine(impl_->content, impl_->geometry, impl_->graphics, "LNH", true, {x, y}, {x + width, y});
   impl_->geometry.moveTo(x + width, y);
 }
 void VeltranoPDF::PDFDrawLineVer(double x, double y, double height) {
   impl_->graphics.fillColorOp = fillOperatorOf(impl_->graphics.lineColorOp);
-  drawDashedLine(impl_->content, impl_->geometry, impl_->graphics, "LNV", {x, y}, {x, y + height});
+  drawLine(impl_->content, impl_->geometry, impl_->graphics, "LNV", true, {x, y}, {x, y + height});
   impl_->geometry.moveTo(x, y + height);
 }
 // Unlike the two above, a free line has no dash and leaves the fill colour alone; hosts rely on the
 // difference.
 void VeltranoPDF::PDFDrawLine(double x1, double y1, double x2, double y2) {
-  drawFreeLine(impl_->content, impl_->geometry, impl_->graphics, {x1, y1}, {x2, y2});
+  drawLine(impl_->content, impl_->geometry, impl_->graphics, "LN", false, {x1, y1}, {x2, y2});
   impl_->geometry.moveTo(std::fmax(x1, x2), std::fmax(y1, y2));
 }
 void VeltranoPDF::PDFDrawRectangle(double x, double y, double width, double height, const Value& link) {

@@ -12,7 +12,7 @@ using veltrano::access::ColumnType;
 
 namespace {
 
-bool makeFile(const std::filesystem::path& file, std::string& reason) {
+veltrano::Status makeFile(const std::filesystem::path& file) {
   veltrano::access::NewTable contacts;
   contacts.name = "Contacts";
   contacts.columns = {{.name = "ID", .type = ColumnType::longInteger, .autoNumber = true},
@@ -25,8 +25,7 @@ bool makeFile(const std::filesystem::path& file, std::string& reason) {
                       {.name = "Remarks", .type = ColumnType::memo}};
   contacts.indexes = {{.name = "PrimaryKey", .columns = {{.name = "ID"}}, .primary = true},
                       {.name = "ByName", .columns = {{.name = "LastName"}, {.name = "FirstName"}}}};
-  return veltrano::access::createDatabase(file, {}, reason) &&
-         veltrano::access::createTable(file, contacts, reason);
+  return veltrano::access::createDatabase(file, {contacts});
 }
 
 struct Person {
@@ -55,9 +54,8 @@ int main(int count, char** arguments) {
   const std::filesystem::path file = arguments[1];
   std::error_code ignored;
   std::filesystem::remove(file, ignored);
-  std::string reason;
-  if (!makeFile(file, reason)) {
-    std::fprintf(stderr, "make_contacts: %s\n", reason.c_str());
+  if (const auto made = makeFile(file); !made) {
+    std::fprintf(stderr, "make_contacts: %s\n", made.reason().c_str());
     return 1;
   }
   const auto name = file.u8string();

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 #include "veltrano/dib_section.h"
 
 namespace {

@@ -6,8 +6,8 @@
   scripts/make_reference.py --examples FOLDER
                                             prints a VBScript that runs every example with its files in FOLDER
 
-Names, types, order, enumerations and the first sentence of each member come from server/veltrano.idl, defaults from
-server/com/dispatch/defaults.cpp, everything else from docs/reference/notes/<class>.md. A note has one key
+Names, types, order, defaults, enumerations and the first sentence of each member come from server/veltrano.idl,
+everything else from docs/reference/notes/<class>.md. A note has one key
 a line, continued by lines that start with two blanks:
 
   <parameter>: units, range and meaning, for every parameter ("value" for what a property is set to)
@@ -120,26 +120,27 @@ def help_string(attributes):
     return found.group(1).replace('\\"', '"') if found else ""
 
 
-def read_defaults():
-    rows = re.findall(
-        r'\{&IID__(\w+), L"(\w+)", L"(\w+)", (-?[\d.]+), (nullptr|L"[^"]*")\}', (ROOT / "server/com/dispatch/defaults.cpp").read_text()
-    )
-    return {(owner, member, name): number if text == "nullptr" else text[1:] for owner, member, name, number, text in rows}
+def read_default(attributes, constants):
+    """As the documentation shows it; None for a parameter that is required."""
+    found = re.search(r"OMITTED(?:_TEXT)?\((.*?)\)", attributes)
+    if found:
+        return constants.get(found.group(1), found.group(1))
+    return '""' if "optional" in attributes else None
 
 
-def read_parameter(text, owner, member, defaults):
+def read_parameter(text, constants):
     """(Parameter, True) for a result, (Parameter, False) for an argument."""
     attributes, end = attribute_block(text, 0)
     found = re.match(r"\s*(.+?)\s*(\**)\s*(\w+)$", text[end:])
     kind = TYPES.get(found.group(1), found.group(1))
     name = "value" if found.group(3) == "newValue" else found.group(3)
-    default = defaults.get((owner, member, name))
+    default = read_default(attributes, constants)
     if kind == "Boolean" and default is not None:
         default = "True" if default == "-1" else "False"
     return Parameter(name, kind, default, "SAFEARRAY" in found.group(1)), "retval" in attributes
 
 
-def read_members(body, owner, defaults, event=False):
+def read_members(body, constants, event=False):
     members, position = [], 0
     while (start := body.find("[id(", position)) >= 0:
         attributes, end = attribute_block(body, start)
@@ -154,7 +155,7 @@ def read_members(body, owner, defaults, event=False):
         kind = re.search(r"\b(propget|propput)\b", attributes)
         member.kinds.append("event" if event else kind.group(1) if kind else "method")
         for text in split_parameters(arguments):
-            parameter, is_result = read_parameter(text, owner, name, defaults)
+            parameter, is_result = read_parameter(text, constants)
             if is_result:
                 member.result = parameter.kind
             else:
@@ -170,13 +171,13 @@ def read_library():
         rows = re.findall(r"^\s*(\w+) = (\d+),?\s*//\s*(.*)$", body, re.M)
         enumerations[name] = (help_string(attributes), rows)
     code = re.sub(r"^\s*//.*$", "", text, flags=re.M)
-    defaults = read_defaults()
+    constants = {name: value for _, rows in enumerations.values() for name, value, _ in rows}
     classes = {}
     for attributes, name in re.findall(r"\[([^\[\]]*?)\]\s*coclass (\w+)", code):
         classes[name] = Class(name, help_string(attributes))
     for found in re.finditer(r"(?:dispinterface|interface) (_+)(\w+)(?: : IDispatch)?\s*\{(.*?)\n    \};", code, re.S):
         underscores, name, body = found.groups()
-        members = read_members(body, name, defaults, event=underscores == "__")
+        members = read_members(body, constants, event=underscores == "__")
         if underscores == "__":
             classes[name].events = members
         else:

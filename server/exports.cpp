@@ -1,9 +1,6 @@
 // The five functions that the DLL exports.
 
-#include <cwctype>
-#include <exception>
-#include <string_view>
-
+#include "base/text/lower_case.h"
 #include "server/com/class_factory.h"
 #include "server/com/module.h"
 #include "server/com/registration.h"
@@ -12,34 +9,9 @@ namespace server = veltrano::server;
 
 namespace {
 
-// No C++ exception may reach the system.
-template <class Body>
-HRESULT guarded(Body&& body) {
-  try {
-    return body();
-  } catch (const std::bad_alloc&) {
-    return E_OUTOFMEMORY;
-  } catch (const std::exception&) {
-    return E_FAIL;
-  }
-}
-
-// "user" in any case: what regsvr32 /i:user hands over.
+// What regsvr32 /i:user hands over.
 bool isUserScope(PCWSTR commandLine) {
-  if (commandLine == nullptr) {
-    return false;
-  }
-  constexpr std::wstring_view wanted = L"user";
-  const std::wstring_view given(commandLine);
-  if (given.size() != wanted.size()) {
-    return false;
-  }
-  for (std::size_t i = 0; i < wanted.size(); ++i) {
-    if (std::towlower(given[i]) != wanted[i]) {
-      return false;
-    }
-  }
-  return true;
+  return commandLine != nullptr && veltrano::sameAsciiName<wchar_t>(commandLine, L"user");
 }
 
 }  // namespace
@@ -58,15 +30,15 @@ STDAPI DllCanUnloadNow() {
 }
 
 STDAPI DllRegisterServer() {
-  return guarded([] { return server::registerServer(server::Scope::machineOrUser); });
+  return server::guarded([] { return server::registerServer(server::Scope::machineOrUser); });
 }
 
 STDAPI DllUnregisterServer() {
-  return guarded([] { return server::unregisterServer(server::Scope::machineOrUser); });
+  return server::guarded([] { return server::unregisterServer(server::Scope::machineOrUser); });
 }
 
 STDAPI DllInstall(BOOL install, PCWSTR commandLine) {
-  return guarded([&] {
+  return server::guarded([&] {
     const server::Scope scope = isUserScope(commandLine) ? server::Scope::user : server::Scope::machineOrUser;
     return install != FALSE ? server::registerServer(scope) : server::unregisterServer(scope);
   });

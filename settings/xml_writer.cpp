@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "base/numbers/numbers.h"
 #include "base/text/utf.h"
@@ -31,67 +32,15 @@ constexpr auto needs = [] {
   return table;
 }();
 
-/// Gathers short pieces before the string takes them: most are a few bytes long.
-class Gatherer {
- public:
-  explicit Gatherer(std::string& target) : target_(target) {}
-  Gatherer(const Gatherer&) = delete;
-  Gatherer& operator=(const Gatherer&) = delete;
-  ~Gatherer() = default;
-
-  /// Less than a block.
-  void put(std::string_view text) {
-    if (text.size() > static_cast<std::size_t>(end() - next_)) {
-      flush();
-    }
-    next_ = std::copy(text.begin(), text.end(), next_);
-  }
-
-  /// Short literals: the compiler knows their size and needs no call to copy them.
-  template <std::size_t size>
-  void put(const char (&literal)[size]) {
-    if (size > static_cast<std::size_t>(end() - next_)) {
-      flush();
-    }
-    std::memcpy(next_, literal, size - 1);
-    next_ += size - 1;
-  }
-
-  /// Copies bytes up to the first that is among `stops`; returns where that is.
-  const char* putUpTo(const char* text, unsigned stops) {
-    for (;;) {
-      char* next = next_;
-      while (next != end() && (needs[static_cast<unsigned char>(*text)] & stops) == 0) {
-        *next++ = *text++;
-      }
-      next_ = next;
-      if (next != end()) {
-        return text;
-      }
-      flush();
-    }
-  }
-
-  void flush() {
-    target_.append(block_.data(), next_);
-    next_ = block_.data();
-  }
-
- private:
-  char* end() { return block_.data() + block_.size(); }
-
-  std::string& target_;
-  std::array<char, 4096> block_;
-  char* next_ = block_.data();
-};
-
 class Writer {
  public:
-  Writer(const XmlForm& form, std::u32string_view missing, std::string& target)
+  Writer(const XmlForm& form, std::u32string_view missing, std::size_t sizeHint)
       : missing_(missing),
         lineEnd_(form.crlf ? "\r\n" : "\n"),
-        always_(missing.empty() ? 0U : unsigned{inNarrow}),
-        text_(target) {}
+        always_(missing.empty() ? 0U : unsigned{inNarrow}) {
+    text_.reserve(sizeHint);
+    text_ = form.declaration;
+  }
 
   /// Goes from node to node without recursion. Each question to the document is a call into another library,
   /// and a large store has hundreds of thousands of nodes: none is asked twice, and nodes are tested by their
@@ -107,7 +56,6 @@ class Writer {
         }
         node = node.parent();
         if (node.type() != pugi::node_element) {
-          text_.flush();
           return;
         }
         close(node.name());
@@ -116,7 +64,8 @@ class Writer {
     }
   }
 
-  [[nodiscard]] bool complete() const { return complete_; }
+  /// Empty if it is not complete.
+  std::optional<std::string> take() { return complete_ ? std::optional(std::move(text_)) : std::nullopt; }
 
  private:
   /// Writes what comes before the children, and returns the first one; or writes the whole node.
@@ -128,23 +77,23 @@ class Writer {
         escaped(node.value(), inText);
         break;
       case pugi::node_cdata:
-        text_.put("<![CDATA[");
+        text_.append("<![CDATA[");
         verbatim(node.value());
-        text_.put("]]>");
+        text_.append("]]>");
         break;
       case pugi::node_comment:
-        text_.put("<!--");
+        text_.append("<!--");
         verbatim(node.value());
-        text_.put("-->");
+        text_.append("-->");
         break;
       case pugi::node_pi:
-        text_.put("<?");
+        text_.append("<?");
         verbatim(node.name());
         if (*node.value() != '\0') {
-          text_.put(" ");
+          text_.append(" ");
           verbatim(node.value());
         }
-        text_.put("?>");
+        text_.append("?>");
         break;
       default:
         break;
@@ -154,22 +103,22 @@ class Writer {
 
   pugi::xml_node openElement(const pugi::xml_node& element) {
     const char* const elementName = element.name();
-    text_.put("<");
+    text_.append("<");
     verbatim(elementName);
     for (auto attribute = element.first_attribute(); attribute; attribute = attribute.next_attribute()) {
-      text_.put(" ");
+      text_.append(" ");
       verbatim(attribute.name());
-      text_.put("=\"");
+      text_.append("=\"");
       escaped(attribute.value(), inAttribute);
-      text_.put("\"");
+      text_.append("\"");
     }
     const pugi::xml_node child = element.first_child();
     const pugi::xml_node_type childType = child.type();
     if (childType == pugi::node_null) {
-      text_.put("/>");
+      text_.append("/>");
       return {};
     }
-    text_.put(">");
+    text_.append(">");
     // Nearly all elements of a settings file are keys, which hold one text.
     if (childType == pugi::node_pcdata && child.next_sibling().type() == pugi::node_null) {
       escaped(child.value(), inText);
@@ -180,18 +129,16 @@ class Writer {
   }
 
   void close(const char* elementName) {
-    text_.put("</");
+    text_.append("</");
     verbatim(elementName);
-    text_.put(">");
+    text_.append(">");
   }
-
-  void put(std::string_view text) { text_.put(text); }
 
   /// What holds no references: line ends become the file's, and all characters must be in the encoding.
   void verbatim(const char* text) {
     copy(text, inVerbatim, [this](const char* rest) -> std::size_t {
       if (*rest == '\r' || *rest == '\n') {
-        put(lineEnd_);
+        text_.append(lineEnd_);
         return rest[0] == '\r' && rest[1] == '\n' ? 2 : 1;
       }
       complete_ = false;
@@ -203,27 +150,27 @@ class Writer {
     copy(text, where, [this, where](const char* rest) -> std::size_t {
       switch (*rest) {
         case '&':
-          text_.put("&amp;");
+          text_.append("&amp;");
           return 1;
         case '<':
-          text_.put("&lt;");
+          text_.append("&lt;");
           return 1;
         case '>':
-          text_.put("&gt;");
+          text_.append("&gt;");
           return 1;
         case '"':
-          text_.put("&quot;");
+          text_.append("&quot;");
           return 1;
         case '\t':
-          text_.put("&#9;");
+          text_.append("&#9;");
           return 1;
         case '\n':
-          put(where == inText ? lineEnd_ : "&#10;");
+          text_.append(where == inText ? lineEnd_ : "&#10;");
           return 1;
         case '\r': {
           // A value's own CR LF: as a reference beside a line end it would look like neither.
           const bool pair = rest[1] == '\n';
-          put(pair ? "&#13;&#10;" : "&#13;");
+          text_.append(pair ? "&#13;&#10;" : "&#13;");
           return pair ? 2 : 1;
         }
         default:
@@ -234,9 +181,9 @@ class Writer {
 
   std::size_t reference(const char* text) {
     const auto character = characterAt(text);
-    text_.put("&#");
-    put(integerText(character.code));
-    text_.put(";");
+    text_.append("&#");
+    text_.append(integerText(character.code).view());
+    text_.append(";");
     return character.length;
   }
 
@@ -245,9 +192,17 @@ class Writer {
   template <typename Special>
   void copy(const char* text, Need where, const Special& special) {
     const unsigned stops = where | always_;
-    while (*(text = text_.putUpTo(text, stops)) != '\0') {
-      const std::size_t length = (*text & 0x80) == 0 ? 0 : wholeCharacter(text);
-      text += length != 0 ? length : special(text);
+    for (;;) {
+      const char* end = text;
+      while ((needs[static_cast<unsigned char>(*end)] & stops) == 0) {
+        ++end;
+      }
+      text_.append(text, end);
+      if (*end == '\0') {
+        return;
+      }
+      const std::size_t length = (*end & 0x80) == 0 ? 0 : wholeCharacter(end);
+      text = end + (length != 0 ? length : special(end));
     }
   }
 
@@ -258,7 +213,7 @@ class Writer {
     if (std::binary_search(missing_.begin(), missing_.end(), character.code)) {
       return 0;
     }
-    put({text, character.length});
+    text_.append(text, character.length);
     return character.length;
   }
 
@@ -279,7 +234,7 @@ class Writer {
   std::string_view lineEnd_;
   /// What needs a closer look everywhere.
   const unsigned always_;
-  Gatherer text_;
+  std::string text_;
   bool complete_ = true;
 };
 
@@ -287,15 +242,9 @@ class Writer {
 
 std::optional<std::string> writeXml(const pugi::xml_document& document, const XmlForm& form,
                                     std::u32string_view missing, std::size_t sizeHint) {
-  std::string text;
-  text.reserve(sizeHint);
-  text = form.declaration;
-  Writer writer(form, missing, text);
+  Writer writer(form, missing, sizeHint);
   writer.write(document);
-  if (!writer.complete()) {
-    return std::nullopt;
-  }
-  return text;
+  return writer.take();
 }
 
 }  // namespace veltrano

@@ -2,15 +2,16 @@
 #define VELTRANO_BASE_FILES_FILE_H
 
 // Open files and the few other things that the library asks of a file system. All reading and writing of files
-// in the library comes through here, so a test can watch it or let it fail (file_calls.h).
+// in the library comes through here, so a test can watch it or let it fail (calls.h).
 
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 
+#include "base/os/owned.h"
 #include "base/status.h"
 
 namespace veltrano {
@@ -29,16 +30,14 @@ enum class Opening {
   lockedChangeNew,  ///< like lockedChange; made if it is missing
 };
 
+/// The system's descriptor or handle of an open file.
+void closeFileHandle(std::intptr_t file);
+using FileHandle = Owned<std::intptr_t, closeFileHandle, -1>;
+
 /// An open file; closes when it goes away, which gives back its lock. Movable.
 class File {
  public:
   static Result<File> open(const std::filesystem::path& file, Opening opening);
-
-  File(File&&) noexcept;
-  File& operator=(File&&) noexcept;
-  File(const File&) = delete;
-  File& operator=(const File&) = delete;
-  ~File();
 
   /// Fills `target` from where the last read ended. How many bytes there were: fewer only at the file's end.
   Result<std::size_t> read(std::span<char> target);
@@ -61,9 +60,16 @@ class File {
   bool onDisk();
 
  private:
-  struct State;
-  explicit File(std::unique_ptr<State> state);
-  std::unique_ptr<State> state_;
+  File(FileHandle handle, std::filesystem::path name);
+  // Without an offset: where the last one ended.
+  Result<std::size_t> readAll(std::optional<std::uint64_t> offset, std::span<char> target);
+  Status writeAll(std::optional<std::uint64_t> offset, std::string_view bytes);
+  // One call of the system, which may move fewer bytes; 0 at the end.
+  Result<std::size_t> readSome(std::optional<std::uint64_t> offset, std::span<char> target);
+  Result<std::size_t> writeSome(std::optional<std::uint64_t> offset, std::string_view bytes);
+
+  FileHandle handle_;
+  std::filesystem::path name_;
 };
 
 enum class FileKind { missing, regular, folder, device };

@@ -11,13 +11,14 @@
 
 #include "base/files/calls.h"
 #include "base/files/file.h"
-#include "base/os/owned.h"
 
 namespace veltrano {
 
 namespace {
 
-using Descriptor = Owned<int, [](int number) { ::close(number); }, -1>;
+int number(const FileHandle& descriptor) {
+  return static_cast<int>(descriptor.get());
+}
 
 Status failureOf(int error) {
   const auto kind = [error] {
@@ -107,47 +108,24 @@ Status lock(int descriptor, Opening opening, int operation) {
   return isText && errno != EWOULDBLOCK ? Status() : failureOf(errno);
 }
 
-/// Repeats `call`, which moves up to as many bytes as it is told and answers how many, until all are moved or
-/// it answers 0.
+/// Bytes moved by `call`, which is repeated while signals interrupt it.
 template <typename Call>
-Result<std::size_t> moveAll(std::size_t size, Call call) {
-  std::size_t done = 0;
-  while (done < size) {
-    const ssize_t count = call(done, size - done);
-    if (count < 0 && errno == EINTR) {
-      continue;
+Result<std::size_t> uninterrupted(Call call) {
+  for (;;) {
+    if (const ssize_t count = call(); count >= 0) {
+      return static_cast<std::size_t>(count);
     }
-    if (count < 0) {
+    if (errno != EINTR) {
       return failureOf(errno);
     }
-    if (count == 0) {
-      break;
-    }
-    done += static_cast<std::size_t>(count);
   }
-  return done;
-}
-
-Status writtenAll(const Result<std::size_t>& count, std::size_t size) {
-  if (!count) {
-    return count.status();
-  }
-  return *count == size ? Status() : Status(Failure::other, "the system takes no more");
 }
 
 }  // namespace
 
-struct File::State {
-  Descriptor descriptor;
-  std::filesystem::path name;
-
-  [[nodiscard]] int number() const { return descriptor.get(); }
-};
-
-File::File(std::unique_ptr<State> state) : state_(std::move(state)) {}
-File::File(File&&) noexcept = default;
-File& File::operator=(File&&) noexcept = default;
-File::~File() = default;
+void closeFileHandle(std::intptr_t file) {
+  ::close(static_cast<int>(file));
+}
 
 Result<File> File::open(const std::filesystem::path& file, Opening opening) {
   const HowToOpen how = howTo(opening);
@@ -155,98 +133,71 @@ Result<File> File::open(const std::filesystem::path& file, Opening opening) {
       !watched) {
     return watched;
   }
-  Descriptor descriptor(::open(file.c_str(), how.flags | O_CLOEXEC | O_NOCTTY, how.mode));
+  FileHandle descriptor(::open(file.c_str(), how.flags | O_CLOEXEC | O_NOCTTY, how.mode));
   if (!descriptor) {
     return failureOf(errno);
   }
-  if (Status locked = lock(descriptor.get(), opening, how.lock); !locked) {
+  if (Status locked = lock(number(descriptor), opening, how.lock); !locked) {
     return locked;
   }
-  if ((how.flags & O_NONBLOCK) != 0 && !isRegular(descriptor.get())) {
+  if ((how.flags & O_NONBLOCK) != 0 && !isRegular(number(descriptor))) {
     if (opening == Opening::read) {
       // The other end of a pipe may be about to come.
       constexpr int milliseconds = 1000;
-      pollfd readable = {descriptor.get(), POLLIN, 0};
+      pollfd readable = {number(descriptor), POLLIN, 0};
       ::poll(&readable, 1, milliseconds);
     }
-    ::fcntl(descriptor.get(), F_SETFL, how.flags & O_APPEND);
+    ::fcntl(number(descriptor), F_SETFL, how.flags & O_APPEND);
   }
-  return File(std::make_unique<State>(State{std::move(descriptor), file}));
+  return File(std::move(descriptor), file);
 }
 
-Result<std::size_t> File::read(std::span<char> target) {
-  if (Status watched = beforeFileCall(FileCall::read, state_->name); !watched) {
-    return watched;
-  }
-  return moveAll(target.size(), [&](std::size_t done, std::size_t size) {
-    return ::read(state_->number(), target.data() + done, size);
+Result<std::size_t> File::readSome(std::optional<std::uint64_t> offset, std::span<char> target) {
+  return uninterrupted([&] {
+    return offset ? ::pread(number(handle_), target.data(), target.size(), static_cast<off_t>(*offset))
+                  : ::read(number(handle_), target.data(), target.size());
   });
 }
 
-Status File::write(std::string_view bytes) {
-  if (Status watched = beforeFileCall(FileCall::write, state_->name); !watched) {
-    return watched;
-  }
-  return writtenAll(moveAll(bytes.size(),
-                            [&](std::size_t done, std::size_t size) {
-                              return ::write(state_->number(), bytes.data() + done, size);
-                            }),
-                    bytes.size());
-}
-
-Result<std::size_t> File::readAt(std::uint64_t offset, std::span<char> target) {
-  if (Status watched = beforeFileCall(FileCall::read, state_->name); !watched) {
-    return watched;
-  }
-  return moveAll(target.size(), [&](std::size_t done, std::size_t size) {
-    return ::pread(state_->number(), target.data() + done, size, static_cast<off_t>(offset + done));
+Result<std::size_t> File::writeSome(std::optional<std::uint64_t> offset, std::string_view bytes) {
+  return uninterrupted([&] {
+    return offset ? ::pwrite(number(handle_), bytes.data(), bytes.size(), static_cast<off_t>(*offset))
+                  : ::write(number(handle_), bytes.data(), bytes.size());
   });
-}
-
-Status File::writeAt(std::uint64_t offset, std::string_view bytes) {
-  if (Status watched = beforeFileCall(FileCall::write, state_->name); !watched) {
-    return watched;
-  }
-  return writtenAll(moveAll(bytes.size(),
-                            [&](std::size_t done, std::size_t size) {
-                              return ::pwrite(state_->number(), bytes.data() + done, size,
-                                              static_cast<off_t>(offset + done));
-                            }),
-                    bytes.size());
 }
 
 Result<std::uint64_t> File::size() {
   struct stat status = {};
-  if (::fstat(state_->number(), &status) != 0) {
+  if (::fstat(number(handle_), &status) != 0) {
     return failureOf(errno);
   }
   return static_cast<std::uint64_t>(status.st_size);
 }
 
 Status File::resize(std::uint64_t size) {
-  Status watched = beforeFileCall(FileCall::resize, state_->name);
-  return watched ? answerOf(::ftruncate(state_->number(), static_cast<off_t>(size))) : watched;
+  Status watched = beforeFileCall(FileCall::resize, name_);
+  return watched ? answerOf(::ftruncate(number(handle_), static_cast<off_t>(size))) : watched;
 }
 
 Status File::sync() {
-  Status watched = beforeFileCall(FileCall::sync, state_->name);
-  return watched ? answerOf(::fsync(state_->number())) : watched;
+  Status watched = beforeFileCall(FileCall::sync, name_);
+  return watched ? answerOf(::fsync(number(handle_))) : watched;
 }
 
 bool File::takeRightsOf(const std::filesystem::path& model) {
   struct stat wanted = {};
   struct stat own = {};
-  if (::stat(model.c_str(), &wanted) != 0 || ::fstat(state_->number(), &own) != 0) {
+  if (::stat(model.c_str(), &wanted) != 0 || ::fstat(number(handle_), &own) != 0) {
     return false;
   }
   // Only the superuser may give a file to another user. The rights of a group are not for another one.
   const bool sameOwner = own.st_uid == wanted.st_uid && own.st_gid == wanted.st_gid;
-  return (sameOwner || ::fchown(state_->number(), wanted.st_uid, wanted.st_gid) == 0) &&
-         ::fchmod(state_->number(), wanted.st_mode & 07777) == 0;
+  return (sameOwner || ::fchown(number(handle_), wanted.st_uid, wanted.st_gid) == 0) &&
+         ::fchmod(number(handle_), wanted.st_mode & 07777) == 0;
 }
 
 bool File::onDisk() {
-  return isRegular(state_->number());
+  return isRegular(number(handle_));
 }
 
 FileKind kindOf(const std::filesystem::path& file) {
@@ -293,14 +244,15 @@ Status renameOver(const std::filesystem::path& file, const std::filesystem::path
 
 Status syncName(const std::filesystem::path& file) {
   const auto folder = file.parent_path();
-  const Descriptor descriptor(
+  const FileHandle descriptor(
       ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!descriptor) {
     return {};
   }
   Status status = beforeFileCall(FileCall::syncFolder, file);
   // Some file systems cannot sync folders, and need not.
-  return !status || ::fsync(descriptor.get()) == 0 || errno == EINVAL ? std::move(status) : failureOf(errno);
+  return !status || ::fsync(number(descriptor)) == 0 || errno == EINVAL ? std::move(status)
+                                                                        : failureOf(errno);
 }
 
 Status removeFile(const std::filesystem::path& file) {
@@ -309,19 +261,19 @@ Status removeFile(const std::filesystem::path& file) {
 }
 
 bool isHeldOpen(const std::filesystem::path& file) {
-  const Descriptor descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+  const FileHandle descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
   if (!descriptor) {
     return failureOf(errno).failure() != Failure::missing;
   }
-  if (!isRegular(descriptor.get())) {
+  if (!isRegular(number(descriptor))) {
     return false;
   }
 #ifdef F_SETLEASE
   // The system grants the lease only if nobody else has the file open. Should somebody open it right now, the
   // system would tell by a signal: by one that is ignored unless a program asks for it.
-  if (::fcntl(descriptor.get(), F_SETSIG, SIGURG) == 0 &&
-      ::fcntl(descriptor.get(), F_SETLEASE, F_WRLCK) == 0) {
-    ::fcntl(descriptor.get(), F_SETLEASE, F_UNLCK);
+  if (::fcntl(number(descriptor), F_SETSIG, SIGURG) == 0 &&
+      ::fcntl(number(descriptor), F_SETLEASE, F_WRLCK) == 0) {
+    ::fcntl(number(descriptor), F_SETLEASE, F_UNLCK);
     return false;
   }
 #endif

@@ -120,53 +120,32 @@ bool mustBeOnDisk(Opening opening) {
          opening == Opening::lockedChangeNew;
 }
 
-OVERLAPPED placeAt(std::uint64_t offset) {
+OVERLAPPED placeAt(std::optional<std::uint64_t> offset) {
   OVERLAPPED place = {};
-  place.Offset = static_cast<DWORD>(offset);
-  place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+  place.Offset = static_cast<DWORD>(offset.value_or(0));
+  place.OffsetHigh = static_cast<DWORD>(offset.value_or(0) >> 32);
   return place;
 }
 
-/// Repeats `call`, which moves up to as many bytes as it is told, until all are moved or it moves none.
-template <typename Call>
-Result<std::size_t> moveAll(std::size_t size, Call call) {
-  constexpr std::size_t largestTransfer = 1U << 24;
-  std::size_t done = 0;
-  while (done < size) {
-    DWORD count = 0;
-    if (call(done, static_cast<DWORD>(std::min(size - done, largestTransfer)), &count) == 0) {
-      const DWORD error = GetLastError();
-      if (error == ERROR_HANDLE_EOF || error == ERROR_BROKEN_PIPE) {
-        break;
-      }
-      return failureOf(error);
-    }
-    if (count == 0) {
-      break;
-    }
-    done += count;
-  }
-  return done;
+DWORD transferSize(std::size_t size) {
+  constexpr std::size_t largest = 1U << 24;
+  return static_cast<DWORD>(std::min(size, largest));
 }
 
-Status writtenAll(const Result<std::size_t>& count, std::size_t size) {
-  if (!count) {
-    return count.status();
+/// What ReadFile and WriteFile mean by their answer.
+Result<std::size_t> transferred(BOOL result, DWORD count) {
+  const DWORD error = result != 0 ? ERROR_SUCCESS : GetLastError();
+  if (error == ERROR_HANDLE_EOF || error == ERROR_BROKEN_PIPE) {
+    return std::size_t{0};
   }
-  return *count == size ? Status() : Status(Failure::other, "the system takes no more");
+  return error == ERROR_SUCCESS ? Result<std::size_t>(count) : failureOf(error);
 }
 
 }  // namespace
 
-struct File::State {
-  Handle handle;
-  std::filesystem::path name;
-};
-
-File::File(std::unique_ptr<State> state) : state_(std::move(state)) {}
-File::File(File&&) noexcept = default;
-File& File::operator=(File&&) noexcept = default;
-File::~File() = default;
+void closeFileHandle(std::intptr_t file) {
+  CloseHandle(reinterpret_cast<HANDLE>(file));
+}
 
 Result<File> File::open(const std::filesystem::path& file, Opening opening) {
   const HowToOpen how = howTo(opening);
@@ -175,85 +154,57 @@ Result<File> File::open(const std::filesystem::path& file, Opening opening) {
       !watched) {
     return watched;
   }
-  Handle handle = openHandle(file, how.access, how.share, how.disposition, how.flags);
+  FileHandle handle = openHandle(file, how.access, how.share, how.disposition, how.flags);
   if (!handle) {
     return failureOf(GetLastError());
   }
-  if (mustBeOnDisk(opening) && GetFileType(handle.get()) != FILE_TYPE_DISK) {
+  if (mustBeOnDisk(opening) && GetFileType(handleOf(handle)) != FILE_TYPE_DISK) {
     return Status(Failure::other, "not a file on a disk");
   }
-  return File(std::make_unique<State>(State{std::move(handle), file}));
+  return File(std::move(handle), file);
 }
 
-Result<std::size_t> File::read(std::span<char> target) {
-  if (Status watched = beforeFileCall(FileCall::read, state_->name); !watched) {
-    return watched;
-  }
-  return moveAll(target.size(), [&](std::size_t done, DWORD size, DWORD* count) {
-    return ReadFile(state_->handle.get(), target.data() + done, size, count, nullptr);
-  });
+Result<std::size_t> File::readSome(std::optional<std::uint64_t> offset, std::span<char> target) {
+  OVERLAPPED place = placeAt(offset);
+  DWORD count = 0;
+  const BOOL result = ReadFile(handleOf(handle_), target.data(), transferSize(target.size()), &count,
+                               offset ? &place : nullptr);
+  return transferred(result, count);
 }
 
-Status File::write(std::string_view bytes) {
-  if (Status watched = beforeFileCall(FileCall::write, state_->name); !watched) {
-    return watched;
-  }
-  return writtenAll(moveAll(bytes.size(),
-                            [&](std::size_t done, DWORD size, DWORD* count) {
-                              return WriteFile(state_->handle.get(), bytes.data() + done, size, count,
-                                               nullptr);
-                            }),
-                    bytes.size());
-}
-
-Result<std::size_t> File::readAt(std::uint64_t offset, std::span<char> target) {
-  if (Status watched = beforeFileCall(FileCall::read, state_->name); !watched) {
-    return watched;
-  }
-  return moveAll(target.size(), [&](std::size_t done, DWORD size, DWORD* count) {
-    OVERLAPPED place = placeAt(offset + done);
-    return ReadFile(state_->handle.get(), target.data() + done, size, count, &place);
-  });
-}
-
-Status File::writeAt(std::uint64_t offset, std::string_view bytes) {
-  if (Status watched = beforeFileCall(FileCall::write, state_->name); !watched) {
-    return watched;
-  }
-  return writtenAll(moveAll(bytes.size(),
-                            [&](std::size_t done, DWORD size, DWORD* count) {
-                              OVERLAPPED place = placeAt(offset + done);
-                              return WriteFile(state_->handle.get(), bytes.data() + done, size, count,
-                                               &place);
-                            }),
-                    bytes.size());
+Result<std::size_t> File::writeSome(std::optional<std::uint64_t> offset, std::string_view bytes) {
+  OVERLAPPED place = placeAt(offset);
+  DWORD count = 0;
+  const BOOL result = WriteFile(handleOf(handle_), bytes.data(), transferSize(bytes.size()), &count,
+                                offset ? &place : nullptr);
+  return transferred(result, count);
 }
 
 Result<std::uint64_t> File::size() {
   LARGE_INTEGER length = {};
-  if (GetFileSizeEx(state_->handle.get(), &length) == 0) {
+  if (GetFileSizeEx(handleOf(handle_), &length) == 0) {
     return failureOf(GetLastError());
   }
   return static_cast<std::uint64_t>(length.QuadPart);
 }
 
 Status File::resize(std::uint64_t size) {
-  if (Status watched = beforeFileCall(FileCall::resize, state_->name); !watched) {
+  if (Status watched = beforeFileCall(FileCall::resize, name_); !watched) {
     return watched;
   }
   LARGE_INTEGER place = {};
   place.QuadPart = static_cast<LONGLONG>(size);
-  return answerOf(SetFilePointerEx(state_->handle.get(), place, nullptr, FILE_BEGIN) != 0 &&
-                  SetEndOfFile(state_->handle.get()) != 0);
+  return answerOf(SetFilePointerEx(handleOf(handle_), place, nullptr, FILE_BEGIN) != 0 &&
+                  SetEndOfFile(handleOf(handle_)) != 0);
 }
 
 Status File::sync() {
-  Status watched = beforeFileCall(FileCall::sync, state_->name);
-  return watched ? answerOf(FlushFileBuffers(state_->handle.get())) : watched;
+  Status watched = beforeFileCall(FileCall::sync, name_);
+  return watched ? answerOf(FlushFileBuffers(handleOf(handle_))) : watched;
 }
 
 bool File::takeRightsOf(const std::filesystem::path& model) {
-  const HANDLE handle = state_->handle.get();
+  const HANDLE handle = handleOf(handle_);
   WIN32_FILE_ATTRIBUTE_DATA old = {};
   if (GetFileAttributesExW(model.c_str(), GetFileExInfoStandard, &old) != 0) {
     FILE_BASIC_INFO info = {};
@@ -264,20 +215,20 @@ bool File::takeRightsOf(const std::filesystem::path& model) {
   }
   // What the folder gives to its files is there already.
   auto rights = accessListOf(model);
-  if (!rights.empty() && rights != accessListOf(state_->name)) {
+  if (!rights.empty() && rights != accessListOf(name_)) {
     SetKernelObjectSecurity(handle, DACL_SECURITY_INFORMATION, rights.data());
   }
   return true;
 }
 
 bool File::onDisk() {
-  return GetFileType(state_->handle.get()) == FILE_TYPE_DISK;
+  return GetFileType(handleOf(handle_)) == FILE_TYPE_DISK;
 }
 
 FileKind kindOf(const std::filesystem::path& file) {
   // "NUL", "CON", a pipe: opens, but is not a file on a disk. Folders do not open this way.
-  const Handle handle = openHandle(file, 0, shareAll, OPEN_EXISTING);
-  if (handle && GetFileType(handle.get()) != FILE_TYPE_DISK) {
+  const FileHandle handle = openHandle(file, 0, shareAll, OPEN_EXISTING);
+  if (handle && GetFileType(handleOf(handle)) != FILE_TYPE_DISK) {
     return FileKind::device;
   }
   const DWORD attributes = GetFileAttributesW(file.c_str());
@@ -292,10 +243,11 @@ std::filesystem::path linkTarget(const std::filesystem::path& file) {
   if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
     return file;
   }
-  const Handle handle = openHandle(file, 0, shareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+  const FileHandle handle = openHandle(file, 0, shareAll, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
   std::wstring name(32768, L'\0');
   const DWORD length =
-      handle ? GetFinalPathNameByHandleW(handle.get(), name.data(), static_cast<DWORD>(name.size()), 0) : 0;
+      handle ? GetFinalPathNameByHandleW(handleOf(handle), name.data(), static_cast<DWORD>(name.size()), 0)
+             : 0;
   if (length == 0 || length >= name.size()) {
     return file;
   }

@@ -31,9 +31,9 @@ std::optional<FileIdentity> fileIdentity(const std::filesystem::path& file) {
 
 std::optional<FileNumber> fileNumber(const std::filesystem::path& file) {
   // Asking for no access at all is allowed whatever another user has reserved.
-  const Handle handle = openHandle(file, 0, shareAll, OPEN_EXISTING);
+  const FileHandle handle = openHandle(file, 0, shareAll, OPEN_EXISTING);
   BY_HANDLE_FILE_INFORMATION info = {};
-  if (!handle || GetFileInformationByHandle(handle.get(), &info) == 0) {
+  if (!handle || GetFileInformationByHandle(handleOf(handle), &info) == 0) {
     return std::nullopt;
   }
   return FileNumber{info.dwVolumeSerialNumber,

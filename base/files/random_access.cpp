@@ -64,27 +64,12 @@ Opening openingOf(OpenMode mode) {
   return {};
 }
 
-OpenFailure openFailureOf(Failure failure) {
-  switch (failure) {
-    case Failure::missing:
-      return OpenFailure::missing;
-    case Failure::inUse:
-      return OpenFailure::inUse;
-    case Failure::notAllowed:
-      return OpenFailure::notWritable;
-    default:
-      return OpenFailure::other;
-  }
-}
-
 class SystemFiles final : public FileSystem {
  public:
-  std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
-                                         OpenFailure& failure) override {
+  Result<std::unique_ptr<RandomAccessFile>> open(const std::filesystem::path& file, OpenMode mode) override {
     auto opened = File::open(file, openingOf(mode));
     if (!opened) {
-      failure = openFailureOf(opened.failure());
-      return nullptr;
+      return opened.status();
     }
     return std::make_unique<SystemFile>(*std::move(opened),
                                         mode == OpenMode::create ? file : std::filesystem::path());

@@ -10,6 +10,8 @@
 #include <optional>
 #include <span>
 
+#include "base/status.h"
+
 namespace veltrano {
 
 enum class OpenMode {
@@ -36,9 +38,6 @@ class RandomAccessFile {
   virtual bool sync() = 0;
 };
 
-/// Why a file did not open.
-enum class OpenFailure { missing, inUse, notWritable, other };
-
 class FileSystem {
  public:
   FileSystem() = default;
@@ -46,9 +45,10 @@ class FileSystem {
   FileSystem& operator=(const FileSystem&) = delete;
   virtual ~FileSystem() = default;
 
-  /// Null if that fails; `failure` then says why. Folders and devices are refused.
-  virtual std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
-                                                 OpenFailure& failure) = 0;
+  /// Folders and devices are refused. Failure::inUse if the lock is taken, Failure::notAllowed if the user may
+  /// not open it like that.
+  virtual Result<std::unique_ptr<RandomAccessFile>> open(const std::filesystem::path& file,
+                                                         OpenMode mode) = 0;
   virtual bool remove(const std::filesystem::path& file) = 0;
   /// True if the lock file of another program (one entry of 64 bytes for each user) exists and is not known to
   /// be left over.

@@ -11,7 +11,8 @@ namespace {
 /// All exceptions masked, round to nearest; the stack unit with 64 bits of precision.
 constexpr FloatingPointSettings librarySettings = {0x1F80, 0x037F};
 
-/// A thread's innermost member whose host has settings of its own. The system's slot, because the compiler's thread_local allocates in every thread.
+/// A thread's innermost member whose host has settings of its own. A slot of the system: the compiler's thread_local
+/// allocates in every thread.
 class InnermostMember {
  public:
   InnermostMember() noexcept : slot_(TlsAlloc()) {}

@@ -5,22 +5,12 @@
 #include "base/files/whole.h"
 #include "base/os/floating_point_windows.h"
 #include "base/os/host.h"
+#include "base/os/module_windows.h"
 #include "base/text/code_page.h"
 
 namespace veltrano {
 
 namespace {
-
-std::filesystem::path modulePath(HMODULE module) {
-  std::vector<wchar_t> name(MAX_PATH);
-  for (;;) {
-    const DWORD length = GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size()));
-    if (length < name.size()) {
-      return std::filesystem::path(std::wstring(name.data(), length));
-    }
-    name.resize(name.size() * 2);
-  }
-}
 
 // The product name in the language that the resource lists first. Empty when there is none.
 std::wstring productName(const std::filesystem::path& executable) {
@@ -54,10 +44,7 @@ std::wstring productName(const std::filesystem::path& executable) {
 }  // namespace
 
 std::filesystem::path libraryFolder() {
-  HMODULE module = nullptr;
-  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                     reinterpret_cast<const wchar_t*>(&libraryFolder), &module);
-  return modulePath(module).parent_path();
+  return modulePath(ownModule(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT)).parent_path();
 }
 
 // Beside the library, always: that is how it is installed and how it is carried without installation.

@@ -45,10 +45,8 @@ std::string makeFile(const std::filesystem::path& file) {
                    {.name = "Moment", .type = ColumnType::dateTime}};
   table.indexes = {{.name = "PrimaryKey", .columns = {{.name = "ID"}}, .primary = true},
                    {.name = "ByName", .columns = {{.name = "Name"}}}};
-  std::string reason;
-  if (!veltrano::access::createDatabase(file, {}, reason) ||
-      !veltrano::access::createTable(file, table, reason)) {
-    std::fprintf(stderr, "%s\n", reason.c_str());
+  if (const auto made = veltrano::access::createDatabase(file, {table}); !made) {
+    std::fprintf(stderr, "%s\n", made.reason().c_str());
     std::abort();
   }
   return file.string();
@@ -190,10 +188,8 @@ void storeLargeValue(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     std::filesystem::remove(file);
-    std::string reason;
-    veltrano::access::createDatabase(file, {}, reason);
-    veltrano::access::createTable(
-        file, {.name = "Rows", .columns = {{.name = "Large", .type = ColumnType::ole}}}, reason);
+    veltrano::access::createDatabase(
+        file, {{.name = "Rows", .columns = {{.name = "Large", .type = ColumnType::ole}}}});
     VeltranoMDB mdb;
     mdb.OpenDB(file.string());
     mdb.OpenTable("Rows");

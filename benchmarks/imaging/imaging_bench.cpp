@@ -15,7 +15,7 @@
 #include <jpeglib.h>
 
 #include "base/files/whole.h"
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 #include "veltrano/dib_section.h"
 #include "veltrano/png.h"
 

@@ -2,12 +2,13 @@
 
 #include <mutex>
 #include <thread>
+#include <utility>
 #include <vector>
 
+#include "base/files/identity.h"
 #include "base/files/whole.h"
 #include "database/access/recordset.h"
 #include "database/access/schema/catalog.h"
-#include "database/access/storage/file.h"
 
 namespace veltrano {
 
@@ -22,23 +23,20 @@ class AccessDatabase final : public Database {
   explicit AccessDatabase(std::shared_ptr<OpenFile> file)
       : file_(std::move(file)), number_(++file_->openers) {}
 
-  std::unique_ptr<Recordset> openTable(std::string_view table) override {
+  Result<std::unique_ptr<Recordset>> openTable(std::string_view table) override {
     if (!file_) {
-      fail("the database is closed");
-      return nullptr;
+      return closed();
     }
-    std::string reason;
-    auto definition = access::findTable(*file_->pager, table, reason);
+    auto definition = access::findTable(*file_->pager, table);
     if (!definition) {
-      fail(std::move(reason));
-      return nullptr;
+      return definition.status();
     }
-    return std::make_unique<AccessRecordset>(file_, std::move(*definition), number_);
+    return std::make_unique<AccessRecordset>(file_, *std::move(definition), number_);
   }
 
-  bool close() override {
+  Status close() override {
     if (!file_) {
-      return fail("the database is closed");
+      return closed();
     }
     // Other objects may have recordsets on the same file.
     const std::vector<AccessRecordset*> recordsets = file_->recordsets;
@@ -47,12 +45,12 @@ class AccessDatabase final : public Database {
         recordset->close();
       }
     }
-    const bool synced = file_->pager->checkpoint();
-    file_.reset();
-    return synced || fail("the disk does not confirm the writing");
+    return std::exchange(file_, nullptr)->pager->checkpoint();
   }
 
  private:
+  static Status closed() { return {Failure::missing, "the database is closed"}; }
+
   std::shared_ptr<OpenFile> file_;
   std::uint64_t number_;  ///< tells the recordsets opened on it from others
 };
@@ -62,24 +60,23 @@ class AccessDatabase final : public Database {
 /// user at a time.
 class OpenFiles {
  public:
-  std::shared_ptr<OpenFile> open(const std::filesystem::path& name, const Pager::Options& options,
-                                 std::string& reason) {
-    const auto number = access::fileNumber(name);
+  Result<std::shared_ptr<OpenFile>> open(const std::filesystem::path& name, const Pager::Options& options) {
+    const auto number = fileNumber(name);
     if (number) {
       const std::lock_guard lock(mutex_);
       std::erase_if(known_, [](const Known& known) { return known.file.expired(); });
       for (const Known& known : known_) {
         if (known.number == *number && known.thread == std::this_thread::get_id()) {
-          return share(known, options, reason);
+          return share(known, options);
         }
       }
     }
-    auto pager = Pager::open(name, options, reason);
+    auto pager = Pager::open(name, options);
     if (!pager) {
-      return nullptr;
+      return pager.status();
     }
     auto file = std::make_shared<OpenFile>();
-    file->pager = std::move(pager);
+    file->pager = *std::move(pager);
     if (number) {
       const std::lock_guard lock(mutex_);
       known_.push_back({*number, std::this_thread::get_id(), options.password, file});
@@ -89,17 +86,15 @@ class OpenFiles {
 
  private:
   struct Known {
-    access::FileNumber number;
+    FileNumber number;
     std::thread::id thread;
     std::string password;
     std::weak_ptr<OpenFile> file;
   };
 
-  static std::shared_ptr<OpenFile> share(const Known& known, const Pager::Options& options,
-                                         std::string& reason) {
+  static Result<std::shared_ptr<OpenFile>> share(const Known& known, const Pager::Options& options) {
     if (options.password != known.password) {
-      reason = "not the password that the file was opened with";
-      return nullptr;
+      return {Failure::notAllowed, "not the password that the file was opened with"};
     }
     return known.file.lock();
   }
@@ -110,18 +105,20 @@ class OpenFiles {
 
 class AccessEngine final : public DatabaseEngine {
  public:
-  std::unique_ptr<Database> openDatabase(std::string_view fileName, std::optional<std::string_view> connect,
-                                         std::string& reason) override {
+  Result<std::unique_ptr<Database>> openDatabase(std::string_view fileName,
+                                                 std::optional<std::string_view> connect) override {
     Pager::Options options;
     if (connect) {
       if (!connect->starts_with(passwordConnectPrefix)) {
-        reason = "not a connect string for this kind of file";
-        return nullptr;
+        return {Failure::other, "not a connect string for this kind of file"};
       }
       options.password = connect->substr(passwordConnectPrefix.size());
     }
-    auto file = files_.open(pathFromUtf8(fileName), options, reason);
-    return file ? std::make_unique<AccessDatabase>(std::move(file)) : nullptr;
+    auto file = files_.open(pathFromUtf8(fileName), options);
+    if (!file) {
+      return file.status();
+    }
+    return std::make_unique<AccessDatabase>(*std::move(file));
   }
 
  private:

@@ -2,12 +2,30 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/default_value.h"
 #include "database/access/schema/field_codec.h"
 
 namespace veltrano::access {
+
+namespace {
+
+Status closedRecordset() {
+  return {Failure::missing, "the recordset is closed"};
+}
+Status noCurrentRecord() {
+  return {Failure::missing, "no current record"};
+}
+Status noRecords() {
+  return {Failure::missing, "the table has no records"};
+}
+Status noEdit() {
+  return {Failure::missing, "no edit is under way"};
+}
+
+}  // namespace
 
 void OpenFile::rowDeleted(PageNumber table, RowPointer place) {
   for (AccessRecordset* recordset : recordsets) {
@@ -27,7 +45,7 @@ AccessRecordset::AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition
   if (auto writer = TableWriter::create(table_)) {
     writer_ = *std::move(writer);
   } else {
-    readOnlyReason_ = writer.status().reason();
+    writable_ = writer.status();
   }
   if (const Index* key = table_.definition().primaryKey()) {
     order_.emplace(table_.pager(), table_.definition().page, *key);
@@ -45,9 +63,9 @@ AccessRecordset::~AccessRecordset() {
   AccessRecordset::close();
 }
 
-bool AccessRecordset::close() {
+Status AccessRecordset::close() {
   if (state_ == State::closed) {
-    return fail("the recordset is closed");
+    return closedRecordset();
   }
   state_ = State::closed;
   edit_ = Edit::none;
@@ -56,9 +74,7 @@ bool AccessRecordset::close() {
   cursor_.reset();
   keepAutoNumbers();
   std::erase(file_->recordsets, this);
-  const bool synced = file_->pager->checkpoint();
-  file_.reset();
-  return synced || fail("the disk does not confirm the writing");
+  return std::exchange(file_, nullptr)->pager->checkpoint();
 }
 
 // --- Moving
@@ -88,12 +104,13 @@ std::optional<RowPointer> AccessRecordset::following() {
   return found ? std::optional(cursor_->row()) : std::nullopt;
 }
 
-// Reads the current record as it is in the file now. False without a current record.
-bool AccessRecordset::refresh() {
+// Reads the current record as it is in the file now. Fails without a current record.
+Status AccessRecordset::refresh() {
   if (state_ != State::onRecord) {
-    return fail("no current record");
+    return noCurrentRecord();
   }
-  return current_.refresh(file_->generation) || fail("the record has been deleted");
+  return current_.refresh(file_->generation) ? Status()
+                                             : Status(Failure::missing, "the record has been deleted");
 }
 
 void AccessRecordset::rowDeleted(RowPointer place) {
@@ -103,23 +120,24 @@ void AccessRecordset::rowDeleted(RowPointer place) {
   }
 }
 
-bool AccessRecordset::moveFirst() {
+Status AccessRecordset::moveFirst() {
   if (state_ == State::closed) {
-    return fail("the recordset is closed");
+    return closedRecordset();
   }
   edit_ = Edit::none;
   changedKeys_.clear();
-  if (cursor_) {
-    settle(cursor_->first() ? std::optional(cursor_->row()) : std::nullopt);
-  } else {
-    settle(table_.from({}));
+  std::optional<RowPointer> first;
+  if (!cursor_) {
+    first = table_.from({});
+  } else if (cursor_->first()) {
+    first = cursor_->row();
   }
-  return state_ == State::onRecord || fail("the table has no records");
+  return settle(first) ? Status() : noRecords();
 }
 
-bool AccessRecordset::moveLast() {
+Status AccessRecordset::moveLast() {
   if (state_ == State::closed) {
-    return fail("the recordset is closed");
+    return closedRecordset();
   }
   edit_ = Edit::none;
   changedKeys_.clear();
@@ -133,29 +151,25 @@ bool AccessRecordset::moveLast() {
   } else {
     last = table_.last();
   }
-  return settle(last) || fail("the table has no records");
+  return settle(last) ? Status() : noRecords();
 }
 
-bool AccessRecordset::moveNext() {
+Status AccessRecordset::moveNext() {
   edit_ = Edit::none;
   if (state_ != State::onRecord) {
-    return fail("no record follows");
+    return {Failure::missing, "no record follows"};
   }
   settle(following());
-  return true;
+  return {};
 }
 
 std::optional<bool> AccessRecordset::atEnd() {
-  if (state_ == State::closed) {
-    fail("the recordset is closed");
-    return std::nullopt;
-  }
-  return state_ == State::atEnd;
+  return state_ == State::closed ? std::nullopt : std::optional(state_ == State::atEnd);
 }
 
 // --- Reading
 
-std::optional<std::size_t> AccessRecordset::columnIndex(std::string_view field) {
+Result<std::size_t> AccessRecordset::columnIndex(std::string_view field) {
   constexpr std::size_t mostNames = 512;
   for (std::size_t i = 0; i < namesAsked_.size(); ++i) {
     if (nextName_ >= namesAsked_.size()) {
@@ -168,8 +182,7 @@ std::optional<std::size_t> AccessRecordset::columnIndex(std::string_view field) 
   }
   const Column* column = table_.definition().find(field);
   if (column == nullptr) {
-    fail("no such field");
-    return std::nullopt;
+    return {Failure::missing, "no such field"};
   }
   const auto index = static_cast<std::size_t>(column - table_.definition().columns.data());
   if (namesAsked_.size() < mostNames) {
@@ -179,40 +192,47 @@ std::optional<std::size_t> AccessRecordset::columnIndex(std::string_view field) 
   return index;
 }
 
-bool AccessRecordset::readText(std::string_view field, std::string& text) {
+Status AccessRecordset::readText(std::string_view field, std::string& text) {
   text.clear();
-  if (state_ == State::closed || (edit_ != Edit::adding && !refresh())) {
-    return fail("no current record");
+  if (edit_ != Edit::adding) {
+    if (Status current = refresh(); !current) {
+      return current;
+    }
   }
   const auto index = columnIndex(field);
   if (!index) {
-    return false;
+    return index.status();
   }
   const Column& column = table_.definition().columns[*index];
+  std::optional<Bytes> cell;
+  std::vector<std::uint8_t> inlineCell;
   if (edit_ == Edit::adding || (edit_ == Edit::changing && drafts_[*index].assigned)) {
-    const Cell& cell = drafts_[*index].cell;
-    if (cell.null) {
-      return fail("the field is null");
-    }
-    std::vector<std::uint8_t> inlineCell;
+    const Cell& draft = drafts_[*index].cell;
     if (column.isLongValue()) {
-      makeInlineCell(cell.bytes, inlineCell);
+      makeInlineCell(draft.bytes, inlineCell);
     }
-    return cellToText(table_.pager(), column, column.isLongValue() ? Bytes(inlineCell) : cell.view(), text);
+    if (!draft.null) {
+      cell = column.isLongValue() ? Bytes(inlineCell) : draft.view();
+    }
+  } else {
+    cell = current_.view().cell(column);
   }
-  const auto cell = current_.view().cell(column);
-  return cell ? cellToText(table_.pager(), column, *cell, text) : fail("the field is null");
+  if (!cell) {
+    return {Failure::missing, "the field is null"};
+  }
+  return cellToText(table_.pager(), column, *cell, text) ? Status()
+                                                         : Status(Failure::damaged, "the value has no text");
 }
 
 bool AccessRecordset::find(std::string_view field, const TextMatcher& matcher) {
-  const auto index = state_ == State::closed ? std::nullopt : columnIndex(field);
+  if (state_ == State::closed) {
+    return false;
+  }
   edit_ = Edit::none;
+  const auto index = columnIndex(field);
   if (!index) {
     // As a scan that finds nothing would end.
-    if (state_ != State::closed) {
-      settle(std::nullopt);
-    }
-    return false;
+    return settle(std::nullopt);
   }
   const Column& column = table_.definition().columns[*index];
   for (; state_ != State::atEnd; settle(following())) {
@@ -226,16 +246,13 @@ bool AccessRecordset::find(std::string_view field, const TextMatcher& matcher) {
 
 // --- Writing
 
-bool AccessRecordset::edit() {
-  if (state_ == State::closed || !refresh()) {
-    return fail("no current record");
-  }
-  if (!writer_) {
-    return fail(readOnlyReason_);
+Status AccessRecordset::edit() {
+  if (Status current = refresh(); !current || !writer_) {
+    return current ? writable_ : current;
   }
   drafts_.assign(table_.definition().columns.size(), Draft());
   edit_ = Edit::changing;
-  return true;
+  return {};
 }
 
 // The table's next autonumber. It is given once, whether or not a record with it is stored.
@@ -272,67 +289,67 @@ void AccessRecordset::prepareNewRecord() {
   }
 }
 
-bool AccessRecordset::addNew() {
+Status AccessRecordset::addNew() {
   if (state_ == State::closed) {
-    return fail("the recordset is closed");
+    return closedRecordset();
   }
   if (!writer_) {
-    return fail(readOnlyReason_);
+    return writable_;
   }
   prepareNewRecord();
   edit_ = Edit::adding;
-  return true;
+  return {};
 }
 
-bool AccessRecordset::write(std::string_view field, const Value& value) {
+Status AccessRecordset::write(std::string_view field, const Value& value) {
   if (edit_ == Edit::none) {
-    return fail("no edit is under way");
+    return noEdit();
   }
   const auto index = columnIndex(field);
   if (!index) {
-    return false;
+    return index.status();
   }
   const Column& column = table_.definition().columns[*index];
   if (column.autoNumber || column.autoGuid) {
-    return fail("the field is numbered by the engine");
+    return {Failure::notAllowed, "the field is numbered by the engine"};
   }
   if (value.isNull()) {
     const bool flag = column.type == ColumnType::boolean;
     drafts_[*index] = flag ? Draft{{false, {0}}, true} : Draft{{}, true};
-    return true;
+    return {};
   }
   auto cell = valueToCell(column, value);
   if (!cell) {
-    return fail("the value does not fit the field");
+    return {Failure::other, "the value does not fit the field"};
   }
   drafts_[*index] = {{false, std::move(*cell)}, true};
-  return true;
+  return {};
 }
 
-bool AccessRecordset::update() {
+Status AccessRecordset::update() {
   if (edit_ == Edit::none) {
-    return fail("no edit is under way");
+    return noEdit();
   }
-  if (edit_ == Edit::adding) {
-    if (const auto row = writer_->insert(drafts_); !row) {
-      return fail(row.status().reason());
-    }
-  } else {
-    if (!refresh()) {
-      return false;
-    }
-    if (std::none_of(drafts_.begin(), drafts_.end(), [](const Draft& draft) { return draft.assigned; })) {
-      edit_ = Edit::none;
-      return true;
-    }
-    if (const Status done = writer_->update(current_.place(), drafts_); !done) {
-      return fail(done.reason());
-    }
+  Status done = edit_ == Edit::adding ? writer_->insert(drafts_).status() : updateCurrent();
+  if (done) {
+    edit_ = Edit::none;
+    ++file_->generation;
+  }
+  return done;
+}
+
+Status AccessRecordset::updateCurrent() {
+  if (Status current = refresh(); !current) {
+    return current;
+  }
+  if (std::none_of(drafts_.begin(), drafts_.end(), [](const Draft& draft) { return draft.assigned; })) {
+    return {};
+  }
+  Status done = writer_->update(current_.place(), drafts_);
+  if (done) {
     noteChangedKey();
   }
-  edit_ = Edit::none;
-  ++file_->generation;
-  return true;
+  return done;
 }
 
 // A record whose new key comes later in the order must not be met twice.
@@ -347,20 +364,17 @@ void AccessRecordset::noteChangedKey() {
   }
 }
 
-bool AccessRecordset::remove() {
+Status AccessRecordset::remove() {
   edit_ = Edit::none;
-  if (state_ == State::closed || !refresh()) {
-    return fail("no current record");
+  if (Status current = refresh(); !current || !writer_) {
+    return current ? writable_ : current;
   }
-  if (!writer_) {
-    return fail(readOnlyReason_);
+  Status done = writer_->remove(current_.place());
+  if (done) {
+    ++file_->generation;
+    file_->rowDeleted(table_.definition().page, current_.place());
   }
-  if (const Status done = writer_->remove(current_.place()); !done) {
-    return fail(done.reason());
-  }
-  ++file_->generation;
-  file_->rowDeleted(table_.definition().page, current_.place());
-  return true;
+  return done;
 }
 
 }  // namespace veltrano::access

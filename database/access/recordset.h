@@ -20,7 +20,6 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <string>
 #include <utility>
 #include <vector>
 
@@ -40,8 +39,8 @@ struct OpenFile {
   std::unique_ptr<Pager> pager;
   std::vector<AccessRecordset*> recordsets;
   std::uint64_t openers = 0;  ///< database objects that the file has had
-  std::uint64_t generation =
-      0;  ///< counts changes of rows, so that recordsets know when to read theirs again
+  /// Counts changes of rows, so that recordsets know when to read theirs again.
+  std::uint64_t generation = 0;
   /// The last autonumbers shown to a host, by the table's definition page. They are not given again even if the
   /// record that showed them was dropped.
   std::map<PageNumber, std::int32_t> autoNumbers;
@@ -58,18 +57,18 @@ class AccessRecordset final : public Recordset {
   AccessRecordset& operator=(const AccessRecordset&) = delete;
   ~AccessRecordset() override;
 
-  bool moveFirst() override;
-  bool moveLast() override;
-  bool moveNext() override;
+  Status moveFirst() override;
+  Status moveLast() override;
+  Status moveNext() override;
   std::optional<bool> atEnd() override;
-  bool edit() override;
-  bool addNew() override;
-  bool update() override;
-  bool remove() override;
-  bool readText(std::string_view field, std::string& text) override;
-  bool write(std::string_view field, const Value& value) override;
+  Status edit() override;
+  Status addNew() override;
+  Status update() override;
+  Status remove() override;
+  Status readText(std::string_view field, std::string& text) override;
+  Status write(std::string_view field, const Value& value) override;
   bool find(std::string_view field, const TextMatcher& matcher) override;
-  bool close() override;
+  Status close() override;
 
   [[nodiscard]] std::uint64_t opener() const { return opener_; }
 
@@ -80,19 +79,20 @@ class AccessRecordset final : public Recordset {
 
   bool settle(std::optional<RowPointer> place);
   std::optional<RowPointer> following();
-  bool refresh();
+  Status refresh();
   void rowDeleted(RowPointer place);
-  std::optional<std::size_t> columnIndex(std::string_view field);
+  Result<std::size_t> columnIndex(std::string_view field);
   void prepareNewRecord();
   std::optional<std::int32_t> handOutAutoNumber();
   void keepAutoNumbers();
+  Status updateCurrent();
   void noteChangedKey();
 
   std::shared_ptr<OpenFile> file_;
   std::uint64_t opener_;
   Table table_;
   std::optional<TableWriter> writer_;
-  std::string readOnlyReason_;
+  Status writable_;
   std::optional<IndexTree> order_;  // of the primary key
   std::optional<IndexCursor> cursor_;
 

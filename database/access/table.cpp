@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "database/access/pages/data_page.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/space/usage_map.h"
 
 namespace veltrano::access {
 

@@ -47,8 +47,7 @@ bool TableWriter::fail(Failure failure, const char* reason) {
 }
 
 bool TableWriter::failFromPager() {
-  const std::string_view reason = pager().lastError();
-  failure_ = {Failure::damaged, reason.empty() ? "the file is damaged or full" : std::string(reason)};
+  failure_ = pager().pageFailure() ? Status(Failure::damaged, "the file is damaged") : pager().pageFailure();
   return false;
 }
 
@@ -208,15 +207,15 @@ std::optional<std::int32_t> TableWriter::lastAutoNumber() const {
 }
 
 Status TableWriter::raiseAutoNumber(std::int32_t number) {
-  Transaction transaction(pager());
-  const MutableBytes page = transaction ? pager().edit(definition().page) : MutableBytes();
-  if (!page.empty() && static_cast<std::int32_t>(load32(page.data() + autoNumberAt)) >= number) {
-    return {};
-  }
-  if (!page.empty()) {
-    store32(page.data() + autoNumberAt, static_cast<std::uint32_t>(number));
-  }
-  return (!page.empty() && transaction.commit()) || failFromPager() ? Status() : failure_;
+  return inTransaction([&] {
+    const MutableBytes page = pager().edit(definition().page);
+    if (page.empty()) {
+      return failFromPager();
+    }
+    const auto last = static_cast<std::int32_t>(load32(page.data() + autoNumberAt));
+    store32(page.data() + autoNumberAt, static_cast<std::uint32_t>(std::max(last, number)));
+    return true;
+  });
 }
 
 // Makes the new row's autonumber the table's last one.
@@ -278,26 +277,30 @@ Result<RowPointer> TableWriter::insertInTransaction(std::vector<Draft>& drafts) 
   return *place;
 }
 
-Result<RowPointer> TableWriter::insert(std::vector<Draft>& drafts) {
+template <typename Steps>
+Status TableWriter::inTransaction(Steps steps) {
   Transaction transaction(pager());
-  if (!transaction) {
-    failFromPager();
-    return failure_;
+  if (!transaction.begun()) {
+    return transaction.begun();
   }
-  auto place = insertInTransaction(drafts);
-  if (place && !transaction.commit()) {
-    failFromPager();
-    return failure_;
-  }
-  return place;
+  return steps() ? transaction.commit() : failure_;
+}
+
+Result<RowPointer> TableWriter::insert(std::vector<Draft>& drafts) {
+  Result<RowPointer> place = RowPointer();
+  Status done = inTransaction([&] {
+    place = insertInTransaction(drafts);
+    return static_cast<bool>(place);
+  });
+  return done ? place : done;
 }
 
 Status TableWriter::update(RowPointer home, const std::vector<Draft>& drafts) {
-  Transaction transaction(pager());
-  const bool done = transaction
-                        ? updateInTransaction(home, drafts) && (transaction.commit() || failFromPager())
-                        : failFromPager();
-  return done ? Status() : failure_;
+  return inTransaction([&] { return updateInTransaction(home, drafts); });
+}
+
+Status TableWriter::remove(RowPointer home) {
+  return inTransaction([&] { return removeInTransaction(home); });
 }
 
 bool TableWriter::updateInTransaction(RowPointer home, const std::vector<Draft>& drafts) {
@@ -319,13 +322,6 @@ bool TableWriter::updateInTransaction(RowPointer home, const std::vector<Draft>&
   }
   return makeRow(drafts) && makeKeysOf(row_, after_) && releaseLongValues(oldRow, &drafts) &&
          replaceRow(home, old->place, row_) && changeIndexes(&before_, &after_, home);
-}
-
-Status TableWriter::remove(RowPointer home) {
-  Transaction transaction(pager());
-  const bool done =
-      transaction ? removeInTransaction(home) && (transaction.commit() || failFromPager()) : failFromPager();
-  return done ? Status() : failure_;
 }
 
 bool TableWriter::removeInTransaction(RowPointer home) {

@@ -44,6 +44,8 @@ class TableWriter {
   // The steps of a change answer false after they have set failure_.
   bool fail(Failure failure, const char* reason);
   bool failFromPager();
+  template <typename Steps>
+  Status inTransaction(Steps steps);
   bool changeIndexes(const TableIndexes::RowKeys* before, const TableIndexes::RowKeys* after, RowPointer row);
   bool updateInTransaction(RowPointer home, const std::vector<Draft>& drafts);
   bool removeInTransaction(RowPointer home);

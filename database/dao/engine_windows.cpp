@@ -3,7 +3,7 @@
 #include <mutex>
 
 #include "database/dao/object_windows.h"
-#include "database/field_conversion.h"
+#include "database/values/field_conversion.h"
 
 namespace veltrano {
 
@@ -82,43 +82,45 @@ class DaoRecordset final : public Recordset {
  public:
   explicit DaoRecordset(Object recordset) : recordset_(std::move(recordset)) {}
 
-  bool moveFirst() override { return method(L"MoveFirst"); }
-  bool moveLast() override { return method(L"MoveLast"); }
-  bool moveNext() override { return method(L"MoveNext"); }
-  bool edit() override { return method(L"Edit"); }
-  bool addNew() override { return method(L"AddNew"); }
-  bool update() override { return method(L"Update"); }
-  bool remove() override { return method(L"Delete"); }
-  bool close() override { return method(L"Close"); }
+  Status moveFirst() override { return method(L"MoveFirst"); }
+  Status moveLast() override { return method(L"MoveLast"); }
+  Status moveNext() override { return method(L"MoveNext"); }
+  Status edit() override { return method(L"Edit"); }
+  Status addNew() override { return method(L"AddNew"); }
+  Status update() override { return method(L"Update"); }
+  Status remove() override { return method(L"Delete"); }
+  Status close() override { return method(L"Close"); }
 
   std::optional<bool> atEnd() override {
     const auto flag = recordset_.property(L"EOF");
-    return succeeded(flag.status()) ? flag->toFlag() : std::nullopt;
+    return flag ? flag->toFlag() : std::nullopt;
   }
 
-  bool readText(std::string_view field, std::string& text) override {
+  Status readText(std::string_view field, std::string& text) override {
     text.clear();
     const auto object = find(field);
     const auto value = object ? object->property(L"Value") : object.status();
-    return succeeded(value.status()) && (value->toText(text) || fail("the value has no text"));
+    if (!value) {
+      return value.status();
+    }
+    return value->toText(text) ? Status() : Status(Failure::other, "the value has no text");
   }
 
-  bool write(std::string_view field, const Value& value) override {
+  Status write(std::string_view field, const Value& value) override {
     if (value.as<Opaque>() != nullptr || value.as<Value::List>() != nullptr ||
         value.as<Value::Doubles>() != nullptr) {
-      return fail("a value of this kind cannot be assigned");
+      return {Failure::other, "a value of this kind cannot be assigned"};
     }
     const auto object = find(field);
     if (!object) {
-      return succeeded(object.status());
+      return object.status();
     }
     const auto assigned = Variant::from(inTermsOf(*object, value));
-    return assigned ? succeeded(object->setProperty(L"Value", *assigned)) : fail("memory is short");
+    return assigned ? object->setProperty(L"Value", *assigned) : Status(Failure::full, "memory is short");
   }
 
  private:
-  bool succeeded(const Status& status) { return status || fail(status.reason()); }
-  bool method(const wchar_t* name) { return succeeded(recordset_.call(name).status()); }
+  Status method(const wchar_t* name) { return recordset_.call(name).status(); }
 
   /// Fields(name)
   [[nodiscard]] Result<Object> find(std::string_view field) const {
@@ -133,21 +135,17 @@ class DaoDatabase final : public Database {
  public:
   explicit DaoDatabase(Object database) : database_(std::move(database)) {}
 
-  std::unique_ptr<Recordset> openTable(std::string_view table) override {
+  Result<std::unique_ptr<Recordset>> openTable(std::string_view table) override {
     const Variant name = Variant::text(table);
     const Variant type = Variant::number(dynaset);
     auto recordset = Object::of(database_.call(L"OpenRecordset", {&name, &type}));
     if (!recordset) {
-      fail(recordset.status().reason());
-      return nullptr;
+      return recordset.status();
     }
     return std::make_unique<DaoRecordset>(*std::move(recordset));
   }
 
-  bool close() override {
-    const auto closed = database_.call(L"Close");
-    return closed || fail(closed.status().reason());
-  }
+  Status close() override { return database_.call(L"Close").status(); }
 
  private:
   Object database_;
@@ -175,12 +173,11 @@ class DaoEngine final : public DatabaseEngine {
   DaoEngine& operator=(const DaoEngine&) = delete;
   ~DaoEngine() override { drop(); }
 
-  std::unique_ptr<Database> openDatabase(std::string_view fileName, std::optional<std::string_view> connect,
-                                         std::string& reason) override {
+  Result<std::unique_ptr<Database>> openDatabase(std::string_view fileName,
+                                                 std::optional<std::string_view> connect) override {
     const Object engine = dbEngine();
     if (!engine) {
-      reason = "the DAO engine is gone";
-      return nullptr;
+      return {Failure::missing, "the DAO engine is gone"};
     }
     const Variant name = Variant::text(fileName);
     const Variant no = Variant::flag(false);
@@ -189,8 +186,7 @@ class DaoEngine final : public DatabaseEngine {
     auto database = Object::of(connect ? engine.call(L"OpenDatabase", {&name, &no, &no, &secret})
                                        : engine.call(L"OpenDatabase", {&name, &missing, &missing, &missing}));
     if (!database) {
-      reason = database.status().reason();
-      return nullptr;
+      return database.status();
     }
     return std::make_unique<DaoDatabase>(*std::move(database));
   }

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "base/text/wtf8.h"
-#include "database/field_to_text.h"
+#include "database/values/field_to_text.h"
 
 namespace veltrano::dao {
 

@@ -9,7 +9,7 @@
 
 #include "base/files/whole.h"
 #include "database/access/authoring/create_database.h"
-#include "database/access/schema/text_codec.h"
+#include "database/access/storage/text_codec.h"
 #include "hostile.h"
 #include "simulated_disk.h"
 
@@ -30,7 +30,6 @@ std::string makeGoodFile() {
   std::filesystem::create_directories(folder());
   const auto file = folder() / "good.mdb";
   std::filesystem::remove(file);
-  std::string reason;
   const NewTable table = {.name = "T",
                           .columns = {{.name = "ID", .type = ColumnType::longInteger, .autoNumber = true},
                                       {.name = "Name", .type = ColumnType::text, .size = 40},
@@ -40,11 +39,10 @@ std::string makeGoodFile() {
                                       {.name = "Flag", .type = ColumnType::boolean}},
                           .indexes = {{.name = "P", .columns = {{"ID"}}, .primary = true},
                                       {.name = "N", .columns = {{"Name"}, {"Price", false}}}}};
-  createDatabase(file, {.created = 40000}, reason);
-  createTable(file, table, reason);
+  createDatabase(file, {table}, {.created = 40000});
   auto opened = std::make_shared<OpenFile>();
-  opened->pager = Pager::open(file, {}, reason);
-  AccessRecordset recordset(opened, findTable(*opened->pager, "T", reason).value());
+  opened->pager = *Pager::open(file, {});
+  AccessRecordset recordset(opened, *findTable(*opened->pager, "T"));
   for (int i = 0; i < 50; ++i) {
     recordset.addNew();
     recordset.write("Name", "name " + std::to_string(i * 37 % 50));

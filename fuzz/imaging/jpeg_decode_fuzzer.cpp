@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 #include "veltrano/jpg.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

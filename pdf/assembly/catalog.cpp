@@ -71,14 +71,14 @@ int writeCatalog(ObjectWriter& writer, const ViewerSettings& viewer, int pageTre
   const int object = writer.begin();
   writer.line("<<");
   writer.line("/Type /Catalog");
-  writer.line({"/Pages ", decimal(pageTreeObject), " 0 R"});
+  writer.line({"/Pages ", integerText(pageTreeObject), " 0 R"});
   writeOpenAction(writer, viewer.zoomMode);
   writeLayout(writer, viewer.layoutMode);
   if (viewer.useThumbs) {
     writer.line("/PageMode /UseThumbs");
   }
   if (viewer.useOutlines) {
-    writer.line({"/Outlines ", decimal(outlineObject), " 0 R"});
+    writer.line({"/Outlines ", integerText(outlineObject), " 0 R"});
     writer.line("/PageMode /UseOutlines");
   }
   if (viewer.viewerPreference) {

@@ -39,7 +39,7 @@ void Composition::closePage(std::string_view content, const std::vector<PageForm
   }
 
   writer_.begin(page.contentObject);
-  writer_.line({"<< /Length ", decimal(page.contentObject + 1), " 0 R"});
+  writer_.line({"<< /Length ", integerText(page.contentObject + 1), " 0 R"});
   writer_.line(" >>");
   const std::uint64_t streamHeaderLength = writer_.length();
   writer_.line("stream");
@@ -50,7 +50,7 @@ void Composition::closePage(std::string_view content, const std::vector<PageForm
   // The length is counted this way by design, 12 characters beyond the content; viewers stop at "endstream".
   constexpr std::uint64_t notCounted = 6 + 6 + 9 + 6;
   writer_.begin();
-  writer_.line(decimal(static_cast<std::int64_t>(objectLength - streamHeaderLength - notCounted)));
+  writer_.line(integerText(static_cast<std::int64_t>(objectLength - streamHeaderLength - notCounted)));
   writer_.end();
 }
 

@@ -1,6 +1,6 @@
 #include "pdf/assembly/information.h"
 
-#include <cstddef>
+#include <cstdio>
 #include <string>
 
 #include "base/os/clock.h"
@@ -9,21 +9,11 @@ namespace veltrano {
 
 namespace {
 
-void appendPadded(std::string& target, int number, std::size_t width) {
-  const NumberText digits = decimal(number);
-  if (digits.view().size() < width) {
-    target.append(width - digits.view().size(), '0');
-  }
-  target.append(digits.view());
-}
-
 /// YYYYMMDDHHmmSS
 std::string timeStamp(const LocalTime& time) {
-  std::string stamp;
-  appendPadded(stamp, time.year, 4);
-  for (const int part : {time.month, time.day, time.hour, time.minute, time.second}) {
-    appendPadded(stamp, part, 2);
-  }
+  char stamp[80];
+  std::snprintf(stamp, sizeof stamp, "%04d%02d%02d%02d%02d%02d", time.year, time.month, time.day, time.hour,
+                time.minute, time.second);
   return stamp;
 }
 

@@ -27,7 +27,7 @@ void ObjectWriter::writeTrailer(int catalogObject) {
 void ObjectWriter::begin(int number) {
   objectStart_ = text_.size();
   text_.append(openingMarker);
-  line({decimal(number), " 0 obj"});
+  line({integerText(number), " 0 obj"});
 }
 
 int ObjectWriter::begin() {

@@ -54,11 +54,6 @@ class ObjectWriter {
   std::uint64_t objectStart_ = 0;
 };
 
-/// Decimal text of an object number, to be used as a piece of a line.
-inline NumberText decimal(std::int64_t number) {
-  return integerText(number);
-}
-
 }  // namespace veltrano
 
 #endif

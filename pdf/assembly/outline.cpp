@@ -46,7 +46,7 @@ void writeOutline(ObjectWriter& writer, Bookmarks& bookmarks, const PageTree& tr
 
   const auto writeLink = [&](std::string_view key, int item) {
     if (item >= 0) {
-      writer.line({key, decimal(firstObject + item), " 0 R"});
+      writer.line({key, integerText(firstObject + item), " 0 R"});
     }
   };
   ContentStream destination;
@@ -61,7 +61,8 @@ void writeOutline(ObjectWriter& writer, Bookmarks& bookmarks, const PageTree& tr
 
     writer.begin();
     writer.line({"<</Title (", bookmark.text, ")"});
-    writer.line({"/Parent ", decimal(links.parent < 0 ? rootObject : firstObject + links.parent), " 0 R"});
+    writer.line(
+        {"/Parent ", integerText(links.parent < 0 ? rootObject : firstObject + links.parent), " 0 R"});
     writeLink("/Prev ", links.prev);
     writeLink("/Next ", links.next);
     writeLink("/First ", links.first);
@@ -82,8 +83,8 @@ void writeOutline(ObjectWriter& writer, Bookmarks& bookmarks, const PageTree& tr
     }
   }
   bookmarks.count = writer.begin();
-  writer.line({"<</Type /Outlines /First ", decimal(firstObject + firstTop), " 0 R"});
-  writer.line({"/Last ", decimal(firstObject + lastTop), " 0 R>>"});
+  writer.line({"<</Type /Outlines /First ", integerText(firstObject + firstTop), " 0 R"});
+  writer.line({"/Last ", integerText(firstObject + lastTop), " 0 R>>"});
   writer.end();
 }
 

@@ -10,7 +10,7 @@ namespace {
 void writeAnnotation(ObjectWriter& writer, const Link& link) {
   ContentStream line;
   ContentWriter out(line);
-  const LinkArea& area = link.area;
+  const Area& area = link.area;
   out.text("<</Type /Annot /Subtype /Link /Rect [").point(area.left, area.top - area.height).text(" ");
   out.point(area.left + area.width, area.top).text("] /Border [0 0 0] /A <</S /URI /URI (");
   out.text(escapeLinkTarget(link.target)).text(")>>>>").end();
@@ -25,10 +25,10 @@ PageTree writePageTree(ObjectWriter& writer, std::size_t pageCount, std::size_t 
   writer.line("<< /Type /Pages");
   writer.line("/Kids [");
   for (int page = 1; page <= count; ++page) {
-    writer.line({decimal(tree.pageObject(page)), " 0 R"});
+    writer.line({integerText(tree.pageObject(page)), " 0 R"});
   }
   writer.line("]");
-  writer.line({"/Count ", decimal(count)});
+  writer.line({"/Count ", integerText(count)});
   writer.line(">>");
   writer.end();
   return tree;
@@ -38,20 +38,14 @@ void writePages(ObjectWriter& writer, const PageTree& tree, int resourcesObject,
                 const std::vector<PageRecord>& pages, const std::vector<Link>& links) {
   auto link = links.cbegin();
   int number = 0;
-  ContentStream mediaBox;
   for (const PageRecord& page : pages) {
     ++number;
     writer.begin();
     writer.line("<< /Type /Page");
-    writer.line({"/Parent ", decimal(tree.object), " 0 R"});
-    mediaBox.clear();
-    ContentWriter(mediaBox)
-        .text("/MediaBox [ 0 0 ")
-        .point(page.format.width, page.format.height)
-        .text("]")
-        .end();
-    writer.lines(mediaBox.view());
-    writer.line({"/Resources ", decimal(resourcesObject), " 0 R"});
+    writer.line({"/Parent ", integerText(tree.object), " 0 R"});
+    writer.line({"/MediaBox [ 0 0 ", formatPdfNumber(page.format.width, 2), " ",
+                 formatPdfNumber(page.format.height, 2), "]"});
+    writer.line({"/Resources ", integerText(resourcesObject), " 0 R"});
     const auto onThisPage = [&] { return link != links.cend() && link->page == number; };
     if (onThisPage()) {
       writer.line("/Annots [");
@@ -60,7 +54,7 @@ void writePages(ObjectWriter& writer, const PageTree& tree, int resourcesObject,
       }
       writer.line("]");
     }
-    writer.line({"/Contents ", decimal(page.contentObject), " 0 R"});
+    writer.line({"/Contents ", integerText(page.contentObject), " 0 R"});
     writer.line(">>");
     writer.end();
   }

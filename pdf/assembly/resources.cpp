@@ -22,7 +22,7 @@ std::string nameText(std::string_view name) {
 }
 
 NumberText number(std::size_t value) {
-  return decimal(static_cast<std::int64_t>(value));
+  return integerText(static_cast<std::int64_t>(value));
 }
 
 }  // namespace
@@ -47,12 +47,12 @@ int writeResources(ObjectWriter& writer, const std::vector<int>& fontObjects, st
   writer.line("<< /ProcSet [ /PDF /Text /ImageC]");
   writer.line("/XObject << ");
   for (int image = 1; image <= static_cast<int>(imageCount); ++image) {
-    writer.line({"/ImgJPEG", decimal(image), " ", decimal(object + image), " 0 R"});
+    writer.line({"/ImgJPEG", integerText(image), " ", integerText(object + image), " 0 R"});
   }
   writer.line(">>");
   writer.line("/Font << ");
   for (std::size_t i = 0; i < fontObjects.size(); ++i) {
-    writer.line({"/F", number(i + 1), " ", decimal(fontObjects[i]), " 0 R "});
+    writer.line({"/F", number(i + 1), " ", integerText(fontObjects[i]), " 0 R "});
   }
   writer.line(">>");
   writer.line(">>");
@@ -67,10 +67,10 @@ void writeImages(ObjectWriter& writer, const std::vector<Image>& images) {
     writer.line("<</Type /XObject");
     writer.line("/Subtype /Image");
     writer.line("/Filter [/DCTDecode ]");
-    writer.line({"/Width ", decimal(image.width)});
-    writer.line({"/Height ", decimal(image.height)});
+    writer.line({"/Width ", integerText(image.width)});
+    writer.line({"/Height ", integerText(image.height)});
     writer.line({"/ColorSpace /", image.colourSpace});
-    writer.line({"/BitsPerComponent ", decimal(image.bitsPerComponent)});
+    writer.line({"/BitsPerComponent ", integerText(image.bitsPerComponent)});
     writer.line({"/Length ", number(image.data->size())});
     writer.line({"/Name /ImgJPEG", number(++count), ">>"});
     writer.line("stream");

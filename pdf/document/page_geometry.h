@@ -29,6 +29,14 @@ struct Box {
   double height = 0;
 };
 
+/// A box in points, `top` from the bottom of the page.
+struct Area {
+  double left = 0;
+  double top = 0;
+  double width = 0;
+  double height = 0;
+};
+
 /// Points per unit of PDFUnitStr. Empty if `unit` is not one.
 std::optional<double> pointsPerUnit(std::int32_t unit);
 /// "pt", "mm" or "cm"; empty for other factors.
@@ -70,7 +78,15 @@ struct PageGeometry {
   [[nodiscard]] double xPoints(double x) const { return x * scaleFactor; }
   /// Not a number when a host has stored such a page height. Lines made of it are then left out.
   [[nodiscard]] double yPoints(double y) const { return current().height - y * scaleFactor; }
-  [[nodiscard]] Point points(double x, double y) const { return {xPoints(x), yPoints(y)}; }
+  [[nodiscard]] Point points(Point user) const { return {xPoints(user.x), yPoints(user.y)}; }
+  [[nodiscard]] Area area(const Box& box) const {
+    return {xPoints(box.x), yPoints(box.y), box.width * scaleFactor, box.height * scaleFactor};
+  }
+
+  /// A coordinate of 0 is that of the current position.
+  [[nodiscard]] Point orCurrent(double x, double y) const {
+    return {x == 0 ? currentX : x, y == 0 ? currentY : y};
+  }
 
   /// Sets the current position. A coordinate that is not finite leaves the previous one.
   void moveTo(double x, double y);

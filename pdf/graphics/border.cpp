@@ -19,12 +19,14 @@ Border Border::fromDigits(std::int32_t digits) {
   return border;
 }
 
-void strokeEdges(ContentWriter& out, const Border& border, const Sides& box, double lineWidth) {
+void strokeEdges(ContentWriter& out, const Border& border, const Area& box, double lineWidth) {
   const double half = lineWidth / 2;
+  const double right = box.left + box.width;
+  const double bottom = box.top - box.height;
   const double highest = box.top + (border.top ? half : 0);
-  const double lowest = box.bottom - (border.bottom ? half : 0);
+  const double lowest = bottom - (border.bottom ? half : 0);
   const double leftmost = box.left - (border.left ? half : 0);
-  const double rightmost = box.right + (border.right ? half : 0);
+  const double rightmost = right + (border.right ? half : 0);
   const auto stroke = [&](double x1, double y1, double x2, double y2) {
     out.number(lineWidth).text(" w ").point(x1, y1).text(" m ").point(x2, y2).text(" l S").end();
   };
@@ -35,10 +37,10 @@ void strokeEdges(ContentWriter& out, const Border& border, const Sides& box, dou
     stroke(leftmost, box.top, rightmost, box.top);
   }
   if (border.right) {
-    stroke(box.right, highest, box.right, lowest);
+    stroke(right, highest, right, lowest);
   }
   if (border.bottom) {
-    stroke(leftmost, box.bottom, rightmost, box.bottom);
+    stroke(leftmost, bottom, rightmost, bottom);
   }
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "pdf/document/content_stream.h"
+#include "pdf/document/page_geometry.h"
 
 namespace veltrano {
 
@@ -23,17 +24,9 @@ struct Border {
   static Border fromDigits(std::int32_t digits);
 };
 
-/// Four sides in points, from the bottom left of the page.
-struct Sides {
-  double left = 0;
-  double right = 0;
-  double top = 0;
-  double bottom = 0;
-};
-
 /// Strokes the separate edges, each as a line of its own. Edges that meet extend by half the line width, so
 /// that corners close.
-void strokeEdges(ContentWriter& out, const Border& border, const Sides& box, double lineWidth);
+void strokeEdges(ContentWriter& out, const Border& border, const Area& box, double lineWidth);
 
 }  // namespace veltrano
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstddef>
-#include <optional>
 
 #include "base/numbers/numbers.h"
 
@@ -15,19 +15,6 @@ namespace {
 /// Red, green, blue; usually 0 to 255, but a list may hold anything that 16 bits do.
 using Color = std::array<int, 3>;
 
-std::optional<int> hexDigit(char c) {
-  if (c >= '0' && c <= '9') {
-    return c - '0';
-  }
-  if (c >= 'A' && c <= 'F') {
-    return c - 'A' + 10;
-  }
-  if (c >= 'a' && c <= 'f') {
-    return c - 'a' + 10;
-  }
-  return std::nullopt;
-}
-
 /// The last six characters of "000000" and the text. A pair that is not hexadecimal, which happens if fewer
 /// than six digits follow the "#", is 0.
 Color parseHexColor(std::string_view text) {
@@ -36,10 +23,10 @@ Color parseHexColor(std::string_view text) {
   digits.erase(0, digits.size() - 6);
   Color color{};
   for (std::size_t i = 0; i < color.size(); ++i) {
-    const auto high = hexDigit(digits[2 * i]);
-    const auto low = hexDigit(digits[2 * i + 1]);
-    if (high && low) {
-      color[i] = *high * 16 + *low;
+    const char* const pair = digits.data() + 2 * i;
+    unsigned component = 0;
+    if (std::from_chars(pair, pair + 2, component, 16).ptr == pair + 2) {
+      color[i] = static_cast<int>(component);
     }
   }
   return color;

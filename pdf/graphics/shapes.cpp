@@ -60,27 +60,18 @@ bool isArray(const Value& value) {
 
 }  // namespace
 
-void drawDashedLine(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
-                    std::string_view marker, Point from, Point to) {
+void drawLine(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
+              std::string_view marker, bool dashed, Point from, Point to) {
   ContentWriter out(content);
   out.text("%DEBUT_").text(marker).text("/%").end();
-  out.line(state.lineDashOp);
+  if (dashed) {
+    out.line(state.lineDashOp);
+  }
   writePoint(out, page, from, " m");
   writePoint(out, page, to, " l");
   out.line(state.lineColorOp);
   writeLineWidth(out, page, state, " w S");
   out.text("%FIN_").text(marker).text("/%").end();
-}
-
-void drawFreeLine(ContentStream& content, const PageGeometry& page, const GraphicsState& state, Point from,
-                  Point to) {
-  ContentWriter out(content);
-  out.line("%DEBUT_LN/%");
-  writePoint(out, page, from, " m");
-  writePoint(out, page, to, " l");
-  out.line(state.lineColorOp);
-  writeLineWidth(out, page, state, " w S");
-  out.line("%FIN_LN/%");
 }
 
 void drawRectangle(ContentStream& content, const PageGeometry& page, const GraphicsState& state,

@@ -13,19 +13,17 @@
 
 namespace veltrano {
 
-/// A line in the current dash, between comments of the kind `marker`.
-void drawDashedLine(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
-                    std::string_view marker, Point from, Point to);
-/// A line that writes no dash: that of the last drawing that did holds on.
-void drawFreeLine(ContentStream& content, const PageGeometry& page, const GraphicsState& state, Point from,
-                  Point to);
+/// A line between comments of the kind `marker`. One that is not `dashed` writes no dash: that of the last
+/// drawing that did holds on.
+void drawLine(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
+              std::string_view marker, bool dashed, Point from, Point to);
 /// The closing comment is left to the caller, since a link stands before it.
 void drawRectangle(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
                    const Box& box);
 /// The ellipse within a box.
 void drawEllipse(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
                  const Box& box);
-/// A closed outline; paints nothing without any point.
+/// A closed outline; without a point nothing is painted.
 void drawPolygon(ContentStream& content, const PageGeometry& page, const GraphicsState& state,
                  const std::vector<Point>& points);
 

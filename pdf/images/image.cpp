@@ -6,7 +6,6 @@
 
 #include "base/files/whole.h"
 #include "base/os/host.h"
-#include "pdf/images/jpeg_scan.h"
 
 namespace veltrano {
 
@@ -23,13 +22,7 @@ ImageFile readImage(const std::filesystem::path& file) {
   if (!scan.header) {
     return {std::nullopt, scan.message};
   }
-  Image image;
-  image.width = scan.header->width;
-  image.height = scan.header->height;
-  image.colourSpace = std::move(scan.header->colourSpace);
-  image.bitsPerComponent = scan.header->bitsPerComponent;
-  image.data = std::make_shared<const std::string>(*std::move(bytes));
-  return {std::move(image), {}};
+  return {Image{*std::move(scan.header), std::make_shared<const std::string>(*std::move(bytes))}, {}};
 }
 
 ImageName checkImageName(const std::filesystem::path& file) {

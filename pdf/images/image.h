@@ -12,14 +12,11 @@
 
 #include "pdf/document/content_stream.h"
 #include "pdf/document/page_geometry.h"
+#include "pdf/images/jpeg_scan.h"
 
 namespace veltrano {
 
-struct Image {
-  int width = 0;   ///< pixels
-  int height = 0;  ///< pixels
-  std::string colourSpace;
-  int bitsPerComponent = 8;
+struct Image : JpegHeader {
   /// The whole file, shared with the output text, which refers to it.
   std::shared_ptr<const std::string> data;
 };

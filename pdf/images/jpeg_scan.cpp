@@ -59,7 +59,8 @@ class SegmentWalk {
         position = skipFillBytes(position);
         readLength(position);
       } else if (marker == jfifSegment) {
-        if (!readDensityUnit(position)) {
+        constexpr int highestDensityUnit = 2;  // of none, inch and centimetre
+        if (byteAt(bytes_, position + 11).value_or(0) > highestDensityUnit) {
           return false;
         }
       } else if (isFrameHeader(marker)) {
@@ -94,19 +95,6 @@ class SegmentWalk {
       }
     }
     return position;
-  }
-
-  bool readDensityUnit(std::size_t position) {
-    const auto unit = byteAt(bytes_, position + 11);
-    if (!unit) {
-      return true;
-    }
-    constexpr std::string_view units[] = {"Dots", "Dots/inch (DPI)", "Dots/cm"};
-    if (*unit > 2) {
-      return false;
-    }
-    header_.densityUnit = units[*unit];
-    return true;
   }
 
   void readFrameHeader(std::size_t position) {

@@ -19,7 +19,6 @@ struct JpegHeader {
   int height = 0;  ///< pixels
   std::string colourSpace;
   int bitsPerComponent = 8;
-  std::string densityUnit;  ///< empty without an APP0 segment
 };
 
 struct JpegScan {

@@ -18,7 +18,7 @@ namespace {
 /// Draws the lines of one cell.
 class CellDrawing {
  public:
-  CellDrawing(ContentStream& content, const CellFrame& frame, const CellStyle& style, const Font& font)
+  CellDrawing(ContentStream& content, const Area& frame, const CellStyle& style, const Font& font)
       : out_(content), frame_(frame), style_(style), font_(font) {}
 
   void draw(std::span<const TextLine> lines) {
@@ -116,8 +116,7 @@ class CellDrawing {
     }
     drawBox(index);
     if (index == 0) {
-      const Sides sides{frame_.left, frame_.left + frame_.width, frame_.top, frame_.top - frame_.height};
-      strokeEdges(out_, style_.border, sides, style_.lineWidth);
+      strokeEdges(out_, style_.border, frame_, style_.lineWidth);
     }
     const double offset = textOffset(line.width);
     const double width = style_.alignment == Alignment::justify ? justify(line, offset) : line.width;
@@ -137,7 +136,7 @@ class CellDrawing {
   }
 
   ContentWriter out_;
-  const CellFrame& frame_;
+  const Area& frame_;
   const CellStyle& style_;
   const Font& font_;
   double leading_ = 0;   ///< from one line of text to the next
@@ -146,7 +145,7 @@ class CellDrawing {
 
 }  // namespace
 
-void drawCell(ContentStream& content, std::string_view text, const CellFrame& frame, const CellStyle& style,
+void drawCell(ContentStream& content, std::string_view text, const Area& frame, const CellStyle& style,
               const Font& font) {
   const LineMeasure measure{*font.metrics, font.size, frame.width - 2.0 * style.margin};
   CellDrawing drawing(content, frame, style, font);

@@ -6,18 +6,11 @@
 #include <string_view>
 
 #include "pdf/document/content_stream.h"
+#include "pdf/document/page_geometry.h"
 #include "pdf/fonts/font.h"
 #include "pdf/graphics/state.h"
 
 namespace veltrano {
-
-/// Where a cell stands; points, from the bottom left of the page.
-struct CellFrame {
-  double left = 0;
-  double top = 0;
-  double width = 0;
-  double height = 0;
-};
 
 struct CellStyle {
   Alignment alignment = Alignment::left;
@@ -30,7 +23,7 @@ struct CellStyle {
 };
 
 /// Draws a cell between its comments. An underlined font underlines every line of it.
-void drawCell(ContentStream& content, std::string_view text, const CellFrame& frame, const CellStyle& style,
+void drawCell(ContentStream& content, std::string_view text, const Area& frame, const CellStyle& style,
               const Font& font);
 
 /// The value as "###0.00" shows it: rounded by its decimal digits, so that 7.495 gives 7.5.

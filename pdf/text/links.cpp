@@ -10,12 +10,7 @@
 
 namespace veltrano {
 
-LinkArea LinkArea::ofShape(const Box& shape, const PageGeometry& page) {
-  const double k = page.scaleFactor;
-  return {page.xPoints(shape.x), page.yPoints(shape.y), shape.width * k, shape.height * k};
-}
-
-LinkArea LinkArea::ofText(Point start, std::string_view text, const Font& font, double rotation) {
+Area linkedText(Point start, std::string_view text, const Font& font, double rotation) {
   const auto direction = TextDirection::fromDegrees(rotation);
   const double width = font.width(text);
   const double lower = font.metrics->descender * font.size / 1000;

@@ -12,25 +12,16 @@
 
 namespace veltrano {
 
-/// The rectangle that a link covers; points, `top` from the bottom of the page.
-struct LinkArea {
-  double left = 0;
-  double top = 0;
-  double width = 0;
-  double height = 0;
-
-  static LinkArea ofShape(const Box& shape, const PageGeometry& page);
-  /// Around a text that starts at `start` (points): as high as the font size, from the lowest descender up.
-  /// For a turned text the upright box around that.
-  static LinkArea ofText(Point start, std::string_view text, const Font& font, double rotation);
-};
-
 /// One link annotation.
 struct Link {
   int page = 0;  ///< the page being written when the link was made, counted from 1
-  LinkArea area;
+  Area area;
   std::string target;
 };
+
+/// The area of a link around a text that starts at `start` (points): as high as the font size, from the
+/// lowest descender up. For a turned text the upright box around that.
+Area linkedText(Point start, std::string_view text, const Font& font, double rotation);
 
 /// Adds a link. The count has 16 bits: beyond the last number a link takes the place of the previous one.
 void addLink(std::vector<Link>& links, Link link);

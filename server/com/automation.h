@@ -10,6 +10,7 @@
 #include <oleauto.h>
 #include <olectl.h>
 
+#include <exception>
 #include <utility>
 
 #include "veltrano.h"  // made from veltrano.idl
@@ -18,6 +19,16 @@
 #pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
 
 namespace veltrano::server {
+
+/// The body's result. No C++ exception may reach the host; the only reason for one is a lack of memory.
+template <class Body>
+HRESULT guarded(Body&& body) {
+  try {
+    return body();
+  } catch (const std::exception&) {
+    return E_OUTOFMEMORY;
+  }
+}
 
 /// A reference to a COM object; copies share it.
 template <class Interface>

@@ -41,11 +41,6 @@ class ClassFactory final : public ComObject<IClassFactory> {
     return S_OK;
   }
 
- protected:
-  void* find(REFIID iid) override {
-    return iid == IID_IUnknown || iid == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
-  }
-
  private:
   ~ClassFactory() override { unlockModule(); }
 

@@ -7,14 +7,26 @@
 
 namespace veltrano::server {
 
-/// IUnknown of an object on the heap: counts its references, starting with one, and deletes it with the last. A class
-/// derives from it with the interfaces that it implements, and says in find() which identifiers mean them.
-template <class... Interfaces>
-class ComObject : public Interfaces... {
+/// Hands the reference that `make` returns to the host.
+template <class Interface, class Make>
+HRESULT handOver(Interface** result, Make&& make) {
+  if (result == nullptr) {
+    return E_POINTER;
+  }
+  *result = nullptr;
+  return guarded([&] {
+    *result = make();
+    return S_OK;
+  });
+}
+
+/// The search for interfaces that IUnknown begins with; a derived class counts the references.
+template <class First, class... Others>
+class Unknown : public First, public Others... {
  public:
-  ComObject() = default;
-  ComObject(const ComObject&) = delete;
-  ComObject& operator=(const ComObject&) = delete;
+  Unknown() = default;
+  Unknown(const Unknown&) = delete;
+  Unknown& operator=(const Unknown&) = delete;
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
     if (object == nullptr) {
@@ -24,9 +36,24 @@ class ComObject : public Interfaces... {
     if (*object == nullptr) {
       return E_NOINTERFACE;
     }
-    AddRef();
+    static_cast<First*>(this)->AddRef();
     return S_OK;
   }
+
+ protected:
+  virtual ~Unknown() = default;
+
+  /// The interface of that identifier, cast to it, without a further reference; null if the object lacks it. An object
+  /// of several interfaces says here which identifiers mean them.
+  virtual void* find(REFIID iid) {
+    return iid == IID_IUnknown || iid == __uuidof(First) ? static_cast<First*>(this) : nullptr;
+  }
+};
+
+/// An object on the heap: counts its references, starting with one, and is deleted with the last.
+template <class... Interfaces>
+class ComObject : public Unknown<Interfaces...> {
+ public:
   STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
   STDMETHODIMP_(ULONG) Release() override {
     const ULONG left = --references_;
@@ -39,10 +66,7 @@ class ComObject : public Interfaces... {
   }
 
  protected:
-  virtual ~ComObject() = default;
-
-  /// The interface of that identifier, cast to it, without a further reference; null if the object lacks it.
-  virtual void* find(REFIID iid) = 0;
+  ~ComObject() override = default;
 
  private:
   std::atomic<ULONG> references_{1};

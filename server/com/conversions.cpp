@@ -4,7 +4,8 @@
 #include <limits>
 #include <vector>
 
-#include "base/files/whole.h"
+#include "base/files/paths.h"
+#include "base/os/owned.h"
 #include "base/text/code_page.h"
 #include "base/text/wtf8.h"
 #include "server/com/dispatch/object_values.h"
@@ -48,30 +49,19 @@ struct Reading {
 
 Value valueAt(const VARIANT& variant, Reading& how, int depth);
 
+void unlockArray(SAFEARRAY* array) {
+  SafeArrayUnaccessData(array);
+}
 /// An array being read: its data stays locked for as long as this lives.
-class ArrayAccess {
- public:
-  explicit ArrayAccess(SAFEARRAY* array) : array_(array) {
-    if (array_ == nullptr || FAILED(SafeArrayAccessData(array_, &data_))) {
-      array_ = nullptr;
-    }
-  }
-  ArrayAccess(const ArrayAccess&) = delete;
-  ArrayAccess& operator=(const ArrayAccess&) = delete;
-  ArrayAccess(ArrayAccess&&) = delete;
-  ArrayAccess& operator=(ArrayAccess&&) = delete;
-  ~ArrayAccess() {
-    if (array_ != nullptr) {
-      SafeArrayUnaccessData(array_);
-    }
-  }
-  explicit operator bool() const { return array_ != nullptr; }
-  [[nodiscard]] const void* data() const { return data_; }
+using ArrayLock = Owned<SAFEARRAY*, unlockArray>;
 
- private:
-  SAFEARRAY* array_;
-  void* data_ = nullptr;
-};
+/// `data` is the first element. Holds none if the array cannot be read.
+ArrayLock lockArray(SAFEARRAY* array, const std::uint8_t*& data) {
+  void* first = nullptr;
+  const bool locked = array != nullptr && SUCCEEDED(SafeArrayAccessData(array, &first));
+  data = static_cast<const std::uint8_t*>(first);
+  return ArrayLock(locked ? array : nullptr);
+}
 
 /// The element at `bytes` as a value; `type` is that of the array.
 Value elementValue(const std::uint8_t* bytes, VARTYPE type, Reading& how, int depth) {
@@ -111,11 +101,11 @@ Value arrayValue(SAFEARRAY* array, VARTYPE type, Reading& how, int depth) {
   if (array == nullptr) {
     return Value::List{};
   }
-  const ArrayAccess access(array);
-  if (!access) {
+  const std::uint8_t* data = nullptr;
+  const ArrayLock lock = lockArray(array, data);
+  if (!lock) {
     return Opaque{};
   }
-  const auto* data = static_cast<const std::uint8_t*>(access.data());
   if (array->cDims == 1 && type == VT_R8) {
     const auto* numbers = reinterpret_cast<const double*>(data);
     return Value::Doubles(numbers, numbers + array->rgsabound[0].cElements);
@@ -300,12 +290,13 @@ Value::List list(SAFEARRAY* const* array, TextForm form) {
   }
   VARTYPE type = VT_VARIANT;
   SafeArrayGetVartype(*array, &type);
-  const ArrayAccess access(*array);
-  if (!access) {
+  const std::uint8_t* data = nullptr;
+  const ArrayLock lock = lockArray(*array, data);
+  if (!lock) {
     return {};
   }
   Reading how{form, mostObjects};
-  return dimensionValues(**array, static_cast<const std::uint8_t*>(access.data()), type, 0, 0, 1, how, 0);
+  return dimensionValues(**array, data, type, 0, 0, 1, how, 0);
 }
 
 BSTR newText(std::string_view text, TextForm form) {

@@ -2,7 +2,6 @@
 #define VELTRANO_SERVER_COM_ENUMERATOR_H
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 #include <vector>
 
@@ -15,7 +14,7 @@ namespace veltrano::server {
 template <class Interface, class Element, class Held>
 class Enumerator final : public ComObject<Interface> {
  public:
-  Enumerator(REFIID iid, std::vector<Held> elements) : iid_(iid), elements_(std::move(elements)) {}
+  explicit Enumerator(std::vector<Held> elements) : elements_(std::move(elements)) {}
 
   STDMETHODIMP Next(ULONG count, Element* elements, ULONG* fetched) override {
     if (elements == nullptr || (fetched == nullptr && count != 1)) {
@@ -40,27 +39,14 @@ class Enumerator final : public ComObject<Interface> {
     return S_OK;
   }
   STDMETHODIMP Clone(Interface** result) override {
-    if (result == nullptr) {
-      return E_POINTER;
-    }
-    *result = nullptr;
-    try {
-      auto* copy = new Enumerator(iid_, elements_);
+    return handOver(result, [this] {
+      auto* copy = new Enumerator(elements_);
       copy->position_ = position_;
-      *result = copy;
-      return S_OK;
-    } catch (const std::exception&) {
-      return E_OUTOFMEMORY;
-    }
-  }
-
- protected:
-  void* find(REFIID iid) override {
-    return iid == IID_IUnknown || iid == iid_ ? static_cast<Interface*>(this) : nullptr;
+      return copy;
+    });
   }
 
  private:
-  const IID& iid_;
   std::vector<Held> elements_;
   std::size_t position_ = 0;
 };

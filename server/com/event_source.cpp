@@ -49,42 +49,18 @@ STDMETHODIMP EventSource::Container::QueryInterface(REFIID iid, void** object) {
 }
 
 STDMETHODIMP EventSource::Container::EnumConnectionPoints(IEnumConnectionPoints** result) {
-  if (result == nullptr) {
-    return E_POINTER;
-  }
-  *result = nullptr;
-  try {
-    *result = new Enumerator<IEnumConnectionPoints, IConnectionPoint*, HeldPoint>(
-        IID_IEnumConnectionPoints, {HeldPoint{ComPointer<IConnectionPoint>(&source_.point_)}});
-    return S_OK;
-  } catch (const std::exception&) {
-    return E_OUTOFMEMORY;
-  }
+  return handOver(result, [this] {
+    return new Enumerator<IEnumConnectionPoints, IConnectionPoint*, HeldPoint>(
+        {HeldPoint{ComPointer<IConnectionPoint>(&source_.point_)}});
+  });
 }
 
 STDMETHODIMP EventSource::Container::FindConnectionPoint(REFIID iid, IConnectionPoint** result) {
-  if (result == nullptr) {
-    return E_POINTER;
-  }
-  *result = nullptr;
-  if (iid != source_.eventInterface_) {
+  if (result != nullptr && iid != source_.eventInterface_) {
+    *result = nullptr;
     return CONNECT_E_NOCONNECTION;
   }
-  *result = ComPointer<IConnectionPoint>(&source_.point_).detach();
-  return S_OK;
-}
-
-STDMETHODIMP EventSource::Point::QueryInterface(REFIID iid, void** object) {
-  if (object == nullptr) {
-    return E_POINTER;
-  }
-  *object = nullptr;
-  if (iid != IID_IUnknown && iid != IID_IConnectionPoint) {
-    return E_NOINTERFACE;
-  }
-  *object = static_cast<IConnectionPoint*>(this);
-  AddRef();
-  return S_OK;
+  return handOver(result, [this] { return ComPointer<IConnectionPoint>(&source_.point_).detach(); });
 }
 
 STDMETHODIMP EventSource::Point::GetConnectionInterface(IID* iid) {
@@ -96,11 +72,8 @@ STDMETHODIMP EventSource::Point::GetConnectionInterface(IID* iid) {
 }
 
 STDMETHODIMP EventSource::Point::GetConnectionPointContainer(IConnectionPointContainer** result) {
-  if (result == nullptr) {
-    return E_POINTER;
-  }
-  *result = ComPointer<IConnectionPointContainer>(&source_.container_).detach();
-  return S_OK;
+  return handOver(result,
+                  [this] { return ComPointer<IConnectionPointContainer>(&source_.container_).detach(); });
 }
 
 STDMETHODIMP EventSource::Point::Advise(IUnknown* sink, DWORD* cookie) {
@@ -138,16 +111,8 @@ STDMETHODIMP EventSource::Point::Unadvise(DWORD cookie) {
 }
 
 STDMETHODIMP EventSource::Point::EnumConnections(IEnumConnections** result) {
-  if (result == nullptr) {
-    return E_POINTER;
-  }
-  *result = nullptr;
-  try {
-    *result = new Enumerator<IEnumConnections, CONNECTDATA, Sink>(IID_IEnumConnections, source_.sinks_);
-    return S_OK;
-  } catch (const std::exception&) {
-    return E_OUTOFMEMORY;
-  }
+  return handOver(result,
+                  [this] { return new Enumerator<IEnumConnections, CONNECTDATA, Sink>(source_.sinks_); });
 }
 
 }  // namespace veltrano::server

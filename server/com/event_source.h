@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "server/com/automation.h"
+#include "server/com/com_object.h"
 
 namespace veltrano::server {
 
@@ -29,7 +29,7 @@ class EventSource {
 
   /// A part of the owner: its references are the owner's.
   template <class Interface>
-  class Part : public Interface {
+  class Part : public Unknown<Interface> {
    public:
     explicit Part(EventSource& source) : source_(source) {}
     Part(const Part&) = delete;
@@ -38,7 +38,6 @@ class EventSource {
     STDMETHODIMP_(ULONG) Release() override { return source_.owner_.Release(); }
 
    protected:
-    virtual ~Part() = default;
     EventSource& source_;
   };
 
@@ -55,7 +54,6 @@ class EventSource {
   class Point final : public Part<IConnectionPoint> {
    public:
     using Part::Part;
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
     STDMETHODIMP GetConnectionInterface(IID* iid) override;
     STDMETHODIMP GetConnectionPointContainer(IConnectionPointContainer** result) override;
     STDMETHODIMP Advise(IUnknown* sink, DWORD* cookie) override;

@@ -20,7 +20,7 @@ void unlockModule();
 /// registered goes when the host lets it go.
 void pinModule();
 
-/// Full path of the DLL (of the program, where the server is linked into one), of any length.
+/// Full path of the DLL (of the program, where the server is linked into one).
 std::wstring modulePath();
 
 /// The type library that is embedded in the DLL.

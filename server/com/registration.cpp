@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/os/owned.h"
 #include "server/classes/class_table.h"
 #include "server/com/module.h"
 
@@ -29,28 +30,16 @@ struct Root {
   std::wstring classes = L"Software\\Classes\\";
 };
 
-class Key {
- public:
-  Key(HKEY parent, const std::wstring& path, REGSAM access) {
-    if (RegOpenKeyExW(parent, path.c_str(), 0, access, &key_) != ERROR_SUCCESS) {
-      key_ = nullptr;
-    }
-  }
-  Key(const Key&) = delete;
-  Key& operator=(const Key&) = delete;
-  Key(Key&&) = delete;
-  Key& operator=(Key&&) = delete;
-  ~Key() {
-    if (key_ != nullptr) {
-      RegCloseKey(key_);
-    }
-  }
-  [[nodiscard]] HKEY get() const { return key_; }
-  explicit operator bool() const { return key_ != nullptr; }
+void closeKey(HKEY key) {
+  RegCloseKey(key);
+}
+using Key = Owned<HKEY, closeKey>;
 
- private:
-  HKEY key_ = nullptr;
-};
+/// Holds none if there is no such key, or the user may not have it.
+Key openKey(HKEY parent, const std::wstring& path, REGSAM access) {
+  HKEY key = nullptr;
+  return Key(RegOpenKeyExW(parent, path.c_str(), 0, access, &key) == ERROR_SUCCESS ? key : nullptr);
+}
 
 std::wstring guidText(REFGUID guid) {
   std::array<wchar_t, 40> text{};
@@ -125,17 +114,16 @@ std::vector<Entry> registryEntries() {
 }
 
 LSTATUS writeEntry(const Root& root, const Entry& entry) {
-  HKEY key = nullptr;
-  LSTATUS status = RegCreateKeyExW(root.hive, (root.classes + entry.key).c_str(), 0, nullptr, 0,
-                                   KEY_SET_VALUE | ownView, nullptr, &key, nullptr);
+  HKEY created = nullptr;
+  const LSTATUS status = RegCreateKeyExW(root.hive, (root.classes + entry.key).c_str(), 0, nullptr, 0,
+                                         KEY_SET_VALUE | ownView, nullptr, &created, nullptr);
   if (status != ERROR_SUCCESS) {
     return status;
   }
+  const Key key(created);
   const std::size_t size = (entry.data.size() + 1) * sizeof(wchar_t);
-  status = RegSetValueExW(key, entry.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(entry.data.c_str()),
-                          static_cast<DWORD>(size));
-  RegCloseKey(key);
-  return status;
+  return RegSetValueExW(key.get(), entry.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(entry.data.c_str()),
+                        static_cast<DWORD>(size));
 }
 
 LSTATUS writeEntries(const Root& root) {
@@ -152,9 +140,10 @@ LSTATUS writeEntries(const Root& root) {
 LSTATUS deleteTree(const Root& root, const std::wstring& key, REGSAM view = ownView) {
   const std::wstring parent = root.classes + parentFolder(key);
   const std::wstring name = key.substr(key.find_last_of(L'\\') + 1);
-  const Key opened(root.hive, key == name ? root.classes.substr(0, root.classes.size() - 1) : parent,
-                   DELETE | KEY_ENUMERATE_SUB_KEYS | KEY_QUERY_VALUE | KEY_SET_VALUE | view);
-  if (!opened || !Key(opened.get(), name, KEY_QUERY_VALUE | view)) {
+  const Key opened =
+      openKey(root.hive, key == name ? root.classes.substr(0, root.classes.size() - 1) : parent,
+              DELETE | KEY_ENUMERATE_SUB_KEYS | KEY_QUERY_VALUE | KEY_SET_VALUE | view);
+  if (!opened || !openKey(opened.get(), name, KEY_QUERY_VALUE | view)) {
     return ERROR_SUCCESS;
   }
   return RegDeleteTreeW(opened.get(), name.c_str());
@@ -164,7 +153,7 @@ LSTATUS deleteTree(const Root& root, const std::wstring& key, REGSAM view = ownV
 void deleteIfEmpty(const Root& root, const std::wstring& key, REGSAM view = ownView) {
   DWORD keys = 1;
   {
-    const Key opened(root.hive, root.classes + key, KEY_QUERY_VALUE | view);
+    const Key opened = openKey(root.hive, root.classes + key, KEY_QUERY_VALUE | view);
     if (!opened || RegQueryInfoKeyW(opened.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, nullptr,
                                     nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
       return;
@@ -177,7 +166,7 @@ void deleteIfEmpty(const Root& root, const std::wstring& key, REGSAM view = ownV
 
 bool otherBitnessIsRegistered(const Root& root) {
   const std::wstring key = L"CLSID\\" + guidText(*classTable().front().clsid) + L"\\InprocServer32";
-  return static_cast<bool>(Key(root.hive, root.classes + key, KEY_QUERY_VALUE | otherView));
+  return static_cast<bool>(openKey(root.hive, root.classes + key, KEY_QUERY_VALUE | otherView));
 }
 
 /// What both bitnesses use: program ids, interfaces (in each view) and the rest of the library's key.

@@ -15,9 +15,9 @@
 #include <thread>
 
 #include "base/text/code_page.h"
-#include "database/field_conversion.h"
 #include "database/shared_engine.h"
-#include "database/user_locale_windows.h"
+#include "database/values/field_conversion.h"
+#include "database/values/user_locale_windows.h"
 #include "veltrano/mdb.h"
 
 // COM interfaces have no virtual destructor; their objects release themselves.

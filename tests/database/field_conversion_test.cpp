@@ -1,4 +1,4 @@
-#include "database/field_conversion.h"
+#include "database/values/field_conversion.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +7,9 @@
 #include "base/text/code_page.h"
 #include "base/text/lower_case.h"
 #include "base/text/wtf8.h"
-#include "database/date_from_text.h"
-#include "database/number_from_text.h"
-#include "database/text_matcher.h"
+#include "database/values/date_from_text.h"
+#include "database/values/number_from_text.h"
+#include "database/values/text_matcher.h"
 
 namespace veltrano {
 namespace {

@@ -34,7 +34,7 @@ HBITMAP makeBitmap(int bits, bool topDown, bool device) {
 }
 
 TEST(BitmapPicture, IsReadAtEveryDepth) {
-  const test::Folder folder;
+  const tests::TemporaryFolder folder;
   const Image image = twoColours();
   for (const auto& [bits, topDown, device] : {std::tuple{1, false, false},
                                               {4, false, false},
@@ -57,26 +57,26 @@ TEST(BitmapPicture, IsReadAtEveryDepth) {
     SelectObject(dc, previous);
     DeleteDC(dc);
     const Picture picture = Picture::ofBitmap(reinterpret_cast<GraphicsHandle>(bitmap));
-    EXPECT_TRUE(VeltranoPNG().SavePNG(picture, folder.file("a.png")));
-    EXPECT_TRUE(test::readPng(folder.file("a.png")) == image) << bits << topDown << device;
+    EXPECT_TRUE(VeltranoPNG().SavePNG(picture, folder / "a.png"));
+    EXPECT_TRUE(test::readPng(folder / "a.png") == image) << bits << topDown << device;
     DeleteObject(bitmap);
-    EXPECT_FALSE(VeltranoPNG().SavePNG(picture, folder.file("b.png"))) << "deleted";
+    EXPECT_FALSE(VeltranoPNG().SavePNG(picture, folder / "b.png")) << "deleted";
   }
 }
 
 /// Saves with every member; the number of files afterwards.
-int filesSaved(const test::Folder& folder, GraphicsHandle handle) {
+int filesSaved(const tests::TemporaryFolder& folder, GraphicsHandle handle) {
   const Picture picture = Picture::ofBitmap(handle);
-  const bool saved = VeltranoPNG().SavePNG(picture, folder.file("a.png"));
-  VeltranoJPG().SaveJPEG(picture, folder.file("a.jpg"));
-  VeltranoJPG().SaveJPEG(picture, folder.file("b.jpg"), 50, 20, 20);
-  EXPECT_EQ(saved, folder.files() > 0);
+  const bool saved = VeltranoPNG().SavePNG(picture, folder / "a.png");
+  VeltranoJPG().SaveJPEG(picture, folder / "a.jpg");
+  VeltranoJPG().SaveJPEG(picture, folder / "b.jpg", 50, 20, 20);
+  EXPECT_EQ(saved, test::filesIn(folder) > 0);
   EXPECT_EQ(VeltranoJPG().SaveJPEGToMemory(picture).size(), saved ? 15U : 1U);
-  return folder.files();
+  return test::filesIn(folder);
 }
 
 TEST(BitmapPicture, SavesNothingThatCannotBeCopied) {
-  const test::Folder folder;
+  const tests::TemporaryFolder folder;
   HBITMAP bitmap = makeBitmap(24, false, false);
   HDC dc = CreateCompatibleDC(nullptr);
   HGDIOBJ previous = SelectObject(dc, bitmap);
@@ -108,13 +108,13 @@ TEST(BitmapPicture, LosesNoHandles) {
 }
 
 TEST(BitmapPicture, GoesWhereADriveRelativeNameLeads) {
-  const test::Folder folder;
+  const tests::TemporaryFolder folder;
   const std::filesystem::path previous = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
   const std::string drive = folder.path().root_name().string();
   EXPECT_TRUE(VeltranoPNG().SavePNG(test::picture(twoColours()), drive + "a.png"));
   VeltranoJPG().SaveJPEG(test::picture(twoColours()), drive + "a.jpg");
-  EXPECT_TRUE(std::filesystem::exists(folder.file("a.png")) && std::filesystem::exists(folder.file("a.jpg")));
+  EXPECT_TRUE(std::filesystem::exists(folder / "a.png") && std::filesystem::exists(folder / "a.jpg"));
   std::filesystem::current_path(previous);
 }
 

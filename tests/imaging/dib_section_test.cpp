@@ -5,7 +5,7 @@
 #include <climits>
 
 #include "images.h"
-#include "imaging/pixel_surface.h"
+#include "imaging/bitmap/pixel_surface.h"
 
 namespace veltrano {
 namespace {

@@ -50,14 +50,9 @@ Image readJpeg(const std::string& bytes);
 /// libjpeg's own encoding of flat four-channel samples.
 std::string flatInksJpeg(const std::uint8_t (&inks)[4], bool adobe, bool ycck);
 
-/// A folder of the test's own.
-class Folder : public tests::TemporaryFolder {
- public:
-  [[nodiscard]] std::filesystem::path file(const char* name) const { return path() / name; }
-  [[nodiscard]] int files() const {
-    return static_cast<int>(std::distance(std::filesystem::directory_iterator(path()), {}));
-  }
-};
+inline int filesIn(const tests::TemporaryFolder& folder) {
+  return static_cast<int>(std::distance(std::filesystem::directory_iterator(folder.path()), {}));
+}
 
 }  // namespace veltrano::test
 

@@ -1,4 +1,4 @@
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -171,18 +171,18 @@ TEST(JpegModule, RefusesDamage) {
 }
 
 TEST(JpegModule, WritesWholeFilesOrNone) {
-  const test::Folder folder;
+  const tests::TemporaryFolder folder;
   const Image image = scenery(1200, 900);  // more than one chunk of output
   const cDIBSection dib = section(image);
-  ASSERT_TRUE(saveDibToJpegFile(dib, folder.file("a b.jpg"), 100));
-  EXPECT_EQ(readWholeFile(folder.file("a b.jpg")), encode(dib, 100));
+  ASSERT_TRUE(saveDibToJpegFile(dib, folder / "a b.jpg", 100));
+  EXPECT_EQ(readWholeFile(folder / "a b.jpg"), encode(dib, 100));
   cDIBSection back;
-  EXPECT_TRUE(loadJpegFileToDib(back, folder.file("a b.jpg")));
+  EXPECT_TRUE(loadJpegFileToDib(back, folder / "a b.jpg"));
   EXPECT_GT(psnr(contents(back), image), 35.0);
-  EXPECT_FALSE(saveDibToJpegFile(dib, folder.file("missing") / "a.jpg", 50));
-  EXPECT_FALSE(saveDibToJpegFile(cDIBSection(), folder.file("empty.jpg"), 50));
-  EXPECT_FALSE(loadJpegFileToDib(back, folder.file("missing.jpg")));
-  EXPECT_EQ(folder.files(), 1);
+  EXPECT_FALSE(saveDibToJpegFile(dib, folder / "missing" / "a.jpg", 50));
+  EXPECT_FALSE(saveDibToJpegFile(cDIBSection(), folder / "empty.jpg", 50));
+  EXPECT_FALSE(loadJpegFileToDib(back, folder / "missing.jpg"));
+  EXPECT_EQ(test::filesIn(folder), 1);
 }
 
 }  // namespace

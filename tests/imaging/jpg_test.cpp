@@ -4,7 +4,7 @@
 
 #include "base/files/whole.h"
 #include "images.h"
-#include "imaging/intel_jpeg_library.h"
+#include "imaging/jpeg/intel_jpeg_library.h"
 
 namespace veltrano {
 namespace {
@@ -25,12 +25,12 @@ class VeltranoJpg : public testing::Test {
   const std::string jpeg_ = mIntelJPEGLibrary::saveDibToJpegString(section(scenery(80, 60)), 60);
   const std::uintptr_t address_ = reinterpret_cast<std::uintptr_t>(jpeg_.data());
   const std::int32_t size_ = static_cast<std::int32_t>(jpeg_.size());
-  test::Folder folder_;
+  tests::TemporaryFolder folder_;
   VeltranoJPG jpg_;
 };
 
 TEST_F(VeltranoJpg, ResizesFilesWhenBothSizesAreGiven) {
-  ASSERT_TRUE(replaceFile(folder_.file("in.jpg"), jpeg_));
+  ASSERT_TRUE(replaceFile(folder_ / "in.jpg", jpeg_));
   for (const auto& [width, height, size] : {std::tuple{0, 0, "80x60"},
                                             {320, 0, "80x60"},
                                             {0, 240, "80x60"},
@@ -38,19 +38,19 @@ TEST_F(VeltranoJpg, ResizesFilesWhenBothSizesAreGiven) {
                                             {160, 10, "160x10"}}) {
     // Names of their own, so that no row reads the file of the row before it.
     const std::string name = std::to_string(width) + "x" + std::to_string(height);
-    const auto saved = folder_.path() / (name + ".jpg");
-    const auto resampled = folder_.path() / (name + " resampled.jpg");
+    const auto saved = folder_ / (name + ".jpg");
+    const auto resampled = folder_ / (name + " resampled.jpg");
     jpg_.SaveJPEG(picture(scenery(80, 60)), saved, 50, width, height);
-    jpg_.SaveJPEGResampled(folder_.file("in.jpg"), resampled, 50, width, height);
+    jpg_.SaveJPEGResampled(folder_ / "in.jpg", resampled, 50, width, height);
     EXPECT_EQ(sizeOf(readWholeFile(saved).value_or("")), size) << name;
     EXPECT_EQ(sizeOf(readWholeFile(resampled).value_or("")), size) << name;
   }
 }
 
 TEST_F(VeltranoJpg, MakesBytesWithinTheBudget) {
-  ASSERT_TRUE(replaceFile(folder_.file("in.jpg"), jpeg_));
+  ASSERT_TRUE(replaceFile(folder_ / "in.jpg", jpeg_));
   EXPECT_EQ(sizeOf(jpg_.SaveJPEGToMemory(picture(scenery(80, 60)), 60, 40, 30)), "80x60") << "never resized";
-  EXPECT_EQ(sizeOf(jpg_.SaveJPEGToMemoryResampled(folder_.file("in.jpg"), 30, 120, 90)), "120x90");
+  EXPECT_EQ(sizeOf(jpg_.SaveJPEGToMemoryResampled(folder_ / "in.jpg", 30, 120, 90)), "120x90");
   EXPECT_EQ(jpg_.JPEGWidth, 0) << "not from files";
   EXPECT_EQ(sizeOf(jpg_.SaveJPEGFromRAMToMemoryResampled(jpeg_, 30, 120, 90)), "120x90");
   EXPECT_EQ(jpg_.JPEGWidth, 80) << "the size decoded, not the size asked for";
@@ -60,18 +60,18 @@ TEST_F(VeltranoJpg, MakesBytesWithinTheBudget) {
 }
 
 TEST_F(VeltranoJpg, SavesNothingFromNothing) {
-  ASSERT_TRUE(replaceFile(folder_.file("kept.jpg"), "kept"));
-  jpg_.SaveJPEG(Picture(), folder_.file("kept.jpg"));
-  jpg_.SaveJPEG(Picture(), folder_.file("kept.jpg"), 50, 10, 10);
-  jpg_.SaveJPEG(picture(scenery(8, 8)), folder_.file("kept.jpg"), 50, -10, 10);
-  jpg_.SaveJPEGResampled(folder_.file("missing.jpg"), folder_.file("kept.jpg"), 50, 20, 20);
-  jpg_.SaveJPEGResampled(folder_.file("kept.jpg"), folder_.file("new.jpg"));  // not a JPEG
-  EXPECT_EQ(readWholeFile(folder_.file("kept.jpg")), "kept");
-  EXPECT_EQ(folder_.files(), 1);
+  ASSERT_TRUE(replaceFile(folder_ / "kept.jpg", "kept"));
+  jpg_.SaveJPEG(Picture(), folder_ / "kept.jpg");
+  jpg_.SaveJPEG(Picture(), folder_ / "kept.jpg", 50, 10, 10);
+  jpg_.SaveJPEG(picture(scenery(8, 8)), folder_ / "kept.jpg", 50, -10, 10);
+  jpg_.SaveJPEGResampled(folder_ / "missing.jpg", folder_ / "kept.jpg", 50, 20, 20);
+  jpg_.SaveJPEGResampled(folder_ / "kept.jpg", folder_ / "new.jpg");  // not a JPEG
+  EXPECT_EQ(readWholeFile(folder_ / "kept.jpg"), "kept");
+  EXPECT_EQ(test::filesIn(folder_), 1);
   EXPECT_EQ(jpg_.SaveJPEGToMemory(Picture()).size(), 1U);
   EXPECT_EQ(jpg_.SaveJPEGFromRAMToMemoryResampled(jpeg_.substr(0, jpeg_.size() - 100)).size(), 1U)
       << "a part of a picture";
-  EXPECT_EQ(jpg_.SaveJPEGToMemoryResampled(folder_.file("missing.jpg")).size(), 1U);
+  EXPECT_EQ(jpg_.SaveJPEGToMemoryResampled(folder_ / "missing.jpg").size(), 1U);
   EXPECT_EQ(jpg_.LoadJPEGFromRAMToPicture(address_, size_, 1, 1).bits(), nullptr);
 }
 

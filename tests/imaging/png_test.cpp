@@ -9,22 +9,22 @@ namespace veltrano {
 namespace {
 
 TEST(VeltranoPng, KeepsEveryPixelWhereItIs) {
-  const test::Folder folder;
+  const tests::TemporaryFolder folder;
   VeltranoPNG png;
   png.Init("any text");
   EXPECT_EQ(png.initString(), "any text");
   // Widths with every row padding; 700 by 500 of noise is more than one chunk of output.
   for (const auto& [width, height] : {std::pair{1, 1}, {2, 3}, {3, 2}, {4, 4}, {5, 7}, {700, 500}}) {
     const test::Image image = test::noise(width, height);
-    ASSERT_TRUE(png.SavePNG(picture(image), folder.file("a.png"))) << width;
-    EXPECT_TRUE(test::readPng(folder.file("a.png")) == image) << width;
+    ASSERT_TRUE(png.SavePNG(picture(image), folder / "a.png")) << width;
+    EXPECT_TRUE(test::readPng(folder / "a.png") == image) << width;
   }
 }
 
 TEST(VeltranoPng, WritesTheDocumentedHeader) {
-  const test::Folder folder;
-  ASSERT_TRUE(VeltranoPNG().SavePNG(picture(test::scenery(258, 3)), folder.file("a.png")));
-  const std::string bytes = readWholeFile(folder.file("a.png")).value();
+  const tests::TemporaryFolder folder;
+  ASSERT_TRUE(VeltranoPNG().SavePNG(picture(test::scenery(258, 3)), folder / "a.png"));
+  const std::string bytes = readWholeFile(folder / "a.png").value();
   using namespace std::string_literals;
   // Signature; IHDR of 13 bytes: 258 by 3, 8 bits, RGB, deflate, default filters, not interlaced.
   EXPECT_EQ(bytes.substr(0, 29), "\x89PNG\r\n\x1A\n\0\0\0\x0DIHDR\0\0\x01\x02\0\0\0\x03\x08\x02\0\0\0"s);
@@ -32,16 +32,16 @@ TEST(VeltranoPng, WritesTheDocumentedHeader) {
 }
 
 TEST(VeltranoPng, LeavesNoHalfFile) {
-  const test::Folder folder;
+  const tests::TemporaryFolder folder;
   VeltranoPNG png;
   const Picture good = picture(test::noise(300, 200));
-  EXPECT_FALSE(png.SavePNG(good, folder.file("missing") / "a.png"));
+  EXPECT_FALSE(png.SavePNG(good, folder / "missing" / "a.png"));
   EXPECT_FALSE(png.SavePNG(good, std::filesystem::path()));
-  ASSERT_TRUE(replaceFile(folder.file("kept.png"), "kept"));
-  EXPECT_FALSE(png.SavePNG(Picture(), folder.file("kept.png")));
-  EXPECT_FALSE(png.SavePNG(Picture::ofBitmap(12), folder.file("new.png"))) << "no such bitmap";
-  EXPECT_EQ(readWholeFile(folder.file("kept.png")), "kept");
-  EXPECT_EQ(folder.files(), 1);
+  ASSERT_TRUE(replaceFile(folder / "kept.png", "kept"));
+  EXPECT_FALSE(png.SavePNG(Picture(), folder / "kept.png"));
+  EXPECT_FALSE(png.SavePNG(Picture::ofBitmap(12), folder / "new.png")) << "no such bitmap";
+  EXPECT_EQ(readWholeFile(folder / "kept.png"), "kept");
+  EXPECT_EQ(test::filesIn(folder), 1);
 }
 
 }  // namespace

@@ -39,17 +39,6 @@ class Kml : public testing::Test {
  protected:
   void create() { kml.CreateKML(file, {}); }
 
-  void expectGolden(const char* name) {
-    kml.CloseKML();
-    const auto golden = readWholeFile(fs::path(VELTRANO_KML_GOLDENS) / name);
-    ASSERT_TRUE(golden);
-    const std::string text = settled(contentOf(file));
-    const auto difference = std::mismatch(text.begin(), text.end(), golden->begin(), golden->end());
-    const auto offset = static_cast<std::size_t>(difference.first - text.begin());
-    EXPECT_EQ(text, *golden) << name << ", first difference at " << offset << ": "
-                             << text.substr(offset < 20 ? 0 : offset - 20, 60);
-  }
-
   // What stands between the document's head and its end.
   std::string body() {
     kml.CloseKML();
@@ -64,42 +53,49 @@ class Kml : public testing::Test {
   VeltranoKML kml;
 };
 
-TEST_F(Kml, Document) {
-  kml.CreateKML(file, "not used", "<Style id=\"sn_camera\"/>", yes);
-  expectGolden("document.kml");
-}
-
-TEST_F(Kml, PlaceMarksAndTheirPath) {
-  create();
-  kml.CreatePlaceMark(48.8566, 2.3522, -0.0, "Plain", "");
-  kml.CreatePlaceMark(51.5, -0.00001, 1e15, "Caf\xE9 & <b>", "d", "2015-03-01T10:20:30", "<ExtendedData/>");
-  kml.CreatePathPoint(8, 7, 9);
-  kml.CreatePathFromPlaceMarks(-3, "ff0000ff");
-  expectGolden("place_marks.kml");
-}
-
-TEST_F(Kml, PathsFromStrings) {
-  create();
-  kml.CreatePathFromString(4, "7f00ff00", kml.CreatePathString(1, 2, 3) + kml.CreatePathString(4, 5, 6),
-                           "flat", 1);
-  kml.CreatePathFromString(4, "7f00ff00", "2,1,3", "high", yes);
-  kml.CreatePathFromString(4, "7f00ff00", "\n", "too short");
-  kml.CreatePathFromPlaceMarks(4, "7f00ff00");
-  expectGolden("paths.kml");
-}
-
-TEST_F(Kml, Overlays) {
-  create();
-  kml.CreateCameraOverlay("a.jpg", 48.5, 2.25, 99, "cam");
-  kml.CreateGroundOverlay("b.jpg", 48.8566, 2.3522, 99, "ground", "unused", "unused", "unused");
-  expectGolden("overlays.kml");
-}
-
-TEST_F(Kml, StreetView) {
-  create();
-  kml.CreateStreetView("c.jpg", 48.5, 2.25, 77, "street",
-                       "<a href=\"%streetview_id\">%streetview_id</a> %STREETVIEW_ID", "sphere", "270");
-  expectGolden("street_view.kml");
+TEST_F(Kml, FilesAreAsTheyWereWorkedOut) {
+  const std::pair<const char*, std::function<void()>> rows[] = {
+      {"document.kml", [&] { kml.CreateKML(file, "not used", "<Style id=\"sn_camera\"/>", yes); }},
+      {"place_marks.kml",
+       [&] {
+         create();
+         kml.CreatePlaceMark(48.8566, 2.3522, -0.0, "Plain", "");
+         kml.CreatePlaceMark(51.5, -0.00001, 1e15, "Caf\xE9 & <b>", "d", "2015-03-01T10:20:30",
+                             "<ExtendedData/>");
+         kml.CreatePathPoint(8, 7, 9);
+         kml.CreatePathFromPlaceMarks(-3, "ff0000ff");
+         kml.ClearPath();
+       }},
+      {"paths.kml",
+       [&] {
+         create();
+         const std::string points = kml.CreatePathString(1, 2, 3) + kml.CreatePathString(4, 5, 6);
+         kml.CreatePathFromString(4, "7f00ff00", points, "flat", 1);
+         kml.CreatePathFromString(4, "7f00ff00", "2,1,3", "high", yes);
+         kml.CreatePathFromString(4, "7f00ff00", "\n", "too short");
+         kml.CreatePathFromPlaceMarks(4, "7f00ff00");
+       }},
+      {"overlays.kml",
+       [&] {
+         create();
+         kml.CreateCameraOverlay("a.jpg", 48.5, 2.25, 99, "cam");
+         kml.CreateGroundOverlay("b.jpg", 48.8566, 2.3522, 99, "ground", "unused", "unused", "unused");
+       }},
+      {"street_view.kml",
+       [&] {
+         create();
+         kml.CreateStreetView("c.jpg", 48.5, 2.25, 77, "street",
+                              "<a href=\"%streetview_id\">%streetview_id</a> %STREETVIEW_ID", "sphere",
+                              "270");
+       }},
+  };
+  for (const auto& [name, write] : rows) {
+    write();
+    kml.CloseKML();
+    const auto golden = readWholeFile(fs::path(VELTRANO_KML_GOLDENS) / name);
+    ASSERT_TRUE(golden);
+    EXPECT_EQ(settled(contentOf(file)), *golden) << name;
+  }
 }
 
 TEST_F(Kml, PathBufferOutlivesFilesUntilItIsCleared) {
@@ -127,6 +123,12 @@ TEST_F(Kml, LinesWhoseNumberHasNoTextAreLeftOut) {
 }
 
 TEST_F(Kml, NothingIsWrittenWithoutAnOpenFile) {
+  for (const auto& name : {folder.path(), folder / "no such folder/x.kml", fs::path()}) {
+    kml.CreateKML(name, {});
+    kml.CreatePlaceMark(1, 2, 3, "lost", "");
+    kml.CloseKML();
+  }
+  EXPECT_TRUE(fs::is_empty(folder.path()));
   kml.CreatePlaceMark(1, 2, 3, "before", "");
   create();
   EXPECT_EQ(body(), "");
@@ -174,15 +176,6 @@ TEST_F(Kml, TheLinesOfAMemberAreInTheFileWhenItReturns) {
     EXPECT_TRUE(after.size() > before.size() && after.starts_with(before) && after.ends_with(end)) << end;
     before = after;
   }
-}
-
-TEST_F(Kml, FilesThatCannotBeMadeAreNoError) {
-  for (const auto& name : {folder.path(), folder / "no such folder/x.kml", fs::path()}) {
-    kml.CreateKML(name, {});
-    kml.CreatePlaceMark(1, 2, 3, "lost", "");
-    kml.CloseKML();
-  }
-  EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
 TEST(KmlIdentifiers, CountHundredthsInSinglePrecision) {

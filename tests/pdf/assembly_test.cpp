@@ -23,11 +23,9 @@ TEST(Assembly, CatalogFollowsTheViewerSettings) {
   const std::string single = "/PageLayout /SinglePage\r\n";
   const std::pair<std::function<void(VeltranoPDF&)>, std::string> rows[] = {
       {[](VeltranoPDF&) {}, fit + single},
-      {zoom(ZOOM_FULLPAGE), fit + single},
       {zoom(ZOOM_FULLWIDTH), "/OpenAction [3 0 R /FitH null]\r\n" + single},
       {zoom(ZOOM_REAL), "/OpenAction [3 0 R /XYZ null null 1]\r\n" + single},
       {zoom(ZOOM_DEFAULT), "/OpenAction [3 0 R /XYZ null null 0.03]\r\n" + single},
-      {layout(LAYOUT_SINGLE), fit + single},
       {layout(LAYOUT_CONTINOUS), fit + "/PageLayout /OneColumn\r\n"},
       {layout(LAYOUT_DEFAULT), fit},
       {[](VeltranoPDF& pdf) { pdf.PDFSetViewerPreferences(123456); },

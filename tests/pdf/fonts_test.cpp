@@ -149,8 +149,8 @@ TEST(MetricsFolder, OtherFoldersAndMadeUpNames) {
 }
 
 TEST(Fonts, SelectionAndResource) {
-  // Resource numbers are the positions of the sorted files: Courier-Bold, -BoldOblique, -Oblique, Courier, the
-  // same of Helvetica, Symbol, Times-Bold, -BoldItalic, -Italic, -Roman, TimesItalic, TimesRoman,
+  // Resource numbers are the positions of the sorted files: Courier-Bold, -BoldOblique, -Oblique, Courier,
+  // the same of Helvetica, Symbol, Times-Bold, -BoldItalic, -Italic, -Roman, TimesItalic, TimesRoman,
   // ZapfDingbats.
   constexpr std::tuple<std::int32_t, std::int32_t, const char*, const char*> choices[] = {
       {FONT_ARIAL, 0, "Helvetica", "/F8 9"},      {FONT_ARIAL, 1, "Helvetica-Oblique", "/F7 9"},

@@ -68,6 +68,7 @@ TEST(Hostile, CallsInEveryOrder) {
   const Value values[] = {
       {},     Null(),  Opaque(),      5,       -70000, 1e300,           "#12x",
       "text", Date{1}, Value::List{}, "#F0F0", true,   Value::Bytes{1}, Value::List{1, "b", Value::List{1}}};
+  const std::string longText = std::string(2000, 'x') + " some\r\ntext";
   std::mt19937 random(20261121);
   const auto any = [&](std::size_t count) { return static_cast<int>(random() % count); };
   const auto n = [&] { return numbers[any(std::size(numbers))]; };
@@ -96,7 +97,8 @@ TEST(Hostile, CallsInEveryOrder) {
       },
       [&](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(n(), n(), n()); },
       [&](VeltranoPDF& pdf) { pdf.PDFTextOut("text", n(), n()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFCell("some text", n(), n(), n(), n(), value()); },
+      [&](VeltranoPDF& pdf) { pdf.PDFSetAlignement(any(4)); },
+      [&](VeltranoPDF& pdf) { pdf.PDFCell(longText, n(), n(), n(), n(), value()); },
       [&](VeltranoPDF& pdf) { pdf.PDFLink(n(), n(), "here", "there"); },
   };
   for (int round = 0; round < 40; ++round) {

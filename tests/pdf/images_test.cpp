@@ -62,14 +62,15 @@ TEST_F(Images, NamesAreTakenByTheirLastLetters) {
 TEST_F(Images, RefusedFilesPlaceNothing) {
   pdf.PDFBeginDoc();
   std::filesystem::create_directory(document.folder / "folder.jpg");
-  for (const auto& file : {document.folder / "folder.jpg", document.folder / "missing.jpg",
-                           photo("short.jpg", jpeg({frame(0xC0, 1, 1, 1)}, 249)),
-                           photo("trailing.jpg", picture + "\n"), photo("unit.jpg", jpeg({app0(3)}))}) {
+  for (const auto& file :
+       {document.folder / "folder.jpg", document.folder / "missing.jpg",
+        photo("short.jpg", jpeg({frame(0xC0, 1, 1, 1)}, 249)), photo("leading.jpg", "x" + picture),
+        photo("trailing.jpg", picture + "\n"), photo("unit.jpg", jpeg({app0(3)}))}) {
     pdf.PDFImage(file, 1, 1);
   }
   EXPECT_EQ(messages(),
             "JPEG format invalid|JPEG format invalid|JPEG format invalid|JPEG format invalid. Pass 2|"
-            "JPEG format invalid. Pass 3|");
+            "JPEG format invalid. Pass 2|JPEG format invalid. Pass 3|");
   EXPECT_FALSE(holds(document.finish(), "/ImgJPEG"));
 }
 
@@ -130,7 +131,7 @@ JpegScan scan(std::string_view file) {
 
 TEST(JpegScanTest, FrameHeaders) {
   for (int marker = 0xC0; marker <= 0xCF; ++marker) {
-    const auto header = scan(jpeg({app0(1), frame(marker, 640, 480, 3)})).header;
+    const auto header = scan(jpeg({app0(marker % 3), frame(marker, 640, 480, 3)}, 250)).header;
     ASSERT_TRUE(header) << marker;
     const bool known = marker <= 0xC7 && marker != 0xC4;
     EXPECT_EQ(header->width, known ? 640 : 0) << marker;
@@ -143,15 +144,6 @@ TEST(JpegScanTest, FrameHeaders) {
     EXPECT_EQ(header->colourSpace, colourSpace);
     EXPECT_EQ(header->bitsPerComponent, bits);
   }
-}
-
-TEST(JpegScanTest, SizeAndEnds) {
-  const std::string file = jpeg({frame(0xC0, 9, 9, 3)}, 250);
-  EXPECT_EQ(scan(file).header->densityUnit, "");
-  EXPECT_EQ(scan("").message, "JPEG format invalid");
-  EXPECT_EQ(scan("x" + file).message, "JPEG format invalid. Pass 2");
-  const char* const units[] = {"Dots", "Dots/inch (DPI)", "Dots/cm"};
-  for (int unit = 0; unit < 3; ++unit) EXPECT_EQ(scan(jpeg({app0(unit)})).header->densityUnit, units[unit]);
 }
 
 TEST(JpegScanTest, WalksWhereverTheLengthsLead) {

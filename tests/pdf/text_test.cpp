@@ -149,17 +149,6 @@ TEST(Cells, LaterFillsBeginBelowTheDescendersOfTheLineBefore) {
   EXPECT_EQ(countOf(filled(30, -10), "125.00"), 2U) << "letters on their heads hang lower";
 }
 
-TEST(Cells, AnyNumbersEnd) {
-  const std::string text(100000, 'x');
-  for (const double number : {0.0, -5.0, 1e-9, 1e300, infinity, -infinity, std::nan("")}) {
-    for (const std::int32_t alignment : {ALIGN_LEFT, ALIGN_CENTER, ALIGN_RIGHT, ALIGN_FJUSTIFY}) {
-      const auto narrow = cell(text + " " + text, alignment, number, number);
-      EXPECT_TRUE(narrow.ends_with("%FIN_CELL/%\r\n"));
-      EXPECT_LT(narrow.size(), 300000U) << number;
-    }
-  }
-}
-
 TEST(Text, PositionAfterATextIsInMixedUnits) {
   VeltranoPDF pdf;
   pdf.PDFSetUnit(UNIT_MM);

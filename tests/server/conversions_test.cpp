@@ -70,13 +70,6 @@ TEST(Conversions, AnswerListsThatScriptsCanTakeApart) {
   EXPECT_EQ(-1, upper);
 }
 
-TEST(Conversions, KeepLoneSurrogatesWhereAskedTo) {
-  const BSTR text = server::newText("\xED\xA0\xBDx", TextForm::wtf8);
-  EXPECT_EQ(L"\xD83Dx", std::wstring_view(text, SysStringLen(text)));
-  EXPECT_EQ("\xED\xA0\xBDx", server::wtf8(&text));
-  SysFreeString(text);
-}
-
 TEST(Conversions, CarryEveryByteAndEmbeddedZeros) {
   std::string bytes;
   for (int byte = 0; byte < 256; ++byte) {

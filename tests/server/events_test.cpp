@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "base/os/floating_point_windows.h"
 #include "fake_objects.h"
 
 namespace veltrano::tests {
@@ -93,19 +94,19 @@ TEST_F(Events, LetASinkCallTheObject) {
 }
 
 /// A window procedure of the host.
-Arithmetic inProcedure;
+FloatingPointSettings inProcedure;
 LRESULT CALLBACK noteArithmetic(HWND window, UINT message, WPARAM first, LPARAM second) {
   if (message == WM_USER) {
-    inProcedure = Arithmetic::now();
+    inProcedure = FloatingPointSettings::current();
   }
   return DefWindowProcW(window, message, first, second);
 }
 
 // Events, objects that are asked for their value, and messages: all of it is the host's code.
 TEST_F(Events, RunTheCodeOfTheHostWithItsOwnArithmetic) {
-  const Arithmetic before = Arithmetic::now();
-  const Arithmetic unusual = {0x1D80,
-                              0x007B};  // a division by zero raises, the stack unit has single precision
+  const auto before = FloatingPointSettings::current();
+  // A division by zero raises, the stack unit has single precision.
+  const FloatingPointSettings unusual = {0x1D80, 0x007B};
   const TemporaryFolder folder;
   writeGreyJpeg(folder / L"i.jpg", 1, 1);
   WNDCLASSW windowClass = {};
@@ -117,8 +118,8 @@ TEST_F(Events, RunTheCodeOfTheHostWithItsOwnArithmetic) {
   ASSERT_NE(nullptr, window);
   PostMessageW(window, WM_USER, 0, 0);
 
-  std::vector<Arithmetic> seen;
-  const auto note = [&] { seen.push_back(Arithmetic::now()); };
+  std::vector<FloatingPointSettings> seen;
+  const auto note = [&] { seen.push_back(FloatingPointSettings::current()); };
   RecordingSink sink;
   sink.inInvoke = [&] {
     note();
@@ -129,14 +130,14 @@ TEST_F(Events, RunTheCodeOfTheHostWithItsOwnArithmetic) {
   const ComPointer<FakeObject> colour(new FakeObject(5));
   colour->inInvoke = note;
   const Connection connection(*pdf_.get(), sink);
-  unusual.set();
+  unusual.apply();
   raise(*pdf_.get());
   putProperty(*pdf_.get(), L"PDFSetTextColor", colour.get());
   callMethod(*pdf_.get(), L"PDFImage", {(folder / L"i.jpg").c_str(), 1, 1});
   note();
-  before.set();
+  before.apply();
   EXPECT_LE(4U, seen.size());
-  EXPECT_EQ(std::vector<Arithmetic>(seen.size(), unusual), seen);
+  EXPECT_EQ(std::vector<FloatingPointSettings>(seen.size(), unusual), seen);
   EXPECT_EQ(unusual, inProcedure);
   DestroyWindow(window);
 }

@@ -4,7 +4,7 @@
 // What hosts are promised, typed in by hand and never made from the IDL: the members of each interface in their order,
 // and the enumerations. Members are separated by ";":
 //   put name: type; get name: type; name(parameters): result
-// Parameters are by reference; one in brackets may be omitted and then has the value after "=".
+// Parameters are by reference; one in brackets may be omitted and then has the value after "=", or is a null text.
 
 namespace veltrano::tests {
 
@@ -33,7 +33,7 @@ PDFSetMargins(in_left: short, in_top: short, [in_right: short = -1], [in_bottom:
 get PDFGetX: short; get PDFGetY: short; PDFBeginDoc(); PDFNewPage(); PDFEndPage(); PDFEndDoc();
 PDFSetBookmark(str_Text: text, [iLevel: short = 0], [y: double = -1]): variant; put PDFLoadAfm: text;
 PDFSetFont(str_Fontname: PDFFontNme, in_FontSize: short, [str_Style: PDFFontStl = 0]);
-PDFGetStringWidth(str_Txt: text, [str_FName: text = ''], [in_FSize: short = 0]): double;
+PDFGetStringWidth(str_Txt: text, [str_FName: text], [in_FSize: short = 0]): double;
 put PDFSetTextColor: variant; get PDFGetTextColor: text; put PDFSetLineColor: variant;
 get PDFGetLineColor: text; put PDFSetDrawColor: variant; get PDFGetDrawColor: text;
 put PDFSetLineWidth: double; put PDFSetLineStyle: PDFStyleLgn; put PDFSetDrawMode: PDFDrawMd;
@@ -41,44 +41,42 @@ put PDFSetAlignement: PDFAlignValue; get PDFGetAlignement: text; put PDFSetBorde
 put PDFSetFill: flag; PDFDrawLineHor(X: double, y: double, w: double);
 PDFDrawLineVer(X: double, y: double, h: double);
 PDFDrawLine(x1: double, Y1: double, x2: double, Y2: double);
-PDFDrawRectangle(X: double, y: double, w: double, h: double, [URLLink: text = '']);
-PDFDrawEllipse(X: double, y: double, rx: double, [ry: double = 0], [URLLink: text = '']);
+PDFDrawRectangle(X: double, y: double, w: double, h: double, [URLLink: text]);
+PDFDrawEllipse(X: double, y: double, rx: double, [ry: double = 0], [URLLink: text]);
 PDFDrawPolygon(points: any number); PDFTextOut(str_Text: text, [X: double = 0], [y: double = 0]);
-PDFCell(str_Text: text, X: double, y: double, w: double, h: double, [URLLink: text = '']);
-PDFLink(X: double, y: double, str_Text: text, [str_Link: text = '']); get PDFTextHeight: double;
+PDFCell(str_Text: text, X: double, y: double, w: double, h: double, [URLLink: text]);
+PDFLink(X: double, y: double, str_Text: text, [str_Link: text]); get PDFTextHeight: double;
 put PDFSetRotation: double; PDFImageWidth(pFileName: text): double; PDFImageHeight(pFileName: text): double;
 PDFInit();
-PDFImage(pFileName: text, X: double, y: double, [w: double = 0], [h: double = 0], [URLLink: text = ''])
+PDFImage(pFileName: text, X: double, y: double, [w: double = 0], [h: double = 0], [URLLink: text])
 )"},
     {"_VeltranoKML", R"(
-CreateKML(filename: text, Description: variant, [ExtendedData: text = ''], [IncludeGeneratedBy: flag = 0]);
+CreateKML(filename: text, Description: variant, [ExtendedData: text], [IncludeGeneratedBy: flag = 0]);
 ClearPath(); CreatePathFromPlaceMarks(Size: short, pColor: text);
 CreatePathFromString(Size: short, pColor: text, PathData: text, PathName: text, [Line3D: flag = 0]);
-CreateCameraOverlay(filename: text, X: double, y: double, Altitude: double, pName: text, [visibility: text
-  = '0'], [shape: text = 'rectangle']);
+CreateCameraOverlay(filename: text, X: double, y: double, Altitude: double, pName: text, [visibility: text], [shape: text]);
 CreateGroundOverlay(filename: text, X: double, y: double, Altitude: double, pName: text, HTMLDescription:
-  text, [shape: text = 'rectangle'], [Heading: text = '']);
+  text, [shape: text], [Heading: text]);
 CreateStreetView(filename: text, X: double, y: double, Altitude: double, pName: text, HTMLDescription:
-  text, [shape: text = 'rectangle'], [Heading: text = '']);
-CreatePlaceMark(X: double, y: double, Altitude: double, pName: text, pDescription: text, [TimeStamp: text =
-  ''], [ExtendedData: text = '']);
+  text, [shape: text], [Heading: text]);
+CreatePlaceMark(X: double, y: double, Altitude: double, pName: text, pDescription: text, [TimeStamp: text], [ExtendedData: text]);
 CreatePathPoint(X: double, y: double, Altitude: double);
 CreatePathString(X: double, y: double, Altitude: double): text; CloseKML()
 )"},
     {"_VeltranoXML", R"(
 XML_Open(xFilename: text); XML_Save(); XML_SaveSetting(Folder: text, Key: text, Value: text);
-XML_GetSetting(Folder: text, Key: text, [Default: text = '']): text; XML_EnumFolders(): variant;
-XML_EnumKeys(Folder: text): variant; XML_DeleteSetting(xFilename: text, Folder: text, [Key: text = ''])
+XML_GetSetting(Folder: text, Key: text, [Default: text]): text; XML_EnumFolders(): variant;
+XML_EnumKeys(Folder: text): variant; XML_DeleteSetting(xFilename: text, Folder: text, [Key: text])
 )"},
     {"_VeltranoINI", R"(
 GetIniValue(filename: text, Key: text, Default: text): text;
 SetIniValue(filename: text, Key: text, Value: text);
 ChangeValue(xFileBuffer: text, Key: text, Value: text): text;
-GetValue(xFileBuffer: text, Key: text, [Default: text = '']): text; OpenFile(xFilename: text): text;
+GetValue(xFileBuffer: text, Key: text, [Default: text]): text; OpenFile(xFilename: text): text;
 CloseFile(filename: text, xText: text)
 )"},
     {"_VeltranoMDB", R"(
-OpenDB(filename: text, [Username: text = ''], [Password: text = '']): flag; OpenTable(Table: text): flag;
+OpenDB(filename: text, [Username: text], [Password: text]): flag; OpenTable(Table: text): flag;
 WriteRecord(Field: text, Value: variant): flag; ReadRecord_String(xField: text): text; Edit(); Delete();
 MoveFirst(); MoveNext(); MoveLast(); AddNew(); EOF(): flag; Update();
 FindRecord(Field: text, Value: text, CaseSensivite: flag): flag; CloseTable(); CloseDatabase()
@@ -104,7 +102,7 @@ SaveJPEGResampled(ImageToSave: text, TargetFile: text, [JPEGQuality: long = 50],
 Init(xInitString: text); SavePNG(pct: picture, sPNGFileName: text): flag
 )"},
     {"_VeltranoWEV", R"(
-LogNTEvent(sString: text, iLogType: EventTypes, iEventID: long, [AppSource: text = ''])
+LogNTEvent(sString: text, iLogType: EventTypes, iEventID: long, [AppSource: text])
 )"},
     {"_VeltranoGIS", ""},
 };

@@ -1,7 +1,5 @@
 #include "fake_objects.h"
 
-#include <xmmintrin.h>
-
 #include <fstream>
 
 namespace veltrano::tests {
@@ -11,16 +9,6 @@ namespace {
 constexpr DISPID lengthId = 1000;
 
 }  // namespace
-
-STDMETHODIMP DispatchFake::QueryInterface(REFIID iid, void** object) {
-  *object = nullptr;
-  if (iid != IID_IUnknown && iid != IID_IDispatch) {
-    return E_NOINTERFACE;
-  }
-  *object = this;
-  AddRef();
-  return S_OK;
-}
 
 STDMETHODIMP_(ULONG) DispatchFake::Release() {
   const ULONG left = --references;
@@ -51,9 +39,8 @@ STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARI
   return VariantCopy(result, elements_.at(static_cast<std::size_t>(id) - 1).get());
 }
 
-STDMETHODIMP RecordingSink::QueryInterface(REFIID iid, void** object) {
-  return DispatchFake::QueryInterface(knowsEventInterface && iid == DIID___VeltranoPDF ? IID_IDispatch : iid,
-                                      object);
+void* RecordingSink::find(REFIID iid) {
+  return DispatchFake::find(knowsEventInterface && iid == DIID___VeltranoPDF ? IID_IDispatch : iid);
 }
 
 STDMETHODIMP RecordingSink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
@@ -82,18 +69,6 @@ void Connection::disconnect() {
     cookie_ = 0;
   }
   point_ = {};
-}
-
-Arithmetic Arithmetic::now() {
-  constexpr unsigned noted = 0x3F;  // what has happened, not what shall happen
-  Arithmetic settings{_mm_getcsr() & ~noted, 0};
-  __asm__ __volatile__("fnstcw %0" : "=m"(settings.stack));
-  return settings;
-}
-
-void Arithmetic::set() const {
-  _mm_setcsr(vector);
-  __asm__ __volatile__("fnclex; fldcw %0" : : "m"(stack));
 }
 
 void writeGreyJpeg(const std::filesystem::path& file, int width, int height) {

@@ -1,7 +1,7 @@
 #ifndef VELTRANO_TESTS_SERVER_FAKE_OBJECTS_H
 #define VELTRANO_TESTS_SERVER_FAKE_OBJECTS_H
 
-// What a host hands to the server: objects made for one test, arithmetic settings, pictures.
+// What a host hands to the server: objects made for one test, pictures.
 
 #include <filesystem>
 #include <functional>
@@ -9,18 +9,13 @@
 #include <vector>
 
 #include "host.h"
+#include "server/com/com_object.h"
 
 namespace veltrano::tests {
 
 /// IDispatch that counts its references, from 0 on, and runs `inInvoke` whenever it is asked for something.
-class DispatchFake : public IDispatch {
+class DispatchFake : public server::Unknown<IDispatch> {
  public:
-  DispatchFake() = default;
-  DispatchFake(const DispatchFake&) = delete;
-  DispatchFake& operator=(const DispatchFake&) = delete;
-  virtual ~DispatchFake() = default;
-
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
   STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
   STDMETHODIMP_(ULONG) Release() override;
   STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
@@ -50,7 +45,6 @@ class FakeObject final : public DispatchFake {
 class RecordingSink final : public DispatchFake {
  public:
   RecordingSink() { onHeap = false; }
-  STDMETHODIMP QueryInterface(REFIID iid, void** object) override;
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
                       UINT*) override;
   [[nodiscard]] std::wstring last() const { return messages.empty() ? std::wstring() : messages.back(); }
@@ -60,6 +54,9 @@ class RecordingSink final : public DispatchFake {
   HRESULT answer = S_OK;
   /// False for a sink of plain dispatch.
   bool knowsEventInterface = true;
+
+ protected:
+  void* find(REFIID iid) override;
 };
 
 /// A sink connected to an object.
@@ -74,15 +71,6 @@ class Connection {
  private:
   ComPointer<IConnectionPoint> point_;
   DWORD cookie_ = 0;
-};
-
-/// What the processor does with floating-point numbers in this thread: the control words of both units.
-struct Arithmetic {
-  unsigned vector = 0;
-  unsigned short stack = 0;
-  bool operator==(const Arithmetic&) const = default;
-  static Arithmetic now();
-  void set() const;
 };
 
 /// The smallest file that the PDF writer takes for a grey JPEG of that size.

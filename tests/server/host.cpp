@@ -1,7 +1,7 @@
 #include "host.h"
 
-#include <fstream>
-#include <iterator>
+#include "base/files/whole.h"
+#include "base/os/module_windows.h"
 
 namespace veltrano::tests {
 
@@ -17,14 +17,11 @@ HRESULT callExport(HMODULE module, const char* name, Parameters... parameters) {
 }  // namespace
 
 std::filesystem::path dllFile() {
-  std::wstring name(32768, L'\0');
-  name.resize(GetModuleFileNameW(nullptr, name.data(), static_cast<DWORD>(name.size())));
-  return std::filesystem::path(name).parent_path().parent_path().parent_path() / "VeltranoFrameWorkDLL.dll";
+  return modulePath(nullptr).parent_path().parent_path().parent_path() / "VeltranoFrameWorkDLL.dll";
 }
 
 std::string readFile(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  return readWholeFile(file).value_or("");
 }
 
 Dll::Dll(const std::filesystem::path& file) : file_(file), module_(LoadLibraryW(file.c_str())) {}
@@ -45,6 +42,12 @@ HRESULT Dll::call(const char* name) const {
 
 HRESULT Dll::install(bool install, const wchar_t* commandLine) const {
   return callExport(module_, "DllInstall", BOOL{install}, commandLine);
+}
+
+std::wstring nameOf(ITypeInfo& type) {
+  Text name;
+  type.GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr);
+  return std::wstring(name.view());
 }
 
 ComPointer<ITypeLib> Dll::typeLibrary() const {

@@ -134,6 +134,8 @@ class Text {
   BSTR text_;
 };
 
+std::wstring nameOf(ITypeInfo& type);
+
 }  // namespace veltrano::tests
 
 #endif

@@ -112,6 +112,11 @@ TEST_F(LateBinding, GivesOmittedArgumentsTheirDefaults) {
   EXPECT_EQ(S_OK, pdf(L"PDFSetMargins", {4, 5, Argument::omitted(), 65535}));
   EXPECT_EQ(L"4 5", property(L"PDFGetRightMargin") + L" " + property(L"PDFGetBottomMargin"));
   EXPECT_EQ(L"", callMethod(*ini_.get(), L"GetValue", {L"", L"k"}).result.text());
+  for (const wchar_t* overlay : {L"CreateCameraOverlay", L"CreateStreetView"}) {
+    std::vector<Argument> arguments = {L"", 0, 0, 0, L""};
+    arguments.resize(overlay[6] == L'C' ? 5 : 6, L"");
+    EXPECT_NE(std::string::npos, kml(overlay, arguments).find("<shape>rectangle<")) << overlay;
+  }
 }
 
 TEST_F(LateBinding, TakesNamedArguments) {

@@ -18,12 +18,6 @@ HRESULT query(IUnknown& object, REFIID iid, ComPointer<Interface>& result) {
   return object.QueryInterface(iid, reinterpret_cast<void**>(result.out()));
 }
 
-std::wstring nameOf(ITypeInfo& type) {
-  Text name;
-  type.GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr);
-  return std::wstring(name.view());
-}
-
 TEST(Objects, HaveOneIdentityAndTheRightInterfaces) {
   const Dll dll;
   EXPECT_EQ(9U, server::classTable().size());

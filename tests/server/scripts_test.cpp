@@ -114,15 +114,12 @@ TEST_F(Scripts, JScriptPassesListsAndReadsFunctions) {
 TEST_F(Scripts, StoreTheirDatesAndTextsAsTheyAre) {
   using access::ColumnType;
   const std::filesystem::path file = folder_ / "kinds.mdb";
-  std::string reason;
-  ASSERT_TRUE(access::createDatabase(file, {}, reason) &&
-              access::createTable(file,
-                                  {.name = "Kinds",
-                                   .columns = {{.name = "Moment", .type = ColumnType::dateTime},
-                                               {.name = "Words", .type = ColumnType::text},
-                                               {.name = "Number", .type = ColumnType::single}}},
-                                  reason))
-      << reason;
+  const Status made =
+      access::createDatabase(file, {{.name = "Kinds",
+                                     .columns = {{.name = "Moment", .type = ColumnType::dateTime},
+                                                 {.name = "Words", .type = ColumnType::text},
+                                                 {.name = "Number", .type = ColumnType::single}}}});
+  ASSERT_TRUE(made) << made.reason();
   EXPECT_EQ("true 2026-11-21 14:05:00 true 0.1 true", runScript("database.js", folder_));
 }
 

@@ -6,20 +6,19 @@
 #include <map>
 #include <random>
 
-#include "base/files/whole.h"
-#include "tests/temporary_folder.h"
-#include "veltrano/xml.h"
+#include "tests/settings/xml_fixture.h"
 
 namespace veltrano {
 namespace {
+
+using LargeFolder = tests::XmlFixture;
 
 std::string keyName(unsigned number) {
   return "K" + std::to_string(number);
 }
 
-TEST(LargeFolder, AnswersAsAMapDoesWhateverIsAddedAndRemoved) {
+TEST_F(LargeFolder, AnswersAsAMapDoesWhateverIsAddedAndRemoved) {
   constexpr unsigned names = 3000;
-  VeltranoXML xml;
   std::map<std::string, std::string> model;
   std::mt19937 random(11);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same steps each time
   for (unsigned i = 0; i < names; ++i) {
@@ -45,8 +44,7 @@ TEST(LargeFolder, AnswersAsAMapDoesWhateverIsAddedAndRemoved) {
   EXPECT_EQ(xml.XML_GetSetting("F", model.begin()->first, "none"), "none");
 }
 
-TEST(LargeFolder, AnEmptiedFolderLeavesNothingOfItsTable) {
-  VeltranoXML xml;
+TEST_F(LargeFolder, AnEmptiedFolderLeavesNothingOfItsTable) {
   // Elements made later may lie where removed ones lay.
   for (int round = 0; round < 20; ++round) {
     for (unsigned i = 0; i < 100; ++i) {
@@ -67,9 +65,7 @@ TEST(LargeFolder, AnEmptiedFolderLeavesNothingOfItsTable) {
   }
 }
 
-TEST(LargeFolder, TheFirstOfEqualKeysCountsAlsoWhenOneIsGone) {
-  const tests::TemporaryFolder folder;
-  const auto file = folder / "settings.xml";
+TEST_F(LargeFolder, TheFirstOfEqualKeysCountsAlsoWhenOneIsGone) {
   std::string content = "<XML><F>";
   for (unsigned i = 0; i < 2000; ++i) {
     content += "<?K" + std::to_string(i) + " no key?>";
@@ -79,10 +75,8 @@ TEST(LargeFolder, TheFirstOfEqualKeysCountsAlsoWhenOneIsGone) {
       content.append("<").append(keyName(i)).append(">").append(round).append("</").append(keyName(i) + ">");
     }
   }
-  ASSERT_TRUE(replaceFile(file, content + "</F><G><a><K0>in G</K0></a></G></XML>"));
-  VeltranoXML xml;
-  xml.XML_Open(file);
-  const auto expectAll = [&xml](const std::string& seventh) {
+  open(content + "</F><G><a><K0>in G</K0></a></G></XML>");
+  const auto expectAll = [this](const std::string& seventh) {
     for (unsigned i = 0; i < 2000; ++i) {
       ASSERT_EQ(xml.XML_GetSetting("F", keyName(i)), i == 7 ? seventh : "1") << i;
     }

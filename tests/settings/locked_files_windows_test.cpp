@@ -4,49 +4,38 @@
 
 #include <gtest/gtest.h>
 
-#include "base/files/whole.h"
-#include "tests/temporary_folder.h"
+#include "base/os/owned.h"
+#include "tests/settings/xml_fixture.h"
 #include "veltrano/ini.h"
-#include "veltrano/xml.h"
 
 namespace veltrano {
 namespace {
 
-class Lock {
+using LockedFiles = tests::XmlFixture;
+
+/// Keeps others from the file.
+class Lock : Owned<HANDLE, [](HANDLE handle) { CloseHandle(handle); }> {
  public:
   explicit Lock(const std::filesystem::path& file)
-      : handle_(CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)) {}
-  Lock(const Lock&) = delete;
-  Lock& operator=(const Lock&) = delete;
-  ~Lock() { CloseHandle(handle_); }
-
- private:
-  HANDLE handle_;
+      : Owned(CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr)) {}
 };
 
-TEST(LockedFiles, SettingsThatCouldNotBeReadAreNotWrittenOver) {
-  const tests::TemporaryFolder folder;
-  const auto file = folder / "settings.xml";
+TEST_F(LockedFiles, SettingsThatCouldNotBeReadAreNotWrittenOver) {
   const std::string before = "<XML><A><K>old</K></A></XML>";
   ASSERT_TRUE(replaceFile(file, before));
-  VeltranoXML xml;
   {
     const Lock lock(file);
     xml.XML_Open(file);
   }
   EXPECT_EQ(xml.XML_GetSetting("A", "K", "default"), "default");
   xml.XML_SaveSetting("B", "K", "new");
-  xml.XML_Save();
-  EXPECT_EQ(readWholeFile(file), before);
+  EXPECT_EQ(saved(), before);
   xml.XML_Open(file);
   xml.XML_SaveSetting("B", "K", "new");
-  xml.XML_Save();
-  EXPECT_EQ(readWholeFile(file), "<XML><A><K>old</K></A><B><K>new</K></B></XML>");
+  EXPECT_EQ(saved(), "<XML><A><K>old</K></A><B><K>new</K></B></XML>");
 }
 
-TEST(LockedFiles, IniFilesAnswerDefaultsAndStay) {
-  const tests::TemporaryFolder folder;
-  const auto file = folder / "settings.ini";
+TEST_F(LockedFiles, IniFilesAnswerDefaultsAndStay) {
   ASSERT_TRUE(replaceFile(file, "A=1\r\n"));
   VeltranoINI ini;
   {

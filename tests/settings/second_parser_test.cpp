@@ -8,18 +8,18 @@
 #include <memory>
 #include <random>
 
-#include "base/files/whole.h"
-#include "tests/temporary_folder.h"
-#include "veltrano/xml.h"
+#include "tests/settings/xml_fixture.h"
 
 namespace veltrano {
 namespace {
 
+using SecondParser = tests::XmlFixture;
+using Document = std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)>;
+constexpr int quietly = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
+
 /// Text of the element of that path, or "(none)".
 std::string read(const std::filesystem::path& file, const std::string& path) {
-  const std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)> document(
-      xmlReadFile(file.c_str(), nullptr, XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
-      xmlFreeDoc);
+  const Document document(xmlReadFile(file.c_str(), nullptr, quietly), xmlFreeDoc);
   if (!document) {
     return "(malformed)";
   }
@@ -36,9 +36,7 @@ std::string read(const std::filesystem::path& file, const std::string& path) {
   return reinterpret_cast<const char*>(text.get());
 }
 
-TEST(SecondParser, ReadsTheValuesThatWereSaved) {
-  const tests::TemporaryFolder folder;
-  const auto file = folder / "settings.xml";
+TEST_F(SecondParser, ReadsTheValuesThatWereSaved) {
   const std::string frames[] = {"",
                                 "<XML/>",
                                 "<?xml version='1.0' encoding='ISO-8859-1'?><XML/>",
@@ -68,9 +66,7 @@ TEST(SecondParser, ReadsTheValuesThatWereSaved) {
     for (auto i = random() % 12; i > 0; --i) {
       value += atoms[random() % std::size(atoms)];
     }
-    ASSERT_TRUE(replaceFile(file, frames[random() % std::size(frames)]));
-    VeltranoXML xml;
-    xml.XML_Open(file);
+    open(frames[random() % std::size(frames)]);
     xml.XML_SaveSetting("F", "K", value);
     xml.XML_SaveSetting("F\xC3\xA9", "@none", value);
     xml.XML_Save();
@@ -81,18 +77,14 @@ TEST(SecondParser, ReadsTheValuesThatWereSaved) {
 }
 
 bool isWellFormed(const std::string& text) {
-  const std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)> document(
-      // The letters of names as the earlier editions of XML have them.
-      xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, "UTF-8",
-                    XML_PARSE_OLD10 | XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
-      xmlFreeDoc);
-  return document != nullptr;
+  // The letters of names as the earlier editions of XML have them.
+  return Document(xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, "UTF-8",
+                                XML_PARSE_OLD10 | quietly),
+                  xmlFreeDoc) != nullptr;
 }
 
 // Right documents and such with a fault anywhere.
-TEST(SecondParser, TakesAndRefusesTheSameDocuments) {
-  const tests::TemporaryFolder folder;
-  const auto file = folder / "settings.xml";
+TEST_F(SecondParser, TakesAndRefusesTheSameDocuments) {
   const std::string plain[] = {
       "<Key>",        "</Key>\n",         "<K>800</K>",       "<K />",
       "&amp;",        "&#x20AC;",         "it's \"so\"",      "a > b",
@@ -128,17 +120,17 @@ TEST(SecondParser, TakesAndRefusesTheSameDocuments) {
   constexpr int rounds = 4000;
   for (int round = 0; round < rounds; ++round) {
     const bool allPlain = random() % 2 == 0;
-    int open = 0;
+    int depth = 0;
     std::string text = "<XML><F/>";
     for (auto i = random() % 60; i > 0; --i) {
       const std::string& piece = allPlain || random() % 8 != 0 ? pick(plain) : pick(rich);
-      open += piece == "<Key>" ? 1 : 0;
-      if (piece != "</Key>\n" || open-- > 0) {
+      depth += piece == "<Key>" ? 1 : 0;
+      if (piece != "</Key>\n" || depth-- > 0) {
         text += piece;
       }
-      open = std::max(open, 0);
+      depth = std::max(depth, 0);
     }
-    while (open-- > 0) {
+    while (depth-- > 0) {
       text += "</Key>";
     }
     text += "</XML>\n";
@@ -146,9 +138,7 @@ TEST(SecondParser, TakesAndRefusesTheSameDocuments) {
       text.insert(random() % (text.size() + 1), random() % 2 == 0 ? pick(badMarkup) : pick(badBytes));
     }
     std::filesystem::remove(file);  // putting a file in place of another waits for the disk
-    ASSERT_TRUE(replaceFile(file, text));
-    VeltranoXML xml;
-    xml.XML_Open(file);
+    open(text);
     const auto folders = xml.XML_EnumFolders();
     const bool loaded = folders && !folders->empty();
     ASSERT_EQ(loaded, isWellFormed(text)) << round << ": " << testing::PrintToString(text);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <pugixml.hpp>
 
 #include "tests/file_call_log.h"
@@ -79,6 +80,7 @@ TEST_F(XmlSettings, NamesThatNoElementCanHaveCreateNothing) {
   }
   open("<XML xmlns:p='urn:p'/>");
   xml.XML_SaveSetting("p:f\xC3\xA9", "xml:k", "1");
+  xml.XML_SaveSetting("q:f", "k", "1");
   EXPECT_EQ(saved(), "<XML xmlns:p=\"urn:p\"><p:f\xC3\xA9><xml:k>1</xml:k></p:f\xC3\xA9></XML>");
 }
 
@@ -108,52 +110,51 @@ TEST_F(XmlSettings, NamesArePathsWhenLookedUp) {
             "<XML>\n <?A no?>\n <A id=\"&#10;8\">\n  <K>two</K>\n </A>\n <A><L><M/>4</L></A>\n</XML>");
 }
 
-TEST_F(XmlSettings, AnIndentedFileStaysIndented) {
-  const std::string before = "<XML>\n  <A>\n    <K>1</K>\n    <L>2</L>\n  </A>\n</XML>\n";
-  open(before);
-  xml.XML_SaveSetting("A", "M", "3");
-  xml.XML_DeleteSetting({}, "A", "K");
-  EXPECT_EQ(saved(), "<XML>\n  <A>\n    <L>2</L>\n    <M>3</M>\n  </A>\n</XML>\n");
-  xml.XML_DeleteSetting({}, "A", "M");
-  xml.XML_DeleteSetting({}, "A", "L");
-  EXPECT_EQ(saved(), "<XML>\n  <A>\n  </A>\n</XML>\n");
-  xml.XML_SaveSetting("A", "K", "4");
-  xml.XML_SaveSetting("B", "K", "5");
-  EXPECT_EQ(saved(), "<XML>\n  <A>\n  <K>4</K>\n  </A>\n  <B><K>5</K></B>\n</XML>\n");
-}
-
-TEST_F(XmlSettings, ADeletedKeyTakesBlanksOnBothSidesOnly) {
-  open("<XML><A> <K/><L/> <M/> </A></XML>");
-  xml.XML_DeleteSetting({}, "A", "K");
-  EXPECT_EQ(saved(), "<XML><A> <L/> <M/> </A></XML>");
-  xml.XML_DeleteSetting({}, "A", "M");
-  EXPECT_EQ(saved(), "<XML><A> <L/> </A></XML>");
-  open("<XML><A><K/> <L/></A></XML>");
-  xml.XML_DeleteSetting({}, "A", "K");
-  EXPECT_EQ(saved(), "<XML><A> <L/></A></XML>");
-}
-
-TEST_F(XmlSettings, CommentsAndInstructionsAmongSettingsStay) {
-  open("<XML><!--f--><A><?K no key?><!--K--><K>1</K><!--last--></A><?A no folder?></XML>");
-  xml.XML_SaveSetting("A", "K", "2");
-  xml.XML_SaveSetting("A", "L", "3");
-  EXPECT_EQ(saved(),
-            "<XML><!--f--><A><?K no key?><!--K--><K>2</K><!--last--><L>3</L></A><?A no folder?></XML>");
-}
-
-TEST_F(XmlSettings, SettingAKeyReplacesAllThatIsInIt) {
-  open("<XML><A><K x='1'>\n<b>old</b><!--c--><![CDATA[old]]></K></A></XML>");
-  EXPECT_EQ(xml.XML_GetSetting("A", "K"), "oldold");
-  xml.XML_SaveSetting("A", "K", "new");
-  EXPECT_EQ(saved(), "<XML><A><K x=\"1\">new</K></A></XML>");
-}
-
-TEST_F(XmlSettings, AnotherRootTakesNoSettings) {
-  open("<settings><A><K>1</K></A></settings>");
-  xml.XML_SaveSetting("A", "K", "2");
-  EXPECT_EQ(xml.XML_GetSetting("A", "K", "x"), "x");
-  EXPECT_THAT(xml.XML_EnumFolders(), Optional(IsEmpty()));
-  EXPECT_EQ(saved(), "<settings><A><K>1</K></A></settings>");
+TEST_F(XmlSettings, ChangesLeaveTheRestOfTheFileAsItWas) {
+  const auto save = [this](const char* folder_, const char* key, const char* value) {
+    return [=, this] { xml.XML_SaveSetting(folder_, key, value); };
+  };
+  const auto remove = [this](const char* key) { return [=, this] { xml.XML_DeleteSetting({}, "A", key); }; };
+  const struct {
+    std::string before;
+    std::vector<std::function<void()>> changes;
+    std::string after;
+  } rows[] = {
+      // An indented file stays indented.
+      {"<XML>\n  <A>\n    <K>1</K>\n    <L>2</L>\n  </A>\n</XML>\n",
+       {save("A", "M", "3"), remove("K")},
+       "<XML>\n  <A>\n    <L>2</L>\n    <M>3</M>\n  </A>\n</XML>\n"},
+      {"<XML>\n  <A>\n    <L>2</L>\n  </A>\n</XML>\n", {remove("L")}, "<XML>\n  <A>\n  </A>\n</XML>\n"},
+      {"<XML>\n  <A>\n  </A>\n</XML>\n",
+       {save("A", "K", "4"), save("B", "K", "5")},
+       "<XML>\n  <A>\n  <K>4</K>\n  </A>\n  <B><K>5</K></B>\n</XML>\n"},
+      // A removed key takes the blanks before it, if there are blanks on both sides.
+      {"<XML><A> <K/><L/> <M/> </A></XML>", {remove("K")}, "<XML><A> <L/> <M/> </A></XML>"},
+      {"<XML><A> <L/> <M/> </A></XML>", {remove("M")}, "<XML><A> <L/> </A></XML>"},
+      {"<XML><A><K/> <L/></A></XML>", {remove("K")}, "<XML><A> <L/></A></XML>"},
+      {"<XML><!--f--><A><?K no key?><!--K--><K>1</K><!--last--></A><?A no folder?></XML>",
+       {save("A", "K", "2"), save("A", "L", "3")},
+       "<XML><!--f--><A><?K no key?><!--K--><K>2</K><!--last--><L>3</L></A><?A no folder?></XML>"},
+      // A new value replaces all that is in the key.
+      {"<XML><A><K x='1'>\n<b>old</b><!--c--><![CDATA[old]]></K></A></XML>",
+       {[this] { EXPECT_EQ(xml.XML_GetSetting("A", "K"), "oldold"); }, save("A", "K", "new")},
+       "<XML><A><K x=\"1\">new</K></A></XML>"},
+      // Another root takes no settings.
+      {"<settings><A><K>1</K></A></settings>",
+       {save("A", "K", "2"),
+        [this] {
+          EXPECT_EQ(xml.XML_GetSetting("A", "K", "x"), "x");
+          EXPECT_THAT(xml.XML_EnumFolders(), Optional(IsEmpty()));
+        }},
+       "<settings><A><K>1</K></A></settings>"},
+  };
+  for (const auto& [before, changes, after] : rows) {
+    open(before);
+    for (const auto& change : changes) {
+      change();
+    }
+    EXPECT_EQ(saved(), after);
+  }
 }
 
 TEST_F(XmlSettings, AMalformedFileStaysUntilASettingIsSavedAndIsKeptThen) {

@@ -5,16 +5,16 @@
 #include <chrono>
 
 #include "base/os/clock.h"
+#include "base/files/random_access.h"
 #include "base/text/code_page.h"
 #include "base/text/lower_case.h"
 #include "database/access/authoring/definition_builder.h"
 #include "database/access/authoring/system_tables.h"
 #include "database/access/pages/data_page.h"
 #include "database/access/schema/catalog.h"
-#include "database/access/storage/allocator.h"
 #include "database/access/storage/codec.h"
-#include "database/access/storage/file.h"
-#include "database/dates.h"
+#include "database/access/storage/space/allocator.h"
+#include "database/values/dates.h"
 
 namespace veltrano::access {
 
@@ -76,93 +76,87 @@ void fillMapPage(MutableBytes page) {
   (void)editor.insert(map, 0);
 }
 
-bool writeFirstPages(const std::filesystem::path& file, const NewDatabase& options, double created) {
+Status writeFirstPages(const std::filesystem::path& file, const NewDatabase& options, double created) {
   std::vector<std::uint8_t> pages(2 * pageSize);
   const MutableBytes all(pages);
   fillHeader(all.first(pageSize), options, created);
   fillMapPage(all.subspan(pageSize));
   PageCodec(options.pageKey).apply(1, all.subspan(pageSize));
-  OpenFailure failure = {};
   FileSystem& files = options.files != nullptr ? *options.files : systemFiles();
-  const auto out = files.open(file, OpenMode::create, failure);
-  return out && out->resize(0) && out->writeAt(0, pages);
+  const auto opened = files.open(file, OpenMode::create);
+  if (!opened) {
+    return opened.status();
+  }
+  RandomAccessFile& out = **opened;
+  return out.resize(0) && out.writeAt(0, pages) ? Status()
+                                                : Status(Failure::full, "the file cannot be written");
 }
 
-bool fillDatabase(const std::filesystem::path& file, const NewDatabase& options, double created,
-                  std::string& reason) {
-  Pager::Options opening;
-  opening.password = options.password;
-  opening.files = options.files;
-  const auto pager = Pager::open(file, opening, reason);
-  return pager && makeSystemTables(*pager, created, reason) && pager->checkpoint();
+Status fillDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
+                    const NewDatabase& options, double created) {
+  auto pager = Pager::open(file, {.password = options.password, .files = options.files});
+  Status done = pager ? makeSystemTables(**pager, created) : pager.status();
+  for (std::size_t i = 0; i < tables.size() && done; ++i) {
+    done = createTable(**pager, tables[i]);
+  }
+  return done ? (*pager)->checkpoint() : done;
 }
 
 }  // namespace
 
-bool createDatabase(const std::filesystem::path& file, const NewDatabase& options, std::string& reason) {
+Status createDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
+                      const NewDatabase& options) {
   const double created = options.created != 0 ? options.created : now();
   std::error_code error;
   if (std::filesystem::exists(file, error) || error) {
-    reason = "the file exists already, or its folder is missing";
-    return false;
+    return {Failure::exists, "the file exists already, or its folder is missing"};
   }
   if (utf8ToUtf16(options.password).size() > mostPasswordCharacters || !splitDate(Date{created})) {
-    reason = "the password is too long, or the date out of range";
-    return false;
+    return {Failure::other, "the password is too long, or the date out of range"};
   }
   // Made under another name, so that a file by this name is a whole database.
   std::filesystem::path unfinished = file;
   unfinished += ".new";
-  reason = "the file cannot be written";
-  const bool made =
-      writeFirstPages(unfinished, options, created) && fillDatabase(unfinished, options, created, reason);
-  if (made) {
-    std::filesystem::rename(unfinished, file, error);
-    if (!error) {
-      return true;
-    }
-    reason = "the file cannot be renamed";
+  Status done = writeFirstPages(unfinished, options, created);
+  if (done) {
+    done = fillDatabase(unfinished, tables, options, created);
   }
-  std::filesystem::remove(unfinished, error);
-  return false;
+  if (done) {
+    std::filesystem::rename(unfinished, file, error);
+    done = error ? Status(Failure::other, "the file cannot be renamed") : Status();
+  }
+  if (!done) {
+    std::filesystem::remove(unfinished, error);
+  }
+  return done;
 }
 
-bool createTable(Pager& pager, const NewTable& table, std::string& reason) {
+Status createTable(Pager& pager, const NewTable& table) {
   if (isJet3(pager.version()) || pager.version() >= Version::ace14) {
-    reason = "tables are made in files of the 2000 to 2007 formats only";
-    return false;
+    return {Failure::other, "tables are made in files of the 2000 to 2007 formats only"};
   }
-  if (!checkNewTable(table, reason)) {
-    return false;
+  if (Status valid = checkNewTable(table); !valid) {
+    return valid;
   }
   const auto catalog = readCatalog(pager);
   if (!catalog) {
-    reason = "the catalog is damaged";
-    return false;
+    return {Failure::damaged, "the catalog is damaged"};
   }
   if (std::any_of(catalog->begin(), catalog->end(),
                   [&](const CatalogEntry& entry) { return sameName(entry.name, table.name); })) {
-    reason = "there is an object of that name";
-    return false;
+    return {Failure::exists, "there is an object of that name"};
   }
   Transaction transaction(pager);
-  reason = pager.lastError();
-  if (!transaction) {
-    return false;
+  if (!transaction.begun()) {
+    return transaction.begun();
   }
-  reason = "the file is full or damaged";
   MapAllocator maps(pager);
   const auto page = allocatePage(pager);
-  return page && writeDefinition(pager, *page, table, TableKind::user, maps) &&
-         enterTable(pager, *page, table, now(), reason) && transaction.commit();
-}
-
-bool createTable(const std::filesystem::path& file, const NewTable& table, std::string& reason,
-                 const std::string& password) {
-  Pager::Options options;
-  options.password = password;
-  const auto pager = Pager::open(file, options, reason);
-  return pager && createTable(*pager, table, reason) && pager->checkpoint();
+  if (!page || !writeDefinition(pager, *page, table, TableKind::user, maps)) {
+    return {Failure::full, "the file is full or damaged"};
+  }
+  Status entered = enterTable(pager, *page, table, now());
+  return entered ? transaction.commit() : entered;
 }
 
 }  // namespace veltrano::access

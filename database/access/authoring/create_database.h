@@ -5,14 +5,11 @@
 // interface: for tests, samples and tools.
 //
 //   using namespace veltrano::access;
-//   std::string reason;
-//   createDatabase("contacts.mdb", {}, reason) &&
-//       createTable("contacts.mdb",
-//                   {.name = "People",
+//   createDatabase("contacts.mdb",
+//                  {{.name = "People",
 //                    .columns = {{.name = "ID", .type = ColumnType::longInteger, .autoNumber = true},
 //                                {.name = "Name", .type = ColumnType::text, .size = 40}},
-//                    .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true}}},
-//                   reason);
+//                    .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true}}}});
 
 #include <cstdint>
 #include <filesystem>
@@ -63,15 +60,14 @@ struct NewTable {
   std::vector<NewIndex> indexes = {};
 };
 
-/// Makes an empty database. False, with a reason, if the file exists (it is left alone) or cannot be written.
-bool createDatabase(const std::filesystem::path& file, const NewDatabase& options, std::string& reason);
+/// Makes a database with these tables. Fails if the file exists (it is left alone) or cannot be written, or if
+/// the description of a table is not valid; no file is made then.
+Status createDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
+                      const NewDatabase& options = {});
 
-/// Adds a table to a database file. False, with a reason and nothing changed, if its description is not valid or the
-/// file cannot be written.
-bool createTable(const std::filesystem::path& file, const NewTable& table, std::string& reason,
-                 const std::string& password = {});
-/// The same in a database that is open.
-bool createTable(Pager& pager, const NewTable& table, std::string& reason);
+/// Adds a table to an open database. Fails, with nothing changed, if its description is not valid or the file
+/// cannot be written.
+Status createTable(Pager& pager, const NewTable& table);
 
 }  // namespace veltrano::access
 

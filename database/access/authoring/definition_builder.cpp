@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <array>
 
-#include "base/text/code_page.h"
 #include "base/text/lower_case.h"
+#include "database/access/authoring/byte_writer.h"
 #include "database/access/pages/data_page.h"
 #include "database/access/pages/index_page.h"
-#include "database/access/storage/allocator.h"
-#include "database/access/storage/usage_map.h"
-#include "database/field_conversion.h"
+#include "database/access/storage/space/allocator.h"
+#include "database/access/storage/space/usage_map.h"
+#include "database/values/field_conversion.h"
 
 namespace veltrano::access {
 
@@ -96,29 +96,6 @@ bool validIndex(const NewTable& table, const NewIndex& index) {
 }
 
 // --- The bytes of a definition; table_definition.cpp has their table
-
-class ByteWriter {
- public:
-  void put8(std::uint32_t value) { bytes.push_back(static_cast<std::uint8_t>(value)); }
-  void put16(std::uint32_t value) {
-    put8(value);
-    put8(value >> 8);
-  }
-  void put32(std::uint32_t value) {
-    put16(value);
-    put16(value >> 16);
-  }
-  void zeros(std::size_t count) { bytes.resize(bytes.size() + count); }
-  void name(const std::string& text) {
-    const std::u16string units = utf8ToUtf16(text);
-    put16(static_cast<std::uint32_t>(2 * units.size()));
-    for (const char16_t unit : units) {
-      put16(unit);
-    }
-  }
-
-  std::vector<std::uint8_t> bytes;
-};
 
 // What was allocated for the table.
 struct Parts {
@@ -226,7 +203,7 @@ void putColumns(ByteWriter& out, const NewTable& table, TableKind kind) {
     }
   }
   for (const NewColumn& column : table.columns) {
-    out.name(column.name);
+    out.text(column.name);
   }
 }
 
@@ -258,7 +235,7 @@ void putIndexes(ByteWriter& out, const NewTable& table, const Parts& parts) {
     out.put32(0);
   }
   for (const NewIndex& index : table.indexes) {
-    out.name(index.name);
+    out.text(index.name);
   }
 }
 
@@ -316,13 +293,10 @@ std::optional<RowPointer> MapAllocator::allocate() {
   return slot ? std::optional(RowPointer{page_, *slot}) : std::nullopt;
 }
 
-bool checkNewTable(const NewTable& table, std::string& reason) {
+Status checkNewTable(const NewTable& table) {
   constexpr std::size_t mostColumns = 255;
   constexpr std::size_t mostIndexes = 32;
-  const auto refuse = [&reason](std::string why) {
-    reason = std::move(why);
-    return false;
-  };
+  const auto refuse = [](std::string why) { return Status(Failure::other, std::move(why)); };
   if (!validName(table.name)) {
     return refuse("not a valid table name");
   }
@@ -347,7 +321,7 @@ bool checkNewTable(const NewTable& table, std::string& reason) {
     }
     primary += index.primary ? 1 : 0;
   }
-  return primary <= 1 || refuse("more than one primary key");
+  return primary <= 1 ? Status() : refuse("more than one primary key");
 }
 
 bool writeDefinition(Pager& pager, PageNumber first, const NewTable& table, TableKind kind,

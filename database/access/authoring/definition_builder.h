@@ -4,7 +4,6 @@
 // Writes the definition of a new table: its pages, its maps and the roots of its indexes. Jet 4 only.
 
 #include <optional>
-#include <string>
 
 #include "database/access/authoring/create_database.h"
 #include "database/access/storage/pager.h"
@@ -25,8 +24,8 @@ class MapAllocator {
   PageNumber page_ = 0;
 };
 
-/// False, with a reason, if the table cannot be made as described.
-bool checkNewTable(const NewTable& table, std::string& reason);
+/// Fails if the table cannot be made as described.
+Status checkNewTable(const NewTable& table);
 
 /// Writes the definition to `page`, which is new; in a transaction.
 bool writeDefinition(Pager& pager, PageNumber page, const NewTable& table, TableKind kind,

@@ -1,12 +1,13 @@
 #include "database/access/authoring/system_tables.h"
 
+#include <algorithm>
 #include <array>
 
-#include "base/text/code_page.h"
+#include "database/access/authoring/byte_writer.h"
 #include "database/access/authoring/definition_builder.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/field_codec.h"
-#include "database/access/storage/allocator.h"
+#include "database/access/storage/space/allocator.h"
 #include "database/access/table_writer.h"
 
 namespace veltrano::access {
@@ -77,49 +78,41 @@ std::array<NewTable, 4> systemTables() {
 
 // --- Rows
 
-struct FieldValue {
-  const char* name;
-  Value value;
-};
-
-// Adds a row to an open table, within the transaction of the caller.
-bool addRow(const Table& table, const TableIndexes& indexes, const std::vector<FieldValue>& fields,
-            std::string& reason) {
-  std::vector<Draft> drafts(table.definition().columns.size());
-  for (const FieldValue& field : fields) {
-    const Column* column = table.definition().find(field.name);
-    const auto cell = column != nullptr ? valueToCell(*column, field.value) : std::nullopt;
-    if (!cell) {
-      reason = "the system tables lack a column";
-      return false;
-    }
-    Draft& draft = drafts[static_cast<std::size_t>(column - table.definition().columns.data())];
-    draft = {{false, *cell}, true};
-  }
-  const auto row = TableWriter(table, indexes).insertInTransaction(drafts);
-  if (!row) {
-    reason = row.status().reason();
-  }
-  return static_cast<bool>(row);
-}
-
 // A table of the system, open for adding rows.
 struct SystemTable {
   Table table;
   TableIndexes indexes;
 };
 
-std::optional<SystemTable> openSystemTable(Pager& pager, PageNumber page, std::string& reason) {
+struct FieldValue {
+  const char* name;
+  Value value;
+};
+
+// Adds a row to an open table, within the transaction of the caller.
+Status addRow(const SystemTable& system, const std::vector<FieldValue>& fields) {
+  const TableDefinition& definition = system.table.definition();
+  std::vector<Draft> drafts(definition.columns.size());
+  for (const FieldValue& field : fields) {
+    const Column* column = definition.find(field.name);
+    const auto cell = column != nullptr ? valueToCell(*column, field.value) : std::nullopt;
+    if (!cell) {
+      return {Failure::damaged, "the system tables lack a column"};
+    }
+    drafts[static_cast<std::size_t>(column - definition.columns.data())] = {{false, *cell}, true};
+  }
+  return TableWriter(system.table, system.indexes).insertInTransaction(drafts).status();
+}
+
+Result<SystemTable> openSystemTable(Pager& pager, PageNumber page) {
   auto definition = readTableDefinition(pager, page);
   if (!definition) {
-    reason = "a system table is damaged";
-    return std::nullopt;
+    return {Failure::damaged, "a system table is damaged"};
   }
   Table table(pager, std::move(*definition));
   auto indexes = TableIndexes::create(table);
   if (!indexes) {
-    reason = indexes.status().reason();
-    return std::nullopt;
+    return indexes.status();
   }
   return SystemTable{std::move(table), *std::move(indexes)};
 }
@@ -136,8 +129,13 @@ struct Object {
   std::uint32_t flags;
 };
 
-bool addObject(const SystemTable& objects, const Object& object, double created,
-               const Value::Bytes& properties, std::string& reason) {
+// Enters an object in the catalog and in the access rights.
+Status addObject(Pager& pager, const Object& object, double created, const Value::Bytes& properties) {
+  const auto objects = openSystemTable(pager, catalogPage);
+  const auto rights = openSystemTable(pager, catalogPage + 1);
+  if (!objects || !rights) {
+    return objects ? rights.status() : objects.status();
+  }
   std::vector<FieldValue> fields = {{"Id", asLong(object.id)},
                                     {"ParentId", asLong(object.parent)},
                                     {"Name", object.name},
@@ -149,107 +147,82 @@ bool addObject(const SystemTable& objects, const Object& object, double created,
   if (!properties.empty()) {
     fields.push_back({"LvProp", properties});
   }
-  return addRow(objects.table, objects.indexes, fields, reason);
-}
-
-bool addRights(const SystemTable& rights, std::uint32_t object, bool inheritable, std::string& reason) {
-  return addRow(rights.table, rights.indexes,
-                {{"ObjectId", asLong(object)},
-                 {"SID", owner()},
-                 {"ACM", asLong(fullAccess)},
-                 {"FInheritable", inheritable}},
-                reason);
+  if (Status added = addRow(*objects, fields); !added) {
+    return added;
+  }
+  return addRow(*rights, {{"ObjectId", asLong(object.id)},
+                          {"SID", owner()},
+                          {"ACM", asLong(fullAccess)},
+                          {"FInheritable", object.kind == ObjectKind::container}});
 }
 
 // --- Properties; properties.cpp shows the bytes
 
 class PropertyWriter {
  public:
-  // Begins the properties of a column, or of the object itself.
+  // Starts the properties of a column, or of the object itself.
   void begin(std::uint16_t kind, const std::string& name) {
     finishChunk();
     kind_ = kind;
-    put32(static_cast<std::uint32_t>(6 + 2 * utf8ToUtf16(name).size()));
-    putText(name);
-  }
-  void add(const char* name, std::uint8_t type, Bytes value) {
-    const std::size_t index = indexOf(name);
-    put16(8 + value.size());
-    chunk_.push_back(0);
-    chunk_.push_back(type);
-    put16(index);
-    put16(value.size());
-    chunk_.insert(chunk_.end(), value.begin(), value.end());
+    chunk_.put32(6 + 2 * utf8ToUtf16(name).size());
+    chunk_.text(name);
   }
   void addFlag(const char* name, bool value) {
     const std::uint8_t byte = value ? 0xFF : 0;
     add(name, 1, Bytes(&byte, 1));
   }
   void addText(const char* name, const std::string& value) {
-    const std::size_t before = chunk_.size();
-    putText(value);
-    const std::vector<std::uint8_t> bytes(chunk_.begin() + static_cast<std::ptrdiff_t>(before) + 2,
-                                          chunk_.end());
-    chunk_.resize(before);
-    add(name, 10, bytes);
+    constexpr std::size_t lengthSize = 2;
+    ByteWriter text;
+    text.text(value);
+    add(name, 10, Bytes(text.bytes).subspan(lengthSize));
   }
-  // All of it; empty when nothing was begun.
+  // All of it; empty if nothing was started.
   Value::Bytes finish() {
     finishChunk();
     if (names_.empty()) {
       return {};
     }
+    ByteWriter names;
     for (const std::string& name : names_) {
-      putText(name);
+      names.text(name);
     }
-    Value::Bytes all = {'M', 'R', '2', 0};
-    appendChunk(all, 0x80, chunk_);
-    all.insert(all.end(), chunks_.begin(), chunks_.end());
-    return all;
+    ByteWriter all;
+    all.put(std::array<std::uint8_t, 4>{'M', 'R', '2', 0});
+    putChunk(all, 0x80, names.bytes);
+    all.put(chunks_.bytes);
+    return std::move(all.bytes);
   }
 
  private:
-  void put16(std::size_t value) {
-    chunk_.push_back(static_cast<std::uint8_t>(value));
-    chunk_.push_back(static_cast<std::uint8_t>(value >> 8));
-  }
-  void put32(std::uint32_t value) {
-    put16(value);
-    put16(value >> 16);
-  }
-  void putText(const std::string& text) {
-    const std::u16string units = utf8ToUtf16(text);
-    put16(2 * units.size());
-    for (const char16_t unit : units) {
-      put16(unit);
-    }
-  }
-  std::size_t indexOf(const char* name) {
-    std::size_t i = 0;
-    while (i < names_.size() && names_[i] != name) {
-      ++i;
-    }
-    if (i == names_.size()) {
+  void add(const char* name, std::uint8_t type, Bytes value) {
+    const auto known = std::find(names_.begin(), names_.end(), name);
+    const auto index = static_cast<std::size_t>(known - names_.begin());
+    if (known == names_.end()) {
       names_.emplace_back(name);
     }
-    return i;
+    chunk_.put16(8 + value.size());
+    chunk_.put8(0);
+    chunk_.put8(type);
+    chunk_.put16(index);
+    chunk_.put16(value.size());
+    chunk_.put(value);
   }
   void finishChunk() {
-    if (!chunk_.empty()) {
-      appendChunk(chunks_, kind_, chunk_);
-      chunk_.clear();
+    if (!chunk_.bytes.empty()) {
+      putChunk(chunks_, kind_, chunk_.bytes);
+      chunk_.bytes.clear();
     }
   }
-  static void appendChunk(Value::Bytes& all, std::uint16_t kind, const Value::Bytes& body) {
-    std::array<std::uint8_t, 6> head = {};
-    store32(head.data(), static_cast<std::uint32_t>(head.size() + body.size()));
-    store16(head.data() + 4, kind);
-    all.insert(all.end(), head.begin(), head.end());
-    all.insert(all.end(), body.begin(), body.end());
+  static void putChunk(ByteWriter& all, std::uint16_t kind, Bytes body) {
+    constexpr std::size_t headSize = 6;
+    all.put32(headSize + body.size());
+    all.put16(kind);
+    all.put(body);
   }
 
-  Value::Bytes chunks_;
-  Value::Bytes chunk_;
+  ByteWriter chunks_;
+  ByteWriter chunk_;
   std::uint16_t kind_ = 0;
   std::vector<std::string> names_;
 };
@@ -281,12 +254,7 @@ Value::Bytes tableProperties(const NewTable& table) {
   return writer.finish();
 }
 
-bool addFirstRows(Pager& pager, double created, std::string& reason) {
-  const auto objects = openSystemTable(pager, catalogPage, reason);
-  const auto rights = openSystemTable(pager, catalogPage + 1, reason);
-  if (!objects || !rights) {
-    return false;
-  }
+Status addFirstRows(Pager& pager, double created) {
   std::vector<Object> all = {{tablesId, rootId, "Tables", ObjectKind::container, systemFlag},
                              {databasesId, rootId, "Databases", ObjectKind::container, systemFlag},
                              {relationshipsId, rootId, "Relationships", ObjectKind::container, systemFlag},
@@ -295,45 +263,41 @@ bool addFirstRows(Pager& pager, double created, std::string& reason) {
   for (const NewTable& table : systemTables()) {
     all.push_back({page++, tablesId, table.name, ObjectKind::table, systemFlag});
   }
-  for (const Object& object : all) {
-    const bool database = object.kind == ObjectKind::database;
-    const bool container = object.kind == ObjectKind::container;
-    if (!addObject(*objects, object, created, database ? databaseProperties() : Value::Bytes(), reason) ||
-        !addRights(*rights, object.id, container, reason)) {
-      return false;
-    }
+  Status done;
+  for (std::size_t i = 0; i < all.size() && done; ++i) {
+    const bool database = all[i].kind == ObjectKind::database;
+    done = addObject(pager, all[i], created, database ? databaseProperties() : Value::Bytes());
   }
-  return true;
+  return done;
 }
 
 }  // namespace
 
-bool makeSystemTables(Pager& pager, double created, std::string& reason) {
+Status makeSystemTables(Pager& pager, double created) {
+  constexpr const char* full = "the file cannot be written";
   Transaction transaction(pager);
-  reason = "the file cannot be written";
+  if (!transaction.begun()) {
+    return transaction.begun();
+  }
   const auto tables = systemTables();
-  for (std::size_t i = 0; i < tables.size() && transaction; ++i) {
-    if (allocatePage(pager) != catalogPage + static_cast<PageNumber>(i)) {
-      return false;
+  for (PageNumber i = 0; i < tables.size(); ++i) {
+    if (allocatePage(pager) != catalogPage + i) {
+      return {Failure::full, full};
     }
   }
   MapAllocator maps(pager);
-  for (std::size_t i = 0; i < tables.size(); ++i) {
-    const PageNumber page = catalogPage + static_cast<PageNumber>(i);
-    if (!transaction || !writeDefinition(pager, page, tables[i], TableKind::system, maps)) {
-      return false;
+  for (PageNumber i = 0; i < tables.size(); ++i) {
+    if (!writeDefinition(pager, catalogPage + i, tables[i], TableKind::system, maps)) {
+      return {Failure::full, full};
     }
   }
-  return addFirstRows(pager, created, reason) && transaction.commit();
+  Status done = addFirstRows(pager, created);
+  return done ? transaction.commit() : done;
 }
 
-bool enterTable(Pager& pager, PageNumber page, const NewTable& table, double created, std::string& reason) {
-  const auto objects = openSystemTable(pager, catalogPage, reason);
-  const auto rights = openSystemTable(pager, catalogPage + 1, reason);
-  return objects && rights &&
-         addObject(*objects, {page, tablesId, table.name, ObjectKind::table, 0}, created,
-                   tableProperties(table), reason) &&
-         addRights(*rights, page, false, reason);
+Status enterTable(Pager& pager, PageNumber page, const NewTable& table, double created) {
+  return addObject(pager, {page, tablesId, table.name, ObjectKind::table, 0}, created,
+                   tableProperties(table));
 }
 
 }  // namespace veltrano::access

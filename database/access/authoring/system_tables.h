@@ -3,8 +3,6 @@
 
 // The tables that every database has, as a new file gets them, and what they say of a new table.
 
-#include <string>
-
 #include "database/access/authoring/create_database.h"
 #include "database/access/storage/pager.h"
 
@@ -12,10 +10,10 @@ namespace veltrano::access {
 
 /// Makes MSysObjects, MSysACEs, MSysQueries and MSysRelationships, at pages 2 to 5 of a file of two pages,
 /// with the rows of an empty database. `created` is an automation date.
-bool makeSystemTables(Pager& pager, double created, std::string& reason);
+Status makeSystemTables(Pager& pager, double created);
 
 /// Enters a table, whose definition is at `page`, in the catalog and in the access rights. In a transaction.
-bool enterTable(Pager& pager, PageNumber page, const NewTable& table, double created, std::string& reason);
+Status enterTable(Pager& pager, PageNumber page, const NewTable& table, double created);
 
 }  // namespace veltrano::access
 

@@ -11,7 +11,7 @@
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/field_codec.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/space/usage_map.h"
 #include "database/access/table.h"
 
 namespace veltrano::access {
@@ -54,7 +54,7 @@ class Checker {
   Pager& pager_;
   std::vector<std::string> owners_;
   std::set<RowPointer> maps_;
-  std::set<RowPointer> pieces_;  // of long values, that rows lead to
+  std::set<RowPointer> pieces_;  // of long values that rows point to
   std::string name_;             // of the table being checked
   std::string wrong_;
 };
@@ -65,7 +65,7 @@ std::string text(RowPointer place) {
 
 bool Checker::claim(PageNumber page, const std::string& owner) {
   if (page >= owners_.size()) {
-    return wrong(owner + ": page behind the end of the file");
+    return wrong(owner + ": page after the end of the file");
   }
   if (!owners_[page].empty()) {
     return wrong("page " + std::to_string(page) + " belongs to " + owners_[page] + " and to " + owner);  // C1

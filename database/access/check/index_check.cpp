@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/space/usage_map.h"
 
 namespace veltrano::access {
 
@@ -128,7 +128,7 @@ class Checker {
     }
     const PageView before = left != 0 ? tree_.page(left) : PageView();
     return !before || IndexPage(before.bytes(), pager_.version()).next() == right ||
-           fail(left, "is not linked to the node behind it");
+           fail(left, "is not linked to the node after it");
   }
 
   Pager& pager_;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <tuple>
 
-#include "database/access/storage/allocator.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/space/allocator.h"
+#include "database/access/storage/space/usage_map.h"
 
 namespace veltrano::access {
 

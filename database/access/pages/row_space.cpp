@@ -1,7 +1,7 @@
 #include "database/access/pages/row_space.h"
 
-#include "database/access/storage/allocator.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/space/allocator.h"
+#include "database/access/storage/space/usage_map.h"
 
 namespace veltrano::access {
 

@@ -6,7 +6,7 @@
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/field_codec.h"
 #include "database/access/schema/properties.h"
-#include "database/access/schema/text_codec.h"
+#include "database/access/storage/text_codec.h"
 #include "database/access/table.h"
 
 namespace veltrano::access {
@@ -122,13 +122,12 @@ std::optional<std::vector<CatalogEntry>> readCatalog(Pager& pager) {
   return entries;
 }
 
-std::optional<TableDefinition> findTable(Pager& pager, std::string_view name, std::string& reason) {
-  reason = "no such table";
+Result<TableDefinition> findTable(Pager& pager, std::string_view name) {
   const auto catalog = openCatalog(pager);
   if (!catalog) {
-    reason = "the catalog is damaged";
-    return std::nullopt;
+    return {Failure::damaged, "the catalog is damaged"};
   }
+  const char* refusal = "no such table";
   std::optional<CatalogEntry> found;
   forEachEntry(*catalog, [&](const CatalogEntry& entry) {
     if (!sameName(entry.name, name)) {
@@ -136,30 +135,28 @@ std::optional<TableDefinition> findTable(Pager& pager, std::string_view name, st
     }
     // Forms, reports and the like may have the name of a table.
     if (entry.kind != ObjectKind::table) {
-      reason = refusalOf(entry.kind);
+      refusal = refusalOf(entry.kind);
       return true;
     }
     found = entry;
     return false;
   });
   if (!found) {
-    return std::nullopt;
+    return {Failure::missing, refusal};
   }
   auto definition = readTableDefinition(pager, found->id & 0x00FFFFFF);
   if (!definition) {
-    reason = "the table's definition is damaged";
-    return std::nullopt;
+    return {Failure::damaged, "the table's definition is damaged"};
   }
   const auto unreadable = [&pager](const Column& column) {
     return isJet3(pager.version()) && column.isText() && !isKnownCodePage(column.codePage);
   };
   if (std::any_of(definition->columns.begin(), definition->columns.end(), unreadable)) {
-    reason = "the table has text in a code page that the system cannot convert";
-    return std::nullopt;
+    return {Failure::other, "the table has text in a code page that the system cannot convert"};
   }
   definition->name = found->name;
   readProperties(*catalog, *found, *definition);
-  return definition;
+  return *std::move(definition);
 }
 
 }  // namespace veltrano::access

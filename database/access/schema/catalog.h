@@ -36,9 +36,9 @@ struct CatalogEntry {
 /// All objects, in the catalog's own order. Empty if the catalog is damaged.
 std::optional<std::vector<CatalogEntry>> readCatalog(Pager& pager);
 
-/// The definition of the table of that name (in any case), with the properties of its columns from the catalog. Empty,
-/// with a reason, if there is no such table, or it is a query, lies in another file or cannot be read.
-std::optional<TableDefinition> findTable(Pager& pager, std::string_view name, std::string& reason);
+/// The definition of the table of that name (in any case), with the properties of its columns from the catalog. Fails
+/// if there is no such table, or it is a query, lies in another file or cannot be read.
+Result<TableDefinition> findTable(Pager& pager, std::string_view name);
 
 }  // namespace veltrano::access
 

@@ -4,12 +4,13 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/numbers/numbers.h"
 #include "base/os/clock.h"
 #include "base/text/lower_case.h"
 #include "database/access/schema/field_codec.h"
-#include "database/dates.h"
+#include "database/values/dates.h"
 #include "veltrano/value.h"
 
 namespace veltrano::access {
@@ -58,14 +59,11 @@ std::optional<Value> evaluate(std::string_view expression) {
   if (sameName(expression, "Time()")) {
     return currentDate(false, true);
   }
-  for (const std::string_view yes : {"True", "Yes", "On"}) {
-    if (sameName(expression, yes)) {
-      return Value(true);
-    }
-  }
-  for (const std::string_view no : {"False", "No", "Off"}) {
-    if (sameName(expression, no)) {
-      return Value(false);
+  constexpr std::pair<std::string_view, bool> flags[] = {{"True", true},   {"Yes", true}, {"On", true},
+                                                         {"False", false}, {"No", false}, {"Off", false}};
+  for (const auto& [name, flag] : flags) {
+    if (sameName(expression, name)) {
+      return Value(flag);
     }
   }
   const auto number = parseNumber(expression);

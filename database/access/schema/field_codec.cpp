@@ -8,8 +8,8 @@
 #include <limits>
 
 #include "database/access/pages/long_value.h"
-#include "database/access/schema/text_codec.h"
-#include "database/field_conversion.h"
+#include "database/access/storage/text_codec.h"
+#include "database/values/field_conversion.h"
 
 namespace veltrano::access {
 

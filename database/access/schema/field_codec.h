@@ -10,7 +10,7 @@
 #include "database/access/pages/row.h"
 #include "database/access/schema/table_definition.h"
 #include "database/access/storage/pager.h"
-#include "database/text_matcher.h"
+#include "database/values/text_matcher.h"
 #include "veltrano/value.h"
 
 namespace veltrano::access {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "base/text/lower_case.h"
-#include "database/access/schema/text_codec.h"
+#include "database/access/storage/text_codec.h"
 
 namespace veltrano::access {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "base/text/lower_case.h"
-#include "database/access/schema/text_codec.h"
+#include "database/access/storage/text_codec.h"
 
 namespace veltrano::access {
 

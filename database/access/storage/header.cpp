@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "base/text/code_page.h"
-#include "database/access/schema/text_codec.h"
 #include "database/access/storage/codec.h"
+#include "database/access/storage/text_codec.h"
 
 namespace veltrano::access {
 
@@ -71,37 +71,33 @@ bool isEngine(Bytes bytes, std::string_view name) {
 }
 
 // The version byte of a file that begins like a database.
-std::optional<Version> versionOf(Bytes bytes, std::string& reason) {
+Result<Version> versionOf(Bytes bytes) {
   constexpr std::array<std::uint8_t, 4> begin = {0, 1, 0, 0};
   constexpr std::size_t versionAt = 0x14;
   if (bytes.size() < 2048 || !std::equal(begin.begin(), begin.end(), bytes.begin())) {
-    reason = "not an Access database";
-    return std::nullopt;
+    return {Failure::damaged, "not an Access database"};
   }
   if (isEngine(bytes, "MSISAM Database")) {
-    reason = "a money program's variant of the format";
-    return std::nullopt;
+    return {Failure::other, "a money program's variant of the format"};
   }
   const std::uint8_t version = bytes[versionAt];
   const bool jet = isEngine(bytes, "Standard Jet DB") && version <= 1;
   const bool ace = isEngine(bytes, "Standard ACE DB") && version >= 2 && version <= 6;
   if (!jet && !ace) {
-    reason = "not an Access database of a known version";
-    return std::nullopt;
+    return {Failure::other, "not an Access database of a known version"};
   }
   return static_cast<Version>(version);
 }
 
 }  // namespace
 
-std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::string& reason) {
-  const auto version = versionOf(bytes, reason);
+Result<Header> readHeader(Bytes bytes, std::string_view password) {
+  const auto version = versionOf(bytes);
   if (!version) {
-    return std::nullopt;
+    return version.status();
   }
   if (bytes.size() < pageSizeOf(*version)) {
-    reason = "the header page is cut off";
-    return std::nullopt;
+    return {Failure::damaged, "the header page is cut off"};
   }
   std::array<std::uint8_t, headerSize> page = {};
   std::copy_n(bytes.begin(), std::min(bytes.size(), page.size()), page.begin());
@@ -116,19 +112,16 @@ std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::st
   header.textOrder =
       isJet3(*version) ? load16(page.data() + jet3TextOrderAt) : load32(page.data() + textOrderAt);
   if (isJet3(*version) && !isKnownCodePage(header.codePage)) {
-    reason = "the file's texts are in a code page that the system cannot convert";
-    return std::nullopt;
+    return {Failure::other, "the file's texts are in a code page that the system cannot convert"};
   }
   const bool ace = *version >= Version::ace12;
   if (ace && header.pageKey != 0) {
-    reason = "the file is encrypted";
-    return std::nullopt;
+    return {Failure::notAllowed, "the file is encrypted"};
   }
   // .accdb files do not use the password field: their password encrypts the file.
   const std::string wanted = ace ? std::string() : storedPassword(page.data(), *version, header.codePage);
   if (wanted != password) {
-    reason = "not a valid password";
-    return std::nullopt;
+    return {Failure::notAllowed, "not a valid password"};
   }
   return header;
 }

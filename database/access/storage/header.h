@@ -4,10 +4,9 @@
 // The header page: which version a file has, what its texts are, and whether the password is right.
 
 #include <cstdint>
-#include <optional>
-#include <string>
 #include <string_view>
 
+#include "base/status.h"
 #include "database/access/storage/bytes.h"
 #include "database/access/storage/format.h"
 
@@ -23,9 +22,9 @@ struct Header {
 /// The most bytes of the file that readHeader wants.
 inline constexpr std::size_t headerSize = 4096;
 
-/// Reads the first bytes of a file and checks the password (UTF-8, empty for none). Empty, with a reason, if
-/// the engine cannot read such files, or the password is wrong.
-std::optional<Header> readHeader(Bytes bytes, std::string_view password, std::string& reason);
+/// Reads the first bytes of a file and checks the password (UTF-8, empty for none). Fails if the engine cannot
+/// read such files, or the password is wrong.
+Result<Header> readHeader(Bytes bytes, std::string_view password);
 
 }  // namespace veltrano::access
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 
-#include "database/access/storage/journal.h"
-#include "database/access/storage/recovery.h"
+#include "database/access/storage/journal/journal.h"
+#include "database/access/storage/journal/recovery.h"
 
 namespace veltrano::access {
 
@@ -20,28 +20,17 @@ bool otherProgramUses(FileSystem& files, const std::filesystem::path& file) {
   return false;
 }
 
-const char* reasonOf(OpenFailure failure) {
-  switch (failure) {
-    case OpenFailure::missing:
-      return "no such file";
-    case OpenFailure::inUse:
-      return "the file is in use";
-    default:
-      return "the file cannot be opened";
-  }
-}
-
 // The folder may be closed to the user although the file is not.
 bool journalCanBeMade(FileSystem& files, const std::filesystem::path& path) {
-  OpenFailure failure = {};
-  const bool made = files.open(journalPath(path), OpenMode::create, failure) != nullptr;
+  // Closed again before it is removed.
+  const bool made = static_cast<bool>(files.open(journalPath(path), OpenMode::create));
   return made && files.remove(journalPath(path));
 }
 
 }  // namespace
 
-std::optional<PageFile> PageFile::open(FileSystem& files, const std::filesystem::path& path, bool readOnly,
-                                       std::string_view password, std::string& reason) {
+Result<PageFile> PageFile::open(FileSystem& files, const std::filesystem::path& path, bool readOnly,
+                                std::string_view password) {
   PageFile file;
   // The journal lies beside the file itself.
   std::error_code error;
@@ -50,63 +39,60 @@ std::optional<PageFile> PageFile::open(FileSystem& files, const std::filesystem:
     file.path_ = path;
   }
   file.readOnly_ = readOnly;
-  const bool opened =
-      file.openFile(files, reason) && file.readHeaderPage(password, reason) && file.recover(files, reason);
-  return opened ? std::optional(std::move(file)) : std::nullopt;
+  Status done = file.openFile(files);
+  if (done) {
+    done = file.readHeaderPage(password);
+  }
+  if (done) {
+    done = file.recover(files);
+  }
+  return done ? Result<PageFile>(std::move(file)) : done;
 }
 
-bool PageFile::openFile(FileSystem& files, std::string& reason) {
-  OpenFailure failure = OpenFailure::notWritable;
-  if (!readOnly_) {
-    file_ = files.open(path_, OpenMode::write, failure);
-  }
-  if (!file_ && failure == OpenFailure::notWritable) {
+Status PageFile::openFile(FileSystem& files) {
+  auto opened = files.open(path_, readOnly_ ? OpenMode::read : OpenMode::write);
+  if (!readOnly_ && opened.failure() == Failure::notAllowed) {
     readOnly_ = true;
-    file_ = files.open(path_, OpenMode::read, failure);
+    opened = files.open(path_, OpenMode::read);
   }
-  if (!file_) {
-    reason = reasonOf(failure);
-    return false;
+  if (!opened) {
+    return opened.status();
   }
+  file_ = *std::move(opened);
   if (otherProgramUses(files, path_)) {
-    reason = "another program's lock file says that the file is in use";
-    return false;
+    return {Failure::inUse, "another program's lock file says that the file is in use"};
   }
-  return true;
+  return {};
 }
 
-bool PageFile::readHeaderPage(std::string_view password, std::string& reason) {
+Status PageFile::readHeaderPage(std::string_view password) {
   std::array<std::uint8_t, headerSize> first = {};
   const auto got = file_->readAt(0, first);
   if (!got) {
-    reason = "the file cannot be read";
-    return false;
+    return {Failure::other, "the file cannot be read"};
   }
-  const auto header = readHeader(Bytes(first).first(*got), password, reason);
-  if (!header) {
-    return false;
+  const auto header = readHeader(Bytes(first).first(*got), password);
+  if (header) {
+    header_ = *header;
+    codec_ = PageCodec(header_.pageKey);
+    identity_ = hashBytes(Bytes(first).first(pageSize()));
   }
-  header_ = *header;
-  codec_ = PageCodec(header->pageKey);
-  identity_ = hashBytes(Bytes(first).first(pageSize()));
-  return true;
+  return header.status();
 }
 
-bool PageFile::recover(FileSystem& files, std::string& reason) {
+Status PageFile::recover(FileSystem& files) {
   if (!recoverDatabase(files, path_, readOnly_ ? nullptr : file_.get(), identity_, pageSize())) {
-    reason = "an ended process left a journal beside the file, and it cannot be applied";
-    return false;
+    return {Failure::other, "an ended process left a journal beside the file, and it cannot be applied"};
   }
   const auto length = file_->size();
   if (!length || *length > maximumFileSize(header_.version)) {
-    reason = "the file is larger than the format allows";
-    return false;
+    return {Failure::damaged, "the file is larger than the format allows"};
   }
   length_ = *length;
   // Jet 3 is read only: nobody can check what would be written.
   readOnly_ =
       readOnly_ || length_ % pageSize() != 0 || isJet3(header_.version) || !journalCanBeMade(files, path_);
-  return true;
+  return {};
 }
 
 bool PageFile::read(PageNumber page, MutableBytes target) {

@@ -6,24 +6,22 @@
 
 #include <filesystem>
 #include <memory>
-#include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/files/random_access.h"
 #include "database/access/storage/bytes.h"
 #include "database/access/storage/codec.h"
-#include "database/access/storage/file.h"
 #include "database/access/storage/header.h"
 
 namespace veltrano::access {
 
 class PageFile {
  public:
-  /// Empty if that is impossible; `reason` then says why. Opens for reading only if that is wanted, or the file
-  /// cannot be written, or its folder takes no journal. `files` must outlive the file.
-  static std::optional<PageFile> open(FileSystem& files, const std::filesystem::path& path, bool readOnly,
-                                      std::string_view password, std::string& reason);
+  /// Opens for reading only if that is wanted, or the file cannot be written, or its folder takes no journal.
+  /// `files` must outlive the file.
+  static Result<PageFile> open(FileSystem& files, const std::filesystem::path& path, bool readOnly,
+                               std::string_view password);
 
   [[nodiscard]] const Header& header() const { return header_; }
   /// The file itself, whatever link led to it.
@@ -49,9 +47,9 @@ class PageFile {
 
  private:
   PageFile() = default;
-  bool openFile(FileSystem& files, std::string& reason);
-  bool readHeaderPage(std::string_view password, std::string& reason);
-  bool recover(FileSystem& files, std::string& reason);
+  Status openFile(FileSystem& files);
+  Status readHeaderPage(std::string_view password);
+  Status recover(FileSystem& files);
 
   std::filesystem::path path_;
   std::unique_ptr<RandomAccessFile> file_;

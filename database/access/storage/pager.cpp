@@ -4,8 +4,8 @@
 #include <cstring>
 #include <vector>
 
-#include "database/access/storage/journal.h"
-#include "database/access/storage/page_differences.h"
+#include "database/access/storage/journal/journal.h"
+#include "database/access/storage/journal/page_differences.h"
 #include "database/access/storage/page_file.h"
 
 namespace veltrano::access {
@@ -19,6 +19,13 @@ constexpr std::uint64_t longJournal = std::uint64_t{32} << 20;
 constexpr std::uint64_t announceStep = std::uint64_t{16} << 20;
 
 constexpr std::uint32_t fewestCachePages = 16;
+
+Status unreadable() {
+  return {Failure::other, "the file cannot be read"};
+}
+Status unconfirmed() {
+  return {Failure::other, "the disk does not confirm the writing"};
+}
 
 }  // namespace
 
@@ -51,17 +58,9 @@ struct Pager::State {
   std::vector<std::uint8_t> encodedBefore;
   std::vector<std::uint8_t> encodedAfter;
   SpaceHints hints;
-  std::string error;
-
-  bool fail(const char* reason) {
-    error = reason;
-    return false;
-  }
+  Status pageFailure;
 
   Frame* load(PageNumber page);
-  bool readInto(Frame& frame, PageNumber page) {
-    return file.read(page, frame.all()) || fail("the file cannot be read");
-  }
   bool mayGiveUp(Frame& frame);
   Frame* takeFrame() {
     return cache.take([this](Frame& frame) { return mayGiveUp(frame); });
@@ -72,9 +71,9 @@ struct Pager::State {
 
   bool writePage(Frame& frame);
   bool writeEarly(Frame& frame);
-  bool journalFrame(Frame& frame);
-  bool journalTransaction();
-  bool writeUnwritten();
+  Status journalFrame(Frame& frame);
+  Status journalTransaction();
+  Status writeUnwritten();
   bool restore(Frame& frame);
   void endTransaction();
 };
@@ -85,11 +84,12 @@ Frame* Pager::State::load(PageNumber page) {
   Frame* frame = cache.find(page);
   if (frame == nullptr) {
     if (page >= pages || broken) {
-      error = "a page after the end of the file";
+      pageFailure = {Failure::damaged, "a page after the end of the file"};
       return nullptr;
     }
     frame = takeFrame();
-    if (!readInto(*frame, page)) {
+    if (!file.read(page, frame->all())) {
+      pageFailure = unreadable();
       return nullptr;
     }
     cache.enter(frame, page);
@@ -126,7 +126,7 @@ std::unique_ptr<std::uint8_t[]> Pager::State::buffer() {
 
 bool Pager::State::writePage(Frame& frame) {
   if (!file.write(frame.number, frame.all())) {
-    return fail("the file cannot be written");
+    return false;
   }
   frame.unwritten = false;
   return true;
@@ -135,10 +135,7 @@ bool Pager::State::writePage(Frame& frame) {
 bool Pager::State::writeEarly(Frame& frame) {
   // P2
   const std::uint64_t end = file.offsetOf(frame.number + 1);
-  if (end > journal.announced() && !journal.announce(end + announceStep)) {
-    return fail("the journal cannot be written");
-  }
-  return writePage(frame);
+  return (end <= journal.announced() || journal.announce(end + announceStep)) && writePage(frame);
 }
 
 void Pager::State::startChange(Frame& frame) {
@@ -165,7 +162,7 @@ void Pager::State::unlist(Frame& frame) {
 }
 
 // Adds what the transaction has changed of a page to the journal's record.
-bool Pager::State::journalFrame(Frame& frame) {
+Status Pager::State::journalFrame(Frame& frame) {
   const std::uint64_t offset = file.offsetOf(frame.number);
   const Bytes after = file.encoded(frame.number, frame.all(), encodedAfter);
   bool differs = false;
@@ -176,7 +173,7 @@ bool Pager::State::journalFrame(Frame& frame) {
     const Bytes before = frame.before ? file.encoded(frame.number, frame.old(), encodedBefore)
                                       : file.readEncoded(frame.number, encodedBefore);
     if (before.empty()) {
-      return fail("the file cannot be read");
+      return unreadable();
     }
     forEachDifference(before, after, [&](std::size_t begin, std::size_t end) {
       const Bytes old = frame.number < keptPages ? before.subspan(begin, end - begin) : Bytes();
@@ -188,25 +185,26 @@ bool Pager::State::journalFrame(Frame& frame) {
     ++unwrittenKept;
   }
   frame.unwrittenAfter = frame.unwritten || differs;
-  return true;
+  return {};
 }
 
-bool Pager::State::journalTransaction() {
+Status Pager::State::journalTransaction() {
   // What went to the file early is in no record (P3).
   if (wroteEarly && !file.sync()) {
-    return fail("the disk does not confirm the writing");
+    return unconfirmed();
   }
   journal.startRecord();
   for (Frame* frame : changed) {
-    if (!journalFrame(*frame)) {
-      return false;
+    if (Status done = journalFrame(*frame); !done) {
+      return done;
     }
   }
-  return journal.writeRecord(file.offsetOf(pages)) || fail("the journal cannot be written");
+  return journal.writeRecord(file.offsetOf(pages)) ? Status()
+                                                   : Status(Failure::full, "the journal cannot be written");
 }
 
 // In the order of the file.
-bool Pager::State::writeUnwritten() {
+Status Pager::State::writeUnwritten() {
   std::vector<Frame*> waiting;
   for (const auto& frame : cache.frames()) {
     if (frame->number != noPage && frame->unwritten) {
@@ -215,22 +213,17 @@ bool Pager::State::writeUnwritten() {
   }
   std::sort(waiting.begin(), waiting.end(),
             [](const Frame* a, const Frame* b) { return a->number < b->number; });
-  for (std::size_t i = 0; i < waiting.size(); ++i) {
-    if (!writePage(*waiting[i])) {
-      // Written, but not synced: they are to be written again.
-      for (std::size_t done = 0; done < i; ++done) {
-        waiting[done]->unwritten = true;
-      }
-      return false;
-    }
+  const bool written =
+      std::all_of(waiting.begin(), waiting.end(), [this](Frame* frame) { return writePage(*frame); }) &&
+      file.setLength(file.offsetOf(committedPages));
+  if (written && file.sync()) {
+    return {};
   }
-  if (file.setLength(file.offsetOf(committedPages)) && file.sync()) {
-    return true;
-  }
+  // Written, perhaps, but not synced: they are to be written again.
   for (Frame* frame : waiting) {
     frame->unwritten = true;
   }
-  return fail("the disk does not confirm the writing");
+  return written ? unconfirmed() : Status(Failure::full, "the file cannot be written");
 }
 
 // Gives a changed page its bytes before the transaction.
@@ -240,7 +233,7 @@ bool Pager::State::restore(Frame& frame) {
     return true;
   }
   if (!frame.before) {
-    return readInto(frame, frame.number);
+    return file.read(frame.number, frame.all());
   }
   std::memcpy(frame.bytes.get(), frame.before.get(), frame.size);
   return true;
@@ -274,15 +267,14 @@ PageNumber PageView::number() const {
 
 // --- Opening and closing
 
-std::unique_ptr<Pager> Pager::open(const std::filesystem::path& path, const Options& options,
-                                   std::string& reason) {
+Result<std::unique_ptr<Pager>> Pager::open(const std::filesystem::path& path, const Options& options) {
   FileSystem& files = options.files != nullptr ? *options.files : systemFiles();
-  auto file = PageFile::open(files, path, options.readOnly, options.password, reason);
+  auto file = PageFile::open(files, path, options.readOnly, options.password);
   if (!file) {
-    return nullptr;
+    return file.status();
   }
   const std::uint32_t cachePages = std::max(options.cachePages, fewestCachePages);
-  return std::unique_ptr<Pager>(new Pager(std::make_unique<State>(std::move(*file), files, cachePages)));
+  return std::unique_ptr<Pager>(new Pager(std::make_unique<State>(*std::move(file), files, cachePages)));
 }
 
 Pager::Pager(std::unique_ptr<State> state) : state_(std::move(state)) {}
@@ -315,8 +307,8 @@ std::uint32_t Pager::defaultTextOrder() const {
 bool Pager::inTransaction() const {
   return state_->transaction;
 }
-std::string_view Pager::lastError() const {
-  return state_->error;
+const Status& Pager::pageFailure() const {
+  return state_->pageFailure;
 }
 SpaceHints& Pager::spaceHints() {
   return state_->hints;
@@ -332,15 +324,15 @@ PageView Pager::read(PageNumber page) {
   return PageView(frame);
 }
 
-bool Pager::begin() {
+Status Pager::begin() {
   if (readOnly()) {
-    return state_->fail("the file is open for reading only");
+    return {Failure::notAllowed, "the file is open for reading only"};
   }
   if (state_->broken || state_->transaction) {
-    return state_->fail("no transaction can begin");
+    return {Failure::other, "no transaction can begin"};
   }
   state_->transaction = true;
-  return true;
+  return {};
 }
 
 MutableBytes Pager::edit(PageNumber page) {
@@ -355,7 +347,7 @@ MutableBytes Pager::edit(PageNumber page) {
 
 PageNumber Pager::append() {
   if (!state_->transaction || state_->file.offsetOf(state_->pages + 1) > maximumFileSize(version())) {
-    state_->fail("the file has its full size");
+    state_->pageFailure = {Failure::full, "the file has its full size"};
     return noPage;
   }
   Frame* frame = state_->takeFrame();
@@ -366,15 +358,17 @@ PageNumber Pager::append() {
   return state_->pages++;
 }
 
-bool Pager::commit() {
+Status Pager::commit() {
   State& state = *state_;
   if (!state.transaction) {
-    return state.fail("no transaction");
+    return {Failure::other, "no transaction"};
   }
   const bool wroteEarly = state.wroteEarly;
-  if ((wroteEarly || !state.changed.empty()) && !state.journalTransaction()) {
-    rollback();
-    return false;
+  if (wroteEarly || !state.changed.empty()) {
+    if (Status done = state.journalTransaction(); !done) {
+      rollback();
+      return done;
+    }
   }
   for (Frame* frame : state.changed) {
     frame->unwritten = frame->unwrittenAfter;
@@ -387,7 +381,7 @@ bool Pager::commit() {
   if (wroteEarly || state.journal.size() > longJournal || state.unwrittenKept > state.cache.limit() / 2) {
     checkpoint();  // if it fails, the next one does it
   }
-  return true;
+  return {};
 }
 
 void Pager::rollback() {
@@ -406,27 +400,27 @@ void Pager::rollback() {
   state.endTransaction();
 }
 
-bool Pager::checkpoint() {
+Status Pager::checkpoint() {
   State& state = *state_;
   if (state.transaction || state.broken) {
-    return state.fail("no checkpoint can be made");
+    return {Failure::other, "no checkpoint can be made"};
   }
   if (state.journal.empty()) {
-    return true;
+    return {};
   }
   // P4
   if (!state.journal.sync()) {
-    return state.fail("the disk does not confirm the writing");
+    return unconfirmed();
   }
-  if (!state.writeUnwritten()) {
-    return false;
+  if (Status done = state.writeUnwritten(); !done) {
+    return done;
   }
   state.keptPages = state.committedPages;
   state.unwrittenKept = 0;
   state.cache.shrink([&state](Frame& frame) { return state.mayGiveUp(frame); });
   const bool cleared = state.journal.clear();
   state.journal.startAt(state.file.length());
-  return cleared || state.fail("the disk does not confirm the writing");
+  return cleared ? Status() : unconfirmed();
 }
 
 }  // namespace veltrano::access

@@ -41,11 +41,10 @@
 #include <filesystem>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 
+#include "base/files/random_access.h"
 #include "database/access/storage/bytes.h"
-#include "database/access/storage/file.h"
 #include "database/access/storage/format.h"
 #include "database/access/storage/page_cache.h"
 #include "database/access/storage/space_hints.h"
@@ -94,10 +93,8 @@ class Pager {
   static constexpr std::uint64_t editsInPlace = 64;
 
   /// Opens a file: takes its lock, applies the journal that a killed process left, checks header and
-  /// password. Null if that is impossible; `reason` then says why. Opens for reading only if the file cannot
-  /// be written.
-  static std::unique_ptr<Pager> open(const std::filesystem::path& file, const Options& options,
-                                     std::string& reason);
+  /// password. Opens for reading only if the file cannot be written.
+  static Result<std::unique_ptr<Pager>> open(const std::filesystem::path& file, const Options& options);
 
   Pager(const Pager&) = delete;
   Pager& operator=(const Pager&) = delete;
@@ -117,8 +114,8 @@ class Pager {
   /// The page for reading; an empty view if there is no such page or the file cannot be read.
   PageView read(PageNumber page);
 
-  /// Begins a transaction. False if the file is open for reading only, broken or already in one.
-  bool begin();
+  /// Begins a transaction. Fails if the file is open for reading only, broken or already in one.
+  Status begin();
   [[nodiscard]] bool inTransaction() const;
   /// The page for changing, in a transaction. Empty if it cannot be read or there is no transaction; the
   /// transaction is then to be rolled back. The same memory as that of `read` views. It stays the page's for
@@ -127,17 +124,18 @@ class Pager {
   /// A page of zeros after the last one, for changing. `noPage` if the file would grow beyond its limit.
   /// To be used by the allocator (allocator.h), which keeps the map of free pages.
   PageNumber append();
-  /// Ends the transaction with all its changes, or false: with none of them.
-  bool commit();
+  /// Ends the transaction with all its changes; if it fails, with none of them.
+  Status commit();
   void rollback();
   /// Writes everything committed to the file and makes it survive a power failure. Outside transactions. After
   /// a failure nothing is lost; the journal has it, and the next checkpoint or open tries again.
-  bool checkpoint();
+  Status checkpoint();
 
   [[nodiscard]] SpaceHints& spaceHints();
 
-  /// Why the last step failed, for the trace.
-  [[nodiscard]] std::string_view lastError() const;
+  /// Why a page could not be read, changed or appended: of the last time that `read`, `edit` or `append` gave
+  /// nothing. Loops over many pages ask once at their end.
+  [[nodiscard]] const Status& pageFailure() const;
 
  private:
   struct State;
@@ -148,18 +146,20 @@ class Pager {
 /// A transaction that is rolled back unless it was committed.
 class Transaction {
  public:
-  explicit Transaction(Pager& pager) : pager_(pager), active_(pager.begin()) {}
+  explicit Transaction(Pager& pager) : pager_(pager), begun_(pager.begin()), active_(begun_) {}
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
   ~Transaction() {
     if (active_) pager_.rollback();
   }
-  /// False if it could not begin.
-  explicit operator bool() const { return active_; }
-  bool commit() { return std::exchange(active_, false) && pager_.commit(); }
+  /// Why it could not begin, or success.
+  [[nodiscard]] const Status& begun() const { return begun_; }
+  /// Once; fails if the transaction has not begun.
+  Status commit() { return std::exchange(active_, false) ? pager_.commit() : begun_; }
 
  private:
   Pager& pager_;
+  Status begun_;
   bool active_;
 };
 

@@ -70,27 +70,6 @@ std::size_t sizeOf(VARTYPE type) {
   }
 }
 
-/// The value that a variant by reference refers to, still owned by it. False for a null reference.
-bool dereference(const VARIANT& reference, VARIANT& value) {
-  if (reference.byref == nullptr) {
-    return false;
-  }
-  VariantInit(&value);
-  const auto type = static_cast<VARTYPE>(reference.vt & ~VT_BYREF);
-  if (type == VT_DECIMAL) {
-    value.decVal = *reference.pdecVal;
-    value.vt = VT_DECIMAL;
-    return true;
-  }
-  const std::size_t size = sizeOf(type);
-  if (size == 0) {
-    return false;
-  }
-  value.vt = type;
-  std::memcpy(&value.llVal, reference.byref, size);
-  return true;
-}
-
 /// A copy of what a variant holds or refers to. The system's own function follows null references.
 HRESULT copyReferred(VARIANT& target, VARIANT& source) {
   VARIANT* const referred = variableOf(source);
@@ -149,24 +128,23 @@ void Argument::giveResult(VARIANT* result) {
 }
 
 HRESULT Argument::takeDefault(const Parameter& parameter) {
-  const Default* omitted = parameter.omitted;
-  if (omitted == nullptr) {
+  if (!parameter.optional) {
     return DISP_E_PARAMNOTOPTIONAL;
   }
   own(parameter.type);
   switch (parameter.type) {
     case VT_BSTR:
-      storage_.bstrVal = *omitted->text != L'\0' ? SysAllocString(omitted->text) : nullptr;
+      // Null stands for the default, as it does where early-bound hosts leave a text out.
       break;
     case VT_R8:
-      storage_.dblVal = omitted->number;
+      storage_.dblVal = parameter.omitted;
       break;
     case VT_I2:
     case VT_BOOL:
-      storage_.iVal = static_cast<SHORT>(omitted->number);
+      storage_.iVal = static_cast<SHORT>(parameter.omitted);
       break;
     default:
-      storage_.lVal = static_cast<LONG>(omitted->number);
+      storage_.lVal = static_cast<LONG>(parameter.omitted);
       break;
   }
   return S_OK;
@@ -186,8 +164,8 @@ HRESULT Argument::take(VARIANT& given, const Parameter& parameter, LCID locale) 
     pointer_ = source;
     return S_OK;
   }
-  if (type == VT_BSTR && parameter.omitted != nullptr && isEmptyText(*source)) {
-    // Given, so it must not look like one left out: that is a null text where early-bound hosts leave one out.
+  if (type == VT_BSTR && parameter.optional && isEmptyText(*source)) {
+    // Given, so it must not look like one left out.
     own(VT_BSTR);
     storage_.bstrVal = SysAllocStringLen(L"", 0);
     return S_OK;
@@ -206,26 +184,22 @@ HRESULT Argument::take(VARIANT& given, const Parameter& parameter, LCID locale) 
     pointer_ = source->byref;
     return pointer_ != nullptr ? S_OK : DISP_E_TYPEMISMATCH;
   }
-  VARIANT value;
+  OwnedVariant referred;
   const VARIANT* plain = source;
   if ((source->vt & VT_BYREF) != 0) {
-    if (!dereference(*source, value)) {
+    if (FAILED(copyReferred(*referred.get(), *source))) {
       return DISP_E_TYPEMISMATCH;
     }
-    plain = &value;
+    plain = referred.get();
     isVariable = true;
   }
   own(VT_EMPTY);
   const HRESULT result = coerce(*plain, type, locale);
   if (SUCCEEDED(result) && isVariable) {
-    rememberVariable(*source);
+    variable_ = source;
+    before_ = storage_.llVal;
   }
   return result;
-}
-
-void Argument::rememberVariable(VARIANT& variable) {
-  variable_ = &variable;
-  before_ = storage_.llVal;
 }
 
 HRESULT Argument::coerce(const VARIANT& source, VARTYPE type, LCID locale) {

@@ -45,7 +45,6 @@ class Argument {
   /// A number that fits only without a sign, taken as the bits of a signed one.
   bool coercePattern(const VARIANT& source, VARTYPE type, LCID locale);
   void own(VARTYPE type);
-  void rememberVariable(VARIANT& variable);
 
   void* pointer_ = nullptr;
   VARIANT storage_;              // initialised by own()

@@ -12,11 +12,7 @@ namespace {
 constexpr std::size_t most = InterfaceTable::mostParameters;
 
 /// Which of the host's arguments goes to which parameter; null where none was passed.
-struct Assignment {
-  std::array<VARIANT*, most> given{};
-
-  HRESULT assign(const Member& member, const DISPPARAMS& passed, UINT* wrong);
-};
+using Given = std::array<VARIANT*, most>;
 
 void reportWrong(UINT* wrong, const DISPPARAMS& passed, const VARIANT* argument) {
   if (wrong != nullptr && argument != nullptr) {
@@ -24,7 +20,7 @@ void reportWrong(UINT* wrong, const DISPPARAMS& passed, const VARIANT* argument)
   }
 }
 
-HRESULT Assignment::assign(const Member& member, const DISPPARAMS& passed, UINT* wrong) {
+HRESULT assign(const Member& member, const DISPPARAMS& passed, UINT* wrong, Given& given) {
   const std::size_t count = member.parameters.size();
   if (passed.cArgs > count) {
     return DISP_E_BADPARAMCOUNT;
@@ -46,7 +42,7 @@ HRESULT Assignment::assign(const Member& member, const DISPPARAMS& passed, UINT*
     given[static_cast<std::size_t>(id)] = &passed.rgvarg[i];
   }
   for (std::size_t i = 0; i < count; ++i) {
-    if (given[i] == nullptr && member.parameters[i].omitted == nullptr) {
+    if (given[i] == nullptr && !member.parameters[i].optional) {
       return DISP_E_BADPARAMCOUNT;
     }
   }
@@ -86,14 +82,14 @@ HRESULT takeArguments(const Member& member, const Call& call, std::array<Argumen
   if (member.takesAnyNumber) {
     return passed.cNamedArgs != 0 ? DISP_E_NONAMEDARGS : arguments[0].takeList(passed.rgvarg, passed.cArgs);
   }
-  Assignment assignment;
-  const HRESULT assigned = assignment.assign(member, passed, call.wrongArgument);
+  Given assignment{};
+  const HRESULT assigned = assign(member, passed, call.wrongArgument, assignment);
   if (FAILED(assigned)) {
     return assigned;
   }
   for (std::size_t i = 0; i < member.parameters.size(); ++i) {
     const Parameter& parameter = member.parameters[i];
-    VARIANT* given = assignment.given[i];
+    VARIANT* given = assignment[i];
     HRESULT taken = S_OK;
     if (given == nullptr) {
       taken = arguments[i].takeDefault(parameter);

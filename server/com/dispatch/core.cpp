@@ -1,7 +1,5 @@
 #include "server/com/dispatch/core.h"
 
-#include <exception>
-
 #include "server/com/module.h"
 
 namespace veltrano::server {
@@ -13,9 +11,11 @@ HRESULT findType(REFGUID guid, ITypeInfo** type) {
     return E_POINTER;
   }
   *type = nullptr;
-  ComPointer<ITypeLib> library;
-  const HRESULT loaded = loadTypeLibrary(library);
-  return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(guid, type);
+  return guarded([&] {
+    ComPointer<ITypeLib> library;
+    const HRESULT loaded = loadTypeLibrary(library);
+    return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(guid, type);
+  });
 }
 
 }  // namespace
@@ -27,19 +27,11 @@ HRESULT DispatchCore::getTypeInfo(UINT index, ITypeInfo** type) {
     }
     return DISP_E_BADINDEX;
   }
-  try {
-    return findType(*entry_.dispatchInterface, type);
-  } catch (const std::exception&) {
-    return E_OUTOFMEMORY;
-  }
+  return findType(*entry_.dispatchInterface, type);
 }
 
 HRESULT DispatchCore::getClassInfo(ITypeInfo** type) {
-  try {
-    return findType(*entry_.clsid, type);
-  } catch (const std::exception&) {
-    return E_OUTOFMEMORY;
-  }
+  return findType(*entry_.clsid, type);
 }
 
 HRESULT DispatchCore::getGuid(DWORD kind, GUID* guid) const {
@@ -61,12 +53,10 @@ HRESULT DispatchCore::getIdsOfNames(REFIID iid, OLECHAR** names, UINT count, DIS
   if (iid != IID_NULL) {
     return DISP_E_UNKNOWNINTERFACE;
   }
-  try {
+  return guarded([&] {
     const InterfaceTable* table = InterfaceTable::of(entry_);
     return table != nullptr ? table->identify(names, count, ids) : TYPE_E_CANTLOADLIBRARY;
-  } catch (const std::exception&) {
-    return E_OUTOFMEMORY;
-  }
+  });
 }
 
 HRESULT DispatchCore::invoke(IDispatch& object, DISPID id, REFIID iid, LCID locale, WORD flags,
@@ -80,7 +70,7 @@ HRESULT DispatchCore::invoke(IDispatch& object, DISPID id, REFIID iid, LCID loca
   if (arguments == nullptr) {
     return E_INVALIDARG;
   }
-  try {
+  return guarded([&] {
     const InterfaceTable* table = InterfaceTable::of(entry_);
     if (table == nullptr) {
       return TYPE_E_CANTLOADLIBRARY;
@@ -90,9 +80,7 @@ HRESULT DispatchCore::invoke(IDispatch& object, DISPID id, REFIID iid, LCID loca
       return DISP_E_MEMBERNOTFOUND;
     }
     return callMember(*member, {&object, &kinds_, locale, arguments, result, wrongArgument});
-  } catch (const std::exception&) {
-    return E_OUTOFMEMORY;
-  }
+  });
 }
 
 }  // namespace veltrano::server

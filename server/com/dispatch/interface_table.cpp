@@ -3,23 +3,17 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <mutex>
 
+#include "base/text/lower_case.h"
 #include "server/com/module.h"
 
 namespace veltrano::server {
 
 namespace {
 
-constexpr std::size_t longestName = 64;
-
-wchar_t lower(wchar_t c) {
-  return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
-}
-
-bool sameName(std::wstring_view left, std::wstring_view right) {
-  return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                    [](wchar_t a, wchar_t b) { return lower(a) == lower(b); });
+/// Whether a name stands before another one, whatever their case.
+bool isBefore(std::wstring_view left, std::wstring_view right) {
+  return std::ranges::lexicographical_compare(left, right, {}, lowerAscii<wchar_t>, lowerAscii<wchar_t>);
 }
 
 /// Names of a member and its parameters.
@@ -65,13 +59,14 @@ VARTYPE referredType(ITypeInfo& type, const TYPEDESC& description) {
   }
 }
 
-const Default* findDefault(const IID& iid, std::wstring_view member, std::wstring_view parameter) {
-  for (const Default& entry : defaultTable()) {
-    if (*entry.dispatchInterface == iid && entry.member == member && sameName(entry.parameter, parameter)) {
-      return &entry;
-    }
-  }
-  return nullptr;
+/// The default of a number or flag; 0 for what has none.
+double defaultNumber(const PARAMDESC& parameter) {
+  OwnedVariant number;
+  const bool given = (parameter.wParamFlags & PARAMFLAG_FHASDEFAULT) != 0;
+  return given && SUCCEEDED(
+                      VariantChangeType(number.get(), &parameter.pparamdescex->varDefaultValue, 0, VT_R8))
+             ? number->dblVal
+             : 0;
 }
 
 /// The flags of Invoke that mean the member. Hosts call properties as methods to read them, set them to objects, and
@@ -97,68 +92,51 @@ bool keepsKind(const ClassEntry& entry, std::wstring_view member, std::wstring_v
 }  // namespace
 
 const InterfaceTable* InterfaceTable::of(const ClassEntry& entry) {
-  static std::mutex mutex;
-  static std::vector<std::unique_ptr<InterfaceTable>> tables(classTable().size());
-  static std::vector<std::atomic<const InterfaceTable*>> made(classTable().size());
-  const auto index = static_cast<std::size_t>(&entry - classTable().data());
-  // Every late-bound call asks: the lock is for the first one.
-  if (const InterfaceTable* const known = made[index]) {
-    return known;
-  }
-  const std::lock_guard lock(mutex);
-  if (tables[index] == nullptr) {
-    ComPointer<ITypeLib> library;
-    if (SUCCEEDED(loadTypeLibrary(library))) {
-      tables[index] = read(entry, *library.get());
-      made[index] = tables[index].get();
+  static std::vector<std::atomic<const InterfaceTable*>> tables(classTable().size());
+  auto& known = tables[static_cast<std::size_t>(&entry - classTable().data())];
+  ComPointer<ITypeLib> library;
+  if (known == nullptr && SUCCEEDED(loadTypeLibrary(library))) {
+    // Kept for good, like the DLL that has made an object. Of two threads that read it at once the first one's stays.
+    auto table = read(entry, *library.get());
+    const InterfaceTable* none = nullptr;
+    if (known.compare_exchange_strong(none, table.get())) {
+      static_cast<void>(table.release());
     }
   }
-  return tables[index].get();
+  return known;
 }
 
 std::unique_ptr<InterfaceTable> InterfaceTable::read(const ClassEntry& entry, ITypeLib& library) {
   auto table = std::make_unique<InterfaceTable>();
-  if (FAILED(table->load(entry, library))) {
-    table.reset();
-  }
-  return table;
+  return table->load(entry, library) ? std::move(table) : nullptr;
 }
 
-HRESULT InterfaceTable::load(const ClassEntry& entry, ITypeLib& library) {
+bool InterfaceTable::load(const ClassEntry& entry, ITypeLib& library) {
   ComPointer<ITypeInfo> dispatch;
   ComPointer<ITypeInfo> type;
   HREFTYPE reference = 0;
-  HRESULT result = library.GetTypeInfoOfGuid(*entry.dispatchInterface, dispatch.out());
-  if (SUCCEEDED(result)) {
-    // A dual interface is listed as what scripts see; -1 leads to its vtable side.
-    result = dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference);
-  }
-  if (SUCCEEDED(result)) {
-    result = dispatch->GetRefTypeInfo(reference, type.out());
-  }
   TYPEATTR* attributes = nullptr;
-  if (SUCCEEDED(result)) {
-    result = type->GetTypeAttr(&attributes);
-  }
-  if (FAILED(result)) {
-    return result;
+  // A dual interface is listed as what scripts see; -1 leads to its vtable side.
+  if (FAILED(library.GetTypeInfoOfGuid(*entry.dispatchInterface, dispatch.out())) ||
+      FAILED(dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference)) ||
+      FAILED(dispatch->GetRefTypeInfo(reference, type.out())) || FAILED(type->GetTypeAttr(&attributes))) {
+    return false;
   }
   const UINT count = attributes->cFuncs;
   type->ReleaseTypeAttr(attributes);
   for (UINT i = 0; i < count; ++i) {
     FUNCDESC* function = nullptr;
-    result = type->GetFuncDesc(i, &function);
-    if (FAILED(result)) {
-      return result;
+    if (FAILED(type->GetFuncDesc(i, &function))) {
+      return false;
     }
     const bool added = addMember(*type.get(), *function, entry);
     type->ReleaseFuncDesc(function);
     if (!added) {
-      return TYPE_E_BADMODULEKIND;
+      return false;
     }
   }
-  std::sort(names_.begin(), names_.end(), [](const Name& a, const Name& b) { return a.lower < b.lower; });
-  return S_OK;
+  std::ranges::sort(names_, isBefore, &Name::name);
+  return true;
 }
 
 bool InterfaceTable::addMember(ITypeInfo& type, const FUNCDESC& function, const ClassEntry& entry) {
@@ -190,15 +168,13 @@ bool InterfaceTable::addMember(ITypeInfo& type, const FUNCDESC& function, const 
     parameter.name = i + 1 < names.size() ? names[i + 1] : std::wstring();
     parameter.type = referred;
     parameter.keptKind = keepsKind(entry, names[0], parameter.name);
-    parameter.omitted = findDefault(*entry.dispatchInterface, names[0], parameter.name);
-    member.required += parameter.omitted == nullptr ? 1U : 0U;
+    parameter.optional = (element.paramdesc.wParamFlags & (PARAMFLAG_FOPT | PARAMFLAG_FHASDEFAULT)) != 0;
+    parameter.omitted = defaultNumber(element.paramdesc);
     member.parameters.push_back(std::move(parameter));
   }
   if (!follows) {
     first_.push_back(members_.size());
-    Name name{names[0], members_.size()};
-    std::transform(name.lower.begin(), name.lower.end(), name.lower.begin(), lower);
-    names_.push_back(std::move(name));
+    names_.push_back({names[0], members_.size()});
   }
   members_.push_back(std::move(member));
   return true;
@@ -222,17 +198,9 @@ HRESULT InterfaceTable::identify(OLECHAR** names, UINT count, DISPID* ids) const
     return E_INVALIDARG;
   }
   std::fill_n(ids, count, DISPID_UNKNOWN);
-  std::array<wchar_t, longestName> wanted{};
-  std::size_t length = 0;
-  const wchar_t* given = names[0];
-  for (; given != nullptr && given[length] != L'\0' && length < wanted.size(); ++length) {
-    wanted[length] = lower(given[length]);
-  }
-  const std::wstring_view key(wanted.data(), length);
-  const auto found =
-      std::lower_bound(names_.begin(), names_.end(), key,
-                       [](const Name& name, std::wstring_view text) { return name.lower < text; });
-  if (found == names_.end() || found->lower != key) {
+  const std::wstring_view wanted = names[0] != nullptr ? names[0] : L"";
+  const auto found = std::ranges::lower_bound(names_, wanted, isBefore, &Name::name);
+  if (found == names_.end() || isBefore(wanted, found->name)) {
     return DISP_E_UNKNOWNNAME;
   }
   const Member& member = members_[found->member];
@@ -242,7 +210,7 @@ HRESULT InterfaceTable::identify(OLECHAR** names, UINT count, DISPID* ids) const
     const auto& parameters = member.parameters;
     const auto parameter =
         std::find_if(parameters.begin(), parameters.end(), [&](const Parameter& candidate) {
-          return names[i] != nullptr && sameName(candidate.name, names[i]);
+          return names[i] != nullptr && sameAsciiName<wchar_t>(candidate.name, names[i]);
         });
     if (parameter == parameters.end()) {
       result = DISP_E_UNKNOWNNAME;

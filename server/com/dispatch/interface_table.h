@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "server/classes/class_table.h"
-#include "server/com/dispatch/defaults.h"
 
 namespace veltrano::server {
 
@@ -20,7 +19,8 @@ struct Parameter {
   /// picture.
   VARTYPE type = VT_EMPTY;
   bool keptKind = false;
-  const Default* omitted = nullptr;  ///< null when the argument is required
+  bool optional = false;
+  double omitted = 0;  ///< the default of an optional number or flag; a text is null
 };
 
 struct Member {
@@ -30,7 +30,6 @@ struct Member {
   std::vector<Parameter> parameters;
   VARTYPE result = VT_EMPTY;
   bool takesAnyNumber = false;
-  unsigned required = 0;
 };
 
 class InterfaceTable {
@@ -50,15 +49,16 @@ class InterfaceTable {
 
  private:
   struct Name {
-    std::wstring lower;
+    std::wstring name;
     std::size_t member;
   };
-  HRESULT load(const ClassEntry& entry, ITypeLib& library);
+  /// False if the library is damaged or memory is short: then nothing can be called.
+  bool load(const ClassEntry& entry, ITypeLib& library);
   bool addMember(ITypeInfo& type, const FUNCDESC& function, const ClassEntry& entry);
 
   std::vector<Member> members_;     ///< by id; a property's get and put are neighbours
   std::vector<std::size_t> first_;  ///< index of the first member with an id, by id - 1
-  std::vector<Name> names_;         ///< sorted
+  std::vector<Name> names_;         ///< sorted, whatever their case
 };
 
 }  // namespace veltrano::server

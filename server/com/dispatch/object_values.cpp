@@ -14,21 +14,16 @@ namespace {
 /// Longer lists are not taken apart: an object may claim any length.
 constexpr LONG longestList = 100000;
 
-HRESULT getById(IDispatch& object, DISPID id, VARIANT* result) {
+HRESULT getById(IDispatch& object, DISPID id, VARIANT* result, WORD flags = DISPATCH_PROPERTYGET) {
   DISPPARAMS none = {};
-  return object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, result, nullptr,
-                       nullptr);
+  return object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &none, result, nullptr, nullptr);
 }
 
-HRESULT find(IDispatch& object, const wchar_t* name, DISPID& id) {
-  auto* text = const_cast<OLECHAR*>(name);
-  return object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
-}
-
-HRESULT get(IDispatch& object, const wchar_t* name, VARIANT* result) {
+HRESULT get(IDispatch& object, const wchar_t* name, VARIANT* result, WORD flags = DISPATCH_PROPERTYGET) {
   DISPID id = DISPID_UNKNOWN;
-  const HRESULT found = find(object, name, id);
-  return FAILED(found) ? found : getById(object, id, result);
+  auto* text = const_cast<OLECHAR*>(name);
+  const HRESULT found = object.GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
+  return FAILED(found) ? found : getById(object, id, result, flags);
 }
 
 std::optional<LONG> listLength(IDispatch& object) {
@@ -61,12 +56,8 @@ bool listElements(IDispatch& object, LONG count, VARIANT* result) {
 
 /// The number that a method without arguments returns.
 std::optional<double> numberOf(IDispatch& object, const wchar_t* method) {
-  DISPID id = DISPID_UNKNOWN;
-  DISPPARAMS none = {};
   OwnedVariant number;
-  if (FAILED(find(object, method, id)) ||
-      FAILED(object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &none, number.get(), nullptr,
-                           nullptr)) ||
+  if (FAILED(get(object, method, number.get(), DISPATCH_METHOD)) ||
       FAILED(VariantChangeType(number.get(), number.get(), 0, VT_R8)) || !std::isfinite(number->dblVal)) {
     return std::nullopt;
   }

@@ -6,12 +6,63 @@
 namespace veltrano::access {
 namespace {
 
+// The system's files on a disk that is full from the given write on: that one is done in part, and no file grows
+// any more.
+class FullDisk final : public FileSystem {
+ public:
+  explicit FullDisk(int writes) : writesLeft_(writes) {}
+
+  Result<std::unique_ptr<RandomAccessFile>> open(const std::filesystem::path& file, OpenMode mode) override {
+    auto opened = systemFiles().open(file, mode);
+    if (opened) {
+      opened = std::make_unique<File>(*this, *std::move(opened));
+    }
+    return opened;
+  }
+  bool remove(const std::filesystem::path& file) override { return systemFiles().remove(file); }
+  bool lockFileInUse(const std::filesystem::path& lockFile) override {
+    return systemFiles().lockFileInUse(lockFile);
+  }
+  [[nodiscard]] bool failed() const { return writesLeft_ < 0; }
+
+ private:
+  class File final : public RandomAccessFile {
+   public:
+    File(FullDisk& disk, std::unique_ptr<RandomAccessFile> file) : disk_(disk), file_(std::move(file)) {}
+
+    std::optional<std::size_t> readAt(std::uint64_t offset, MutableBytes target) override {
+      return file_->readAt(offset, target);
+    }
+    bool writeAt(std::uint64_t offset, Bytes bytes) override {
+      if (--disk_.writesLeft_ == -1) {
+        file_->writeAt(offset, bytes.first(bytes.size() / 2));
+        return false;
+      }
+      return !grows(offset + bytes.size()) && file_->writeAt(offset, bytes);
+    }
+    std::optional<std::uint64_t> size() override { return file_->size(); }
+    bool resize(std::uint64_t size) override {
+      --disk_.writesLeft_;
+      return !grows(size) && file_->resize(size);
+    }
+    // Waiting for the disk would take most of the test's time.
+    bool sync() override { return true; }
+
+   private:
+    bool grows(std::uint64_t end) { return disk_.failed() && end > file_->size().value_or(0); }
+
+    FullDisk& disk_;
+    std::unique_ptr<RandomAccessFile> file_;
+  };
+
+  int writesLeft_;
+};
+
 TEST(Creation, RefusesWhatIsNotValid) {
   const Folder folder;
-  std::string reason;
   makeDatabase(folder / "a.mdb", {smallTable()});
-  EXPECT_FALSE(createDatabase(folder / "a.mdb", {}, reason)) << "it exists";
-  EXPECT_FALSE(createDatabase(folder / "missing" / "b.mdb", {}, reason));
+  EXPECT_EQ(createDatabase(folder / "a.mdb", {}).failure(), Failure::exists);
+  EXPECT_FALSE(createDatabase(folder / "missing" / "b.mdb", {}));
   const NewColumn id = {.name = "ID", .type = ColumnType::longInteger};
   const std::vector<NewTable> bad = {
       smallTable(),
@@ -34,29 +85,29 @@ TEST(Creation, RefusesWhatIsNotValid) {
   };
   const std::string before = readWholeFile(folder / "a.mdb").value();
   for (std::size_t i = 0; i < bad.size(); ++i) {
-    EXPECT_FALSE(createTable(folder / "a.mdb", bad[i], reason)) << "table " << i;
+    EXPECT_FALSE(createTable(OpenedFile(folder / "a.mdb").pager(), bad[i])) << "table " << i;
   }
   EXPECT_EQ(readWholeFile(folder / "a.mdb"), before);
+  EXPECT_FALSE(createDatabase(folder / "c.mdb", {smallTable(), smallTable()}));
+  EXPECT_FALSE(std::filesystem::exists(folder / "c.mdb"));
 }
 
 TEST(Creation, TakesPasswordsOfTwentyCharacters) {
   const Folder folder;
-  std::string reason;
   const std::string longest = "12345678901234567890";
   makeDatabase(folder / "a.mdb", {smallTable()}, {.password = longest});
   EXPECT_TRUE(open(folder / "a.mdb", longest));
   EXPECT_FALSE(open(folder / "a.mdb", longest.substr(1)));
-  EXPECT_FALSE(createDatabase(folder / "b.mdb", {.password = longest + "1"}, reason));
+  EXPECT_FALSE(createDatabase(folder / "b.mdb", {}, {.password = longest + "1"}));
   EXPECT_FALSE(std::filesystem::exists(folder / "b.mdb"));
 }
 
 TEST(Creation, LeavesNothingOnAFullDisk) {
   const Folder folder;
-  std::string reason;
   bool full = true;
   for (int writes = 0; full; ++writes) {
-    FailingFiles files(FailingFiles::Failure::diskFull, writes);
-    const bool made = createDatabase(folder / "a.mdb", {.files = &files}, reason);
+    FullDisk files(writes);
+    const bool made(createDatabase(folder / "a.mdb", {}, {.files = &files}));
     full = files.failed();
     ASSERT_EQ(std::filesystem::exists(folder / "a.mdb"), made) << writes;
     ASSERT_FALSE(std::filesystem::exists(folder / "a.mdb.new")) << writes;
@@ -69,11 +120,11 @@ TEST(Creation, LeavesNothingOnAFullDisk) {
   full = true;
   for (int writes = 0; full; ++writes) {
     const std::string name = "T" + std::to_string(writes);
-    FailingFiles files(FailingFiles::Failure::diskFull, writes);
+    FullDisk files(writes);
     OpenedFile file(folder / "b.mdb", &files);
     NewTable table = peopleTable();
     table.name = name;
-    const bool made = createTable(file.pager(), table, reason);
+    const bool made(createTable(file.pager(), table));
     full = files.failed();
     ASSERT_EQ(file.check(), "") << writes;
     ASSERT_EQ(file.table(name) != nullptr, made) << writes;
@@ -94,13 +145,13 @@ TEST(Creation, TakesAsManyColumnsAsTheFormatHas) {
   makeDatabase(folder / "a.mdb", {wide});
   {
     const auto database = open(folder / "a.mdb");
-    const auto table = database->openTable("wide");
+    const auto table = openTable(*database, "wide");
     ASSERT_TRUE(table);
     table->addNew();
     EXPECT_TRUE(table->write("Column number 254", std::string(200, 'x')));
     EXPECT_TRUE(table->write("Column number 252", std::string(3000, 'x')));
     EXPECT_TRUE(table->write("Column number 253", true));
-    EXPECT_TRUE(table->update()) << table->lastError();
+    EXPECT_TRUE(table->update());
     table->moveFirst();
     EXPECT_EQ(read(*table, "Column number 252").size(), 3000U);
     EXPECT_EQ(read(*table, "Column number 253"), "True");

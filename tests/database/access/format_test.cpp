@@ -5,9 +5,9 @@
 #include "database/access/pages/long_value.h"
 #include "database/access/pages/row.h"
 #include "database/access/schema/catalog.h"
-#include "database/access/schema/text_codec.h"
 #include "database/access/storage/codec.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/space/usage_map.h"
+#include "database/access/storage/text_codec.h"
 #include "harness.h"
 
 namespace veltrano::access {
@@ -197,8 +197,7 @@ TEST(UsageMap, HoldsAnySetOfPages) {
   const Folder folder;
   makeDatabase(folder / "a.mdb", {plainTable()});
   const OpenedFile file(folder / "a.mdb");
-  std::string reason;
-  const auto definition = findTable(file.pager(), "Plain", reason);
+  const auto definition = findTable(file.pager(), "Plain");
   const Transaction transaction(file.pager());
   UsageMap map(file.pager(), definition->ownedPages);
   std::set<PageNumber> expected;

@@ -7,7 +7,7 @@
 #include "database/access/check/database_check.h"
 #include "database/access/engine.h"
 #include "database/access/schema/catalog.h"
-#include "database/text_matcher.h"
+#include "database/values/text_matcher.h"
 
 namespace veltrano::access {
 
@@ -57,10 +57,15 @@ std::string utf8Of(const std::filesystem::path& path) {
 
 std::unique_ptr<Database> open(const std::filesystem::path& file,
                                const std::optional<std::string>& password) {
-  std::string reason;
   const auto connect =
       password ? std::optional(std::string(passwordConnectPrefix) + *password) : std::nullopt;
-  return makeAccessEngine()->openDatabase(utf8Of(file), connect, reason);
+  auto database = makeAccessEngine()->openDatabase(utf8Of(file), connect);
+  return database ? *std::move(database) : nullptr;
+}
+
+std::unique_ptr<Recordset> openTable(Database& database, const std::string& name) {
+  auto table = database.openTable(name);
+  return table ? *std::move(table) : nullptr;
 }
 
 std::string read(Recordset& recordset, const std::string& field) {
@@ -86,19 +91,17 @@ NewTable smallTable() {
 
 void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
                   const NewDatabase& options) {
-  std::string reason;
-  ASSERT_TRUE(createDatabase(file, options, reason)) << reason;
-  for (const NewTable& table : tables) {
-    ASSERT_TRUE(createTable(file, table, reason, options.password)) << reason;
-  }
+  const Status made = createDatabase(file, tables, options);
+  ASSERT_TRUE(made) << made.reason();
 }
 
 OpenedFile::OpenedFile(const std::filesystem::path& file, FileSystem* files, std::uint32_t cachePages)
     : file_(std::make_shared<OpenFile>()) {
-  Pager::Options options;
-  options.files = files;
-  options.cachePages = cachePages;
-  file_->pager = Pager::open(file, options, reason_);
+  auto pager = Pager::open(file, {.cachePages = cachePages, .files = files});
+  reason_ = pager.status().reason();
+  if (pager) {
+    file_->pager = *std::move(pager);
+  }
 }
 
 OpenedFile::~OpenedFile() {
@@ -108,8 +111,8 @@ OpenedFile::~OpenedFile() {
 }
 
 std::unique_ptr<AccessRecordset> OpenedFile::table(const std::string& name) {
-  auto definition = findTable(pager(), name, reason_);
-  return definition ? std::make_unique<AccessRecordset>(file_, std::move(*definition)) : nullptr;
+  auto definition = findTable(pager(), name);
+  return definition ? std::make_unique<AccessRecordset>(file_, *std::move(definition)) : nullptr;
 }
 
 std::string OpenedFile::check() const {
@@ -159,26 +162,28 @@ std::string difference(std::vector<Record> found, const Model& model, bool order
 // Letters of one, two, three and four bytes in UTF-8; upper and lower case; the ends of what may be
 // compressed.
 std::string RandomWork::randomText(int most) {
-  static const std::array<const char*, 16> letters = {"a",
-                                                      "B",
-                                                      "c",
-                                                      "z",
-                                                      "0",
-                                                      "-",
-                                                      " x",
-                                                      "'",
-                                                      "\xC3\xA9",
-                                                      "\xC3\xBF",
-                                                      "\xC3\x9F",
-                                                      "\xC5\xBB",
-                                                      "\xCE\xA9",
-                                                      "\xE2\x82\xAC",
-                                                      "\xE3\x81\x82",
-                                                      "\xF0\x9F\x98\x80"};
-  const int kinds = number(3) == 0 ? static_cast<int>(letters.size()) : 8;
+  static const char* const letters[] = {
+      "a",
+      "B",
+      "c",
+      "z",
+      "0",
+      "-",
+      " x",
+      "'",
+      "\xC3\xA9",
+      "\xC3\xBF",
+      "\xC3\x9F",
+      "\xC5\xBB",
+      "\xCE\xA9",
+      "\xE2\x82\xAC",
+      "\xE3\x81\x82",
+      "\xF0\x9F\x98\x80",
+  };
+  const int kinds = number(3) == 0 ? 16 : 8;
   std::string text;
   for (int length = number(most + 1); length > 0; --length) {
-    text += letters[static_cast<std::size_t>(number(kinds))];
+    text += letters[number(kinds)];
   }
   return text;
 }
@@ -260,14 +265,14 @@ bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& af
     recordset.write("ID", Value(id));
     assignSome(recordset, record);
     after[id] = std::move(record);
-    return recordset.update();
+    return static_cast<bool>(recordset.update());
   }
   const auto chosen = std::next(before.begin(), number(static_cast<int>(before.size())));
   recordset.moveFirst();
   EXPECT_TRUE(recordset.find("ID", TextMatcher(std::to_string(chosen->first), CaseRule::exact)));
   if (number(5) < 2) {
     after.erase(chosen->first);
-    return recordset.remove();
+    return static_cast<bool>(recordset.remove());
   }
   recordset.edit();
   Record record = chosen->second;
@@ -281,59 +286,7 @@ bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& af
   } else {
     after[chosen->first] = std::move(record);
   }
-  return recordset.update();
-}
-
-namespace {
-
-class FailingFile final : public RandomAccessFile {
- public:
-  FailingFile(FailingFiles& files, std::unique_ptr<RandomAccessFile> file)
-      : files_(files), file_(std::move(file)) {}
-
-  std::optional<std::size_t> readAt(std::uint64_t offset, MutableBytes target) override {
-    return file_->readAt(offset, target);
-  }
-  bool writeAt(std::uint64_t offset, Bytes bytes) override {
-    if (files_.dead()) {
-      return false;
-    }
-    if (files_.countWrite()) {
-      file_->writeAt(offset, bytes.first(bytes.size() / 2));
-      return false;
-    }
-    const bool grows = offset + bytes.size() > file_->size();
-    return !(files_.failed() && grows) && file_->writeAt(offset, bytes);
-  }
-  std::optional<std::uint64_t> size() override { return file_->size(); }
-  bool resize(std::uint64_t size) override {
-    return !files_.dead() && !files_.countWrite() && file_->resize(size);
-  }
-  // Waiting for the disk would take most of the tests' time.
-  bool sync() override { return !files_.dead(); }
-
- private:
-  FailingFiles& files_;
-  std::unique_ptr<RandomAccessFile> file_;
-};
-
-}  // namespace
-
-std::unique_ptr<RandomAccessFile> FailingFiles::open(const std::filesystem::path& file, OpenMode mode,
-                                                     OpenFailure& failure) {
-  if (failure_ == Failure::noNewFiles && mode == OpenMode::create) {
-    failure = OpenFailure::notWritable;
-    return nullptr;
-  }
-  auto opened = systemFiles().open(file, mode, failure);
-  return opened ? std::make_unique<FailingFile>(*this, std::move(opened)) : nullptr;
-}
-
-bool FailingFiles::remove(const std::filesystem::path& file) {
-  return !dead() && systemFiles().remove(file);
-}
-bool FailingFiles::lockFileInUse(const std::filesystem::path& lockFile) {
-  return systemFiles().lockFileInUse(lockFile);
+  return static_cast<bool>(recordset.update());
 }
 
 }  // namespace veltrano::access

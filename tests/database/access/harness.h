@@ -13,9 +13,9 @@
 #include <string>
 #include <vector>
 
+#include "base/files/random_access.h"
 #include "database/access/authoring/create_database.h"
 #include "database/access/recordset.h"
-#include "database/access/storage/file.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano::access {
@@ -34,6 +34,9 @@ NewTable smallTable();
 /// Opens a file as a host does; null if it is refused.
 std::unique_ptr<Database> open(const std::filesystem::path& file,
                                const std::optional<std::string>& password = {});
+
+/// Null if the table is refused.
+std::unique_ptr<Recordset> openTable(Database& database, const std::string& name);
 
 /// A field's text; in brackets if there is none.
 std::string read(Recordset& recordset, const std::string& field);
@@ -101,31 +104,6 @@ class RandomWork {
 
   std::mt19937 random_;
   bool added_ = false;
-};
-
-/// The system's files, until the given number of writes is reached.
-class FailingFiles : public FileSystem {
- public:
-  enum class Failure {
-    death,       ///< that write is done in part, and nothing is written or removed afterwards
-    diskFull,    ///< that write is done in part, and then files can no longer grow
-    noNewFiles,  ///< at once: files cannot be made, as in a folder where the user may not
-  };
-  FailingFiles(Failure failure, int writes) : failure_(failure), writesLeft_(writes) {}
-
-  std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
-                                         OpenFailure& failure) override;
-  bool remove(const std::filesystem::path& file) override;
-  bool lockFileInUse(const std::filesystem::path& lockFile) override;
-
-  [[nodiscard]] bool failed() const { return writesLeft_ < 0; }
-  [[nodiscard]] bool dead() const { return failed() && failure_ == Failure::death; }
-  /// Counts a write; true when it is the one that fails.
-  bool countWrite() { return --writesLeft_ == -1; }
-
- private:
-  Failure failure_;
-  int writesLeft_;
 };
 
 }  // namespace veltrano::access

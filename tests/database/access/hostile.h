@@ -9,7 +9,7 @@
 #include "database/access/check/database_check.h"
 #include "database/access/recordset.h"
 #include "database/access/schema/catalog.h"
-#include "database/text_matcher.h"
+#include "database/values/text_matcher.h"
 
 namespace veltrano::access {
 
@@ -17,22 +17,22 @@ namespace veltrano::access {
 /// for the disk.
 inline void useHostileFile(const std::filesystem::path& path, FileSystem& files) {
   auto file = std::make_shared<OpenFile>();
-  std::string reason;
-  file->pager = Pager::open(path, {.files = &files}, reason);
-  const auto catalog = file->pager ? readCatalog(*file->pager) : std::nullopt;
+  auto pager = Pager::open(path, {.files = &files});
+  const auto catalog = pager ? readCatalog(**pager) : std::nullopt;
   if (!catalog) {
     return;
   }
+  file->pager = *std::move(pager);
   checkDatabase(*file->pager, CheckCounters::yes);
   constexpr std::size_t mostTables = 20;
   constexpr int mostRecords = 2000;
   for (std::size_t i = 0; i < catalog->size() && i < mostTables; ++i) {
-    auto definition = findTable(*file->pager, (*catalog)[i].name, reason);
+    auto definition = findTable(*file->pager, (*catalog)[i].name);
     if (!definition) {
       continue;
     }
     const std::vector<Column> columns = definition->columns;
-    AccessRecordset recordset(file, std::move(*definition));
+    AccessRecordset recordset(file, *std::move(definition));
     std::string text;
     int records = 0;
     for (recordset.moveFirst(); recordset.atEnd() == false && records < mostRecords; ++records) {

@@ -75,7 +75,7 @@ TEST(Hostile, LiesAreSeenThrough) {
       {"definition as long as anything", 2, page_kind::definition, 8, le32(0xFFFFFFFF)},
       {"as many columns as anything", 2, page_kind::definition, 45, {0xFF, 0xFF}},
       {"as many indexes as anything", 2, page_kind::definition, 51, le32(0x7FFFFFFF)},
-      {"map far behind the end", 2, page_kind::definition, 55, le32(0xFFFFFF00)},
+      {"map far after the end", 2, page_kind::definition, 55, le32(0xFFFFFF00)},
       {"more slots than fit", 0, page_kind::data, 12, {0xFF, 0xFF}},
       {"slot outside of the page", 0, page_kind::data, 14, {0xFF, 0x1F}},
       {"slot that points to itself", 0, page_kind::data, 14, {0x00, 0x4F}},

@@ -10,7 +10,7 @@
 #include "database/access/check/index_check.h"
 #include "database/access/index/cursor.h"
 #include "database/access/schema/catalog.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/space/usage_map.h"
 #include "harness.h"
 
 namespace veltrano::access {
@@ -35,11 +35,9 @@ class IndexTreeTest : public testing::Test {
                  {{.name = "Empty",
                    .columns = {{.name = "ID", .type = ColumnType::longInteger}},
                    .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true}}}});
-    std::string reason;
-    pager_ = Pager::open(folder_ / "a.mdb", {}, reason);
-    ASSERT_TRUE(pager_) << reason;
-    const auto table = findTable(*pager_, "Empty", reason);
-    ASSERT_TRUE(table) << reason;
+    pager_ = *Pager::open(folder_ / "a.mdb", {});
+    const auto table = findTable(*pager_, "Empty");
+    ASSERT_TRUE(table);
     table_ = table->page;
     index_ = table->indexes.at(0);
     ASSERT_TRUE(pager_->begin());
@@ -99,7 +97,7 @@ TEST_F(IndexTreeTest, FillsPagesWithAscendingKeys) {
     ASSERT_NO_FATAL_FAILURE(insert(numberEntry(i, i + 1000)));
   }
   ASSERT_NO_FATAL_FAILURE(check());
-  // An entry takes 9 bytes, 7 or less behind a prefix of 2: more than 500 in 3616 bytes, were every page
+  // An entry takes 9 bytes, 7 or less after a prefix of 2: more than 500 in 3616 bytes, were every page
   // full.
   EXPECT_LT(pagesOfIndex(), static_cast<int>(count) / 500 + 5);
   for (std::uint32_t i = 0; i < count; i += 2) {

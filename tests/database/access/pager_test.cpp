@@ -26,9 +26,9 @@ class PagerTest : public testing::Test {
     open();
   }
   void open(std::uint32_t cachePages = 4096) {
-    std::string reason;
-    pager_ = Pager::open("a.mdb", {.cachePages = cachePages, .files = &disk_}, reason);
-    ASSERT_TRUE(pager_) << reason;
+    auto opened = Pager::open("a.mdb", {.cachePages = cachePages, .files = &disk_});
+    ASSERT_TRUE(opened) << opened.status().reason();
+    pager_ = *std::move(opened);
   }
   /// Changes the last byte of a page.
   bool put(std::uint8_t value, PageNumber page = somePage) {
@@ -46,7 +46,7 @@ class PagerTest : public testing::Test {
       }
       pager_->edit(page)[pageSize - 1] = static_cast<std::uint8_t>(page % 251 + 1);
     }
-    return transaction.commit();
+    return static_cast<bool>(transaction.commit());
   }
   /// The process dies, and another one opens the file.
   void dieAndOpen() {
@@ -217,11 +217,10 @@ TEST_F(PagerTest, AReaderRefusesWhatItCannotPutRight) {
   disk_.dieAfter(-1);
   pager_.reset();
   disk_.revive();
-  std::string reason;
-  EXPECT_FALSE(Pager::open("a.mdb", {.readOnly = true, .files = &disk_}, reason));
+  EXPECT_FALSE(Pager::open("a.mdb", {.readOnly = true, .files = &disk_}));
   open();
   pager_.reset();
-  EXPECT_TRUE(Pager::open("a.mdb", {.readOnly = true, .files = &disk_}, reason));
+  EXPECT_TRUE(Pager::open("a.mdb", {.readOnly = true, .files = &disk_}));
 }
 
 }  // namespace

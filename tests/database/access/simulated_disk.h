@@ -15,7 +15,8 @@
 #include <utility>
 #include <vector>
 
-#include "database/access/storage/file.h"
+#include "base/files/random_access.h"
+#include "database/access/storage/bytes.h"
 
 namespace veltrano::access {
 
@@ -43,8 +44,7 @@ class SimulatedDisk final : public FileSystem {
   /// The same after a power failure.
   void losePower(std::mt19937& random);
 
-  std::unique_ptr<RandomAccessFile> open(const std::filesystem::path& file, OpenMode mode,
-                                         OpenFailure& failure) override;
+  Result<std::unique_ptr<RandomAccessFile>> open(const std::filesystem::path& file, OpenMode mode) override;
   bool remove(const std::filesystem::path& file) override;
   bool lockFileInUse(const std::filesystem::path&) override { return false; }
 
@@ -149,13 +149,12 @@ inline void SimulatedDisk::apply(std::string& content, const Write& write) {
   content.replace(offset, write.bytes.size(), write.bytes);
 }
 
-inline std::unique_ptr<RandomAccessFile> SimulatedDisk::open(const std::filesystem::path& file, OpenMode mode,
-                                                             OpenFailure& failure) {
+inline Result<std::unique_ptr<RandomAccessFile>> SimulatedDisk::open(const std::filesystem::path& file,
+                                                                     OpenMode mode) {
   const std::string name = file.string();
   if (!names_.contains(name)) {
     if (mode != OpenMode::create || !takesFiles || !call("create ", name)) {
-      failure = mode == OpenMode::create ? OpenFailure::notWritable : OpenFailure::missing;
-      return nullptr;
+      return {mode == OpenMode::create ? Failure::notAllowed : Failure::missing, "no such file"};
     }
     names_[name] = std::make_shared<Stored>();
   }

@@ -4,8 +4,8 @@
 
 #include "base/files/whole.h"
 #include "database/access/schema/catalog.h"
-#include "database/access/storage/allocator.h"
-#include "database/access/storage/usage_map.h"
+#include "database/access/storage/space/allocator.h"
+#include "database/access/storage/space/usage_map.h"
 #include "database/access/table_writer.h"
 #include "harness.h"
 #include "simulated_disk.h"
@@ -30,8 +30,7 @@ NewTable rowsTable() {
 class Rows {
  public:
   explicit Rows(const OpenedFile& file) : pager_(file.pager()) {
-    std::string reason;
-    table_.emplace(pager_, findTable(pager_, "Rows", reason).value());
+    table_.emplace(pager_, *findTable(pager_, "Rows"));
     auto writer = TableWriter::create(*table_);
     EXPECT_TRUE(writer) << writer.status().reason();
     writer_.emplace(*std::move(writer));

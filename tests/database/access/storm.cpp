@@ -9,7 +9,7 @@
 #include "database/access/check/database_check.h"
 #include "database/access/recordset.h"
 #include "database/access/schema/catalog.h"
-#include "database/text_matcher.h"
+#include "database/values/text_matcher.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano::access {
@@ -52,20 +52,25 @@ NewTable stormTable() {
 class Session {
  public:
   Session(SimulatedDisk& disk, std::uint32_t cachePages) : file_(std::make_shared<OpenFile>()) {
-    file_->pager = Pager::open(fileName, {.cachePages = cachePages, .files = &disk}, reason);
-    openTable();
+    auto pager = Pager::open(fileName, {.cachePages = cachePages, .files = &disk});
+    reason = pager.status().reason();
+    if (pager) {
+      file_->pager = *std::move(pager);
+      openTable();
+    }
   }
   void openTable() {
-    auto definition = file_->pager ? findTable(*file_->pager, "T", reason) : std::nullopt;
+    auto definition = findTable(*file_->pager, "T");
+    reason = definition.status().reason();
     if (definition) {
-      table_.emplace(file_, std::move(*definition));
+      table_.emplace(file_, *std::move(definition));
     }
   }
   /// Whether everything is durable now.
   bool closeTable() {
-    const bool closed = table_->close();
+    const Status closed = table_->close();
     table_.reset();
-    return closed;
+    return static_cast<bool>(closed);
   }
   [[nodiscard]] bool opened() const { return table_.has_value(); }
   [[nodiscard]] Pager& pager() const { return *file_->pager; }
@@ -84,7 +89,7 @@ class Session {
     table_->write("Version", version);
     table_->write("Name", nameOf(version));
     table_->write("Notes", notesOf(version));
-    return table_->update();
+    return static_cast<bool>(table_->update());
   }
   bool remove(int id) { return find(id) && table_->remove(); }
 
@@ -194,9 +199,7 @@ std::string text(const Model& model) {
 
 Storm::Storm() {
   const tests::TemporaryFolder folder;
-  std::string reason;
-  createDatabase(folder / "base.mdb", {}, reason);
-  createTable(folder / "base.mdb", stormTable(), reason);
+  createDatabase(folder / "base.mdb", {stormTable()});
   SimulatedDisk disk;
   disk.put(fileName, readWholeFile(folder / "base.mdb").value_or(""));
   {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "database/text_matcher.h"
+#include "database/values/text_matcher.h"
 #include "harness.h"
 
 namespace veltrano::access {
@@ -20,8 +20,8 @@ class TakenPlaces : public testing::TestWithParam<bool> {
     }
     makeDatabase(folder_ / "a.mdb", {table});
     database_ = open(folder_ / "a.mdb");
-    a_ = database_->openTable("T");
-    b_ = database_->openTable("T");
+    a_ = openTable(*database_, "T");
+    b_ = openTable(*database_, "T");
     add(*a_, 1, "one");
     add(*a_, 2, "two");
     a_->moveLast();
@@ -34,7 +34,7 @@ class TakenPlaces : public testing::TestWithParam<bool> {
     for (int i = 0; i < 7; ++i) {
       recordset.write("B" + std::to_string(i), std::string(500, 'x'));
     }
-    EXPECT_TRUE(recordset.update()) << recordset.lastError();
+    EXPECT_TRUE(recordset.update());
   }
   std::string names() {
     std::string all;

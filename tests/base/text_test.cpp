@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+
+#include "base/text/code_page.h"
+#include "base/text/encodings.h"
+#include "base/text/lower_case.h"
+#include "base/text/utf.h"
+#include "base/text/wtf8.h"
+
+namespace veltrano {
+namespace {
+
+TEST(Unicode, EveryCharacterSurvivesTheTrip) {
+  for (char32_t c = 0; c <= 0x10FFFF; c += c < 0x10100 || c > 0x10FF00 ? 1 : 251) {
+    const bool surrogate = isHighSurrogate(c) || isLowSurrogate(c);
+    const auto lone = surrogate ? LoneSurrogate::kept : LoneSurrogate::replaced;
+    std::string utf8;
+    std::u16string utf16;
+    appendUtf8(utf8, c);
+    appendUtf16(utf16, c);
+    std::size_t i = 0;
+    std::size_t j = 0;
+    ASSERT_EQ(nextCharacter(utf8, i, lone), c);
+    ASSERT_EQ(nextCharacter(utf16, j, lone), c);
+    ASSERT_EQ(i, utf8.size());
+    ASSERT_EQ(j, utf16.size());
+  }
+  EXPECT_EQ(utf8ToUtf16("a\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80"), u"a\u00E9\u4E2D\U0001F600");
+  EXPECT_EQ(utf16ToUtf8(u"a\u00E9\u4E2D\U0001F600"), "a\xC3\xA9\xE4\xB8\xAD\xF0\x9F\x98\x80");
+}
+
+TEST(Unicode, Wtf8KeepsLoneSurrogates) {
+  const std::pair<std::u16string, std::string> cases[] = {
+      {u"Zo\u00eb \U0001F600", "Zo\xC3\xAB \xF0\x9F\x98\x80"},
+      {{0xD800, u'a', 0xDFFF},
+       "\xED\xA0\x80"
+       "a\xED\xBF\xBF"},
+      {{0xDE00, 0xD83D}, "\xED\xB8\x80\xED\xA0\xBD"},
+      {{0xD83D, 0xD83D, 0xDE00, u'\u00e9'}, "\xED\xA0\xBD\xF0\x9F\x98\x80\xC3\xA9"},
+      {u"\uD55C", "\xED\x95\x9C"},  // a letter with the same first byte
+  };
+  for (const auto& [utf16, wtf8] : cases) {
+    EXPECT_EQ(utf16ToWtf8(utf16), wtf8);
+    EXPECT_EQ(wtf8ToUtf16(wtf8), utf16);
+  }
+  EXPECT_EQ(wtf8ToUtf16("\xED\xA0"), u"\uFFFD");
+}
+
+TEST(Unicode, MalformedTextBecomesReplacementCharacters) {
+  struct Case {
+    const char* label;
+    std::string utf8;
+    std::u16string utf16;
+  };
+  const Case cases[] = {
+      {"lone continuation", "a\x80z", u"a\uFFFDz"},
+      {"overlong slash", "\xC0\xAF", u"\uFFFD\uFFFD"},
+      {"surrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
+      {"cut at the end", "\xE2\x82", u"\uFFFD"},
+      {"above U+10FFFF", "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(utf8ToUtf16(c.utf8), c.utf16) << c.label;
+  }
+  EXPECT_EQ(utf16ToUtf8(std::u16string({0xD800, u'a', 0xDC00})),
+            "\xEF\xBF\xBD"
+            "a\xEF\xBF\xBD");
+}
+
+TEST(LowerCase, NamesAreComparedByCharacters) {
+  EXPECT_TRUE(sameName("Num\xC3\x89ro", "nUM\xC3\xA9RO"));
+  EXPECT_FALSE(sameName("Num\xC3\x89ro", "numero"));
+  EXPECT_TRUE(sameAsciiName("UTF-8", "utf-8"));
+  EXPECT_FALSE(sameAsciiName("UTF-8", "utf-16"));
+  EXPECT_FALSE(sameAsciiName("\xC3\x89", "\xC3\xA9"));
+  EXPECT_FALSE(sameAsciiName("[", "{")) << "not letters";
+  EXPECT_TRUE(sameAsciiName<wchar_t>(L"Name", L"nAME"));
+}
+
+// On Windows these hold for the Western code page, which is Wine's and this project's test machines' own.
+
+TEST(CodePage, EveryByteSurvivesTheTripThroughUnicode) {
+  std::string bytes;
+  for (int i = 0; i < 256; ++i) {
+    bytes.push_back(static_cast<char>(i));
+  }
+  EXPECT_EQ(utf16ToAnsi(ansiToUtf16(bytes)), bytes);
+  EXPECT_EQ(utf8ToAnsi(ansiToUtf8(bytes)), bytes);
+}
+
+TEST(CodePage, KnowsWindows1252) {
+  EXPECT_EQ(utf8ToAnsi("Zo\xC3\xAB \xE2\x82\xAC"), "Zo\xEB \x80");
+  EXPECT_EQ(ansiToUtf8("\x93\xC9\x94"), "\xE2\x80\x9C\xC3\x89\xE2\x80\x9D");
+  EXPECT_EQ(utf16ToAnsi(u"\u4E2D"), "?");
+}
+
+#ifndef _WIN32
+TEST(CodePage, MayTakeSeveralBytesACharacter) {
+  ASSERT_FALSE(setCodePage("no such page"));
+  ASSERT_TRUE(setCodePage("CP932"));
+  EXPECT_EQ(utf16ToAnsi(u"a\u30A2\u00E9\U0001F600\\"), "a\x83\x41??\\");
+  EXPECT_EQ(ansiToUtf16("\x83\x61\xFF.\x83"), u"\u30C2\uFFFD.\uFFFD");
+  ASSERT_TRUE(setCodePage("windows-1251"));
+  EXPECT_EQ(utf16ToAnsi(u"\u0416"), "\xC6");
+  EXPECT_TRUE(setCodePage("windows-1252"));
+}
+#endif
+
+TEST(Encodings, AreFoundByTheNamesThatFilesUse) {
+  const struct {
+    const char* name;
+    std::string bytes;
+    std::u16string text;
+  } cases[] = {{"ISO-8859-15", "\xA4", u"\u20AC"},
+               {"iso-8859-2", "\xA1", u"\u0104"},
+               {"Windows-1252", "\x80\x81", u"\u20AC\u0081"},
+               {"Windows-1253", "\xC1", u"\u0391"},
+               {"windows-1254", "\xFD", u"\u0131"},
+               {"koi8-r", "\xD0", u"\u043F"},
+               {"IBM850", "\x82", u"\u00E9"},
+               {"Shift_JIS", "\\~\x83\x41\x81\x60", u"\\~\u30A2\uFF5E"},
+               {"windows-932", "\x83\x5C", u"\u30BD"},
+               {"Big5", "\xA4\xA4", u"\u4E2D"},
+               {"GBK", "\xD6\xD0", u"\u4E2D"},
+               {"euc-kr", "\xC7\xD1", u"\uD55C"},
+#ifndef _WIN32
+               // Of these Windows has tables and Wine does not.
+               {"EUC-JP", "\xA5\xA2", u"\u30A2"},
+               {"GB18030", "\x81\x30\x84\x36\xD6\xD0", u"\u00A5\u4E2D"},
+               {"ISO-2022-JP", "a\x1B$B%\"\x1B(B", u"a\u30A2"},
+#endif
+               {"us-ascii", "abc", u"abc"}};
+  for (const auto& c : cases) {
+    EXPECT_TRUE(isKnownEncoding(c.name)) << c.name;
+    EXPECT_EQ(decodeText(c.name, c.bytes), c.text) << c.name;
+    EXPECT_EQ(encodeText(c.name, c.text), c.bytes) << c.name;
+  }
+  // No ASCII below, no such thing, more than a name.
+  for (const char* name :
+       {"UTF-16", "IBM037", "UTF-7", "ISO-8859-99", "windows-", "", "ISO-8859-15//TRANSLIT"}) {
+    EXPECT_FALSE(isKnownEncoding(name)) << name;
+  }
+}
+
+TEST(Encodings, RefuseWhatTheyCannotSay) {
+  EXPECT_FALSE(decodeText("Shift_JIS", "a\x83"));
+  EXPECT_FALSE(decodeText("ISO-8859-7", "\xFF"));
+  EXPECT_FALSE(encodeText("ISO-8859-1", u"\u20AC"));
+  EXPECT_FALSE(encodeText("Shift_JIS", u"\u00E9"));
+}
+
+}  // namespace
+}  // namespace veltrano
