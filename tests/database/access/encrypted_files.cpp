@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "base/text/utf.h"
-#include "database/access/storage/codec.h"
 #include "database/access/storage/encryption/page_cipher.h"
+#include "database/access/storage/header_mask.h"
 
 namespace veltrano::access {
 
@@ -83,7 +83,13 @@ const std::vector<EncryptedSample>& encryptedSamples() {
                  "Cuwbj9YRMPQdGo72XYiE0qAha9XAxmfjRZEHZZ0Yv71RCUIWoQ8NqXk6pEtUBk7FKReaNSbkRWZ34cLoksDwIg==",
                  "QubEoYk8CHTRtilBk6x3Reet6nNYPdIWVGe9nedugdM="}
            .information(),
-       unhex("c31154b0dc50ab52707e36597795277b"), unhex("96f7868dae0de06f9ba845d6312bdc0a")}};
+       unhex("c31154b0dc50ab52707e36597795277b"), unhex("96f7868dae0de06f9ba845d6312bdc0a")},
+      {"agile, AES-192, SHA-1, 2 rounds", "S\xC3\xA9same 1", unhex("01020304"),
+       AgileText{"SHA1", "20", "192", "UFFSU1RVVldYWVpbXF1eXw==", "2", "EBESExQVFhcYGRobHB0eHw==",
+                 "HQf45DFLcW9cF4C3o7rVGA==", "yWLgnITaHumDsbAojF7JFJp/2JaKtSau5A3NrbFvnsM=",
+                 "2+6dqeta/kH3LOaup6H0bcb/g72oL9EMW4lmjax2iXc="}
+           .information(),
+       unhex("6e70413d676a64adc5e14b4a09d7c9b2"), unhex("5e92f67c33168cbae868da5cc5b005b4")}};
   return samples;
 }
 

@@ -1,8 +1,8 @@
 #ifndef VELTRANO_TESTS_DATABASE_ACCESS_ENCRYPTED_FILES_H
 #define VELTRANO_TESTS_DATABASE_ACCESS_ENCRYPTED_FILES_H
 
-// How files with a password are encrypted, one for each scheme: four as Access wrote them, two computed apart from
-// the engine.
+// How files with a password are encrypted, one for each scheme: four as Access wrote them, three computed apart
+// from the engine.
 
 #include <string>
 #include <string_view>

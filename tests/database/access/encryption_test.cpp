@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 
+#include <tuple>
+
 #include "base/files/whole.h"
+#include "database/access/engine.h"
 #include "database/access/storage/encryption/information.h"
 #include "database/access/storage/encryption/page_cipher.h"
 #include "encrypted_files.h"
@@ -125,6 +128,96 @@ TEST(Encryption, MayLackCipherAndKeyLength) {
       information.replace(at, 4, 4, '\0');
       EXPECT_TRUE(unlock(bytesOf(information), 1, sample.password)) << label << ", " << at;
     }
+  }
+}
+
+// As a host sees it: open, change, close, open again, for each kind of encryption.
+TEST(EncryptedFile, KeepsItsSecretThroughChanges) {
+  const Folder folder;
+  const auto path = folder / "a.accdb";
+  makeDatabase(folder / "plain.mdb", {smallTable()});
+  const std::string plain = readWholeFile(folder / "plain.mdb").value();
+  for (const EncryptedSample& sample : encryptedSamples()) {
+    SCOPED_TRACE(sample.label);
+    const std::string start = encrypted(plain, sample);
+    replaceFile(path, start);
+    for (const auto& wrong : {std::optional<std::string>(), std::optional<std::string>("x")}) {
+      EXPECT_FALSE(open(path, wrong));
+    }
+    EXPECT_EQ(readWholeFile(path), start);
+    std::string longText;
+    for (int round = 0; round < 3; ++round) {
+      const auto database = open(path, sample.password);
+      ASSERT_TRUE(database);
+      const auto table = openTable(*database, "Peo\xC5\xBCle");
+      ASSERT_TRUE(table);
+      EXPECT_EQ(read(*table, "Note"), round == 0 ? "()" : longText);
+      table->moveFirst();
+      if (round == 1) {
+        EXPECT_TRUE(table->remove());
+      }
+      for (const char* name : {"Smith", "Jones"}) {
+        table->addNew();
+        table->write("Name", name);
+        EXPECT_TRUE(table->update());
+      }
+      table->moveFirst();
+      table->moveNext();
+      longText = std::string(6000, static_cast<char>('a' + round));
+      for (const char* field : {"Note", "Code"}) {
+        table->moveFirst();
+        EXPECT_TRUE(table->edit());
+        table->write(field, field[0] == 'N' ? longText : "c" + std::to_string(round));
+        EXPECT_TRUE(table->update());
+      }
+      EXPECT_TRUE(table->close());
+      EXPECT_TRUE(database->close());
+      const std::string content = readWholeFile(path).value();
+      EXPECT_EQ(content.substr(0, 4096), start.substr(0, 4096));
+      for (const std::string& secret :
+           {std::string("Smith"), std::string("S\0m\0i", 5), longText.substr(0, 32)}) {
+        EXPECT_EQ(content.find(secret), std::string::npos);
+      }
+    }
+    EXPECT_EQ(OpenedFile(path, nullptr, 16, sample.password).check(), "");
+  }
+}
+
+TEST(EncryptedFile, WantsThePasswordOfEveryObject) {
+  const Folder folder;
+  const auto path = folder / "a.accdb";
+  makeDatabase(folder / "plain.mdb", {smallTable()});
+  const EncryptedSample& sample = encryptedSample("AES-256, no rounds");
+  replaceFile(path, encrypted(readWholeFile(folder / "plain.mdb").value(), sample));
+  const auto engine = makeAccessEngine();
+  const auto opens = [&](const std::string& password) {
+    return engine->openDatabase(path.string(), std::string(passwordConnectPrefix) + password);
+  };
+  const auto first = opens(sample.password);
+  ASSERT_TRUE(first);
+  EXPECT_TRUE(opens(sample.password));
+  for (const std::string& wrong : {std::string("Password"), sample.password + "x", std::string("passwor")}) {
+    EXPECT_EQ(opens(wrong).status().reason(), "The password is wrong.");
+  }
+  EXPECT_FALSE(engine->openDatabase(path.string(), std::nullopt));
+}
+
+TEST(EncryptedFile, ThatIsDamagedIsRefused) {
+  const Folder folder;
+  const auto path = folder / "a.accdb";
+  makeDatabase(folder / "plain.mdb", {smallTable()});
+  const EncryptedSample& sample = encryptedSample("RC4, 128 bits");
+  const std::string good = encrypted(readWholeFile(folder / "plain.mdb").value(), sample);
+  for (const auto& [at, bytes, reason] :
+       {std::tuple(0x299, "0000", "missing"), std::tuple(0x299, "660b", "larger than its place"),
+        std::tuple(0x29B, "0500", "version 5.2"), std::tuple(0x1000, "00", "do not decode"),
+        std::tuple(0x2001, "00", "do not decode")}) {
+    const std::string change = unhex(bytes);
+    std::string bad = good;
+    replaceFile(path, bad.replace(static_cast<std::size_t>(at), change.size(), change));
+    const OpenedFile opened(path, nullptr, 16, sample.password);
+    EXPECT_FALSE(opened.opened());
+    EXPECT_THAT(opened.reason(), HasSubstr(reason)) << at;
   }
 }
 
