@@ -101,7 +101,7 @@ class OpenFiles {
     const access::Bytes given = bytesOf(options.password);
     if (file && !std::equal(given.begin(), given.end(), file->password.bytes().begin(),
                             file->password.bytes().end())) {
-      return {Failure::notAllowed, "The password is wrong."};
+      return {Failure::notAllowed, "the password is wrong"};
     }
     return file;
   }

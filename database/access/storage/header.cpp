@@ -140,7 +140,7 @@ Result<Header> readHeader(Bytes bytes, std::string_view password) {
   // The password field of .accdb files is not used.
   const std::string wanted = ace ? std::string() : storedPassword(page.data(), *version, header.codePage);
   if (wanted != password) {
-    return {Failure::notAllowed, "The password is wrong."};
+    return {Failure::notAllowed, "the password is wrong"};
   }
   if (key != 0) {
     header.cipher = makePageEncoding(key);

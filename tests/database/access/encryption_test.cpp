@@ -197,7 +197,7 @@ TEST(EncryptedFile, WantsThePasswordOfEveryObject) {
   ASSERT_TRUE(first);
   EXPECT_TRUE(opens(sample.password));
   for (const std::string& wrong : {std::string("Password"), sample.password + "x", std::string("passwor")}) {
-    EXPECT_EQ(opens(wrong).status().reason(), "The password is wrong.");
+    EXPECT_EQ(opens(wrong).status().reason(), "the password is wrong");
   }
   EXPECT_FALSE(engine->openDatabase(path.string(), std::nullopt));
 }

@@ -116,7 +116,7 @@ Result<Encryption> readProviderEncryption(Bytes information) {
 }  // namespace
 
 Status unknownEncryption(const std::string& what) {
-  return {Failure::other, "The file is encrypted in a way that is not known: " + what + "."};
+  return {Failure::other, "the file is encrypted in a way that is not known: " + what};
 }
 
 Result<Encryption> readEncryption(Bytes information) {

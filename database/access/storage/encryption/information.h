@@ -45,14 +45,14 @@ using Encryption = std::variant<ProviderEncryption, AgileEncryption>;
 /// The most rounds that a password's hash may take: a few seconds of work. Access writes 100,000.
 inline constexpr std::uint32_t mostRounds = 10'000'000;
 
-/// Fails, with a sentence for the trace, if the bytes are damaged or describe an encryption that is not known
+/// Fails, with a reason for the trace, if the bytes are damaged or describe an encryption that is not known
 /// here. All sizes that a success gives fit the ciphers.
 Result<Encryption> readEncryption(Bytes information);
 
 /// The part of it for the XML of Access 2010 and later (agile_information.cpp).
 Result<Encryption> readAgileEncryption(Bytes xml);
 
-/// "The file is encrypted in a way that is not known: `what`."
+/// "the file is encrypted in a way that is not known: `what`"
 Status unknownEncryption(const std::string& what);
 
 }  // namespace veltrano::access

@@ -171,7 +171,7 @@ Result<std::unique_ptr<PageCipher>> unlock(Bytes information, std::uint32_t key,
     return encryption.status();
   }
   if (password.empty()) {
-    return {Failure::notAllowed, "The file is encrypted, and no password was given."};
+    return {Failure::notAllowed, "the file is encrypted, and no password was given"};
   }
   const Secret bytes = passwordBytes(password);
   std::unique_ptr<PageCipher> cipher;
@@ -179,7 +179,7 @@ Result<std::unique_ptr<PageCipher>> unlock(Bytes information, std::uint32_t key,
     cipher = std::visit([&](const auto& kind) { return open(kind, key, bytes.bytes()); }, *encryption);
   }
   if (!cipher) {
-    return {Failure::notAllowed, "The password is wrong."};
+    return {Failure::notAllowed, "the password is wrong"};
   }
   return cipher;
 }

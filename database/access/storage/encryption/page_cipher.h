@@ -45,7 +45,7 @@ class PageCipher {
 /// The page encoding of .mdb files, which no password protects.
 std::unique_ptr<PageCipher> makePageEncoding(std::uint32_t key);
 
-/// The cipher of an .accdb file, from what its header page says and the password (UTF-8). Fails, with a sentence
+/// The cipher of an .accdb file, from what its header page says and the password (UTF-8). Fails, with a reason
 /// for the trace, if the password is wrong or the encryption is not known. May take tenths of a second, as the
 /// formats intend.
 Result<std::unique_ptr<PageCipher>> unlock(Bytes information, std::uint32_t key, std::string_view password);
