@@ -1,17 +1,21 @@
 #!/usr/bin/env bash
 # Builds and runs every test: native (with the address and undefined-behaviour sanitizers), 32-bit Windows and 64-bit
 # Windows, the latter two under Wine. First installs the Debian packages that it needs.
-#   ./test.sh            everything
-#   ./test.sh --native   only the native part
+#   ./test.sh                 all tests
+#   ./test.sh --native        only the native ones
+#   ./test.sh --lint [BASE]   format and faults of the sources instead; with a commit BASE only of what changed since
 set -eu
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
 presets=(native-asan win32 win64)
 groups=(native windows)
+lint=false
+base=
 case "${1:-}" in
+  --lint) lint=true; base=${2:-} ;;
   --native) presets=(native-asan); groups=(native) ;;
   "") ;;
-  *) echo "usage: ./test.sh [--native]" >&2; exit 2 ;;
+  *) echo "usage: ./test.sh [--native | --lint [BASE]]" >&2; exit 2 ;;
 esac
 
 if ! scripts/install-packages.sh native; then
@@ -26,16 +30,16 @@ if [ ${#groups[@]} -gt 1 ]; then
   scripts/build-windows-libraries.sh i686-w64-mingw32 x86_64-w64-mingw32
 fi
 
+if $lint; then
+  # The third preset compiles the same sources as the second.
+  presets=("${presets[@]:0:2}")
+fi
 for preset in "${presets[@]}"; do
   scripts/build.sh "$preset"
 done
-
-echo "Checking the sources with clang-format and clang-tidy"
-lint=0
-# The third preset compiles the same sources as the second.
-checked=("${presets[@]:0:2}")
-python3 scripts/lint.py "${checked[@]/#/build/}" || lint=1
-[ "$lint" -eq 0 ] || echo "test.sh: the sources need mending, see above" >&2
+if $lint; then
+  exec python3 scripts/lint.py ${base:+--since "$base"} "${presets[@]/#/build/}"
+fi
 
 if [ ${#groups[@]} -gt 1 ]; then
   echo "Preparing the Wine prefix"
@@ -47,7 +51,4 @@ fi
   for preset in "${presets[@]}"; do echo "subdirs(\"$preset\")"; done
 } >build/CTestTestfile.cmake
 echo "Running the tests: ${presets[*]}"
-result=0
-ctest --test-dir build --output-on-failure --no-tests=error -j "$(nproc)" || result=$?
-[ "$lint" -eq 0 ] || exit 1
-exit "$result"
+exec ctest --test-dir build --output-on-failure --no-tests=error -j "$(nproc)"

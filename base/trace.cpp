@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <exception>
+#include <utility>
 
 #include "base/files/file.h"
 #include "base/files/paths.h"
@@ -115,10 +116,7 @@ void introduce() {
 }  // namespace
 
 std::string currentMember() {
-  if (currentlyTraced == nullptr) {
-    return "VeltranoFrameWorkDLL";
-  }
-  return std::string(currentlyTraced->className_) + "." + currentlyTraced->member_;
+  return currentlyTraced == nullptr ? "VeltranoFrameWorkDLL" : currentlyTraced->name_;
 }
 
 bool traceEnabled() {
@@ -126,11 +124,9 @@ bool traceEnabled() {
   return enabled;
 }
 
-void TracedMember::enter(const char* className, const char* member) {
-  className_ = className;
-  member_ = member;
-  outer_ = currentlyTraced;
-  currentlyTraced = this;
+void TracedMember::enter(std::string name) {
+  name_ = std::move(name);
+  outer_ = std::exchange(currentlyTraced, this);
 }
 
 void TracedMember::leave() {

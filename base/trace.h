@@ -22,30 +22,31 @@ namespace veltrano {
 /// True if tracing is on; what decides is read once, at the first question.
 bool traceEnabled();
 
-/// While it lives, lines of this thread name this class and member. Both must be literals. Members that call
-/// others nest: the innermost is named.
+/// While it lives, lines of this thread name this class and member. Members that call others nest: the innermost
+/// is named.
 class TracedMember {
  public:
-  TracedMember(const char* className, const char* member) {
+  template <typename Character>
+  TracedMember(const Character* className, const char* member) {
     if (traceEnabled()) {
-      enter(className, member);
+      const std::basic_string_view<Character> name(className);
+      enter(std::string(name.begin(), name.end()) + "." + member);
     }
   }
   TracedMember(const TracedMember&) = delete;
   TracedMember& operator=(const TracedMember&) = delete;
   ~TracedMember() {
-    if (className_ != nullptr) {
+    if (!name_.empty()) {
       leave();
     }
   }
 
  private:
   friend std::string currentMember();
-  void enter(const char* className, const char* member);
+  void enter(std::string name);
   void leave();
 
-  const char* className_ = nullptr;
-  const char* member_ = nullptr;
+  std::string name_;
   const TracedMember* outer_ = nullptr;
 };
 
@@ -81,14 +82,6 @@ void trace(const Parts&... parts) {
     (appendTracedPart(sentence, parts), ...);
     writeTraceLine(sentence);
   }
-}
-
-inline void traceSkipped(std::string_view member, std::string_view reason, std::string_view detail = {}) {
-  trace(member, ": ", reason, detail.empty() ? "" : ": ", detail);
-}
-inline void traceFailure(std::string_view member, const Status& failure,
-                         const std::filesystem::path& file = {}) {
-  trace(member, ": ", failure, " ", file);
 }
 
 }  // namespace veltrano

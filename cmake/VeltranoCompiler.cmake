@@ -2,8 +2,10 @@
 
 add_library(veltrano_compiler INTERFACE)
 target_include_directories(veltrano_compiler INTERFACE "${PROJECT_SOURCE_DIR}" "${PROJECT_SOURCE_DIR}/include")
+target_compile_features(veltrano_compiler INTERFACE cxx_std_20)
 target_compile_options(veltrano_compiler INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast -Werror)
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Wold-style-cast
+  $<$<BOOL:${VELTRANO_WARNINGS_AS_ERRORS}>:-Werror>)
 
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   # GCC 12 warns of overlaps inside std::string's operator+ that cannot happen (its bug 105651).
@@ -42,7 +44,7 @@ if(VELTRANO_FUZZERS)
 endif()
 
 find_program(VELTRANO_CCACHE ccache)
-if(VELTRANO_CCACHE)
+if(VELTRANO_CCACHE AND PROJECT_IS_TOP_LEVEL)
   set(CMAKE_C_COMPILER_LAUNCHER "${VELTRANO_CCACHE}")
   set(CMAKE_CXX_COMPILER_LAUNCHER "${VELTRANO_CCACHE}")
 endif()

@@ -9,6 +9,11 @@ namespace veltrano {
 
 namespace {
 
+/// Names the member in the trace.
+struct Member : TracedMember {
+  explicit Member(const char* name) : TracedMember("VeltranoMDB", name) {}
+};
+
 constexpr std::int16_t flagTrue = -1;
 
 Status noDatabase() {
@@ -18,17 +23,18 @@ Status noTable() {
   return {Failure::missing, "no table is open"};
 }
 
-/// Whether a step succeeded; the trace says why not.
-bool succeeded(const char* member, const Status& done, std::string_view detail = {}) {
+/// Whether a step succeeded; the trace says why not, and for which table or field.
+bool succeeded(const Status& done, std::string_view name = {}) {
   if (!done) {
-    traceSkipped(member, done.reason(), detail);
+    trace("Refused", name.empty() ? "" : " for \"", name, name.empty() ? "" : "\"", ": ", done, ".");
   }
   return static_cast<bool>(done);
 }
 
 /// Runs one operation of the current recordset, or does nothing without one.
-void step(const char* member, Recordset* recordset, Status (Recordset::*operation)()) {
-  succeeded(member, recordset != nullptr ? (recordset->*operation)() : noTable());
+void step(const char* name, Recordset* recordset, Status (Recordset::*operation)()) {
+  const Member member(name);
+  succeeded(recordset != nullptr ? (recordset->*operation)() : noTable());
 }
 
 }  // namespace
@@ -50,13 +56,14 @@ VeltranoMDB::~VeltranoMDB() = default;
 
 bool VeltranoMDB::OpenDB(const std::string& filename, const std::string& /*Username*/,
                          const std::string& Password) {
+  const Member member("OpenDB");
   DatabaseEngine& engine = impl_->engine != nullptr ? *impl_->engine : sharedDatabaseEngine();
   std::optional<std::string> connect;
   if (!Password.empty()) {
     connect = std::string(passwordConnectPrefix) + Password;
   }
   auto database = engine.openDatabase(filename, connect);
-  if (!succeeded("OpenDB", database.status(), filename)) {
+  if (!succeeded(database.status(), filename)) {
     return false;
   }
   impl_->database = *std::move(database);
@@ -64,8 +71,9 @@ bool VeltranoMDB::OpenDB(const std::string& filename, const std::string& /*Usern
 }
 
 bool VeltranoMDB::OpenTable(const std::string& Table) {
+  const Member member("OpenTable");
   auto recordset = impl_->database ? impl_->database->openTable(Table) : noDatabase();
-  if (!succeeded("OpenTable", recordset.status(), Table)) {
+  if (!succeeded(recordset.status(), Table)) {
     return false;
   }
   impl_->recordset = *std::move(recordset);
@@ -73,14 +81,15 @@ bool VeltranoMDB::OpenTable(const std::string& Table) {
 }
 
 bool VeltranoMDB::WriteRecord(const std::string& Field, const Value& value) {
-  succeeded("WriteRecord", impl_->recordset ? impl_->recordset->write(Field, value) : noTable(), Field);
+  const Member member("WriteRecord");
+  succeeded(impl_->recordset ? impl_->recordset->write(Field, value) : noTable(), Field);
   return false;
 }
 
 std::string VeltranoMDB::ReadRecord_String(const std::string& xField) {
+  const Member member("ReadRecord_String");
   std::string text;
-  if (!succeeded("ReadRecord_String", impl_->recordset ? impl_->recordset->readText(xField, text) : noTable(),
-                 xField)) {
+  if (!succeeded(impl_->recordset ? impl_->recordset->readText(xField, text) : noTable(), xField)) {
     text.clear();
   }
   return text;
@@ -109,15 +118,17 @@ void VeltranoMDB::Update() {
 }
 
 bool VeltranoMDB::Eof() {
+  const Member member("EOF");
   if (!impl_->recordset) {
-    return succeeded("EOF", noTable());
+    return succeeded(noTable());
   }
   return impl_->recordset->atEnd().value_or(false);
 }
 
 bool VeltranoMDB::FindRecord(const std::string& Field, const std::string& Value, std::int16_t CaseSensivite) {
+  const Member member("FindRecord");
   if (!impl_->recordset) {
-    return succeeded("FindRecord", noTable());
+    return succeeded(noTable());
   }
   MoveFirst();
   // Without an answer the recordset is closed, and no step could leave the loop.
@@ -133,7 +144,8 @@ void VeltranoMDB::CloseTable() {
 }
 
 void VeltranoMDB::CloseDatabase() {
-  succeeded("CloseDatabase", impl_->database ? impl_->database->close() : noDatabase());
+  const Member member("CloseDatabase");
+  succeeded(impl_->database ? impl_->database->close() : noDatabase());
 }
 
 }  // namespace veltrano

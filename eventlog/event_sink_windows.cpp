@@ -22,7 +22,7 @@ class WindowsEventSink final : public EventSink {
     // The empty server name, not a null one, stands for the local computer.
     log_ = Log(RegisterEventSourceA("", source.c_str()));
     if (!log_) {
-      traceSkipped("LogNTEvent", "the event source cannot be registered");
+      trace("The event source \"", source, "\" cannot be opened: system error ", GetLastError(), ".");
     }
   }
 
@@ -36,7 +36,7 @@ class WindowsEventSink final : public EventSink {
     auto* strings = static_cast<LPCSTR*>(static_cast<void*>(block.data()));
     if (ReportEventA(log_.get(), type, 0, static_cast<DWORD>(id), nullptr, 1, static_cast<DWORD>(size),
                      strings, block.data()) == FALSE) {
-      traceSkipped("LogNTEvent", "the entry was not written");
+      trace("The entry was not written: system error ", GetLastError(), ".");
     }
   }
 

@@ -28,11 +28,12 @@ VeltranoWEV::~VeltranoWEV() = default;
 
 void VeltranoWEV::LogNTEvent(const std::string& sString, std::int32_t iLogType, std::int32_t iEventID,
                              const std::string& AppSource) {
+  const TracedMember member("VeltranoWEV", "LogNTEvent");
   sink_->open(AppSource.empty() ? hostApplicationName() : AppSource);
   if (fitsInt16(iLogType)) {
     sink_->report(static_cast<std::uint16_t>(iLogType), iEventID, sString);
   } else {
-    traceSkipped("LogNTEvent", "the event type does not fit 16 bits");
+    trace("The event type ", iLogType, " does not fit 16 bits; no entry is written.");
   }
   sink_->close();
 }

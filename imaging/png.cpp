@@ -33,7 +33,7 @@ class PngStructures {
  private:
   // libpng's own handler does the same but talks to the host's standard error.
   [[noreturn]] static void fail(png_structp png, png_const_charp message) {
-    traceSkipped("SavePNG", "libpng gave up", message);
+    trace("The picture cannot be encoded: ", message, ".");
     png_longjmp(png, 1);
   }
   static void ignore(png_structp, png_const_charp) {}
@@ -109,9 +109,10 @@ const std::string& VeltranoPNG::initString() const {
 }
 
 bool VeltranoPNG::SavePNG(const Picture& pct, const std::filesystem::path& sPNGFileName) {
+  const TracedMember member("VeltranoPNG", "SavePNG");
   cDIBSectionPNG dib;
   if (!dib.CreateFromPicture(pct)) {
-    traceSkipped("SavePNG", "the picture is not a bitmap, cannot be copied, or is too large");
+    trace("The picture is not a bitmap, cannot be copied, or is too large; no file is written.");
     return false;
   }
   return saveAsPng(dib, sPNGFileName);

@@ -21,6 +21,11 @@ namespace veltrano {
 
 namespace {
 
+/// Names the member in the trace.
+struct Member : TracedMember {
+  explicit Member(const char* name) : TracedMember("VeltranoKML", name) {}
+};
+
 /// Angles in degrees and the distance of the picture in metres, as they stand in the file.
 struct FieldOfView {
   std::string_view left;
@@ -85,7 +90,7 @@ void VeltranoKML::Impl::line(const Pieces&... pieces) {
   } catch (const std::bad_alloc&) {
     // This line is lost. The others are not, or the elements around it would stay open.
     lines.resize(begin);
-    traceSkipped("VeltranoKML", "no memory for a line");
+    trace("Memory is short; a line is left out.");
   }
 }
 
@@ -93,14 +98,14 @@ void VeltranoKML::Impl::remember(const CoordinateTriple& point) {
   try {
     pathBuffer.append(point.withLineEnd());
   } catch (const std::bad_alloc&) {
-    traceSkipped("VeltranoKML", "no memory for a point of the path");
+    trace("Memory is short; a point of the path is left out.");
   }
 }
 
 void VeltranoKML::Impl::numberLine(std::string_view before, double number, std::string_view after) {
   const NumberText text = generalNumberText(number);
   if (text.view().empty()) {
-    traceSkipped("VeltranoKML", "a coordinate is not finite", before);
+    trace("A number is not finite; its line is left out: ", before.substr(before.find('<')), ".");
     return;
   }
   line(before, text, after);
@@ -110,7 +115,7 @@ void VeltranoKML::Impl::writeLines() {
   if (file) {
     file->write(lines);
   } else {
-    traceSkipped("VeltranoKML", "no file is open");
+    trace("No file is open; nothing is written.");
   }
   if (lines.capacity() > keptCapacity) {
     lines = std::string();
@@ -120,7 +125,7 @@ void VeltranoKML::Impl::writeLines() {
 
 void VeltranoKML::Impl::pointLine(const CoordinateTriple& point) {
   if (!point) {
-    traceSkipped("VeltranoKML", "a coordinate is not finite");
+    trace("A coordinate is not finite; the coordinates are left out.");
     return;
   }
   line("          <coordinates>", point.withoutLineEnd(), "</coordinates>");
@@ -152,6 +157,7 @@ void VeltranoKML::Impl::viewVolume(const FieldOfView& view) {
 
 void VeltranoKML::CreateKML(const std::filesystem::path& filename, std::string_view /*Description*/,
                             std::string_view ExtendedData, std::int16_t IncludeGeneratedBy) {
+  const Member member("CreateKML");
   if (impl_->file) {
     impl_->abandonedFiles.push_back(*std::move(impl_->file));
   }
@@ -171,6 +177,7 @@ void VeltranoKML::CreateKML(const std::filesystem::path& filename, std::string_v
 }
 
 void VeltranoKML::CloseKML() {
+  const Member member("CloseKML");
   impl_->line("</Document>");
   impl_->line("</kml>");
   impl_->writeLines();
@@ -198,7 +205,7 @@ void VeltranoKML::Impl::pathStyle(std::string_view id, std::int16_t size, std::s
 void VeltranoKML::Impl::coordinateLines(std::string_view points) {
   line("      <coordinates>");
   if (points.size() < lineEnd.size()) {
-    traceSkipped("VeltranoKML", "a path has no points");
+    trace("The path has no points; its coordinates are empty.");
   } else {
     line(points.substr(0, points.size() - lineEnd.size()));
   }
@@ -206,6 +213,7 @@ void VeltranoKML::Impl::coordinateLines(std::string_view points) {
 }
 
 void VeltranoKML::CreatePathFromPlaceMarks(std::int16_t Size, std::string_view pColor) {
+  const Member member("CreatePathFromPlaceMarks");
   const std::string id = identifier("Poly");
   impl_->pathStyle(id, Size, pColor);
   impl_->line("  <Placemark>");
@@ -221,6 +229,7 @@ void VeltranoKML::CreatePathFromPlaceMarks(std::int16_t Size, std::string_view p
 
 void VeltranoKML::CreatePathFromString(std::int16_t Size, std::string_view pColor, std::string_view PathData,
                                        std::string_view PathName, std::int16_t Line3D) {
+  const Member member("CreatePathFromString");
   const std::string id = identifier("Poly");
   impl_->pathStyle(id, Size, pColor);
   impl_->line("  <Placemark>");
@@ -242,14 +251,17 @@ void VeltranoKML::CreatePathFromString(std::int16_t Size, std::string_view pColo
 }
 
 void VeltranoKML::ClearPath() {
+  const Member member("ClearPath");
   impl_->pathBuffer.clear();
 }
 
 void VeltranoKML::CreatePathPoint(double X, double y, double Altitude) {
+  const Member member("CreatePathPoint");
   impl_->remember(CoordinateTriple(X, y, Altitude));
 }
 
 std::string VeltranoKML::CreatePathString(double X, double y, double Altitude) {
+  const Member member("CreatePathString");
   return std::string(CoordinateTriple(X, y, Altitude).withLineEnd());
 }
 
@@ -259,6 +271,7 @@ std::string VeltranoKML::CreatePathString(double X, double y, double Altitude) {
 void VeltranoKML::CreateCameraOverlay(std::string_view filename, double X, double y, double /*Altitude*/,
                                       std::string_view pName, std::string_view visibility,
                                       std::string_view shape) {
+  const Member member("CreateCameraOverlay");
   impl_->line("  <PhotoOverlay>");
   impl_->line("      <name>", pName, "</name>");
   impl_->line("      <visibility>", visibility, "</visibility>");
@@ -277,6 +290,7 @@ void VeltranoKML::CreateCameraOverlay(std::string_view filename, double X, doubl
 void VeltranoKML::CreateGroundOverlay(std::string_view filename, double X, double y, double /*Altitude*/,
                                       std::string_view pName, std::string_view /*HTMLDescription*/,
                                       std::string_view /*shape*/, std::string_view /*Heading*/) {
+  const Member member("CreateGroundOverlay");
   constexpr double boxSize = 0.0001;
   impl_->line("  <GroundOverlay>");
   impl_->line("      <name>", pName, "</name>");
@@ -296,6 +310,7 @@ void VeltranoKML::CreateGroundOverlay(std::string_view filename, double X, doubl
 void VeltranoKML::CreateStreetView(std::string_view filename, double X, double y, double Altitude,
                                    std::string_view pName, std::string_view HTMLDescription,
                                    std::string_view shape, std::string_view Heading) {
+  const Member member("CreateStreetView");
   const std::string id = identifier("cam");
   const std::string reference = "#" + id;
   const CoordinateTriple point(X, y, Altitude);
@@ -321,6 +336,7 @@ void VeltranoKML::CreateStreetView(std::string_view filename, double X, double y
 void VeltranoKML::CreatePlaceMark(double X, double y, double Altitude, std::string_view pName,
                                   std::string_view pDescription, std::string_view TimeStamp,
                                   std::string_view ExtendedData) {
+  const Member member("CreatePlaceMark");
   const CoordinateTriple point(X, y, Altitude);
   impl_->line("  <Placemark>");
   impl_->line("      <name>", pName, "</name>");

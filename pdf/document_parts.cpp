@@ -41,6 +41,8 @@ void DocumentParts::reset() {
 void DocumentParts::loadFonts(const std::filesystem::path& folder) {
   if (fontTable.load(folder) > 0) {
     metricsFolder.setPath(folder);
+  } else {
+    trace("The folder ", folder, " has no font metrics (*.afm).");
   }
   font.number = fontTable.numberOf(font.name);
   font.metrics = metricsFolder.read(font.name);
@@ -50,6 +52,10 @@ void DocumentParts::setFont(const std::string& baseFont, std::int16_t size) {
   font.name = baseFont;
   font.size = size;
   font.number = fontTable.numberOf(baseFont);
+  if (font.number == 0) {
+    trace("There are no metrics of the font \"", baseFont, "\" in ", metricsFolder.path(),
+          "; its text will not show.");
+  }
   font.metrics = metricsFolder.look(baseFont);
 }
 
@@ -88,9 +94,7 @@ void DocumentParts::endDocument() {
   drawWatermark();
   closePage();
   composition.finish({fontTable.names(), images, links, bookmarks, viewer, geometry.scaleFactor});
-  if (const Status status = replaceFile(fileName, composition.output()); !status) {
-    traceSkipped("PDFEndDoc", status.reason());
-  }
+  replaceFile(fileName, composition.output());
 }
 
 void DocumentParts::drawText(std::string_view text, double x, double y) {

@@ -19,8 +19,15 @@ struct VeltranoPDF::Impl : DocumentParts {};
 
 namespace {
 
-/// Reports a rejected argument. The handler may change the whole object: hold nothing across this call.
-void raise(const VeltranoPDF& pdf, std::string_view message) {
+/// Names the member in the trace.
+struct Member : TracedMember {
+  explicit Member(const char* name) : TracedMember("VeltranoPDF", name) {}
+};
+
+/// Reports a rejected argument; the trace gets to know what is done instead. The handler may change the whole
+/// object: hold nothing across this call.
+void raise(const VeltranoPDF& pdf, std::string_view message, std::string_view instead) {
+  trace("An argument is rejected (\"", message, "\"): ", instead, ".");
   // A copy, since the handler may put another one in its place while it runs.
   const auto handler = pdf.onError;
   if (handler) {
@@ -34,14 +41,14 @@ std::string_view linkTarget(const VeltranoPDF& pdf, const Value& link) {
     return *target;
   }
   if (!link.isEmpty()) {
-    raise(pdf, "Unable to include this link");
+    raise(pdf, "Unable to include this link", "the link is not text and is left out");
   }
   return {};
 }
 
-bool isOpen(const DocumentParts& parts, std::string_view member) {
+bool isOpen(const DocumentParts& parts) {
   if (!parts.composition.isOpen()) {
-    traceSkipped(member, "no document is open");
+    trace("No document is open; nothing is done.");
   }
   return parts.composition.isOpen();
 }
@@ -53,11 +60,11 @@ std::int16_t hostCount(std::size_t count) {
 }
 
 /// Stores `value` rounded; leaves the margin alone if it does not fit.
-void setRounded(std::int16_t& margin, double value, std::string_view member) {
+void setRounded(std::int16_t& margin, double value) {
   if (const auto rounded = roundToInt16(value)) {
     margin = *rounded;
   } else {
-    traceSkipped(member, "does not fit 16 bits");
+    trace("The margin does not fit 16 bits; the previous one stays.");
   }
 }
 
@@ -71,6 +78,7 @@ VeltranoPDF::~VeltranoPDF() = default;
 
 // Document settings
 void VeltranoPDF::PDFInit() {
+  const Member member("PDFInit");
   impl_->reset();
 }
 void VeltranoPDF::PDFPathConfiguration(const std::filesystem::path& folder) {
@@ -108,9 +116,10 @@ void VeltranoPDF::PDFFiligran(std::string_view text) {
   impl_->watermarkText = std::string(text);
 }
 void VeltranoPDF::PDFSetZoomMode(const Value& zoom) {
+  const Member member("PDFSetZoomMode");
   Value accepted = zoom;
   if (!zoom.isNumeric() && !zoom.isEmpty()) {
-    raise(*this, "Zoom mode incorrect.");
+    raise(*this, "Zoom mode incorrect.", "the whole page is shown");
     accepted = Value(ZOOM_FULLPAGE);
   }
   impl_->viewer.zoomMode = accepted;
@@ -119,8 +128,9 @@ Value VeltranoPDF::PDFGetZoomMode() const {
   return impl_->viewer.zoomMode;
 }
 void VeltranoPDF::PDFSetLayoutMode(std::int32_t layout) {
+  const Member member("PDFSetLayoutMode");
   if (layout < LAYOUT_SINGLE || layout > LAYOUT_DEFAULT) {
-    raise(*this, "Incorrect Layout");
+    raise(*this, "Incorrect Layout", "single pages are shown");
     layout = LAYOUT_SINGLE;
   }
   impl_->viewer.layoutMode = Value(layout);
@@ -140,9 +150,10 @@ void VeltranoPDF::PDFSetViewerPreferences(std::int32_t preference) {
 
 // Page geometry
 void VeltranoPDF::PDFSetUnit(std::int32_t unit) {
+  const Member member("PDFSetUnit");
   const auto points = pointsPerUnit(unit);
   if (!points) {
-    raise(*this, "Incorrect Unit");
+    raise(*this, "Incorrect Unit", "centimetres are used");
   }
   impl_->geometry.scaleFactor = points.value_or(*pointsPerUnit(UNIT_CM));
 }
@@ -150,17 +161,19 @@ std::string VeltranoPDF::PDFGetUnit() const {
   return unitName(impl_->geometry.scaleFactor);
 }
 void VeltranoPDF::PDFOrientation(std::int32_t orientation) {
+  const Member member("PDFOrientation");
   if (orientation != ORIENT_PAYSAGE && orientation != ORIENT_PORTRAIT) {
-    raise(*this, "Incorrect Page Orientation");
+    raise(*this, "Incorrect Page Orientation", "the page is upright");
   }
   impl_->geometry.current().orient(orientation == ORIENT_PAYSAGE);
 }
 void VeltranoPDF::PDFFormatPage(const Value& format) {
+  const Member member("PDFFormatPage");
   PageFormat& page = impl_->geometry.current();
   if (format.isInteger() ? page.setNamed(format) : page.setFromArray(format)) {
     return;
   }
-  raise(*this, format.isInteger() ? "Invalid Page Code Format" : "Incorrect Page Code");
+  raise(*this, format.isInteger() ? "Invalid Page Code Format" : "Incorrect Page Code", "the page is A4");
   impl_->geometry.current() = a4;
 }
 void VeltranoPDF::PDFPageHeight(double height) {
@@ -176,31 +189,36 @@ double VeltranoPDF::PDFGetPageWidth() const {
   return impl_->geometry.current().width;
 }
 void VeltranoPDF::PDFSetLeftMargin(double margin) {
-  setRounded(impl_->geometry.leftMargin, margin, "PDFSetLeftMargin");
+  const Member member("PDFSetLeftMargin");
+  setRounded(impl_->geometry.leftMargin, margin);
 }
 double VeltranoPDF::PDFGetLeftMargin() const {
   return impl_->geometry.leftMargin;
 }
 void VeltranoPDF::PDFSetRightMargin(double margin) {
-  setRounded(impl_->geometry.rightMargin, margin, "PDFSetRightMargin");
+  const Member member("PDFSetRightMargin");
+  setRounded(impl_->geometry.rightMargin, margin);
 }
 double VeltranoPDF::PDFGetRightMargin() const {
   return impl_->geometry.rightMargin;
 }
 void VeltranoPDF::PDFSetTopMargin(double margin) {
-  setRounded(impl_->geometry.topMargin, margin, "PDFSetTopMargin");
+  const Member member("PDFSetTopMargin");
+  setRounded(impl_->geometry.topMargin, margin);
 }
 double VeltranoPDF::PDFGetTopMargin() const {
   return impl_->geometry.topMargin;
 }
 void VeltranoPDF::PDFSetBottomMargin(double margin) {
-  setRounded(impl_->geometry.bottomMargin, margin, "PDFSetBottomMargin");
+  const Member member("PDFSetBottomMargin");
+  setRounded(impl_->geometry.bottomMargin, margin);
 }
 double VeltranoPDF::PDFGetBottomMargin() const {
   return impl_->geometry.bottomMargin;
 }
 void VeltranoPDF::PDFSetCellMargin(double margin) {
-  setRounded(impl_->geometry.cellMargin, margin, "PDFSetCellMargin");
+  const Member member("PDFSetCellMargin");
+  setRounded(impl_->geometry.cellMargin, margin);
 }
 double VeltranoPDF::PDFGetCellMargin() const {
   return impl_->geometry.cellMargin;
@@ -222,10 +240,12 @@ std::int16_t VeltranoPDF::PDFGetY() const {
 
 // Assembly
 void VeltranoPDF::PDFBeginDoc() {
+  const Member member("PDFBeginDoc");
   impl_->beginDocument();
 }
 void VeltranoPDF::PDFNewPage() {
-  if (isOpen(*impl_, "PDFNewPage")) {
+  const Member member("PDFNewPage");
+  if (isOpen(*impl_)) {
     impl_->closePage();
     impl_->beginPage();
     impl_->drawWatermark();
@@ -236,7 +256,8 @@ void VeltranoPDF::PDFEndPage() {
   impl_->drawWatermark();
 }
 void VeltranoPDF::PDFEndDoc() {
-  if (isOpen(*impl_, "PDFEndDoc")) {
+  const Member member("PDFEndDoc");
+  if (isOpen(*impl_)) {
     impl_->endDocument();
   }
 }
@@ -247,6 +268,7 @@ std::int16_t VeltranoPDF::PDFNbPage() const {
   return hostCount(impl_->composition.pages().size());
 }
 Value VeltranoPDF::PDFSetBookmark(std::string_view text, std::int32_t level, double y) {
+  const Member member("PDFSetBookmark");
   constexpr double omitted = -1;
   impl_->bookmarks.add({std::string(text), roundToInt16(level).value_or(0),
                         y == omitted ? impl_->geometry.currentY : y, impl_->composition.pageNumber()});
@@ -255,37 +277,43 @@ Value VeltranoPDF::PDFSetBookmark(std::string_view text, std::int32_t level, dou
 
 // Fonts
 void VeltranoPDF::PDFLoadAfm(const std::filesystem::path& folder) {
+  const Member member("PDFLoadAfm");
   impl_->loadFonts(folder);
 }
 void VeltranoPDF::PDFSetFont(std::int32_t font, std::int16_t size, std::int32_t style) {
+  const Member member("PDFSetFont");
   const auto name = baseFontName(font, style);
   if (!name) {
-    raise(*this, "Invalid Fort ");
+    raise(*this, "Invalid Fort ", "the font is TimesRoman");
   }
   impl_->font.underlined = impl_->font.underlined || (name && asksForUnderline(style));
   impl_->setFont(name.value_or("TimesRoman"), size);
 }
 double VeltranoPDF::PDFGetStringWidth(std::string_view text, std::string_view fontName, std::int16_t size) {
+  const Member member("PDFGetStringWidth");
   return impl_->stringWidth(text, fontName, size);
 }
 
 // Graphics state
 void VeltranoPDF::PDFSetTextColor(const Value& color) {
+  const Member member("PDFSetTextColor");
   if (isMisspelledColor(color)) {
-    raise(*this, "Invalid Text Color");
+    raise(*this, "Invalid Text Color", "the colour is black");
   }
   setColorOperator(impl_->graphics.textColorOp, color, "rg");
 }
 void VeltranoPDF::PDFSetLineColor(const Value& color) {
+  const Member member("PDFSetLineColor");
   if (isMisspelledColor(color)) {
-    raise(*this, "Invalid Line Color");
+    raise(*this, "Invalid Line Color", "the colour is black");
   }
   setColorOperator(impl_->graphics.lineColorOp, color, "RG");
 }
 void VeltranoPDF::PDFSetDrawColor(const Value& color) {
+  const Member member("PDFSetDrawColor");
   // Hosts compare the message as it is spelled.
   if (isMisspelledColor(color)) {
-    raise(*this, "Invalide Draw Color");
+    raise(*this, "Invalide Draw Color", "the colour is black");
   }
   setColorOperator(impl_->graphics.fillColorOp, color, "rg");
 }
@@ -302,23 +330,26 @@ void VeltranoPDF::PDFSetLineWidth(double width) {
   impl_->graphics.lineWidth = width;
 }
 void VeltranoPDF::PDFSetLineStyle(std::int32_t style) {
+  const Member member("PDFSetLineStyle");
   const auto dash = dashOperator(style, impl_->geometry.scaleFactor);
   if (!dash) {
-    raise(*this, "Incorrect Line Style");
+    raise(*this, "Incorrect Line Style", "lines are solid");
   }
   impl_->graphics.lineDashOp = dash.value_or("");
 }
 void VeltranoPDF::PDFSetDrawMode(std::int32_t mode) {
+  const Member member("PDFSetDrawMode");
   const bool known = mode >= DRAW_NORMAL && mode <= DRAW_DRAWBORDER;
   if (!known) {
-    raise(*this, "Incorrect Draw line");
+    raise(*this, "Incorrect Draw line", "only outlines are drawn");
   }
   impl_->graphics.drawMode = known ? static_cast<DrawMode>(mode) : DrawMode::outline;
 }
 void VeltranoPDF::PDFSetAlignement(std::int32_t alignment) {
+  const Member member("PDFSetAlignement");
   const bool known = alignment >= ALIGN_CENTER && alignment <= ALIGN_FJUSTIFY;
   if (!known) {
-    raise(*this, "Invalid Alignment Code");
+    raise(*this, "Invalid Alignment Code", "text is aligned at the left");
   }
   impl_->graphics.alignment = known ? static_cast<Alignment>(alignment) : Alignment::left;
 }
@@ -335,11 +366,13 @@ void VeltranoPDF::PDFSetFill(bool fill) {
 
 // Drawing
 void VeltranoPDF::PDFDrawLineHor(double x, double y, double width) {
+  const Member member("PDFDrawLineHor");
   impl_->graphics.fillColorOp = fillOperatorOf(impl_->graphics.lineColorOp);
   drawLine(impl_->content, impl_->geometry, impl_->graphics, "LNH", true, {x, y}, {x + width, y});
   impl_->geometry.moveTo(x + width, y);
 }
 void VeltranoPDF::PDFDrawLineVer(double x, double y, double height) {
+  const Member member("PDFDrawLineVer");
   impl_->graphics.fillColorOp = fillOperatorOf(impl_->graphics.lineColorOp);
   drawLine(impl_->content, impl_->geometry, impl_->graphics, "LNV", true, {x, y}, {x, y + height});
   impl_->geometry.moveTo(x, y + height);
@@ -347,10 +380,12 @@ void VeltranoPDF::PDFDrawLineVer(double x, double y, double height) {
 // Unlike the two above, a free line has no dash and leaves the fill colour alone; hosts rely on the
 // difference.
 void VeltranoPDF::PDFDrawLine(double x1, double y1, double x2, double y2) {
+  const Member member("PDFDrawLine");
   drawLine(impl_->content, impl_->geometry, impl_->graphics, "LN", false, {x1, y1}, {x2, y2});
   impl_->geometry.moveTo(std::fmax(x1, x2), std::fmax(y1, y2));
 }
 void VeltranoPDF::PDFDrawRectangle(double x, double y, double width, double height, const Value& link) {
+  const Member member("PDFDrawRectangle");
   const Box box{x, y, width, height};
   drawRectangle(impl_->content, impl_->geometry, impl_->graphics, box);
   PDFSetTextColor(COLOR_BLANC);
@@ -359,6 +394,7 @@ void VeltranoPDF::PDFDrawRectangle(double x, double y, double width, double heig
   impl_->geometry.moveTo(x, y + height);
 }
 void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height, const Value& link) {
+  const Member member("PDFDrawEllipse");
   const Box box{x, y, width, height == 0 ? width : height};
   drawEllipse(impl_->content, impl_->geometry, impl_->graphics, box);
   if (!link.isEmpty() && link != Value(std::string())) {
@@ -367,15 +403,18 @@ void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height
   }
 }
 void VeltranoPDF::PDFDrawPolygon(const Value::List& points) {
+  const Member member("PDFDrawPolygon");
   drawPolygon(impl_->content, impl_->geometry, impl_->graphics, readPoints(points));
 }
 
 // Text, cells, links
 void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
+  const Member member("PDFTextOut");
   impl_->drawText(text, x, y);
 }
 void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double width, double height,
                           const Value& link) {
+  const Member member("PDFCell");
   const Box box{x, y, width, height};
   const auto* target = link.as<std::string>();
   impl_->drawCell(text, box, target != nullptr && !target->empty());
@@ -384,6 +423,7 @@ void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double widt
   impl_->geometry.moveTo(x, y + height);
 }
 void VeltranoPDF::PDFLink(double x, double y, std::string_view text, std::string_view link) {
+  const Member member("PDFLink");
   impl_->linkText(x, y, text, link.empty() ? text : link);
 }
 double VeltranoPDF::PDFTextHeight() const {
@@ -401,12 +441,13 @@ std::optional<Image> imageOf(const VeltranoPDF& pdf, const std::filesystem::path
                              std::string_view withoutDot, std::string_view refused) {
   const ImageName name = checkImageName(file);
   if (name != ImageName::accepted) {
-    raise(pdf, name == ImageName::withoutDot ? withoutDot : refused);
+    raise(pdf, name == ImageName::withoutDot ? withoutDot : refused,
+          "the name does not end in \"jpg\" or \"jpeg\" in lower case");
     return std::nullopt;
   }
   ImageFile read = readImage(file);
   if (!read.image) {
-    raise(pdf, read.refusal);
+    raise(pdf, read.refusal, "the picture is left out");
   }
   return std::move(read.image);
 }
@@ -414,15 +455,18 @@ std::optional<Image> imageOf(const VeltranoPDF& pdf, const std::filesystem::path
 }  // namespace
 
 double VeltranoPDF::PDFImageWidth(const std::filesystem::path& file) {
+  const Member member("PDFImageWidth");
   const auto image = imageOf(*this, file, "Unable to include this image", "Error format not supported");
   return image ? image->width : 0;
 }
 double VeltranoPDF::PDFImageHeight(const std::filesystem::path& file) {
+  const Member member("PDFImageHeight");
   const auto image = imageOf(*this, file, "Unable to include this image", "Image format not supported.");
   return image ? image->height : 0;
 }
 void VeltranoPDF::PDFImage(const std::filesystem::path& file, double x, double y, double& width,
                            double& height, const Value& link) {
+  const Member member("PDFImage");
   constexpr std::string_view refused = "Format not supported";
   auto image = imageOf(*this, file, refused, refused);
   if (!image) {

@@ -1,13 +1,15 @@
 #!/usr/bin/env python3
 """Checks the formatting (clang-format), the layers and the faults (clang-tidy) of the project's sources.
 
-    scripts/lint.py BUILD_FOLDER [WINDOWS_BUILD_FOLDER]
+    scripts/lint.py [--since COMMIT] BUILD_FOLDER [WINDOWS_BUILD_FOLDER]
 
 BUILD_FOLDER is a configured and built native preset: its compile commands say how each file is compiled, its
 dependencies which headers it sees. WINDOWS_BUILD_FOLDER is one for Windows, for the sources that are compiled only
-there. A file that was clean is not checked again until it, one of these headers or the checks themselves change.
+there. A file that was clean is not checked again until it, one of these headers or the checks themselves change. With
+--since only files are searched for faults that changed after that commit, or whose headers did.
 """
 
+import argparse
 import concurrent.futures
 import hashlib
 import json
@@ -107,18 +109,30 @@ def is_tidied(source, for_windows):
     return source.relative_to(ROOT).parts[0] in TIDIED and only_windows == for_windows
 
 
-def faulty(build):
+def changed_since(commit):
+    """The files that differ from the commit, or None if all of them are to be checked."""
+    if commit is None:
+        return None
+    output = subprocess.run(["git", "-C", ROOT, "diff", "--name-only", commit], check=True, capture_output=True, text=True).stdout
+    names = set(output.splitlines())
+    return None if ".clang-tidy" in names else {str(ROOT / name) for name in names}
+
+
+def faulty(build, changed):
     arguments = windows_arguments(build)
     cache_file = build / "lint-clean.json"
     clean = set(json.loads(cache_file.read_text())) if cache_file.exists() else set()
     known = dependencies(build)
     todo = []
-    still_clean = set()
+    still_clean = set() if changed is None else set(clean)
     for entry in json.loads((build / "compile_commands.json").read_text()):
         source = pathlib.Path(entry["file"])
         if not is_tidied(source, for_windows=bool(arguments)):
             continue
-        mark = fingerprint(source, known.get(entry.get("output", ""), []))
+        headers = known.get(entry.get("output", ""), [])
+        if changed is not None and changed.isdisjoint({str(source), *headers}):
+            continue
+        mark = fingerprint(source, headers)
         (still_clean.add(mark) if mark in clean else todo.append((source, mark)))
     failed = False
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
@@ -133,8 +147,12 @@ def faulty(build):
 
 
 def main():
-    builds = [pathlib.Path(argument).resolve() for argument in sys.argv[1:]]
-    failures = [badly_formatted(), against_the_layers(), *[faulty(build) for build in builds]]
+    arguments = argparse.ArgumentParser()
+    arguments.add_argument("--since", metavar="COMMIT")
+    arguments.add_argument("builds", metavar="BUILD_FOLDER", nargs="+", type=lambda name: pathlib.Path(name).resolve())
+    options = arguments.parse_args()
+    changed = changed_since(options.since)
+    failures = [badly_formatted(), against_the_layers(), *[faulty(build, changed) for build in options.builds]]
     sys.exit(1 if any(failures) else 0)
 
 

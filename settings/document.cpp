@@ -26,6 +26,21 @@ bool keepCopy(const std::filesystem::path& file) {
   return static_cast<bool>(replaceFileAs(file, copy, *content, Durability::power));
 }
 
+const char* reasonOf(SettingsDocument::LoadResult result) {
+  switch (result) {
+    case SettingsDocument::LoadResult::missing:
+      return "there is no such file";
+    case SettingsDocument::LoadResult::unreadable:
+      return "the file cannot be read and will not be written";
+    case SettingsDocument::LoadResult::malformed:
+      return "the file is not well-formed XML or has a document type; saving keeps a copy of it";
+    case SettingsDocument::LoadResult::outOfMemory:
+      return "memory is short, and nothing can be read or saved";
+    default:
+      return "";
+  }
+}
+
 }  // namespace
 
 SettingsDocument::LoadResult SettingsDocument::load(const std::filesystem::path& file) {
@@ -43,7 +58,7 @@ SettingsDocument::LoadResult SettingsDocument::load(const std::filesystem::path&
   }
   if (lastLoad_ != LoadResult::loaded) {
     clear();
-    traceSkipped("XML_Open", "the file is not a settings file or cannot be read");
+    trace("The settings start empty: ", reasonOf(lastLoad_), ": ", file, ".");
   }
   return lastLoad_;
 }
@@ -77,7 +92,7 @@ bool SettingsDocument::save(const std::filesystem::path& file) {
     return false;
   }
   if (lastLoad_ == LoadResult::malformed && !keepCopy(file)) {
-    traceSkipped("XML_Save", "the malformed file cannot be kept as a copy");
+    trace("Nothing is saved: the malformed file ", file, " cannot be kept as a copy.");
     return false;
   }
   if (!replaceFile(file, bytes(), Durability::power)) {

@@ -12,6 +12,11 @@ namespace veltrano {
 
 namespace {
 
+/// Names the member in the trace.
+struct Member : TracedMember {
+  explicit Member(const char* name) : TracedMember("VeltranoINI", name) {}
+};
+
 std::u16string keyLine(std::u16string_view key, std::u16string_view value) {
   return std::u16string(key).append(1, u'=').append(value);
 }
@@ -30,6 +35,7 @@ void writeText(const std::filesystem::path& file, std::string_view text) {
 
 std::u16string VeltranoINI::GetIniValue(const std::filesystem::path& filename, std::u16string_view Key,
                                         std::u16string_view Default) {
+  const Member member("GetIniValue");
   // Bytes, not converted text: only the one value need be converted.
   const std::string text = readWholeFile(filename).value_or(std::string());
   const auto line = findLine(std::string_view(text), IniKey(Key));
@@ -39,11 +45,12 @@ std::u16string VeltranoINI::GetIniValue(const std::filesystem::path& filename, s
 
 void VeltranoINI::SetIniValue(const std::filesystem::path& filename, std::u16string_view Key,
                               std::u16string_view Value) {
+  const Member member("SetIniValue");
   const auto text = readWholeFile(filename);
   std::error_code ignored;
   if (!text && std::filesystem::exists(filename, ignored)) {
     // Going on as with a missing file would put one line in place of all settings.
-    traceSkipped("SetIniValue", "the file cannot be read");
+    trace("Nothing is set: the file is there but cannot be read.");
     return;
   }
   const std::string_view old = text ? std::string_view(*text) : std::string_view();
@@ -63,10 +70,12 @@ std::u16string VeltranoINI::GetValue(std::u16string_view xFileBuffer, std::u16st
 }
 
 std::u16string VeltranoINI::OpenFile(const std::filesystem::path& xFilename) {
+  const Member member("OpenFile");
   return ansiToUtf16(readWholeFile(xFilename).value_or(std::string()));
 }
 
 void VeltranoINI::CloseFile(const std::filesystem::path& filename, std::u16string_view xText) {
+  const Member member("CloseFile");
   writeText(filename, utf16ToAnsi(xText));
 }
 

@@ -27,7 +27,7 @@ pugi::xpath_node select(const pugi::xml_node& from, const std::string& expressio
   }
   return {};
 } catch (const pugi::xpath_exception& error) {
-  traceSkipped("VeltranoXML", "a name is no path expression", error.what());
+  trace("The name \"", expression, "\" is not a path expression: ", error.what(), ".");
   return {};
 }
 

@@ -13,7 +13,7 @@ std::optional<OutputFile> OutputFile::create(const std::filesystem::path& file) 
   // Emptied only now that it is known that nobody else is writing it.
   const Status status = opened && opened->onDisk() ? opened->resize(0) : opened.status();
   if (!status) {
-    traceFailure("OutputFile", status, file);
+    trace("The file ", file, " cannot be written: ", status, ".");
     return std::nullopt;
   }
   return OutputFile(*std::move(opened));
@@ -22,7 +22,7 @@ std::optional<OutputFile> OutputFile::create(const std::filesystem::path& file) 
 bool OutputFile::write(std::string_view text) {
   const Status status = file_.write(text);
   if (!status) {
-    traceFailure("OutputFile", status);
+    trace("Nothing more could be written to the file: ", status, ".");
   }
   return static_cast<bool>(status);
 }

@@ -43,7 +43,7 @@ class SystemFile final : public RandomAccessFile {
  private:
   static bool succeeded(const Status& status) {
     if (!status) {
-      traceFailure("RandomAccessFile", status);
+      trace("A step on the database or its journal failed: ", status, ".");
     }
     return static_cast<bool>(status);
   }

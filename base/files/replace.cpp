@@ -243,9 +243,8 @@ Status replace(const std::filesystem::path& file, Pieces pieces, Durability dura
   }
   Status status = writeInPlace(target, pieces, durability, patience);
   if (status) {
-    traceFailure("replaceFile",
-                 Status(replacement.status.failure(), "written in place: " + replacement.status.reason()),
-                 file);
+    trace("The file ", file,
+          " was written in place, because no new one can take its place: ", replacement.status, ".");
   }
   return status;
 }
@@ -256,7 +255,7 @@ Status replaceFile(const std::filesystem::path& file, std::span<const std::strin
                    Durability durability) {
   Status status = file.empty() ? Status(Failure::missing, "no name") : replace(file, pieces, durability);
   if (!status) {
-    traceFailure("replaceFile", status, file);
+    trace("The file ", file, " was not written: ", status, ".");
   }
   return status;
 }
@@ -272,7 +271,7 @@ Status replaceFileAs(const std::filesystem::path& model, const std::filesystem::
                       ? Status(Failure::notAllowed, "a folder has this name")
                       : replaceByRenaming(file, model, std::span(&content, 1), durability, patience).status;
   if (!status) {
-    traceFailure("replaceFile", status, file);
+    trace("The file ", file, " was not written: ", status, ".");
   }
   return status;
 }

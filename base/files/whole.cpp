@@ -16,11 +16,11 @@ std::optional<std::string> readFileStart(const std::filesystem::path& file, std:
   auto opened = File::open(file, Opening::read);
   auto size = opened ? opened->size() : Result<std::uint64_t>(opened.status());
   if (!size) {
-    traceFailure("readFile", size.status(), file);
+    trace("The file ", file, " cannot be read: ", size.status(), ".");
     return std::nullopt;
   }
   if (std::min<std::uint64_t>(*size, limit) >= PTRDIFF_MAX) {
-    traceSkipped("readFile", "the file is too large for the memory");
+    trace("The file ", file, " is too large for the memory.");
     return std::nullopt;
   }
   std::string content;
@@ -31,7 +31,7 @@ std::optional<std::string> readFileStart(const std::filesystem::path& file, std:
     content.resize(static_cast<std::size_t>(std::min<std::uint64_t>(room, limit)));
     const auto count = opened->read(std::span(content).subspan(length));
     if (!count) {
-      traceFailure("readFile", count.status(), file);
+      trace("The file ", file, " cannot be read to its end: ", count.status(), ".");
       return std::nullopt;
     }
     length += *count;
@@ -47,7 +47,7 @@ std::optional<std::vector<std::filesystem::path>> listFiles(const std::filesyste
   std::error_code error;
   std::filesystem::directory_iterator entry(folder, error);
   if (error) {
-    traceSkipped("listFiles", error.message());
+    trace("The folder ", folder, " cannot be listed: ", error.message(), ".");
     return std::nullopt;
   }
   std::vector<std::filesystem::path> names;

@@ -14,12 +14,10 @@ std::filesystem::path libraryFolder();
 
 /// Folder of the font metrics that come with the library: the library's own folder. If that has none (a program
 /// linked with an installed library, elsewhere than Windows) it is the folder
-/// "share/veltranoframework/metrics" beside the program's, or that of the installation. Checked anew at each
-/// call, since files come and go.
+/// "share/veltranoframework/metrics" beside the program's, or the one that came with the library's headers
+/// (veltrano/installed.h). Elsewhere than Windows the environment variable VELTRANO_METRICS comes before all.
+/// Checked anew at each call, since files come and go.
 std::filesystem::path metricsFolder();
-
-/// The installation's folder, told by the path of its header veltrano/installed.h, which calls this. True.
-bool setInstallation(const char* header);
 
 /// The application's name as ANSI text: the product name from the executable's version resource when it has
 /// one (Windows), otherwise the executable's file name without extension. The KML writer and the event log

@@ -1,9 +1,11 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "base/files/whole.h"
 #include "base/os/host.h"
+#include "veltrano/installed.h"
 
 namespace veltrano {
 
@@ -21,11 +23,15 @@ bool holdsMetrics(const std::filesystem::path& folder) {
   return files && std::ranges::any_of(*files, [](const auto& file) { return file.extension() == ".afm"; });
 }
 
-/// The folder with the installation's lib, include and share; empty if the library that the program was linked
-/// with is not installed.
-std::filesystem::path& installation() {
+/// What veltrano/installed.h says; empty if the program was built without it.
+std::filesystem::path& metricsOfHeaders() {
   static std::filesystem::path folder;
   return folder;
+}
+
+std::filesystem::path metricsByEnvironment() {
+  const char* folder = std::getenv("VELTRANO_METRICS");
+  return folder == nullptr ? "" : folder;
 }
 
 }  // namespace
@@ -48,18 +54,17 @@ std::filesystem::path libraryFolder() {
   return folder;
 }
 
-bool setInstallation(const char* header) {
+bool setMetricsFolder(const char* folder) {
   std::error_code error;
-  const auto path = std::filesystem::absolute(header, error).lexically_normal();
-  // <installation>/include/veltrano/installed.h
-  installation() = path.parent_path().parent_path().parent_path();
+  metricsOfHeaders() = std::filesystem::absolute(folder, error).lexically_normal();
   return true;
 }
 
 std::filesystem::path metricsFolder() {
   auto own = libraryFolder();
-  for (const auto& folder : {own, own.parent_path() / sharedMetrics, installation() / sharedMetrics}) {
-    if (holdsMetrics(folder)) {
+  for (const auto& folder :
+       {metricsByEnvironment(), own, own.parent_path() / sharedMetrics, metricsOfHeaders()}) {
+    if (!folder.empty() && holdsMetrics(folder)) {
       return folder;
     }
   }

@@ -7,6 +7,7 @@
 #include "base/os/host.h"
 #include "base/os/module_windows.h"
 #include "base/text/code_page.h"
+#include "veltrano/installed.h"
 
 namespace veltrano {
 
@@ -52,7 +53,7 @@ std::filesystem::path metricsFolder() {
   return libraryFolder();
 }
 
-bool setInstallation(const char*) {
+bool setMetricsFolder(const char*) {
   return true;
 }
 

@@ -37,25 +37,25 @@ const char* reasonOf(CoderResult result) {
     case CoderResult::ok:
       break;
     case CoderResult::memoryError:
-      return "memory is short";
+      return "Memory is short.";
     case CoderResult::invalidProperties:
-      return "there is no picture, or a side of it is longer than a JPEG can have";
+      return "There is no picture, or a side of it is longer than a JPEG can have.";
     case CoderResult::notJpeg:
-      return "this is not a JPEG";
+      return "This is not a JPEG.";
     case CoderResult::badData:
-      return "the JPEG is damaged";
+      return "The JPEG is damaged.";
     case CoderResult::bufferTooSmall:
-      return "the JPEG does not fit into its buffer";
+      return "The JPEG does not fit into its buffer.";
     case CoderResult::unsupportedFrame:
-      return "JPEGs of this kind are not supported";
+      return "JPEGs of this kind are not supported.";
     case CoderResult::internalError:
-      return "the coder has a fault";
+      return "The coder has a fault.";
   }
   return "";
 }
 
-bool succeeded(const char* procedure, CoderResult result) {
-  if (result != CoderResult::ok) traceSkipped(procedure, reasonOf(result));
+bool succeeded(CoderResult result, const char* consequence) {
+  if (result != CoderResult::ok) trace(reasonOf(result), " ", consequence);
   return result == CoderResult::ok;
 }
 
@@ -70,7 +70,7 @@ std::int32_t lastJpegHeight() {
 
 bool saveDibToJpegFile(const cDIBSection& dib, const std::filesystem::path& file, std::int32_t quality) {
   const JpegOutcome outcome = writeJpeg(surfaceOf(dib), quality, {});
-  return succeeded("saveDibToJpegFile", outcome.result) &&
+  return succeeded(outcome.result, "No file is written.") &&
          replaceFile(file, {reinterpret_cast<const char*>(outcome.bytes.data()), outcome.bytes.size()});
 }
 
@@ -104,7 +104,7 @@ std::string saveDibToJpegString(const cDIBSection& dib, std::int32_t quality) {
     saveDibToJpegBuffer(dib, reinterpret_cast<std::uint8_t*>(bytes.data()), size, quality);
     bytes.resize(static_cast<std::size_t>(size));
   } catch (const RaisedError& error) {
-    traceSkipped("saveDibToJpegString", error.what(), error.source());
+    trace(error.what(), ". The text returned is not a JPEG.");
   }
   return bytes;
 }
@@ -115,12 +115,15 @@ bool loadJpegFileToDib(cDIBSection& dib, const std::filesystem::path& file) {
   JpegReader reader(std::span(reinterpret_cast<const std::uint8_t*>(bytes->data()), bytes->size()));
   CoderResult result = reader.readHeader();
   if (result == CoderResult::ok) result = decode(dib, reader, 1);
-  return succeeded("loadJpegFileToDib", result);
+  return succeeded(result, "The picture is incomplete or empty.");
 }
 
 bool loadJpegBufferToDib(cDIBSection& dib, const std::uint8_t* buffer, std::int32_t bufferSize,
                          std::int32_t scale) {
-  if (buffer == nullptr || bufferSize < 1) return false;
+  if (buffer == nullptr || bufferSize < 1) {
+    trace("There are no bytes of a JPEG.");
+    return false;
+  }
   JpegReader reader(std::span(buffer, static_cast<std::size_t>(bufferSize)));
   CoderResult result = reader.readHeader();
   if (reader.width() > 0) {
@@ -129,7 +132,7 @@ bool loadJpegBufferToDib(cDIBSection& dib, const std::uint8_t* buffer, std::int3
   }
   if (scale != 2 && scale != 4 && scale != 8) scale = 1;
   if (result == CoderResult::ok) result = decode(dib, reader, scale);
-  return succeeded("loadJpegBufferToDib", result);
+  return succeeded(result, "The picture is not used.");
 }
 
 }  // namespace veltrano::mIntelJPEGLibrary

@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "veltrano/export.h"
 #include "veltrano/picture.h"
 
 namespace veltrano {
@@ -40,7 +41,7 @@ struct BitmapInfoHeader {
 };
 static_assert(sizeof(BitmapInfoHeader) == 40, "handed to GDI as it stands");
 
-class cDIBSection {
+class VELTRANO_API cDIBSection {
  public:
   cDIBSection();
   cDIBSection(cDIBSection&&) noexcept;

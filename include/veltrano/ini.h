@@ -14,9 +14,11 @@
 #include <string>
 #include <string_view>
 
+#include "veltrano/export.h"
+
 namespace veltrano {
 
-class VeltranoINI {
+class VELTRANO_API VeltranoINI {
  public:
   /// The value on the first line of the key; Default if no line has it or the file cannot be read. A key with
   /// characters that the code page lacks is on no line of a file.

@@ -1,16 +1,24 @@
 #ifndef VELTRANO_INSTALLED_H
 #define VELTRANO_INSTALLED_H
 
-// Tells the library where it is installed, and so where its font metrics are, by the path of this header: it
-// is linked into programs and can be in any folder. veltrano/pdf.h includes this header if VELTRANO_INSTALLED
-// is defined, which the build files of the package do.
+// Tells the library where the font metrics are that belong to these headers, since it is linked into programs
+// and can be in any folder. veltrano/pdf.h includes this header if VELTRANO_INSTALLED is defined, which the
+// build files of the package do.
+
+#include "veltrano/export.h"
 
 namespace veltrano {
 
-/// Takes the path of this header. True.
-bool setInstallation(const char* header);
+/// A folder in which metrics are looked for after the places beside the program. True.
+VELTRANO_API bool setMetricsFolder(const char* folder);
 
-inline const bool installationIsKnown = setInstallation(__FILE__);
+#ifdef VELTRANO_METRICS_FOLDER
+inline const bool metricsFolderIsKnown = setMetricsFolder(VELTRANO_METRICS_FOLDER);
+#else
+// This header is <installation>/include/veltrano/installed.h.
+inline const bool metricsFolderIsKnown =
+    setMetricsFolder(__FILE__ "/../../../share/veltranoframework/metrics");
+#endif
 
 }  // namespace veltrano
 

@@ -16,11 +16,12 @@
 #include <string>
 #include <string_view>
 
+#include "veltrano/export.h"
 #include "veltrano/picture.h"
 
 namespace veltrano {
 
-class VeltranoJPG {
+class VELTRANO_API VeltranoJPG {
  public:
   static constexpr std::int32_t defaultQuality = 50;
 

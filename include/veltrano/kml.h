@@ -18,9 +18,11 @@
 #include <string>
 #include <string_view>
 
+#include "veltrano/export.h"
+
 namespace veltrano {
 
-class VeltranoKML {
+class VELTRANO_API VeltranoKML {
  public:
   VeltranoKML();
   VeltranoKML(VeltranoKML&&) noexcept;

@@ -12,13 +12,14 @@
 #include <memory>
 #include <string>
 
+#include "veltrano/export.h"
 #include "veltrano/value.h"
 
 namespace veltrano {
 
 class DatabaseEngine;
 
-class VeltranoMDB {
+class VELTRANO_API VeltranoMDB {
  public:
   /// Works with the engine that all objects of the process share: the machine's own, where it has one,
   /// otherwise the embedded one.

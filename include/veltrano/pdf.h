@@ -28,6 +28,7 @@
 #include <string>
 #include <string_view>
 
+#include "veltrano/export.h"
 #include "veltrano/value.h"
 #ifdef VELTRANO_INSTALLED
 #include "veltrano/installed.h"
@@ -108,7 +109,7 @@ enum PDFBorderValue : std::int32_t {
   BORDER_RIGHT = 5
 };
 
-class VeltranoPDF {
+class VELTRANO_API VeltranoPDF {
  public:
   VeltranoPDF();
   ~VeltranoPDF();

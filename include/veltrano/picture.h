@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <memory>
 
+#include "veltrano/export.h"
+
 namespace veltrano {
 
 /// A handle of the system's graphics (HBITMAP, HDC) as a number of pointer width; 0 is none.
@@ -20,7 +22,7 @@ constexpr std::int64_t bytesPerScanLine(std::int64_t width) {
   return (width * 3 + 3) & ~std::int64_t{3};
 }
 
-class Picture {
+class VELTRANO_API Picture {
  public:
   /// Nothing: every member that is handed it fails as documented.
   Picture() = default;

@@ -7,11 +7,12 @@
 #include <memory>
 #include <string>
 
+#include "veltrano/export.h"
 #include "veltrano/picture.h"
 
 namespace veltrano {
 
-class VeltranoPNG {
+class VELTRANO_API VeltranoPNG {
  public:
   VeltranoPNG();
   VeltranoPNG(VeltranoPNG&&) noexcept;

@@ -12,6 +12,8 @@
 #include <variant>
 #include <vector>
 
+#include "veltrano/export.h"
+
 namespace veltrano {
 
 /// The automation null: known to have no value, unlike an empty Value, which has not been given one.
@@ -41,7 +43,7 @@ struct Opaque {
   friend bool operator==(Opaque, Opaque) = default;
 };
 
-class Value {
+class VELTRANO_API Value {
  public:
   using List = std::vector<Value>;
   using Doubles = std::vector<double>;

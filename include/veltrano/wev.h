@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "veltrano/export.h"
+
 namespace veltrano {
 
 class EventSink;
@@ -22,7 +24,7 @@ enum class EventType : std::int32_t {
   auditFailure = 10,  ///< not the system's 16: hosts have always passed 10, and 10 is what the log gets
 };
 
-class VeltranoWEV {
+class VELTRANO_API VeltranoWEV {
  public:
   /// Writes to the system's log.
   VeltranoWEV();

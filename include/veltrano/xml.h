@@ -16,6 +16,8 @@
 #include <string_view>
 #include <vector>
 
+#include "veltrano/export.h"
+
 namespace veltrano {
 
 /// Result of the enumerations:
@@ -24,7 +26,7 @@ namespace veltrano {
 ///   n + 1 elements    the names of the n child nodes, then one empty string, kept because hosts rely on it
 using SettingNames = std::optional<std::vector<std::string>>;
 
-class VeltranoXML {
+class VELTRANO_API VeltranoXML {
  public:
   VeltranoXML();
   VeltranoXML(VeltranoXML&&) noexcept;

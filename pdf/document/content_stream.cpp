@@ -1,5 +1,7 @@
 #include "pdf/document/content_stream.h"
 
+#include "base/trace.h"
+
 namespace veltrano {
 
 char* ContentStream::grow(char* next, std::size_t count) {
@@ -13,6 +15,10 @@ char* ContentStream::grow(char* next, std::size_t count) {
   next_ = bytes_.get() + ended;
   end_ = bytes_.get() + capacity;
   return bytes_.get() + length;
+}
+
+void ContentWriter::traceLostLine() {
+  trace("A number is not finite; the operator that needs it is left out of the page.");
 }
 
 }  // namespace veltrano

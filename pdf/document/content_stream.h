@@ -71,6 +71,7 @@ class ContentWriter {
   /// Ends the line, or takes it back. False when it was taken back.
   bool end() {
     if (failed_) {
+      traceLostLine();
       next_ = stream_.next_;
       failed_ = false;
       return false;
@@ -83,6 +84,7 @@ class ContentWriter {
   void line(std::string_view whole) { text(whole).end(); }
 
  private:
+  static void traceLostLine();
   ContentWriter& number(double value, int decimals) {
     failed_ |= !std::isfinite(value);
     makeRoom(longestPdfNumber);

@@ -60,7 +60,10 @@ std::shared_ptr<const FontMetrics> MetricsFolder::readEntry(Entry& font) {
     }
     font.limit = greatestLength;
   }
-  traceSkipped("metrics", "no metrics can be read", font.fontName);
+  if (!font.fontName.empty()) {
+    trace("There are no metrics of the font \"", font.fontName, "\": ", font.file,
+          " cannot be used; its text has no width.");
+  }
   font.identity.reset();
   font.text.clear();
   font.metrics = FontMetrics::none();

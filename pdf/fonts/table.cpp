@@ -23,7 +23,6 @@ bool namesMetrics(const std::string& path) {
 std::size_t FontTable::load(const std::filesystem::path& folder) {
   const auto files = listFiles(folder);
   if (!files) {
-    traceSkipped("PDFLoadAfm", "no such folder");
     return 0;
   }
   // The whole path counts: in a folder "fonts.afm" every file is a font. Kept because hosts rely on it.

@@ -156,7 +156,7 @@ std::vector<Point> readPoints(const Value::List& arguments) {
     if (x && y && std::isfinite(*x) && std::isfinite(*y)) {
       points.push_back({*x, *y});
     } else {
-      traceSkipped("PDFDrawPolygon", "a point is not a pair of numbers");
+      trace("Point ", &value - values.data() + 1, " is not a pair of numbers and is left out.");
     }
   }
   return points;

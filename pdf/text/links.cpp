@@ -37,7 +37,7 @@ void addLink(std::vector<Link>& links, Link link) {
   if (links.size() < most) {
     links.push_back(std::move(link));
   } else {
-    traceSkipped("PDFLink", "more links than a document can count");
+    trace("The document has more links than it can count; this one replaces the last.");
     links.back() = std::move(link);
   }
 }

@@ -108,10 +108,11 @@ class AutomationObject : public ComObject<Interface, IProvideClassInfo2, ISuppor
   HRESULT run(const char* member, Body&& body) {
     const KeepAlive alive(*static_cast<Interface*>(this));
     const LibraryArithmetic arithmetic;
+    const TracedMember traced(core_.entry().name, member);
     try {
       body();
     } catch (const std::exception& failure) {
-      traceSkipped(member, failure.what());
+      trace("The member ended early: ", failure.what(), ".");
     }
     return S_OK;
   }

@@ -7,6 +7,7 @@
 #include "base/files/whole.h"
 #include "base/os/clock.h"
 #include "tests/temporary_folder.h"
+#include "veltrano/installed.h"
 
 namespace veltrano {
 namespace {
@@ -25,7 +26,9 @@ TEST(Host, FindsMetricsOfAnInstallationWhereNoneLieBesideTheProgram) {
   EXPECT_EQ(metricsFolder(), libraryFolder());
   const TemporaryFolder folder;
   const auto shared = folder.path() / "share/veltranoframework/metrics";
-  setInstallation((folder.path() / "include/veltrano/installed.h").string().c_str());
+  setMetricsFolder((folder.path() / "include/veltrano/installed.h/../../../share/veltranoframework/metrics")
+                       .string()
+                       .c_str());
   std::filesystem::create_directories(shared);
   EXPECT_EQ(metricsFolder(), libraryFolder()) << "an empty folder has no metrics";
   ASSERT_TRUE(replaceFile(shared / "Courier.afm", ""));

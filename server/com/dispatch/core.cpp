@@ -1,5 +1,7 @@
 #include "server/com/dispatch/core.h"
 
+#include "base/text/utf.h"
+#include "base/trace.h"
 #include "server/com/module.h"
 
 namespace veltrano::server {
@@ -16,6 +18,17 @@ HRESULT findType(REFGUID guid, ITypeInfo** type) {
     const HRESULT loaded = loadTypeLibrary(library);
     return FAILED(loaded) ? loaded : library->GetTypeInfoOfGuid(guid, type);
   });
+}
+
+void traceRefused(const ClassEntry& entry, const Member& member, const DISPPARAMS& passed, HRESULT reason,
+                  UINT wrong) {
+  if (traceEnabled()) {
+    const TracedMember traced(entry.name, "Invoke");
+    trace("A call of ",
+          utf16ToUtf8({reinterpret_cast<const char16_t*>(member.name.data()), member.name.size()}), " with ",
+          passed.cArgs, " arguments is refused, error ", reason, "; argument ", passed.cArgs - wrong,
+          " of them is the first wrong one, if any.");
+  }
 }
 
 }  // namespace
@@ -79,7 +92,13 @@ HRESULT DispatchCore::invoke(IDispatch& object, DISPID id, REFIID iid, LCID loca
     if (member == nullptr) {
       return DISP_E_MEMBERNOTFOUND;
     }
-    return callMember(*member, {&object, &kinds_, locale, arguments, result, wrongArgument});
+    UINT wrong = 0;
+    UINT* const place = wrongArgument != nullptr ? wrongArgument : &wrong;
+    const HRESULT called = callMember(*member, {&object, &kinds_, locale, arguments, result, place});
+    if (FAILED(called)) {
+      traceRefused(entry_, *member, *arguments, called, *place);
+    }
+    return called;
   });
 }
 

@@ -177,7 +177,7 @@ Outcome apply(const Contents& journal, RandomAccessFile* database, RandomAccessF
   if (!size || *size < journal.head.length || *size > last.mayReach || !recovery.belongs()) {
     return Outcome::nothingToDo;
   }
-  traceSkipped("OpenDB", "puts right what an ended process did not close", path.string());
+  trace("An ended process did not close the database; its last changes were brought in from ", path, ".");
   // The journal first: it must still be there if the power fails while the database is being written.
   return journalFile.sync() && recovery.write(last.length) && database->sync() ? Outcome::done
                                                                                : Outcome::failed;

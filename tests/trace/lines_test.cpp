@@ -1,0 +1,139 @@
+// What the classes say in the trace: one row for each way in which a call does less than it was asked for.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+
+#include "base/files/whole.h"
+#include "tests/temporary_folder.h"
+#include "tests/trace/trace_lines.h"
+#include "veltrano/ini.h"
+#include "veltrano/jpg.h"
+#include "veltrano/kml.h"
+#include "veltrano/mdb.h"
+#include "veltrano/pdf.h"
+#include "veltrano/png.h"
+#include "veltrano/xml.h"
+
+namespace veltrano {
+namespace {
+
+using tests::newTraceLines;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+struct Row {
+  const char* line;  ///< a part of the last line that the call writes
+  std::function<void()> call;
+};
+
+void check(const std::vector<Row>& rows) {
+  for (const Row& row : rows) {
+    newTraceLines();
+    row.call();
+    const auto lines = newTraceLines();
+    ASSERT_FALSE(lines.empty()) << row.line;
+    EXPECT_NE(lines.back().find(row.line), std::string::npos) << lines.back() << "\ninstead of\n" << row.line;
+  }
+}
+
+TEST(TraceLines, OfPdf) {
+  VeltranoPDF pdf;
+  double width = 0;
+  double height = 0;
+  check({
+      {"PDFEndDoc: No document is open; nothing is done.", [&] { pdf.PDFEndDoc(); }},
+      {"PDFNewPage: No document is open", [&] { pdf.PDFNewPage(); }},
+      {"PDFSetUnit: An argument is rejected (\"Incorrect Unit\"): centimetres are used.",
+       [&] { pdf.PDFSetUnit(9); }},
+      {"PDFOrientation: An argument is rejected", [&] { pdf.PDFOrientation(9); }},
+      {"PDFFormatPage: An argument is rejected (\"Invalid Page Code Format\")",
+       [&] { pdf.PDFFormatPage(99); }},
+      {"PDFSetZoomMode: An argument is rejected", [&] { pdf.PDFSetZoomMode(Value(std::string("x"))); }},
+      {"PDFSetLayoutMode: An argument is rejected", [&] { pdf.PDFSetLayoutMode(9); }},
+      {"PDFSetLeftMargin: The margin does not fit 16 bits", [&] { pdf.PDFSetLeftMargin(1e6); }},
+      {"PDFSetTextColor: An argument is rejected (\"Invalid Text Color\"): the colour is black.",
+       [&] { pdf.PDFSetTextColor(Value(std::string("red"))); }},
+      {"PDFSetLineColor: An argument is rejected", [&] { pdf.PDFSetLineColor(Value(std::string("red"))); }},
+      {"PDFSetDrawColor: An argument is rejected", [&] { pdf.PDFSetDrawColor(Value(std::string("red"))); }},
+      {"PDFSetLineStyle: An argument is rejected", [&] { pdf.PDFSetLineStyle(99); }},
+      {"PDFSetDrawMode: An argument is rejected", [&] { pdf.PDFSetDrawMode(99); }},
+      {"PDFSetAlignement: An argument is rejected", [&] { pdf.PDFSetAlignement(99); }},
+      {"PDFSetFont: An argument is rejected (\"Invalid Fort \"): the font is TimesRoman.",
+       [&] { pdf.PDFSetFont(99, 12); }},
+      {"PDFGetStringWidth: There are no metrics of the font \"None\": ",
+       [&] { width = pdf.PDFGetStringWidth("a", "None", 10); }},
+      {"PDFLoadAfm: The folder \"", [&] { pdf.PDFLoadAfm("no such folder"); }},
+      {"PDFDrawLine: A number is not finite; the operator that needs it is left out",
+       [&] { pdf.PDFDrawLine(nan, 1, 2, 3); }},
+      {"PDFDrawPolygon: Point 2 is not a pair of numbers",
+       [&] {
+         pdf.PDFDrawPolygon({Value::List{Value(1), Value(2)}, Value(std::string("x"))});
+       }},
+      {"PDFDrawRectangle: An argument is rejected (\"Unable to include this link\")",
+       [&] { pdf.PDFDrawRectangle(1, 1, 1, 1, Value(5)); }},
+      {"PDFImageWidth: An argument is rejected (\"Error format not supported\"): the name does not end in",
+       [&] { width = pdf.PDFImageWidth("a.png"); }},
+      {"PDFImage: An argument is rejected (\"", [&] { pdf.PDFImage("none.jpg", 1, 1, width, height); }},
+      {"PDFEndDoc: The file \"no such folder/a.pdf\" was not written: ",
+       [&] {
+         pdf.PDFFileName("no such folder/a.pdf");
+         pdf.PDFBeginDoc();
+         pdf.PDFEndDoc();
+       }},
+  });
+}
+
+TEST(TraceLines, OfFiles) {
+  const tests::TemporaryFolder folder;
+  ASSERT_TRUE(replaceFile(folder / "bad.xml", "<XML><a></XML>"));
+  VeltranoKML kml;
+  VeltranoXML xml;
+  VeltranoINI ini;
+  check({
+      {"VeltranoKML.CreatePlaceMark: No file is open; nothing is written.",
+       [&] { kml.CreatePlaceMark(1, 2, 3, "name", "", "", ""); }},
+      {"VeltranoKML.CreateKML: No file is open",
+       [&] { kml.CreateKML(folder / "none" / "a.kml", "", "", 0); }},
+      {"VeltranoXML.XML_Open: The settings start empty: there is no such file: \"",
+       [&] { xml.XML_Open(folder / "none.xml"); }},
+      {"VeltranoXML.XML_Open: The settings start empty: the file is not well-formed XML",
+       [&] { xml.XML_Open(folder / "bad.xml"); }},
+      {"VeltranoXML.XML_SaveSetting: The key \"1\" in the folder \"a\" cannot be made: a name is not allowed",
+       [&] { xml.XML_SaveSetting("a", "1", "x"); }},
+      {"VeltranoXML.XML_Save: Nothing is saved to \"",
+       [&] {
+         VeltranoXML empty;
+         empty.XML_Save();
+       }},
+      {"VeltranoINI.GetIniValue: The file \"", [&] { ini.GetIniValue(folder / "none.ini", u"key", u""); }},
+      {"VeltranoINI.SetIniValue: The file \"",
+       [&] { ini.SetIniValue(folder / "none" / "a.ini", u"key", u""); }},
+  });
+}
+
+TEST(TraceLines, OfPicturesAndDatabases) {
+  const tests::TemporaryFolder folder;
+  ASSERT_TRUE(replaceFile(folder / "bad.jpg", "no picture"));
+  VeltranoJPG jpg;
+  VeltranoPNG png;
+  VeltranoMDB mdb;
+  check({
+      {"VeltranoJPG.SaveJPEGResampled: There is no picture, or a side of it is longer than a JPEG can have. "
+       "No file is "
+       "written.",
+       [&] { jpg.SaveJPEGResampled(folder / "bad.jpg", folder / "b.jpg", 90, 0, 0); }},
+      {"VeltranoPNG.SavePNG: The picture is not a bitmap", [&] { png.SavePNG({}, folder / "a.png"); }},
+      {"VeltranoMDB.OpenDB: Refused for \"", [&] { mdb.OpenDB((folder / "none.mdb").string(), "", ""); }},
+      {"VeltranoMDB.OpenTable: Refused for \"Orders\": no database is open.",
+       [&] { mdb.OpenTable("Orders"); }},
+      {"VeltranoMDB.AddNew: Refused: no table is open.", [&] { mdb.AddNew(); }},
+      {"VeltranoMDB.EOF: Refused: no table is open.", [&] { mdb.Eof(); }},
+      {"VeltranoMDB.FindRecord: Refused: no table is open.",
+       [&] { mdb.FindRecord("Name", "x", 0); }},
+      {"VeltranoMDB.CloseDatabase: Refused: no database is open.", [&] { mdb.CloseDatabase(); }},
+  });
+}
+
+}  // namespace
+}  // namespace veltrano
