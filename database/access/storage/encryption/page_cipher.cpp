@@ -11,7 +11,7 @@ namespace {
 
 class PageEncoding final : public PageCipher {
  public:
-  using PageCipher::PageCipher;
+  explicit PageEncoding(std::uint32_t key) : PageCipher(key, Spread::byte) {}
 
  protected:
   void apply(Way /*way*/, const Block& block, MutableBytes bytes) const override { rc4(block, bytes); }
@@ -52,7 +52,7 @@ Secret aesKey(Bytes base, Bytes block, std::uint32_t bits) {
 class ProviderCipher final : public PageCipher {
  public:
   ProviderCipher(std::uint32_t key, const ProviderEncryption& encryption, Bytes password)
-      : PageCipher(key),
+      : PageCipher(key, encryption.cipher == ProviderEncryption::Cipher::rc4 ? Spread::byte : Spread::block),
         rc4_(encryption.cipher == ProviderEncryption::Cipher::rc4),
         bits_(encryption.keyBits),
         base_(stretchedHash(Hash::sha1, encryption.salt, password, encryption.rounds)) {}
@@ -92,7 +92,7 @@ AesBlock startOf(Bytes bytes) {
 class AgileCipher final : public PageCipher {
  public:
   AgileCipher(std::uint32_t key, const AgileEncryption& encryption, Secret pagesKey)
-      : PageCipher(key), pages_(encryption.pages), key_(std::move(pagesKey)) {}
+      : PageCipher(key, Spread::chain), pages_(encryption.pages), key_(std::move(pagesKey)) {}
 
  protected:
   void apply(Way way, const Block& block, MutableBytes bytes) const override {
@@ -159,6 +159,16 @@ std::unique_ptr<PageCipher> open(const AgileEncryption& encryption, std::uint32_
 }
 
 }  // namespace
+
+PageCipher::Stretch PageCipher::changedBy(Stretch plain, std::size_t pageSize) const {
+  constexpr std::size_t blockSize = sizeof(AesBlock);
+  if (spread_ == Spread::byte) {
+    return plain;
+  }
+  const std::size_t begin = plain.begin / blockSize * blockSize;
+  const std::size_t end = (plain.end + blockSize - 1) / blockSize * blockSize;
+  return {begin, spread_ == Spread::block ? end : pageSize};
+}
 
 std::unique_ptr<PageCipher> makePageEncoding(std::uint32_t key) {
   return std::make_unique<PageEncoding>(key);

@@ -17,8 +17,19 @@ namespace veltrano::access {
 
 class PageCipher {
  public:
+  /// Which encoded bytes of a page a plain one has a part in.
+  enum class Spread : std::uint8_t {
+    byte,   ///< that one
+    block,  ///< its block of 16
+    chain,  ///< its block and all after it
+  };
+  struct Stretch {
+    std::size_t begin;
+    std::size_t end;
+  };
+
   /// `key`: that of the header page.
-  explicit PageCipher(std::uint32_t key) : key_(key) {}
+  PageCipher(std::uint32_t key, Spread spread) : key_(key), spread_(spread) {}
   PageCipher(const PageCipher&) = delete;
   PageCipher& operator=(const PageCipher&) = delete;
   virtual ~PageCipher() = default;
@@ -26,6 +37,8 @@ class PageCipher {
   /// In place, a whole page other than the first. The same plain bytes always give the same encoded ones.
   void decode(PageNumber page, MutableBytes bytes) const { apply(Way::decode, blockOf(page), bytes); }
   void encode(PageNumber page, MutableBytes bytes) const { apply(Way::encode, blockOf(page), bytes); }
+  /// The encoded bytes of a page of that size that may change if the plain ones of a stretch do.
+  [[nodiscard]] Stretch changedBy(Stretch plain, std::size_t pageSize) const;
 
  protected:
   /// What makes the key of each page another one.
@@ -40,6 +53,7 @@ class PageCipher {
   }
 
   std::uint32_t key_;
+  Spread spread_;
 };
 
 /// The page encoding of .mdb files, which no password protects.
