@@ -76,11 +76,12 @@ Status PageFile::readHeaderPage(std::string_view password) {
     return {Failure::other, "the file cannot be read"};
   }
   auto header = readHeader(Bytes(first).first(*got), password);
-  if (header) {
-    header_ = *std::move(header);
-    identity_ = hashBytes(Bytes(first).first(pageSize()));
+  if (!header) {
+    return header.status();
   }
-  return header.status();
+  header_ = *std::move(header);
+  identity_ = hashBytes(Bytes(first).first(pageSize()));
+  return {};
 }
 
 Status PageFile::recover(FileSystem& files) {

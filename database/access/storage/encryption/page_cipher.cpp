@@ -175,7 +175,7 @@ std::unique_ptr<PageCipher> makePageEncoding(std::uint32_t key) {
 }
 
 Result<std::unique_ptr<PageCipher>> unlock(Bytes information, std::uint32_t key, std::string_view password) {
-  constexpr std::size_t longestPassword = 2 * 255;
+  constexpr std::size_t longestPassword = std::size_t{2} * 255;
   const auto encryption = readEncryption(information);
   if (!encryption) {
     return encryption.status();

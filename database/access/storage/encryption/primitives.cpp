@@ -15,40 +15,27 @@ namespace veltrano::access {
 
 namespace {
 
-struct Sha1 {
-  mbedtls_sha1_context state;
-  Sha1() {
+/// `target` may lie within the parts.
+void hashInto(Hash kind, std::initializer_list<Bytes> parts, std::uint8_t* target) {
+  if (kind == Hash::sha1) {
+    mbedtls_sha1_context state;
     mbedtls_sha1_init(&state);
     (void)mbedtls_sha1_starts_ret(&state);
+    for (const Bytes part : parts) {
+      (void)mbedtls_sha1_update_ret(&state, part.data(), part.size());
+    }
+    (void)mbedtls_sha1_finish_ret(&state, target);
+    mbedtls_sha1_free(&state);
+    return;
   }
-  void add(Bytes bytes) { (void)mbedtls_sha1_update_ret(&state, bytes.data(), bytes.size()); }
-  void finish(std::uint8_t* target) { (void)mbedtls_sha1_finish_ret(&state, target); }
-  ~Sha1() { mbedtls_sha1_free(&state); }
-};
-
-struct Sha512 {
   mbedtls_sha512_context state;
-  Sha512() {
-    mbedtls_sha512_init(&state);
-    (void)mbedtls_sha512_starts_ret(&state, 0);
-  }
-  void add(Bytes bytes) { (void)mbedtls_sha512_update_ret(&state, bytes.data(), bytes.size()); }
-  void finish(std::uint8_t* target) { (void)mbedtls_sha512_finish_ret(&state, target); }
-  ~Sha512() { mbedtls_sha512_free(&state); }
-};
-
-/// `target` may lie within the parts.
-template <typename Algorithm>
-void hashInto(std::initializer_list<Bytes> parts, MutableBytes target) {
-  Algorithm algorithm;
+  mbedtls_sha512_init(&state);
+  (void)mbedtls_sha512_starts_ret(&state, 0);
   for (const Bytes part : parts) {
-    algorithm.add(part);
+    (void)mbedtls_sha512_update_ret(&state, part.data(), part.size());
   }
-  algorithm.finish(target.data());
-}
-
-void hashInto(Hash hash, std::initializer_list<Bytes> parts, MutableBytes target) {
-  hash == Hash::sha1 ? hashInto<Sha1>(parts, target) : hashInto<Sha512>(parts, target);
+  (void)mbedtls_sha512_finish_ret(&state, target);
+  mbedtls_sha512_free(&state);
 }
 
 class Aes {
@@ -97,7 +84,7 @@ void wipe(MutableBytes bytes) {
 
 Secret hashOf(Hash hash, std::initializer_list<Bytes> parts) {
   Secret result(hashSize(hash));
-  hashInto(hash, parts, result.bytes());
+  hashInto(hash, parts, result.bytes().data());
   return result;
 }
 
@@ -105,10 +92,10 @@ Secret stretchedHash(Hash hash, Bytes salt, Bytes password, std::uint32_t rounds
   constexpr std::size_t numberSize = 4;
   Secret text(numberSize + hashSize(hash));
   const MutableBytes result = text.bytes().subspan(numberSize);
-  hashInto(hash, {salt, password}, result);
+  hashInto(hash, {salt, password}, result.data());
   for (std::uint32_t round = 0; round < rounds; ++round) {
     store32(text.bytes().data(), round);
-    hashInto(hash, {text.bytes()}, result);
+    hashInto(hash, {text.bytes()}, result.data());
   }
   return Secret(Bytes(result));
 }
