@@ -81,6 +81,7 @@ zlib libz-mingw-w64-dev
 libjpeg-turbo libjpeg62-turbo-dev
 expat libexpat1-dev
 pugixml libpugixml-dev
+mbedtls libmbedtls-dev
 gcc-runtime gcc-mingw-w64-base
 mingw-w64-runtime mingw-w64-common
 TEXTS

@@ -1,9 +1,9 @@
-# The libraries of others: ZLIB::ZLIB, PNG::PNG, JPEG::JPEG, EXPAT::EXPAT and pugixml::pugixml, the same names for every target. On
-# Linux they are the distribution's packages; for Windows scripts/build-windows-libraries.sh has put static ones into
+# The libraries of others: ZLIB::ZLIB, PNG::PNG, JPEG::JPEG, EXPAT::EXPAT, pugixml::pugixml and MbedTLS::mbedcrypto, the
+# same names for every target. On Linux they are the distribution's packages; for Windows scripts/build-windows-libraries.sh has put static ones into
 # a cache folder, which the toolchain file makes the search root.
 
 if(WIN32)
-  if(NOT EXISTS "${VELTRANO_WINDOWS_LIBRARIES}/lib/libexpat.a")
+  if(NOT EXISTS "${VELTRANO_WINDOWS_LIBRARIES}/lib/libmbedcrypto.a")
     message(FATAL_ERROR "The Windows libraries are not built yet: run scripts/build-windows-libraries.sh")
   endif()
 
@@ -21,9 +21,11 @@ if(WIN32)
   veltrano_static_package(EXPAT::EXPAT libexpat.a)
   target_compile_definitions(EXPAT::EXPAT INTERFACE XML_STATIC)
   veltrano_static_package(pugixml::pugixml libpugixml.a)
+  veltrano_static_package(MbedTLS::mbedcrypto libmbedcrypto.a)
 else()
   find_package(PNG REQUIRED)
   find_package(JPEG REQUIRED)
   find_package(EXPAT REQUIRED)
   find_package(pugixml CONFIG REQUIRED)
+  find_package(MbedCrypto REQUIRED)
 endif()

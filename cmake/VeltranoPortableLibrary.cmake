@@ -14,7 +14,8 @@ set_target_properties(VeltranoFrameWork PROPERTIES
 target_compile_features(VeltranoFrameWork INTERFACE cxx_std_20)
 target_include_directories(VeltranoFrameWork INTERFACE
   "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>" "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
-target_link_libraries(VeltranoFrameWork PRIVATE PNG::PNG JPEG::JPEG EXPAT::EXPAT pugixml::pugixml ${CMAKE_DL_LIBS})
+target_link_libraries(VeltranoFrameWork PRIVATE PNG::PNG JPEG::JPEG EXPAT::EXPAT pugixml::pugixml
+  MbedTLS::mbedcrypto ${CMAKE_DL_LIBS})
 # A text, unlike the path of a header, which -ffile-prefix-map may change.
 target_compile_definitions(VeltranoFrameWork INTERFACE VELTRANO_INSTALLED
   "VELTRANO_METRICS_FOLDER=\"$<BUILD_INTERFACE:${VELTRANO_METRICS_FOLDER}>$<INSTALL_INTERFACE:$<INSTALL_PREFIX>/${CMAKE_INSTALL_DATADIR}/veltranoframework/metrics>\"")

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds Expat, pugixml, libpng and libjpeg-turbo (with its SIMD code) as static libraries for 32-bit and 64-bit Windows
-# from Debian's source packages, once, into $VELTRANO_CACHE (else $XDG_CACHE_HOME/veltrano, else ~/.cache/veltrano).
+# Builds Expat, pugixml, libpng, libjpeg-turbo (with its SIMD code) and the ciphers of Mbed TLS as static libraries for
+# 32-bit and 64-bit Windows from Debian's source packages, once, into $VELTRANO_CACHE (else $XDG_CACHE_HOME/veltrano, else ~/.cache/veltrano).
 #   scripts/build-windows-libraries.sh [i686-w64-mingw32] [x86_64-w64-mingw32]      (both when none is named)
 #
 # Safe to run again: complete libraries are not built again. Does not need root; checkTools below names what must be
@@ -13,7 +13,7 @@ set -euo pipefail
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cache=${VELTRANO_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/veltrano}
-packages=(expat pugixml libpng1.6 libjpeg-turbo)
+packages=(expat pugixml libpng1.6 libjpeg-turbo mbedtls)
 # Raise it when the way of building changes: every cache is then built anew.
 recipe=2
 
@@ -27,6 +27,8 @@ a00e9d2f2f664186e4202db9299397f851aea71b36a35e74910b8820e380d441  libpng1.6_1.6.
 ab14906eda9fddf14cbb1e589b9ba7439c22e233dc3c5e3cf9356c9625565a82  libpng1.6_1.6.39-2+deb12u5.debian.tar.xz
 254f3642b04e309fee775123133c6464181addc150499561020312ec61c1bf7c  libjpeg-turbo_2.1.5.orig.tar.gz
 cdb2433c2f7101345c1ffa14efb943787c675b86354691a32490845fe4bc9237  libjpeg-turbo_2.1.5-2.debian.tar.xz
+3b4953aa55a681e084d31892d9904cc5328d6b4958ea57b90ae4b4f94ae69a8d  mbedtls_2.28.3.orig.tar.gz
+3e03c61f63c7bbcd0bf695b53e6663ab448cc2e15429cd67d0e4f32e699645a9  mbedtls_2.28.3-1.debian.tar.xz
 "
 
 fail() {
@@ -126,6 +128,13 @@ build() {
   } >"$log" 2>&1 || fail "$package for $triplet does not build: see $log"
 }
 
+# The ciphers, hashes and encodings that the Access engine uses, and nothing else of Mbed TLS: no random numbers, no
+# threads, no network. The build and the programs that include the installed headers must see the same file.
+configureMbedTls() {
+  printf '#define MBEDTLS_%s\n' HAVE_ASM AESNI_C AES_C AES_ROM_TABLES CIPHER_MODE_CBC ARC4_C SHA1_C SHA512_C BASE64_C \
+    PLATFORM_C DEPRECATED_REMOVED >"$work/mbedtls/source/include/mbedtls/config.h"
+}
+
 buildTriplet() {
   local triplet=$1
   # EXPAT_DTD=OFF: documents with a document type are refused, and a patch of Debian's builds with autotools only where
@@ -138,6 +147,8 @@ buildTriplet() {
     -DZLIB_LIBRARY="/usr/$triplet/lib/libz.a" -DZLIB_INCLUDE_DIR="/usr/$triplet/include"
   # REQUIRE_SIMD: without it a missing assembler gives a library that works several times slower.
   build "$triplet" libjpeg-turbo -DENABLE_SHARED=OFF -DENABLE_STATIC=ON -DWITH_TURBOJPEG=OFF -DREQUIRE_SIMD=ON
+  configureMbedTls
+  build "$triplet" mbedtls -DENABLE_PROGRAMS=OFF -DENABLE_TESTING=OFF
   cp "/usr/$triplet/lib/libz.a" "$work/install/$triplet/lib/"
   cp "/usr/$triplet/include/zlib.h" "/usr/$triplet/include/zconf.h" "$work/install/$triplet/include/"
 }
@@ -149,7 +160,7 @@ flock 9  # two builds may need the libraries at once
 # complete <prefix>
 complete() {
   local library
-  for library in expat pugixml png16 jpeg z; do
+  for library in expat pugixml png16 jpeg mbedcrypto z; do
     [ -e "$1/lib/lib$library.a" ] || return 1
   done
 }
@@ -167,7 +178,7 @@ for triplet in "${wanted[@]}"; do
 done
 [ ${#triplets[@]} -gt 0 ] || exit 0
 
-echo "Building Expat, pugixml, libpng and libjpeg-turbo for Windows (${triplets[*]}) into $cache"
+echo "Building Expat, pugixml, libpng, libjpeg-turbo and Mbed TLS for Windows (${triplets[*]}) into $cache"
 checkTools
 work=$cache/work
 rm -rf "$work"

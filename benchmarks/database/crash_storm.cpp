@@ -10,10 +10,12 @@
 namespace {
 
 using veltrano::access::Disaster;
+using veltrano::access::EncryptedSample;
 using veltrano::access::Storm;
 
-int storm(const char* name, Disaster disaster, int runs, unsigned firstSeed) {
-  Storm storm;
+int storm(const char* name, Disaster disaster, int runs, unsigned firstSeed,
+          const EncryptedSample* encryption = nullptr) {
+  Storm storm(encryption);
   int violations = 0;
   for (int i = 0; i < runs; ++i) {
     const unsigned seed = firstSeed + static_cast<unsigned>(i);
@@ -35,7 +37,11 @@ int main(int count, char** arguments) {
     return count > index ? std::atoi(arguments[index]) : otherwise;
   };
   const auto seed = static_cast<unsigned>(number(3, 1));
-  const int violations = storm("kills", Disaster::death, number(1, 1000), seed) +
-                         storm("power failures", Disaster::powerFailure, number(2, 2000), seed);
+  const auto* const encryption = &veltrano::access::encryptedSample("agile, AES-192, SHA-1, 2 rounds");
+  const int violations =
+      storm("kills", Disaster::death, number(1, 1000), seed) +
+      storm("power failures", Disaster::powerFailure, number(2, 2000), seed) +
+      storm("kills of encrypted files", Disaster::death, number(1, 1000), seed, encryption) +
+      storm("power failures of encrypted files", Disaster::powerFailure, number(2, 2000), seed, encryption);
   return violations == 0 ? 0 : 1;
 }

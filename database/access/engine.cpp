@@ -1,5 +1,6 @@
 #include "database/access/engine.h"
 
+#include <algorithm>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -77,9 +78,10 @@ class OpenFiles {
     }
     auto file = std::make_shared<OpenFile>();
     file->pager = *std::move(pager);
+    file->password = access::Secret(bytesOf(options.password));
     if (number) {
       const std::lock_guard lock(mutex_);
-      known_.push_back({*number, std::this_thread::get_id(), options.password, file});
+      known_.push_back({*number, std::this_thread::get_id(), file});
     }
     return file;
   }
@@ -88,15 +90,20 @@ class OpenFiles {
   struct Known {
     FileNumber number;
     std::thread::id thread;
-    std::string password;
     std::weak_ptr<OpenFile> file;
   };
 
+  static access::Bytes bytesOf(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+  }
   static Result<std::shared_ptr<OpenFile>> share(const Known& known, const Pager::Options& options) {
-    if (options.password != known.password) {
-      return {Failure::notAllowed, "not the password that the file was opened with"};
+    auto file = known.file.lock();
+    const access::Bytes given = bytesOf(options.password);
+    if (file && !std::equal(given.begin(), given.end(), file->password.bytes().begin(),
+                            file->password.bytes().end())) {
+      return {Failure::notAllowed, "the password is wrong"};
     }
-    return known.file.lock();
+    return file;
   }
 
   std::mutex mutex_;

@@ -26,6 +26,7 @@
 #include "database/access/index/cursor.h"
 #include "database/access/index/tree.h"
 #include "database/access/row_handle.h"
+#include "database/access/storage/encryption/primitives.h"
 #include "database/access/table.h"
 #include "database/access/table_writer.h"
 #include "database/database_engine.h"
@@ -37,6 +38,7 @@ class AccessRecordset;
 /// A file with the recordsets that are open on it. It is closed when the last of its users is.
 struct OpenFile {
   std::unique_ptr<Pager> pager;
+  Secret password;  ///< what it was opened with; others who open it must give the same
   std::vector<AccessRecordset*> recordsets;
   std::uint64_t openers = 0;  ///< database objects that the file has had
   /// Counts changes of rows, so that recordsets know when to read theirs again.

@@ -12,7 +12,8 @@
 #include "database/access/authoring/system_tables.h"
 #include "database/access/pages/data_page.h"
 #include "database/access/schema/catalog.h"
-#include "database/access/storage/codec.h"
+#include "database/access/storage/encryption/page_cipher.h"
+#include "database/access/storage/header_mask.h"
 #include "database/access/storage/space/allocator.h"
 #include "database/values/dates.h"
 
@@ -81,7 +82,9 @@ Status writeFirstPages(const std::filesystem::path& file, const NewDatabase& opt
   const MutableBytes all(pages);
   fillHeader(all.first(pageSize), options, created);
   fillMapPage(all.subspan(pageSize));
-  PageCodec(options.pageKey).apply(1, all.subspan(pageSize));
+  if (options.pageKey != 0) {
+    makePageEncoding(options.pageKey)->encode(1, all.subspan(pageSize));
+  }
   FileSystem& files = options.files != nullptr ? *options.files : systemFiles();
   const auto opened = files.open(file, OpenMode::create);
   if (!opened) {

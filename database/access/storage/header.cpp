@@ -5,7 +5,8 @@
 #include <cstring>
 
 #include "base/text/code_page.h"
-#include "database/access/storage/codec.h"
+#include "database/access/storage/encryption/information.h"
+#include "database/access/storage/header_mask.h"
 #include "database/access/storage/text_codec.h"
 
 namespace veltrano::access {
@@ -14,14 +15,15 @@ namespace veltrano::access {
 //   0x00    4  00 01 00 00
 //   0x04   16  engine name, NUL at the end
 //   0x14    4  version, the low byte counts
-//   0x18       masked from here on (codec.h)
+//   0x18       masked from here on (header_mask.h)
 //   0x3A    2  Jet 3: text order
 //   0x3C    2  code page
-//   0x3E    4  key of the page encoding; in .accdb files: not 0 when the file is encrypted
+//   0x3E    4  key of the page encoding or encryption, 0 for neither
 //   0x42   20  Jet 3: password in the code page, padded with zeros
 //   0x42   40  Jet 4: password in UTF-16, padded with zeros, XORed with the mask that follows from the date
 //   0x6E    4  Jet 4: text order, u16 language, 0, u8 version
 //   0x72    8  Jet 4: date of creation; its whole days, as four bytes repeated, are the password's mask
+//  0x299    2  .accdb: size of the description of the encryption, not masked, which follows
 
 namespace {
 
@@ -33,6 +35,8 @@ constexpr std::size_t jet3PasswordSize = 20;
 constexpr std::size_t jet4PasswordSize = 40;
 constexpr std::size_t textOrderAt = 0x6E;
 constexpr std::size_t creationAt = 0x72;
+constexpr std::size_t encryptionAt = 0x299;
+constexpr std::size_t encryptionEnd = 0xE00;
 
 // The numeric value of the password's mask. Dates that do not fit (no such file is known) mask with zeros.
 std::uint32_t passwordMask(const std::uint8_t* header) {
@@ -89,6 +93,16 @@ Result<Version> versionOf(Bytes bytes) {
   return static_cast<Version>(version);
 }
 
+// What takes the encryption off the pages of an .accdb file.
+Result<std::unique_ptr<PageCipher>> unlockFile(Bytes page, std::uint32_t key, std::string_view password) {
+  const std::size_t size = load16(page.data() + encryptionAt);
+  const std::size_t from = encryptionAt + 2;
+  if (size > encryptionEnd - from) {
+    return unknownEncryption("its description is larger than its place");
+  }
+  return unlock(page.subspan(from, size), key, password);
+}
+
 }  // namespace
 
 Result<Header> readHeader(Bytes bytes, std::string_view password) {
@@ -108,20 +122,28 @@ Result<Header> readHeader(Bytes bytes, std::string_view password) {
   if (const std::uint16_t codePage = load16(page.data() + codePageAt); codePage != 0) {
     header.codePage = codePage;
   }
-  header.pageKey = load32(page.data() + pageKeyAt);
   header.textOrder =
       isJet3(*version) ? load16(page.data() + jet3TextOrderAt) : load32(page.data() + textOrderAt);
   if (isJet3(*version) && !isKnownCodePage(header.codePage)) {
     return {Failure::other, "the file's texts are in a code page that the system cannot convert"};
   }
+  const std::uint32_t key = load32(page.data() + pageKeyAt);
   const bool ace = *version >= Version::ace12;
-  if (ace && header.pageKey != 0) {
-    return {Failure::notAllowed, "the file is encrypted"};
+  if (ace && key != 0) {
+    auto cipher = unlockFile(page, key, password);
+    if (!cipher) {
+      return cipher.status();
+    }
+    header.cipher = *std::move(cipher);
+    return header;
   }
-  // .accdb files do not use the password field: their password encrypts the file.
+  // The password field of .accdb files is not used.
   const std::string wanted = ace ? std::string() : storedPassword(page.data(), *version, header.codePage);
   if (wanted != password) {
-    return {Failure::notAllowed, "not a valid password"};
+    return {Failure::notAllowed, "the password is wrong"};
+  }
+  if (key != 0) {
+    header.cipher = makePageEncoding(key);
   }
   return header;
 }

@@ -1,13 +1,16 @@
 #ifndef VELTRANO_DATABASE_ACCESS_STORAGE_HEADER_H
 #define VELTRANO_DATABASE_ACCESS_STORAGE_HEADER_H
 
-// The header page: which version a file has, what its texts are, and whether the password is right.
+// The header page: which version a file has, what its texts are, how its pages are encoded, and whether the
+// password is right.
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "base/status.h"
 #include "database/access/storage/bytes.h"
+#include "database/access/storage/encryption/page_cipher.h"
 #include "database/access/storage/format.h"
 
 namespace veltrano::access {
@@ -15,8 +18,8 @@ namespace veltrano::access {
 struct Header {
   Version version = Version::jet4;
   std::uint16_t codePage = 1252;
-  std::uint32_t pageKey = 0;    ///< of the page encoding, 0 for none
-  std::uint32_t textOrder = 0;  ///< low word: language; high byte: version
+  std::uint32_t textOrder = 0;                   ///< low word: language; high byte: version
+  std::unique_ptr<PageCipher> cipher = nullptr;  ///< null: the pages are plain
 };
 
 /// The most bytes of the file that readHeader wants.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "database/access/storage/encryption/information.h"
 #include "database/access/storage/journal/journal.h"
 #include "database/access/storage/journal/recovery.h"
 
@@ -46,6 +47,9 @@ Result<PageFile> PageFile::open(FileSystem& files, const std::filesystem::path& 
   if (done) {
     done = file.recover(files);
   }
+  if (done) {
+    done = file.checkDecoding();
+  }
   return done ? Result<PageFile>(std::move(file)) : done;
 }
 
@@ -71,13 +75,13 @@ Status PageFile::readHeaderPage(std::string_view password) {
   if (!got) {
     return {Failure::other, "the file cannot be read"};
   }
-  const auto header = readHeader(Bytes(first).first(*got), password);
-  if (header) {
-    header_ = *header;
-    codec_ = PageCodec(header_.pageKey);
-    identity_ = hashBytes(Bytes(first).first(pageSize()));
+  auto header = readHeader(Bytes(first).first(*got), password);
+  if (!header) {
+    return header.status();
   }
-  return header.status();
+  header_ = *std::move(header);
+  identity_ = hashBytes(Bytes(first).first(pageSize()));
+  return {};
 }
 
 Status PageFile::recover(FileSystem& files) {
@@ -95,13 +99,30 @@ Status PageFile::recover(FileSystem& files) {
   return {};
 }
 
+// No sum protects the pages: what a wrong key makes of them is found by how the first two must begin.
+Status PageFile::checkDecoding() {
+  if (!header_.cipher || header_.version < Version::ace12) {
+    return {};
+  }
+  constexpr std::array<std::uint8_t, 2> kinds = {page_kind::data, page_kind::definition};
+  std::vector<std::uint8_t> page(pageSize());
+  for (PageNumber number = 1; number <= kinds.size(); ++number) {
+    if (!read(number, page) || page[0] != kinds[number - 1] || page[1] != 1) {
+      return unknownEncryption("its pages do not decode");
+    }
+  }
+  return {};
+}
+
 bool PageFile::read(PageNumber page, MutableBytes target) {
   const auto got = file_->readAt(offsetOf(page), target);
   if (!got) {
     return false;
   }
+  if (header_.cipher && page != 0) {
+    header_.cipher->decode(page, target);
+  }
   std::fill(target.begin() + static_cast<std::ptrdiff_t>(*got), target.end(), std::uint8_t{0});
-  codec_.apply(page, target);
   return true;
 }
 
@@ -122,11 +143,11 @@ bool PageFile::setLength(std::uint64_t length) {
 }
 
 Bytes PageFile::encoded(PageNumber page, Bytes bytes, std::vector<std::uint8_t>& space) const {
-  if (!codec_.encodes()) {
+  if (!header_.cipher || page == 0) {
     return bytes;
   }
   space.assign(bytes.begin(), bytes.end());
-  codec_.apply(page, space);
+  header_.cipher->encode(page, space);
   return space;
 }
 

@@ -11,7 +11,6 @@
 
 #include "base/files/random_access.h"
 #include "database/access/storage/bytes.h"
-#include "database/access/storage/codec.h"
 #include "database/access/storage/header.h"
 
 namespace veltrano::access {
@@ -50,12 +49,12 @@ class PageFile {
   Status openFile(FileSystem& files);
   Status readHeaderPage(std::string_view password);
   Status recover(FileSystem& files);
+  Status checkDecoding();
 
   std::filesystem::path path_;
   std::unique_ptr<RandomAccessFile> file_;
   bool readOnly_ = false;
   Header header_;
-  PageCodec codec_;
   std::uint64_t identity_ = 0;
   std::uint64_t length_ = 0;
   std::vector<std::uint8_t> space_;

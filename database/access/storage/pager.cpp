@@ -71,6 +71,7 @@ struct Pager::State {
 
   bool writePage(Frame& frame);
   bool writeEarly(Frame& frame);
+  bool journalAgain(const Frame& frame, Bytes after);
   Status journalFrame(Frame& frame);
   Status journalTransaction();
   Status writeUnwritten();
@@ -161,6 +162,22 @@ void Pager::State::unlist(Frame& frame) {
   changed.pop_back();
 }
 
+// For a page of an encrypted file whose old bytes the journal has from an earlier record: adds the new ones, without
+// encoding the old ones again. Whether there are any.
+bool Pager::State::journalAgain(const Frame& frame, Bytes after) {
+  const std::uint64_t offset = file.offsetOf(frame.number);
+  std::size_t done = 0;
+  forEachDifference(frame.old(), frame.all(), [&](std::size_t begin, std::size_t end) {
+    const auto stretch = file.header().cipher->changedBy({begin, end}, frame.size);
+    const std::size_t from = std::max(stretch.begin, done);
+    if (from < stretch.end) {
+      journal.addNewBytes(offset + from, after.subspan(from, stretch.end - from));
+      done = stretch.end;
+    }
+  });
+  return done != 0;
+}
+
 // Adds what the transaction has changed of a page to the journal's record.
 Status Pager::State::journalFrame(Frame& frame) {
   const std::uint64_t offset = file.offsetOf(frame.number);
@@ -169,6 +186,8 @@ Status Pager::State::journalFrame(Frame& frame) {
   if (frame.number >= committedPages) {
     journal.addNewBytes(offset, after);
     differs = true;
+  } else if (file.header().cipher && frame.unwritten && frame.before) {
+    differs = journalAgain(frame, after);
   } else {
     const Bytes before = frame.before ? file.encoded(frame.number, frame.old(), encodedBefore)
                                       : file.readEncoded(frame.number, encodedBefore);

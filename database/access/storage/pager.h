@@ -83,7 +83,7 @@ class Pager {
   struct Options {
     bool readOnly = false;
     /// What the host gave, UTF-8; empty for none.
-    std::string password = {};
+    std::string_view password = {};
     /// Pages kept in memory; more only while a transaction changes more pages of the last checkpoint.
     std::uint32_t cachePages = 4096;
     /// Where the files are; the system's if null.

@@ -18,6 +18,18 @@ TEST(Crash, LeavesAStateThatTheFileHad) {
   EXPECT_GT(storm.diedTwice, 15);
 }
 
+// With pages of which all bytes after a changed one change, and with pages of which only blocks do.
+TEST(Crash, LeavesEncryptedFilesWholeAndSecret) {
+  for (const char* label : {"agile, AES-192, SHA-1, 2 rounds", "AES-256, no rounds", "RC4, 40 bits"}) {
+    Storm storm(&encryptedSample(label));
+    for (unsigned seed = 0; seed < 10; ++seed) {
+      ASSERT_EQ(storm.run(seed, Disaster::death), "") << label << ", death, seed " << seed;
+      ASSERT_EQ(storm.run(seed, Disaster::powerFailure), "") << label << ", power failure, seed " << seed;
+    }
+    EXPECT_GT(storm.journalsApplied, 10) << label;
+  }
+}
+
 // A full disk refuses the change, and nothing else. What was promised before is in the file when there is room
 // again.
 TEST(Crash, FullDiskRefusesTheChange) {

@@ -5,7 +5,7 @@
 #include "database/access/pages/long_value.h"
 #include "database/access/pages/row.h"
 #include "database/access/schema/catalog.h"
-#include "database/access/storage/codec.h"
+#include "database/access/storage/header_mask.h"
 #include "database/access/storage/space/usage_map.h"
 #include "database/access/storage/text_codec.h"
 #include "harness.h"
@@ -19,7 +19,7 @@ ByteList bytesOf(std::string_view text) {
   return {text.begin(), text.end()};
 }
 
-TEST(Codec, HeaderMaskIsTheKnownKeyStream) {
+TEST(Header, MaskIsTheKnownKeyStream) {
   const ByteList known = {0xB5, 0x6F, 0x03, 0x62, 0x61, 0x08, 0xC2, 0x55, 0xEB, 0xA9, 0x67, 0x72};
   for (const auto& [version, size] : {std::pair(Version::jet3, 126), std::pair(Version::jet4, 128)}) {
     ByteList page(4096);

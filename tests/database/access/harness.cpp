@@ -95,9 +95,10 @@ void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>
   ASSERT_TRUE(made) << made.reason();
 }
 
-OpenedFile::OpenedFile(const std::filesystem::path& file, FileSystem* files, std::uint32_t cachePages)
+OpenedFile::OpenedFile(const std::filesystem::path& file, FileSystem* files, std::uint32_t cachePages,
+                       const std::string& password)
     : file_(std::make_shared<OpenFile>()) {
-  auto pager = Pager::open(file, {.cachePages = cachePages, .files = files});
+  auto pager = Pager::open(file, {.password = password, .cachePages = cachePages, .files = files});
   reason_ = pager.status().reason();
   if (pager) {
     file_->pager = *std::move(pager);

@@ -50,7 +50,7 @@ class OpenedFile {
  public:
   /// `opened` is false when the file was refused.
   explicit OpenedFile(const std::filesystem::path& file, FileSystem* files = nullptr,
-                      std::uint32_t cachePages = 4096);
+                      std::uint32_t cachePages = 4096, const std::string& password = {});
   OpenedFile(const OpenedFile&) = delete;
   OpenedFile& operator=(const OpenedFile&) = delete;
   ~OpenedFile();

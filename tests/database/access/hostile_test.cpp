@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "base/files/whole.h"
-#include "database/access/storage/codec.h"
+#include "database/access/storage/bytes.h"
 #include "harness.h"
 #include "hostile.h"
 #include "simulated_disk.h"

@@ -2,7 +2,10 @@
 
 #include <set>
 
+#include "base/files/replace.h"
+#include "base/files/whole.h"
 #include "database/values/text_matcher.h"
+#include "encrypted_files.h"
 #include "harness.h"
 
 namespace veltrano::access {
@@ -62,6 +65,7 @@ struct OracleCase {
   int steps;
   std::uint32_t cachePages;
   std::uint32_t pageKey;
+  const char* encryption = nullptr;
 };
 
 class Oracle : public testing::TestWithParam<OracleCase> {};
@@ -69,14 +73,20 @@ class Oracle : public testing::TestWithParam<OracleCase> {};
 // Random inserts, edits and deletes with two recordsets against the model; the table grows and shrinks, and the file
 // is closed and opened again in between.
 TEST_P(Oracle, FileAndModelAgree) {
-  const auto [seed, steps, cachePages, pageKey] = GetParam();
+  const auto [seed, steps, cachePages, pageKey, encryption] = GetParam();
   const Folder folder;
   makeDatabase(folder / "a.mdb", {peopleTable(), plainTable()}, {.pageKey = pageKey});
+  std::string password;
+  if (encryption != nullptr) {
+    const EncryptedSample& sample = encryptedSample(encryption);
+    password = sample.password;
+    replaceFile(folder / "a.mdb", encrypted(readWholeFile(folder / "a.mdb").value(), sample));
+  }
   RandomWork work(seed);
   std::map<std::string, Model> models;
   int refused = 0;
   for (int round = 0; round < 4; ++round) {
-    OpenedFile file(folder / "a.mdb", nullptr, cachePages);
+    OpenedFile file(folder / "a.mdb", nullptr, cachePages, password);
     ASSERT_TRUE(file.opened()) << file.reason();
     work.addsOfTen = round % 2 == 0 ? 7 : 2;
     for (const std::string name : {"People", "Plain"}) {
@@ -115,7 +125,10 @@ TEST_P(Oracle, FileAndModelAgree) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, Oracle,
                          testing::Values(OracleCase{1, 2000, 4096, 0}, OracleCase{2, 1200, 16, 0},
-                                         OracleCase{3, 400, 16, 0xC0FFEE}, OracleCase{4, 1200, 64, 0}),
+                                         OracleCase{3, 400, 16, 0xC0FFEE}, OracleCase{4, 1200, 64, 0},
+                                         OracleCase{5, 400, 16, 0, "RC4, 128 bits"},
+                                         OracleCase{6, 400, 16, 0, "AES-128, 50000 rounds"},
+                                         OracleCase{7, 800, 16, 0, "agile, AES-128, SHA-1"}),
                          [](const auto& one) { return "seed" + std::to_string(one.param.seed); });
 
 }  // namespace

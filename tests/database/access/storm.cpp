@@ -51,8 +51,9 @@ NewTable stormTable() {
 // The open file of a process.
 class Session {
  public:
-  Session(SimulatedDisk& disk, std::uint32_t cachePages) : file_(std::make_shared<OpenFile>()) {
-    auto pager = Pager::open(fileName, {.cachePages = cachePages, .files = &disk});
+  Session(SimulatedDisk& disk, std::uint32_t cachePages, const std::string& password)
+      : file_(std::make_shared<OpenFile>()) {
+    auto pager = Pager::open(fileName, {.password = password, .cachePages = cachePages, .files = &disk});
     reason = pager.status().reason();
     if (pager) {
       file_->pager = *std::move(pager);
@@ -159,10 +160,10 @@ struct History {
   }
 };
 
-void work(SimulatedDisk& disk, Random& random, History& history) {
+void work(SimulatedDisk& disk, const std::string& password, Random& random, History& history) {
   constexpr std::array<std::uint32_t, 3> caches = {16, 64, 4096};
   for (int sessions = 1 + below(random, 2); sessions > 0 && !disk.dead(); --sessions) {
-    Session session(disk, caches[random() % caches.size()]);
+    Session session(disk, caches[random() % caches.size()], password);
     for (int steps = below(random, 40); steps > 0 && session.opened() && !disk.dead(); --steps) {
       if (below(random, 15) == 0) {
         const bool closed = session.closeTable();
@@ -197,13 +198,15 @@ std::string text(const Model& model) {
 
 }  // namespace
 
-Storm::Storm() {
+Storm::Storm(const EncryptedSample* encryption)
+    : encryption_(encryption), password_(encryption != nullptr ? encryption->password : "") {
   const tests::TemporaryFolder folder;
   createDatabase(folder / "base.mdb", {stormTable()});
   SimulatedDisk disk;
-  disk.put(fileName, readWholeFile(folder / "base.mdb").value_or(""));
+  const std::string plain = readWholeFile(folder / "base.mdb").value_or("");
+  disk.put(fileName, encryption != nullptr ? encrypted(plain, *encryption) : plain);
   {
-    Session session(disk, 4096);
+    Session session(disk, 4096, password_);
     for (int id = 0; id < 120; id += 3) {
       if (session.opened() && session.store(id, id * 11, true)) {
         baseModel_[id] = id * 11;
@@ -213,23 +216,33 @@ Storm::Storm() {
   base_ = disk.content(fileName);
 }
 
+bool Storm::holdsPlainText(const SimulatedDisk& disk) const {
+  const auto holds = [&](const char* file) {
+    return disk.exists(file) && disk.content(file).find("name ") != std::string::npos;
+  };
+  return encryption_ != nullptr && (holds(fileName) || holds(journalName));
+}
+
 std::string Storm::run(unsigned seed, Disaster disaster) {
   Random random(seed);
   SimulatedDisk disk;
   disk.put(fileName, base_);
   History history = {{{baseModel_, static_cast<PageNumber>(base_.size() / pageSize)}}, 0, std::nullopt};
   disk.dieAfter(below(random, 120));
-  work(disk, random, history);
+  work(disk, password_, random, history);
   const auto strike = [&] { disaster == Disaster::death ? disk.revive() : disk.losePower(random); };
   strike();
   journalsApplied += disk.exists(journalName) ? 1 : 0;
   if (below(random, 3) == 0) {
     disk.dieAfter(below(random, 12));
-    Session(disk, 16);
+    Session(disk, 16, password_);
     diedTwice += disk.dead() ? 1 : 0;
     strike();
   }
-  Session session(disk, 64);
+  if (holdsPlainText(disk)) {
+    return "plain text is in the file or the journal";
+  }
+  Session session(disk, 64, password_);
   if (!session.opened()) {
     return "it does not open: " + session.reason;
   }

@@ -10,6 +10,7 @@
 #include <random>
 #include <string>
 
+#include "encrypted_files.h"
 #include "simulated_disk.h"
 
 namespace veltrano::access {
@@ -18,8 +19,9 @@ enum class Disaster { death, powerFailure };
 
 class Storm {
  public:
-  /// Makes the database that every run begins with.
-  Storm();
+  /// Makes the database that every run begins with. `encryption` may be null; otherwise no file may ever hold
+  /// plain text.
+  explicit Storm(const EncryptedSample* encryption = nullptr);
 
   /// One run. "" or what is wrong.
   std::string run(unsigned seed, Disaster disaster);
@@ -28,6 +30,10 @@ class Storm {
   int diedTwice = 0;        ///< runs in which it did not survive that, either
 
  private:
+  [[nodiscard]] bool holdsPlainText(const SimulatedDisk& disk) const;
+
+  const EncryptedSample* encryption_;
+  std::string password_;
   std::string base_;
   std::map<int, int> baseModel_;  // version of each record by its ID
 };

@@ -21,7 +21,7 @@
 // A change, within one page:
 //    0   8  offset in the database
 //    8   4  length n; the top bit means that the old bytes are left out
-//   12   n  the old bytes, of pages that the database had at the checkpoint
+//   12   n  the old bytes, of pages that the database had at the checkpoint; in encrypted files only the first time
 //    .   n  the new bytes
 
 #include <array>
