@@ -71,7 +71,7 @@ bool takeCipher(Bytes description, std::uint32_t flags, ProviderEncryption& encr
   encryption.keyBits = cipher == cipherAes128 ? 128 : cipher == cipherAes192 ? 192 : 256;
   // Without the flag it is how AES was switched on for files that had been made before there was a flag.
   encryption.rounds = (flags & flagAes) != 0 ? standardRounds : 0;
-  return cipher >= cipherAes128 && cipher <= cipherAes256 && cipher != 0 &&
+  return cipher >= cipherAes128 && cipher <= cipherAes256 &&
          (bits == encryption.keyBits || (bits == 0 && cipher == cipherAes128));
 }
 
