@@ -36,12 +36,20 @@ epoch=$(git log -1 --format=%ct 2>/dev/null || date +%s)
 
 fill() { sed "s/@version@/$version/g; s/@machine@/$machine/g" "$1"; }
 
-# The pages for users, without the notes that the reference is made from.
-documentation() {
-  mkdir -p "$1/reference"
-  cp docs/*.md "$1/"
-  cp docs/reference/*.md "$1/reference/"
+# The manual, the same for the same sources: fixed order of everything, no traces of the build.
+manual() {
+  PYTHONHASHSEED=0 PYTHONDONTWRITEBYTECODE=1 SOURCE_DATE_EPOCH=$epoch \
+    sphinx-build -q -E -W -d "$stage/doctrees" -b html docs "$1/manual"
+  rm "$1/manual/.buildinfo" "$1/manual/objects.inv"
+  # Of the scripts and styles in it.
+  mkdir "$1/manual/licenses"
+  local package
+  for package in sphinx-common sphinx-basic-ng furo libjs-jquery libjs-underscore; do
+    cp -L "/usr/share/doc/$package/copyright" "$1/manual/licenses/$package.txt"
+  done
 }
+
+stubs() { PYTHONDONTWRITEBYTECODE=1 python3 scripts/make_stubs.py "$1/stubs"; }
 
 samples() {
   cp -r samples "$1/samples"
@@ -87,11 +95,12 @@ fill packaging/windows/README.txt.in | for_windows - >"$top/README.txt"
 for text in LICENSE NOTICE CHANGELOG.md; do for_windows "$text" >"$top/${text%.md}.txt"; done
 licenses "$top/licenses"
 apache_license "$top/licenses"
-documentation "$top/docs"
+manual "$top"
+stubs "$top"
 samples "$top"
 contacts "$top/samples"
-# Visual Basic's editor needs CR LF; the work tree may be older than .gitattributes.
-for_windows samples/hosts/hello.bas >"$top/samples/hosts/hello.bas"
+# Windows editors want CR LF, and Visual Basic's needs it. Data stay as they are.
+find "$top/samples" "$top/stubs" -type f ! -name '*.mdb' ! -name '*.jpg' ! -name '*.gpx' ! -name '*.csv' -exec sed -i 's/\r*$/\r/' {} +
 find "$stage" -exec touch -h -d "@$epoch" {} +
 # A sorted list instead of -r, whose order depends on the file system.
 (cd "$stage" && find "$windows" -type f | LC_ALL=C sort | zip -q -X -9 -@ "../../out/$windows.zip")
@@ -112,8 +121,10 @@ own="$top/share/doc/veltranoframework"
 mkdir -p "$own"
 cp LICENSE NOTICE CHANGELOG.md "$own/"
 apache_license "$own"
-documentation "$own/docs"
+manual "$own"
+stubs "$own"
 samples "$own"
+contacts "$own/samples"
 tar -C "$stage" --sort=name --mtime="@$epoch" --owner=0 --group=0 --numeric-owner -cf - "$linux" | gzip -n9 >"out/$linux.tar.gz"
 
 ls -l out | awk 'NR > 1 { printf "  %9d  out/%s\n", $5, $9 }'

@@ -4,13 +4,16 @@
 Option Explicit
 
 Const UNIT_MM = 1
-Const PORTRAIT = 1, LANDSCAPE = 0
+Const ORIENT_PORTRAIT = 1, ORIENT_PAYSAGE = 0
 Const FORMAT_A4 = 0, FORMAT_A5 = 2
-Const ARIAL = 0, COURIER = 1, TIMES = 2, SYMBOL = 3, DINGBATS = 4
-Const NORMAL = 0, ITALIC = 1, BOLD = 2, UNDERLINE = 3
-Const CENTER = 0, LEFT_ALIGNED = 1, RIGHT_ALIGNED = 2, JUSTIFIED = 3
-Const NO_BORDER = 0, ALL_EDGES = 1
-Const OUTLINE = 0, FILLED = 1, FILLED_OUTLINE = 2
+Const FONT_ARIAL = 0, FONT_COURIER = 1, FONT_TIMES = 2, FONT_SYMBOL = 3, FONT_ZAPFDINGBATS = 4
+Const FONT_NORMAL = 0, FONT_ITALIC = 1, FONT_BOLD = 2, FONT_UNDERLINE = 3
+Const ALIGN_CENTER = 0, ALIGN_LEFT = 1, ALIGN_RIGHT = 2, ALIGN_FJUSTIFY = 3
+Const BORDER_NONE = 0, BORDER_ALL = 1
+Const ZOOM_FULLPAGE = 0, LAYOUT_SINGLE = 0
+Const pPDF_SOLID = 0, pPDF_DASHDOTDOT = 3
+Const COLOR_ROUGE = 255, COLOR_JAUNE = 65535, COLOR_CYAN = 16776960
+Const DRAW_NORMAL = 0, DRAW_DRAW = 1, DRAW_DRAWBORDER = 2
 
 Dim samples, output, pdf
 If WScript.Arguments.Count < 2 Then
@@ -30,11 +33,11 @@ pdf.PDFProducer = "VeltranoFrameWorkDLL"
 pdf.PDFFileName = output & "\report.pdf"
 pdf.PDFSetUnit = UNIT_MM
 pdf.PDFFormatPage = FORMAT_A4
-pdf.PDFOrientation = PORTRAIT
+pdf.PDFOrientation = ORIENT_PORTRAIT
 pdf.PDFSetMargins 15, 15
 pdf.PDFSetCellMargin = 4                ' points, whatever the unit
-pdf.PDFSetZoomMode = 0
-pdf.PDFSetLayoutMode = 0
+pdf.PDFSetZoomMode = ZOOM_FULLPAGE
+pdf.PDFSetLayoutMode = LAYOUT_SINGLE
 pdf.PDFUseOutlines = True
 pdf.PDFSetViewerPreferences = 46        ' fit the window, show the title: digits combine
 pdf.PDFFiligran = "SAMPLE"
@@ -48,12 +51,12 @@ pdf.PDFNewPage
 Orders
 pdf.PDFEndPage
 pdf.PDFFormatPage = FORMAT_A4
-pdf.PDFOrientation = LANDSCAPE
+pdf.PDFOrientation = ORIENT_PAYSAGE
 pdf.PDFNewPage
 Gallery
 pdf.PDFEndPage
 pdf.PDFFormatPage = FORMAT_A5
-pdf.PDFOrientation = PORTRAIT
+pdf.PDFOrientation = ORIENT_PORTRAIT
 pdf.PDFNewPage
 Colophon
 pdf.PDFEndDoc
@@ -64,23 +67,23 @@ WScript.Echo "done"
 Sub Cover()
     Dim w, h
     pdf.PDFSetBookmark "Cover", 0, 0
-    pdf.PDFSetDrawMode = FILLED
+    pdf.PDFSetDrawMode = DRAW_DRAW
     pdf.PDFSetDrawColor = "#17365D"
     pdf.PDFDrawRectangle 0.01, 0.01, 210, 34
     pdf.PDFSetTextColor = "#FFFFFF"
-    pdf.PDFSetFont ARIAL, 26, BOLD
+    pdf.PDFSetFont FONT_ARIAL, 26, FONT_BOLD
     pdf.PDFTextOut "Field survey", 15, 17
-    pdf.PDFSetFont ARIAL, 13
+    pdf.PDFSetFont FONT_ARIAL, 13
     pdf.PDFTextOut "Orders of the year 2026", 15, 26
     w = 180
     h = 0                               ' computed from the photo's proportions and written back
     pdf.PDFImage samples & "\photo.jpg", 15, 50, w, h, "https://www.openstreetmap.org/"
     pdf.PDFSetTextColor = "#505050"
-    pdf.PDFSetFont ARIAL, 10, ITALIC
+    pdf.PDFSetFont FONT_ARIAL, 10, FONT_ITALIC
     pdf.PDFTextOut "The photo is " & pdf.PDFImageWidth(samples & "\photo.jpg") & " pixels wide and leads to a map.", 15, 50 + h + 6
     pdf.PDFSetTextColor = "#000000"
-    pdf.PDFSetFont TIMES, 12
-    pdf.PDFSetAlignement = JUSTIFIED
+    pdf.PDFSetFont FONT_TIMES, 12
+    pdf.PDFSetAlignement = ALIGN_FJUSTIFY
     pdf.PDFSetCellMargin = 0            ' flush with the photo
     pdf.PDFCell "This report was written by a script of some three hundred lines. It sets the document's information, units, " & _
         "formats and margins, reads its orders from a text file, measures and aligns what it prints, draws shapes and " & _
@@ -89,7 +92,7 @@ Sub Cover()
         "S" & Chr(248) & "ren " & Chr(197) & "ngstr" & Chr(246) & "m, are measured like any other.", 15, 190, 180, 32
     pdf.PDFSetCellMargin = 4
     pdf.PDFSetTextColor = "#17365D"
-    pdf.PDFSetFont ARIAL, 10
+    pdf.PDFSetFont FONT_ARIAL, 10
     pdf.PDFLink 15, 280, "Read more on the format of these pages", "https://en.wikipedia.org/wiki/PDF"
 End Sub
 
@@ -120,19 +123,19 @@ Sub Orders()
             y = y + 6.5
         End If
     Next
-    pdf.PDFSetFont ARIAL, 10, BOLD
+    pdf.PDFSetFont FONT_ARIAL, 10, FONT_BOLD
     pdf.PDFSetFill = True
     pdf.PDFSetDrawColor = "#D9E2F0"
-    TableCell "Total", 15, y, 150, LEFT_ALIGNED
-    TableCell Money(total), 165, y, 30, RIGHT_ALIGNED
+    TableCell "Total", 15, y, 150, ALIGN_LEFT
+    TableCell Money(total), 165, y, 30, ALIGN_RIGHT
     pdf.PDFSetFill = False
 End Sub
 
 Function TableHead(page)
     pdf.PDFSetTextColor = "#17365D"
-    pdf.PDFSetFont ARIAL, 16, BOLD
+    pdf.PDFSetFont FONT_ARIAL, 16, FONT_BOLD
     pdf.PDFTextOut "Orders", 15, 20
-    pdf.PDFSetFont ARIAL, 9
+    pdf.PDFSetFont FONT_ARIAL, 9
     ' The width is in points, the position in millimetres.
     pdf.PDFTextOut "page " & page, 195 - pdf.PDFGetStringWidth("page " & page, "", 9) * 25.4 / 72, 20
     pdf.PDFSetLineColor = "#17365D"
@@ -141,18 +144,18 @@ Function TableHead(page)
     pdf.PDFSetLineWidth = 0.15          ' the boxes of cells keep the width that was stroked last
     pdf.PDFDrawLineHor 15, 24, 180
     pdf.PDFSetTextColor = "#FFFFFF"
-    pdf.PDFSetFont ARIAL, 9, BOLD
+    pdf.PDFSetFont FONT_ARIAL, 9, FONT_BOLD
     pdf.PDFSetFill = True
     pdf.PDFSetDrawColor = "#17365D"
-    TableCell "Date", 15, 28, 24, LEFT_ALIGNED
-    TableCell "Customer", 39, 28, 42, LEFT_ALIGNED
-    TableCell "City", 81, 28, 34, LEFT_ALIGNED
-    TableCell "Article", 115, 28, 34, LEFT_ALIGNED
-    TableCell "Pieces", 149, 28, 16, RIGHT_ALIGNED
-    TableCell "Amount", 165, 28, 30, RIGHT_ALIGNED
+    TableCell "Date", 15, 28, 24, ALIGN_LEFT
+    TableCell "Customer", 39, 28, 42, ALIGN_LEFT
+    TableCell "City", 81, 28, 34, ALIGN_LEFT
+    TableCell "Article", 115, 28, 34, ALIGN_LEFT
+    TableCell "Pieces", 149, 28, 16, ALIGN_RIGHT
+    TableCell "Amount", 165, 28, 30, ALIGN_RIGHT
     pdf.PDFSetFill = False
     pdf.PDFSetTextColor = "#000000"
-    pdf.PDFSetFont ARIAL, 9
+    pdf.PDFSetFont FONT_ARIAL, 9
     TableHead = 34.5
 End Function
 
@@ -163,19 +166,19 @@ Function Row(fields, y, number)
     amount = CLng(fields(4)) * (CLng(price(0)) * 100 + CLng(price(1)))
     pdf.PDFSetFill = (number Mod 2 = 0)
     pdf.PDFSetDrawColor = "#EEF2F8"
-    TableCell fields(0), 15, y, 24, LEFT_ALIGNED
-    TableCell fields(1), 39, y, 42, LEFT_ALIGNED
-    TableCell fields(2), 81, y, 34, LEFT_ALIGNED
-    TableCell fields(3), 115, y, 34, LEFT_ALIGNED
-    TableCell fields(4), 149, y, 16, RIGHT_ALIGNED
-    TableCell Money(amount), 165, y, 30, RIGHT_ALIGNED
+    TableCell fields(0), 15, y, 24, ALIGN_LEFT
+    TableCell fields(1), 39, y, 42, ALIGN_LEFT
+    TableCell fields(2), 81, y, 34, ALIGN_LEFT
+    TableCell fields(3), 115, y, 34, ALIGN_LEFT
+    TableCell fields(4), 149, y, 16, ALIGN_RIGHT
+    TableCell Money(amount), 165, y, 30, ALIGN_RIGHT
     pdf.PDFSetFill = False
     Row = amount
 End Function
 
 Sub TableCell(text, x, y, w, align)
     pdf.PDFSetAlignement = align
-    pdf.PDFSetBorder = ALL_EDGES        ' a cell uses its border up
+    pdf.PDFSetBorder = BORDER_ALL        ' a cell uses its border up
     pdf.PDFCell text, x, y, w, 6.5
 End Sub
 
@@ -195,7 +198,7 @@ End Function
 Sub Gallery()
     pdf.PDFSetBookmark "Gallery", 0, 0
     pdf.PDFSetTextColor = "#17365D"
-    pdf.PDFSetFont ARIAL, 16, BOLD
+    pdf.PDFSetFont FONT_ARIAL, 16, FONT_BOLD
     pdf.PDFTextOut "Gallery", 15, 18
     Lines
     Shapes
@@ -206,7 +209,7 @@ End Sub
 
 Sub Caption(text, x, y)
     pdf.PDFSetTextColor = "#606060"
-    pdf.PDFSetFont ARIAL, 8, BOLD
+    pdf.PDFSetFont FONT_ARIAL, 8, FONT_BOLD
     pdf.PDFTextOut text, x, y
     pdf.PDFSetTextColor = "#000000"
 End Sub
@@ -218,13 +221,13 @@ Sub Lines()
     Caption "Lines", 15, 28
     pdf.PDFSetLineColor = RGB(192, 0, 0)
     pdf.PDFSetLineWidth = 0.4
-    For style = 0 To 3
+    For style = pPDF_SOLID To pPDF_DASHDOTDOT
         pdf.PDFSetLineStyle = style
         pdf.PDFDrawLineHor 15, 33 + style * 6, 45
-        pdf.PDFSetFont ARIAL, 8
+        pdf.PDFSetFont FONT_ARIAL, 8
         pdf.PDFTextOut names(style), 63, 34 + style * 6
     Next
-    pdf.PDFSetLineStyle = 0
+    pdf.PDFSetLineStyle = pPDF_SOLID
     pdf.PDFSetLineColor = Array(0, 96, 160)
     pdf.PDFDrawLineVer 95, 31, 22
     pdf.PDFSetLineWidth = 1
@@ -236,10 +239,10 @@ Sub Shapes()
     Caption "Shapes: outline, filled, both; the boxes and the ellipses lead somewhere", 15, 62
     pdf.PDFSetLineWidth = 0.5
     pdf.PDFSetLineColor = "#1F6F3D"
-    Shape 15, OUTLINE
-    Shape 55, FILLED
-    Shape 95, FILLED_OUTLINE
-    pdf.PDFSetDrawMode = OUTLINE
+    Shape 15, DRAW_NORMAL
+    Shape 55, DRAW_DRAW
+    Shape 95, DRAW_DRAWBORDER
+    pdf.PDFSetDrawMode = DRAW_NORMAL
 End Sub
 
 Sub Shape(x, mode)
@@ -258,21 +261,21 @@ Sub Fonts()
     pdf.PDFSetBookmark "Fonts", 1, 25
     Caption "Fonts", 150, 28
     y = 34
-    For Each style In Array(NORMAL, ITALIC, BOLD, 12, UNDERLINE)
-        pdf.PDFSetFont ARIAL, 11, style
+    For Each style In Array(FONT_NORMAL, FONT_ITALIC, FONT_BOLD, 12, FONT_UNDERLINE)
+        pdf.PDFSetFont FONT_ARIAL, 11, style
         pdf.PDFTextOut "Helvetica " & style, 150, y
-        pdf.PDFSetFont TIMES, 11, style
+        pdf.PDFSetFont FONT_TIMES, 11, style
         pdf.PDFTextOut "Times " & style, 200, y
-        pdf.PDFSetFont COURIER, 11, style
+        pdf.PDFSetFont FONT_COURIER, 11, style
         pdf.PDFTextOut "Courier " & style, 245, y
         y = y + 6
     Next
-    pdf.PDFSetFont ARIAL, 8
+    pdf.PDFSetFont FONT_ARIAL, 8
     pdf.PDFTextOut "Symbol", 150, y
     pdf.PDFTextOut "ZapfDingbats", 200, y
-    pdf.PDFSetFont SYMBOL, 11
+    pdf.PDFSetFont FONT_SYMBOL, 11
     pdf.PDFTextOut "abcdefg", 166, y
-    pdf.PDFSetFont DINGBATS, 11
+    pdf.PDFSetFont FONT_ZAPFDINGBATS, 11
     pdf.PDFTextOut "abcdefg", 222, y
 End Sub
 
@@ -281,13 +284,13 @@ Sub Cells()
     pdf.PDFSetBookmark "Cells", 1, 68
     Caption "Cells", 150, 72
     text = "Voil" & Chr(224) & " un texte"
-    pdf.PDFSetFont ARIAL, 10
+    pdf.PDFSetFont FONT_ARIAL, 10
     pdf.PDFSetLineColor = "#404040"
     pdf.PDFSetLineWidth = 0.3
     pdf.PDFDrawLineHor 160, 71, 122     ' boxes and edges have the colour that was stroked last
     For i = 0 To 2
         pdf.PDFSetAlignement = i
-        pdf.PDFSetBorder = ALL_EDGES
+        pdf.PDFSetBorder = BORDER_ALL
         pdf.PDFCell text, 150, 75 + i * 9, 40, 7
     Next
     Edges "4", 75
@@ -296,16 +299,16 @@ Sub Cells()
     Edges "2345", 102
     pdf.PDFSetFill = True
     pdf.PDFSetDrawColor = "#FCE4D6"
-    pdf.PDFSetAlignement = CENTER
+    pdf.PDFSetAlignement = ALIGN_CENTER
     pdf.PDFCell "filled", 150, 102, 40, 7
     pdf.PDFSetFill = False
-    pdf.PDFSetAlignement = JUSTIFIED
+    pdf.PDFSetAlignement = ALIGN_FJUSTIFY
     pdf.PDFCell "A longer text is broken at the blanks that fit, its lines are stretched to both margins, and its last " & _
         "line stays as it is. A word is never cut.", 150, 114, 132, 16
 End Sub
 
 Sub Edges(digits, y)
-    pdf.PDFSetAlignement = LEFT_ALIGNED
+    pdf.PDFSetAlignement = ALIGN_LEFT
     pdf.PDFSetBorder = digits
     pdf.PDFCell "edges " & digits, 200, y, 82, 7
 End Sub
@@ -314,36 +317,36 @@ Sub Turned()
     Dim angle
     pdf.PDFSetBookmark "Turned text", 1, 130
     Caption "Turned text", 15, 134
-    pdf.PDFSetFont TIMES, 11
+    pdf.PDFSetFont FONT_TIMES, 11
     For angle = 0 To 330 Step 30
         pdf.PDFSetRotation = angle
         pdf.PDFTextOut "          " & angle & " degrees", 60, 170
     Next
     pdf.PDFSetRotation = 0
     Caption "Colours: name, number, list", 150, 146
-    Swatch 150, 255
+    Swatch 150, COLOR_ROUGE
     Swatch 174, "#008040"
     Swatch 198, Array(0, 64, 192)
-    Swatch 222, 65535
+    Swatch 222, COLOR_JAUNE
     Swatch 246, "#C000C0"
-    Swatch 270, 16776960
+    Swatch 270, COLOR_CYAN
 End Sub
 
 Sub Swatch(x, color)
-    pdf.PDFSetDrawMode = FILLED_OUTLINE
+    pdf.PDFSetDrawMode = DRAW_DRAWBORDER
     pdf.PDFSetDrawColor = color
     pdf.PDFDrawRectangle x, 150, 12, 12
-    pdf.PDFSetDrawMode = OUTLINE
+    pdf.PDFSetDrawMode = DRAW_NORMAL
 End Sub
 
 Sub Colophon()
     pdf.PDFSetBookmark "Colophon", 0, 0
     pdf.PDFSetTextColor = "#17365D"
-    pdf.PDFSetFont TIMES, 18, BOLD
+    pdf.PDFSetFont FONT_TIMES, 18, FONT_BOLD
     pdf.PDFTextOut "Colophon", 15, 25
     pdf.PDFSetTextColor = "#000000"
-    pdf.PDFSetFont TIMES, 11
-    pdf.PDFSetAlignement = LEFT_ALIGNED
+    pdf.PDFSetFont FONT_TIMES, 11
+    pdf.PDFSetAlignement = ALIGN_LEFT
     pdf.PDFSetCellMargin = 0
     pdf.PDFCell "This page is an A5. Page " & pdf.PDFPageNumber & " of " & pdf.PDFNbPage & "." & vbCrLf & _
         "Unit: " & pdf.PDFGetUnit & ", " & pdf.PDFGetPageWidth & " by " & pdf.PDFGetPageHeight & " points.", 15, 32, 118, 12

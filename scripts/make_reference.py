@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Makes the reference pages in docs/reference from the type library's source and the hand-written notes.
+"""Makes the reference pages in docs/reference from the type library's source and the hand-written notes, and puts the samples that
+other pages show into them, after remarks like <!-- file: samples/classes/pdf.vbs -->.
 
   scripts/make_reference.py                 writes docs/reference/<class>.md
   scripts/make_reference.py --check         lists what is missing or out of date; exits 1 if anything is
@@ -26,163 +27,13 @@ import re
 import sys
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parent.parent
+from make_stubs import constants
+from type_library_source import ROOT, read_library
+
 REFERENCE = ROOT / "docs" / "reference"
+SHOWN_FILE = re.compile(r"(<!-- file: (\S+) -->\n```\w+\n)(.*?)(^```$)", re.M | re.S)
 
-TYPES = {
-    "BSTR": "String",
-    "short": "Integer",
-    "long": "Long",
-    "double": "Double",
-    "VARIANT": "Variant",
-    "VARIANT_BOOL": "Boolean",
-    "IPictureDisp": "IPictureDisp",
-    "SAFEARRAY(VARIANT)": "Variant",
-    "ADDRESS_NUMBER": "LongPtr",
-}
 KEYS = ("result", "fallback", "event", "note", "example", "example not run")
-
-
-class Parameter:
-    def __init__(self, name, kind, default, many):
-        self.name, self.kind, self.default, self.many = name, kind, default, many
-
-    def declaration(self):
-        if self.many:
-            return f"ParamArray {self.name}() As {self.kind}"
-        text = f"{self.name} As {self.kind}"
-        return text if self.default is None else f"[{text} = {self.default}]"
-
-
-class Member:
-    def __init__(self, name, help_text):
-        self.name, self.help = name, help_text
-        self.kinds, self.parameters, self.result = [], [], None
-
-    def declarations(self):
-        for kind in self.kinds:
-            if kind == "propput":
-                yield f"Property Let {self.name}(value As {self.value_type()})"
-            elif kind == "propget":
-                yield f"Property Get {self.name}() As {self.result}"
-            elif kind == "event":
-                yield f"Event {self.name}({self.arguments()})"
-            elif self.result:
-                yield f"Function {self.name}({self.arguments()}) As {self.result}"
-            else:
-                yield f"Sub {self.name}({self.arguments()})"
-
-    def arguments(self):
-        return ", ".join(parameter.declaration() for parameter in self.parameters)
-
-    def value_type(self):
-        return next(parameter.kind for parameter in self.parameters if parameter.name == "value")
-
-
-class Class:
-    def __init__(self, name, help_text):
-        self.name, self.help, self.members, self.events = name, help_text, [], []
-
-
-def attribute_block(text, start):
-    """The text within the brackets that open at `start`, and the position after them."""
-    depth, quoted, position = 0, False, start
-    while True:
-        character = text[position]
-        if character == '"' and text[position - 1] != "\\":
-            quoted = not quoted
-        elif not quoted and character == "[":
-            depth += 1
-        elif not quoted and character == "]":
-            depth -= 1
-            if depth == 0:
-                return text[start + 1 : position], position + 1
-        position += 1
-
-
-def split_parameters(text):
-    """Splits at the commas outside brackets and parentheses."""
-    depth, part = 0, ""
-    for character in text:
-        depth += character in "[("
-        depth -= character in "])"
-        if character == "," and depth == 0:
-            yield part.strip()
-            part = ""
-        else:
-            part += character
-    if part.strip():
-        yield part.strip()
-
-
-def help_string(attributes):
-    found = re.search(r'helpstring\("((?:[^"\\]|\\.)*)"\)', attributes)
-    return found.group(1).replace('\\"', '"') if found else ""
-
-
-def read_default(attributes, constants):
-    """As the documentation shows it; None for a parameter that is required."""
-    found = re.search(r"OMITTED(?:_TEXT)?\((.*?)\)", attributes)
-    if found:
-        return constants.get(found.group(1), found.group(1))
-    return '""' if "optional" in attributes else None
-
-
-def read_parameter(text, constants):
-    """(Parameter, True) for a result, (Parameter, False) for an argument."""
-    attributes, end = attribute_block(text, 0)
-    found = re.match(r"\s*(.+?)\s*(\**)\s*(\w+)$", text[end:])
-    kind = TYPES.get(found.group(1), found.group(1))
-    name = "value" if found.group(3) == "newValue" else found.group(3)
-    default = read_default(attributes, constants)
-    if kind == "Boolean" and default is not None:
-        default = "True" if default == "-1" else "False"
-    return Parameter(name, kind, default, "SAFEARRAY" in found.group(1)), "retval" in attributes
-
-
-def read_members(body, constants, event=False):
-    members, position = [], 0
-    while (start := body.find("[id(", position)) >= 0:
-        attributes, end = attribute_block(body, start)
-        position = body.index(";", end)
-        declaration = " ".join(body[end:position].split())
-        name, arguments = re.match(r"\w+ (\w+)\((.*)\)$", declaration).groups()
-        # A property that can be read and set is declared twice.
-        member = next((known for known in members if known.name == name), None)
-        if member is None:
-            member = Member(name, help_string(attributes))
-            members.append(member)
-        kind = re.search(r"\b(propget|propput)\b", attributes)
-        member.kinds.append("event" if event else kind.group(1) if kind else "method")
-        for text in split_parameters(arguments):
-            parameter, is_result = read_parameter(text, constants)
-            if is_result:
-                member.result = parameter.kind
-            else:
-                member.parameters.append(parameter)
-    return members
-
-
-def read_library():
-    """Classes by name, and enumerations as name: (help text, [(constant, value, meaning)])."""
-    text = (ROOT / "server/veltrano.idl").read_text()
-    enumerations = {}
-    for attributes, name, body in re.findall(r"typedef \[(.*?)\]\s*enum (\w+) \{(.*?)\}", text, re.S):
-        rows = re.findall(r"^\s*(\w+) = (\d+),?\s*//\s*(.*)$", body, re.M)
-        enumerations[name] = (help_string(attributes), rows)
-    code = re.sub(r"^\s*//.*$", "", text, flags=re.M)
-    constants = {name: value for _, rows in enumerations.values() for name, value, _ in rows}
-    classes = {}
-    for attributes, name in re.findall(r"\[([^\[\]]*?)\]\s*coclass (\w+)", code):
-        classes[name] = Class(name, help_string(attributes))
-    for found in re.finditer(r"(?:dispinterface|interface) (_+)(\w+)(?: : IDispatch)?\s*\{(.*?)\n    \};", code, re.S):
-        underscores, name, body = found.groups()
-        members = read_members(body, constants, event=underscores == "__")
-        if underscores == "__":
-            classes[name].events = members
-        else:
-            classes[name].members = members
-    return classes, enumerations
 
 
 class Notes:
@@ -240,12 +91,12 @@ def prose(lines):
     return " ".join(line.strip() for line in lines)
 
 
-def fenced(lines):
-    return ["```vb", *lines, "```", ""]
+def fenced(language, lines):
+    return [f"```{language}", *lines, "```", ""]
 
 
 def member_section(member, entries):
-    out = [f"### {member.name}", "", member.help, "", *fenced(list(member.declarations()))]
+    out = [f"### {member.name}", "", member.help, "", *fenced("vbnet", list(member.declarations()))]
     texts = {key: prose(lines) for key, lines in entries if key != "event"}
     if member.parameters:
         out += ["| argument | type | default | meaning |", "|---|---|---|---|"]
@@ -264,8 +115,10 @@ def member_section(member, entries):
     if "note" in texts:
         out += [texts["note"], ""]
     for key, lines in entries:
+        if key == "example not run":
+            out += ["The project's tests do not run this example: Wine's script host has no events, pictures or addresses.", ""]
         if key.startswith("example"):
-            out += fenced(lines)
+            out += fenced("vbscript", lines)
     return out
 
 
@@ -303,7 +156,7 @@ def page(cls, notes, enumerations):
     if cls.name == "VeltranoPDF":
         names = [name for name in enumerations if name != "EventTypes"]
     if names:
-        out += ["## Enumerations", "", "Script hosts do not know the names: write the numbers, or declare constants.", ""]
+        out += ["## Enumerations", "", "Script hosts do not know the names: copy the lines that you need from the folder `stubs` of the package.", ""]
         for name in names:
             help_text, rows = enumerations[name]
             out += [f"### {name}", "", f"{help_text}.", "", "| name | value | |", "|---|---|---|"]
@@ -321,14 +174,13 @@ def page(cls, notes, enumerations):
     return "\n".join(out).rstrip() + "\n"
 
 
-def examples_script(classes, notes, folder):
+def examples_script(classes, enumerations, notes, folder):
     """Every example, announced by the name of its member and run on a new object, and "done" at the end, since script hosts
-    hide errors. Introductory examples that start with a remark on their language are for other hosts."""
-    out = []
+    hide errors. The constants come first."""
+    out = list(constants(enumerations, "'", "Const {name} = {value}"))
     for name, cls in classes.items():
-        for example in re.findall(r"^```vb\n(.*?)^```", notes[name].introduction, re.M | re.S):
-            if not example.startswith("' VBA"):
-                out += [f'WScript.Echo "{name}"', *example.splitlines()]
+        for example in re.findall(r"^```vbscript\n(.*?)^```", notes[name].introduction, re.M | re.S):
+            out += [f'WScript.Echo "{name}"', *example.splitlines()]
         for member in cls.members:
             for key, lines in notes[name].members[member.name]:
                 if key == "example":
@@ -336,6 +188,11 @@ def examples_script(classes, notes, folder):
                             f'Set {notes[name].object} = CreateObject("VeltranoFrameWorkDLL.{name}")', *lines]
     out.append('WScript.Echo "done"')
     return "\r\n".join(out).replace("C:\\Temp", folder) + "\r\n"
+
+
+def with_files(text):
+    """The page with the blocks after "file:" remarks filled with those files."""
+    return SHOWN_FILE.sub(lambda found: found.group(1) + (ROOT / found.group(2)).read_text() + found.group(4), text)
 
 
 def main():
@@ -349,11 +206,14 @@ def main():
     if problems:
         sys.exit("\n".join(problems))
     if options.examples:
-        sys.stdout.write(examples_script(classes, notes, options.examples))
+        sys.stdout.write(examples_script(classes, enumerations, notes, options.examples))
         return
     stale = []
-    for name, cls in classes.items():
-        path, text = REFERENCE / f"{name}.md", page(cls, notes[name], enumerations)
+    pages = {REFERENCE / f"{name}.md": page(cls, notes[name], enumerations) for name, cls in classes.items()}
+    for path in (ROOT / "docs").rglob("*.md"):
+        if SHOWN_FILE.search(path.read_text()):
+            pages[path] = with_files(path.read_text())
+    for path, text in pages.items():
         if path.exists() and path.read_text() == text:
             continue
         stale.append(path.relative_to(ROOT))

@@ -106,6 +106,19 @@ contacts() {
   expect "$3: people in its database" 7 "$(mdb-export "$work/contacts/contacts.mdb" Contacts 2>/dev/null | grep -cE '^[0-9]+,"' || true)"
 }
 
+# unfinished x86|AMD64 SAMPLES_FOLDER: the scripts for classes and of the cookbook that do not say "done" at their end. Wine's
+# script host has no LoadPicture, which png.vbs needs.
+unfinished() {
+  local script
+  rm -rf "$work/scripts"
+  mkdir "$work/scripts"
+  cp "$2/contacts.mdb" "$2/photo.jpg" "$work/scripts/"
+  for script in "$2"/cookbook/*.vbs "$2"/classes/*.vbs; do
+    "$wine" "$work/cscript-$1.exe" //nologo "$(windows_path "$script")" "$(windows_path "$work/scripts")" 2>/dev/null |
+      tr -d '\r' | tail -n 1 | grep -qx done || basename "$script"
+  done
+}
+
 # texts FOLDER FILE ...: each file exists and is not empty.
 texts() {
   local folder=$1 name
@@ -113,6 +126,12 @@ texts() {
   for name in "$@"; do
     expect "$name" "there" "$([ -s "$folder/$name" ] && echo "there" || echo "missing")"
   done
+}
+
+# dead_links FOLDER: the relative links of its pages to files that do not exist, as they are in the unpacked package.
+dead_links() {
+  grep -roE '(href|src)="[^"#:]+[#"]' --include='*.html' "$1" | sed -E 's/(href|src)="//; s/[#?"].*$//' | sort -u |
+    while IFS=: read -r page link; do [ -e "$(dirname "$page")/$link" ] || echo "$(basename "$page"): $link"; done
 }
 
 # script x86|AMD64 SAMPLES_FOLDER_ON_WINDOWS LABEL
@@ -130,8 +149,10 @@ folder=$(echo "$work/zip"/*)
 saw "files" "$(find "$folder" -type f | wc -l), $(du -sh --apparent-size "$folder" | cut -f 1) unpacked"
 expect "licence texts" 8 "$(find "$folder/licenses" -name '*.txt' ! -name README.txt -size +1k | wc -l)"
 texts "$folder" README.txt LICENSE.txt NOTICE.txt CHANGELOG.txt licenses/Apache-2.0.txt
-expect "lines of hello.bas that end in CR LF" "all" \
-  "$(grep -qv $'\r$' "$folder/samples/hosts/hello.bas" && echo "not all" || echo "all")"
+expect "lines of scripts and stubs that end in CR LF" "all" \
+  "$(grep -rqv $'\r$' "$folder/stubs" "$folder/samples"/*.vbs "$folder/samples"/*/ && echo "not all" || echo "all")"
+texts "$folder" manual/index.html manual/searchindex.js manual/licenses/furo.txt stubs/veltrano_constants.vbs stubs/Veltrano.cs
+expect "links of the manual that lead nowhere" "" "$(dead_links "$folder/manual")"
 for architecture in x86 x64; do
   expect "$architecture: metrics beside the DLL" 16 "$(find "$folder/$architecture" -maxdepth 1 -name '*.afm' | wc -l)"
 done
@@ -140,6 +161,7 @@ registry >"$work/zip-before"
 "$wine" 'C:\windows\syswow64\regsvr32.exe' /s "$(windows_path "$folder/x86/VeltranoFrameWorkDLL.dll")"
 script x86 "$(windows_path "$folder/samples")" "x86 by regsvr32"
 contacts x86 "$(windows_path "$folder/samples")" "x86 by regsvr32"
+expect "x86 by regsvr32: scripts that do not reach their end" png.vbs "$(unfinished x86 "$folder/samples")"
 "$wine" 'C:\windows\system32\regsvr32.exe' /s "$(windows_path "$folder/x64/VeltranoFrameWorkDLL.dll")"
 script AMD64 "$(windows_path "$folder/samples")" "x64 by regsvr32"
 contacts AMD64 "$(windows_path "$folder/samples")" "x64 by regsvr32"
@@ -170,6 +192,10 @@ try_installer() {
   expect "msiexec /i answers" 0 "$(install /i "$(windows_path "$file")")"
   expect "DLLs installed" "$#" "$(find "$WINEPREFIX/drive_c" -name VeltranoFrameWorkDLL.dll | wc -l)"
   texts "$WINEPREFIX/drive_c/Program Files/VeltranoFrameWork" LICENSE.txt NOTICE.txt CHANGELOG.txt licenses/Apache-2.0.txt
+  expect "the Start menu has the manual" "yes" \
+    "$(find "$WINEPREFIX/drive_c" -name 'Veltrano FrameWork manual.lnk' | grep -q . && echo yes || echo no)"
+  expect "the help link leads to the manual" "yes" \
+    "$(registry | grep -q 'HelpLink.*file:.*manual.*index.html' && echo yes || echo no)"
   for architecture in "$@"; do
     script "${architecture/x64/AMD64}" 'C:\Program Files\VeltranoFrameWork\samples' "$architecture by the installer"
   done
@@ -204,7 +230,8 @@ prefix=$(echo "$work/linux"/*)
 plain=$(mktemp -d)
 cp -r "$prefix" "$plain/veltrano"
 saw "files" "$(find "$prefix" -type f | wc -l), $(du -sh --apparent-size "$prefix" | cut -f 1) unpacked"
-texts "$prefix/share/doc/veltranoframework" LICENSE NOTICE CHANGELOG.md Apache-2.0.txt
+texts "$prefix/share/doc/veltranoframework" LICENSE NOTICE CHANGELOG.md Apache-2.0.txt manual/index.html samples/contacts.mdb
+expect "links of the manual that lead nowhere" "" "$(dead_links "$prefix/share/doc/veltranoframework/manual")"
 cat >"$work/program/hello.cpp" <<'PROGRAM'
 #include <veltrano/pdf.h>
 
@@ -255,6 +282,12 @@ PKG_CONFIG_PATH="$plain/veltrano/lib/pkgconfig" sh -c 'g++ -std=c++20 "$1/share/
   "$2/native_report" "$1/share/doc/veltranoframework/samples" "$2"' sh "$plain/veltrano" "$work/pkgconfig" 2>"$work/report.log" ||
   tail -n 20 "$work/report.log"
 expect "its sample native_report.cpp: the page shows" "Orders of the year" "$(page "$work/pkgconfig/report.pdf")"
+# shellcheck disable=SC2046
+PKG_CONFIG_PATH="$plain/veltrano/lib/pkgconfig" sh -c 'g++ -std=c++20 "$1/hosts/members.cpp" \
+  $(pkg-config --cflags --libs veltranoframework) -o "$2/members" &&
+  "$2/members" "$1/contacts.mdb" "$1/photo.jpg" "$2"' sh "$plain/veltrano/share/doc/veltranoframework/samples" "$work/pkgconfig" \
+  >"$work/members.log" 2>&1 || true
+expect "its sample members.cpp says" "done" "$(tail -n 1 "$work/members.log")"
 # On a machine without the package: the metrics are beside the program, or in share beside its folder.
 rm -rf "$plain"
 mkdir -p "$work/carried/beside" "$work/carried/tree/bin" "$work/carried/tree/share/veltranoframework"

@@ -6,8 +6,9 @@ set -eu
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
 export WINEDEBUG=${WINEDEBUG:--all}
-# Without this Wine offers to download .NET and a browser engine, which are not needed.
-export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree=;mshtml=}
+# Without this Wine offers to download .NET and a browser engine, which are not needed, and an installer that is tried enters its
+# programs in the menus of the user's desktop.
+export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree=;mshtml=;winemenubuilder.exe=}
 # Under Wine the locale determines the code page, the language and the encoding of file names. Without UTF-8 no file name
 # could have an accent.
 export LC_ALL=C.UTF-8

@@ -104,6 +104,8 @@ class Source:
                          f"Source={quoteattr(str(path.relative_to(self.folder)))}{key}/>")
         if relative in ("x86", "x64"):
             lines += self.registration(relative, indent + "  ")
+        if relative == "manual":
+            lines += self.manual_entries(indent + "  ")
         if lines:
             win64 = self.package == "x64" and folder.relative_to(self.folder).parts[0] != "x86"
             yield from self.component(identifier("c_" + relative), win64, indent, lines)
@@ -111,6 +113,11 @@ class Source:
             yield f'{indent}<Directory Id="{identifier("d_" + relative + "_" + child.name)}" Name={quoteattr(child.name)}>'
             yield from self.files(child, indent + "  ")
             yield f"{indent}</Directory>"
+
+    def manual_entries(self, indent):
+        """The manual in the Start menu."""
+        yield (f'{indent}<Shortcut Id="manual" Directory="ProgramMenuFolder" Name="Veltrano FrameWork manual" '
+               f'Target="[#{identifier("manual/index.html")}]"/>')
 
     def registration(self, architecture, indent):
         dll = f"[#{identifier(architecture + '/VeltranoFrameWorkDLL.dll')}]"
@@ -155,7 +162,11 @@ class Source:
         yield '    <MajorUpgrade DowngradeErrorMessage="A newer version is installed."/>'
         yield f'    <Condition Message={quoteattr(condition[1])}>{condition[0]}</Condition>'
         yield '    <Property Id="ARPNOMODIFY" Value="1"/>'
+        # The link to help in the list of installed programs.
+        yield (f'    <CustomAction Id="HelpLink" Property="ARPHELPLINK" Value="file:///[#{identifier("manual/index.html")}]"/>')
+        yield '    <InstallExecuteSequence><Custom Action="HelpLink" Sequence="1010"/></InstallExecuteSequence>'
         yield '    <Directory Id="TARGETDIR" Name="SourceDir">'
+        yield '      <Directory Id="ProgramMenuFolder" Name="Programs"/>'
         if x64:
             yield from self.directory("ProgramFiles64Folder", "INSTALLDIR", [".", "x64", *shared])
             yield from self.directory("ProgramFilesFolder", "INSTALLDIR32", ["x86"])

@@ -2,15 +2,15 @@
 #   powershell -File hello.ps1 C:\Temp\hello.pdf
 param([Parameter(Mandatory = $true)][string]$Output)
 
-$unitMm = 1; $fontArial = 0; $fontBold = 2
+$UNIT_MM = 1; $FONT_ARIAL = 0; $FONT_BOLD = 2
 
 $pdf = New-Object -ComObject VeltranoFrameWorkDLL.VeltranoPDF
 $pdf.PDFTitle = "Hello"
 # PowerShell's current folder is not that of the process: pass a full path.
 $pdf.PDFFileName = $ExecutionContext.SessionState.Path.GetUnresolvedProviderPathFromPSPath($Output)
-$pdf.PDFSetUnit = $unitMm
+$pdf.PDFSetUnit = $UNIT_MM
 $pdf.PDFBeginDoc()
-$pdf.PDFSetFont($fontArial, 24, $fontBold)
+$pdf.PDFSetFont($FONT_ARIAL, 24, $FONT_BOLD)
 $pdf.PDFTextOut("Hello from PowerShell", 20, 30)
 $pdf.PDFSetLineWidth = 0.5
 $pdf.PDFDrawLineHor(20, 33, $pdf.PDFGetStringWidth("Hello from PowerShell", "", 24) * 25.4 / 72)

@@ -1,31 +1,28 @@
-"""Writes a page that greets. Not run by the project's tests: it needs Windows and pywin32.
+"""Writes a page with a greeting.
 
   python hello.py C:\\Temp\\hello.pdf
+
+Needs Windows and pywin32. The project's tests run it with a stand-in for pywin32, not with pywin32 itself.
 """
 
 import os
 import sys
 
-import win32com.client
-
-UNIT_MM, FONT_ARIAL, FONT_BOLD = 1, 0, 2
-
-
-class Events:
-    def OnError(self, message):
-        print("PDF:", message, file=sys.stderr)
+from win32com.client import constants, gencache
 
 
 def main():
-    pdf = win32com.client.DispatchWithEvents("VeltranoFrameWorkDLL.VeltranoPDF", Events)
+    pdf = gencache.EnsureDispatch("VeltranoFrameWorkDLL.VeltranoPDF")
     pdf.PDFTitle = "Hello"
     pdf.PDFFileName = os.path.abspath(sys.argv[1])
-    pdf.PDFSetUnit = UNIT_MM
+    pdf.PDFSetUnit = constants.UNIT_MM
     pdf.PDFBeginDoc()
-    pdf.PDFSetFont(FONT_ARIAL, 24, FONT_BOLD)
+    pdf.PDFSetFont(constants.FONT_ARIAL, 24, constants.FONT_BOLD)
     pdf.PDFTextOut("Hello from Python", 20, 30)
     pdf.PDFSetLineWidth = 0.5
-    pdf.PDFDrawLineHor(20, 33, pdf.PDFGetStringWidth("Hello from Python", "", 24) * 25.4 / 72)
+    # A tuple: the result, then the arguments.
+    points, *_ = pdf.PDFGetStringWidth("Hello from Python", "", 24)
+    pdf.PDFDrawLineHor(20, 33, points * 25.4 / 72)
     pdf.PDFEndDoc()
     print("done")
 

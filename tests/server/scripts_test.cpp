@@ -123,6 +123,29 @@ TEST_F(Scripts, StoreTheirDatesAndTextsAsTheyAre) {
   EXPECT_EQ("true 2026-11-21 14:05:00 true 0.1 true", runScript("database.js", folder_));
 }
 
+TEST_F(Scripts, TraceWhereTheRegistrySays) {
+  const std::filesystem::path trace = folder_ / u"trace \u4E2D.txt";
+  const std::wstring name = trace.wstring();
+  constexpr const wchar_t* key = L"Software\\VeltranoFrameWork";
+  ASSERT_EQ(ERROR_SUCCESS, RegSetKeyValueW(HKEY_CURRENT_USER, key, L"Trace", REG_SZ, name.c_str(),
+                                           static_cast<DWORD>((name.size() + 1) * sizeof(wchar_t))));
+  EXPECT_EQ("rejected", runScript("rejected.js", folder_));
+  EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_CURRENT_USER, key));
+  const std::string lines = readFile(trace);
+  for (const char* line : {"cscript.exe VeltranoFrameWorkDLL: Version ",
+                           "cscript.exe VeltranoPDF.PDFSetUnit: An argument is rejected (\"Incorrect "
+                           "Unit\"): centimetres are used.\r\n",
+                           "cscript.exe VeltranoPDF.PDFTitle: The code page windows-1252 lacks characters of "
+                           "a text; others stand in "
+                           "their place.\r\n",
+                           "cscript.exe VeltranoPDF.PDFEndDoc: No document is open; nothing is done.\r\n",
+                           "cscript.exe VeltranoPDF.PDFSetFont: The host gets the error 0x80020005: 2 "
+                           "arguments were passed; if one of "
+                           "them is wrong, it is number 1.\r\n"}) {
+    EXPECT_NE(std::string::npos, lines.find(line)) << lines;
+  }
+}
+
 TEST_F(Scripts, UseEveryClass) {
   EXPECT_EQ("new array -1; keys array 2 last []; missing array -1; emptied Empty; Value False 2,1,3",
             runScript("classes.vbs", folder_));

@@ -1,6 +1,8 @@
 #include "server/com/dispatch/core.h"
 
-#include "base/text/utf.h"
+#include <array>
+#include <cstdio>
+
 #include "base/trace.h"
 #include "server/com/module.h"
 
@@ -23,11 +25,12 @@ HRESULT findType(REFGUID guid, ITypeInfo** type) {
 void traceRefused(const ClassEntry& entry, const Member& member, const DISPPARAMS& passed, HRESULT reason,
                   UINT wrong) {
   if (traceEnabled()) {
-    const TracedMember traced(entry.name, "Invoke");
-    trace("A call of ",
-          utf16ToUtf8({reinterpret_cast<const char16_t*>(member.name.data()), member.name.size()}), " with ",
-          passed.cArgs, " arguments is refused, error ", reason, "; argument ", passed.cArgs - wrong,
-          " of them is the first wrong one, if any.");
+    const TracedMember traced(entry.name, std::string(member.name.begin(), member.name.end()).c_str());
+    std::array<char, 11> code{};
+    std::snprintf(code.data(), code.size(), "0x%08lX", static_cast<unsigned long>(reason));
+    // Hosts pass arguments from the last to the first.
+    trace("The host gets the error ", code.data(), ": ", passed.cArgs,
+          " arguments were passed; if one of them is wrong, it is number ", passed.cArgs - wrong, ".");
   }
 }
 

@@ -149,6 +149,7 @@ bool InterfaceTable::addMember(ITypeInfo& type, const FUNCDESC& function, const 
     return false;
   }
   Member member;
+  member.name = names[0];
   member.id = function.memid;
   member.kind = function.invkind;
   member.slot = static_cast<unsigned>(function.oVft) / static_cast<unsigned>(sizeof(void*));

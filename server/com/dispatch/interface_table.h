@@ -24,6 +24,7 @@ struct Parameter {
 };
 
 struct Member {
+  std::wstring name;
   DISPID id = DISPID_UNKNOWN;
   INVOKEKIND kind = INVOKE_FUNC;
   unsigned slot = 0;  ///< in the vtable

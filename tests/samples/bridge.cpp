@@ -1,0 +1,158 @@
+// Calls registered classes late bound for a program outside Wine: one request a line, one answer a line.
+//   new PROGID                              ->  = NUMBER
+//   call NUMBER MEMBER FLAGS [VALUE ...]    ->  = RESULT [VALUE ...]: the arguments as they are after the call
+// Fields are separated by tabs. A value is its kind (s text, d double, i 32 bits, h 16 bits, b flag, e empty,
+// l list), in upper case if passed by reference, and the text of the value as percent-encoded UTF-8. Events
+// come before the answer as "! TEXT", failures are "? HRESULT".
+
+#include <cstdio>
+#include <iostream>
+#include <list>
+#include <memory>
+
+#include "../server/fake_objects.h"
+
+using namespace veltrano::tests;
+
+namespace {
+
+struct Created {
+  veltrano::server::ComPointer<IDispatch> object;
+  RecordingSink sink;
+  std::unique_ptr<Connection> connection;
+};
+
+std::wstring decoded(const std::string& field) {
+  std::string bytes;
+  for (std::size_t i = 0; i < field.size(); ++i) {
+    const bool escaped = field[i] == '%';
+    bytes += escaped ? static_cast<char>(std::stoi(field.substr(i + 1, 2), nullptr, 16)) : field[i];
+    i += escaped ? 2 : 0;
+  }
+  std::wstring text(bytes.size(), L'\0');
+  text.resize(static_cast<std::size_t>(MultiByteToWideChar(
+      CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(), static_cast<int>(text.size()))));
+  return text;
+}
+
+std::string encoded(const std::wstring& text) {
+  std::string bytes(3 * text.size(), '\0');
+  bytes.resize(static_cast<std::size_t>(
+      WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
+                          static_cast<int>(bytes.size()), nullptr, nullptr)));
+  std::string field;
+  for (const char byte : bytes) {
+    char escape[4];
+    std::snprintf(escape, sizeof escape, "%%%02x", static_cast<unsigned char>(byte));
+    field += escape;
+  }
+  return field;
+}
+
+Argument argumentOf(const std::string& field);
+
+/// Elements, each followed by a comma.
+Argument listOf(const std::string& elements) {
+  SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, 0);
+  SAFEARRAYBOUND bound = {};
+  for (std::size_t start = 0; start < elements.size(); ++bound.cElements) {
+    const std::size_t end = elements.find(',', start);
+    Argument element = argumentOf(elements.substr(start, end - start));
+    SAFEARRAYBOUND wider = {bound.cElements + 1, 0};
+    SafeArrayRedim(array, &wider);
+    LONG index = static_cast<LONG>(bound.cElements);
+    SafeArrayPutElement(array, &index, element.get());
+    start = end + 1;
+  }
+  return Argument::of(VT_ARRAY | VT_VARIANT, array);
+}
+
+Argument argumentOf(const std::string& field) {
+  if (field[0] == 'l') {
+    return listOf(field.substr(1));
+  }
+  const std::wstring text = decoded(field.substr(1));
+  switch (field[0] | 0x20) {
+    case 's':
+      return text.c_str();
+    case 'd':
+      return std::stod(text);
+    case 'i':
+      return std::stoi(text);
+    case 'h':
+      return Argument::of<short>(VT_I2, static_cast<short>(std::stoi(text)));
+    case 'b':
+      return text == L"True";
+    default:
+      return {};
+  }
+}
+
+std::string fieldOf(const Argument& value) {
+  if ((value->vt & VT_ARRAY) != 0) {
+    std::string list = "l";
+    LONG last = -1;
+    SafeArrayGetUBound(value->parray, 1, &last);
+    for (LONG i = 0; i <= last; ++i) {
+      Argument element;
+      SafeArrayGetElement(value->parray, &i, element.get());
+      list += fieldOf(element) + ',';
+    }
+    return list;
+  }
+  const char kind = value->vt == VT_BSTR ? 's' : value->vt == VT_R8 ? 'd' : value->vt == VT_BOOL ? 'b' : 'i';
+  return value->vt == VT_EMPTY ? "e" : kind + encoded(value.text());
+}
+
+std::string call(Created& created, const std::vector<std::string>& fields) {
+  std::list<Argument> variables;
+  std::vector<Argument> arguments;
+  for (std::size_t i = 4; i < fields.size(); ++i) {
+    Argument& variable = variables.emplace_back(argumentOf(fields[i]));
+    const bool byReference = fields[i][0] >= 'A' && fields[i][0] <= 'Z';
+    arguments.push_back(byReference ? Argument::of(VT_BYREF | variable->vt, &variable->llVal) : variable);
+  }
+  created.sink.messages.clear();
+  const Outcome outcome = callMethod(*created.object.get(), decoded(fields[2]).c_str(), arguments, {},
+                                     static_cast<WORD>(std::stoi(fields[3])));
+  for (const std::wstring& message : created.sink.messages) {
+    std::cout << "!\t" << encoded(message) << '\n';
+  }
+  if (FAILED(outcome.status)) {
+    return "?\t" + std::to_string(outcome.status);
+  }
+  std::string answer = "=\t" + fieldOf(outcome.result);
+  for (const Argument& variable : variables) {
+    answer += '\t' + fieldOf(variable);
+  }
+  return answer;
+}
+
+}  // namespace
+
+int main() {
+  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+  std::list<Created> objects;
+  for (std::string line; std::getline(std::cin, line);) {
+    std::vector<std::string> fields;
+    for (std::size_t start = 0; start <= line.size();) {
+      const std::size_t end = std::min(line.find_first_of("\t\r", start), line.size());
+      fields.push_back(line.substr(start, end - start));
+      start = end + 1;
+    }
+    if (fields[0] == "new") {
+      Created& created = objects.emplace_back();
+      CLSID clsid = {};
+      CLSIDFromProgID(decoded(fields[1]).c_str(), &clsid);
+      CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
+                       reinterpret_cast<void**>(created.object.out()));
+      if (created.object.get() != nullptr && clsid == CLSID_VeltranoPDF) {
+        created.connection = std::make_unique<Connection>(*created.object.get(), created.sink);
+      }
+      std::cout << (created.object.get() != nullptr ? "=\t" + std::to_string(objects.size() - 1) : "?\t0")
+                << std::endl;
+    } else {
+      std::cout << call(*std::next(objects.begin(), std::stoi(fields[1])), fields) << std::endl;
+    }
+  }
+}

@@ -1,0 +1,69 @@
+"""Compares what scripts/make_stubs.py makes with the finished type library.
+
+check_stubs.py TYPE_LIBRARY FOLDER_OF_STUBS: prints what differs and exits 1 if anything does. A constant that a sample defines
+itself must have the value that it has in the type library, too. Also writes names.cpp into the folder, in which each name of the
+type library stands after the system's headers, as #import puts it, with the renames that docs/hosts/cpp.md tells readers to use.
+"""
+
+import re
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "scripts"))
+from finish_type_library import NAMES, TypeLibrary, number  # noqa: E402
+
+VALUE = 16  # offset of a constant's value in its record: in place with the highest bit set, as defaults are
+
+
+def read(path):
+    """Constants by name, the (dispatch id, name) of all members, and every name."""
+    library = TypeLibrary(Path(path).read_bytes())
+    constants, members = {}, set()
+    for infos in library.members.values():
+        for index, (record, name) in enumerate(zip(infos.records, infos.names)):
+            if index < infos.functions:
+                members.add((number(infos.ids_and_names, 4 * index) & 0xFFFF, library.name(name)))
+            else:
+                value = number(record, VALUE)
+                in_place = value & 0x80000000
+                constants[library.name(name)] = value & 0x3FFFFFF if in_place else number(library.segments[11], value + 2, "<i")
+    names, position = [], 0
+    while position < len(library.segments[NAMES]):
+        names.append(library.name(position))
+        position += 12 + (len(names[-1]) + 3) // 4 * 4
+    return constants, members, names
+
+
+def write_names(path, names):
+    renames = dict(re.findall(r'rename\("(\w+)", *"(\w+)"\)', (ROOT / "docs/hosts/cpp.md").read_text()))
+    lines = ["#include <windows.h>", "#include <oleauto.h>", "#include <cstdio>"]
+    lines += [f"struct Name{index} {{ int {renames.get(name, name)}; }};" for index, name in enumerate(names)]
+    path.write_text("\n".join(lines) + "\n")
+
+
+def main():
+    library, stubs = sys.argv[1:]
+    constants, members, names = read(library)
+    write_names(Path(stubs) / "names.cpp", names)
+    problems = [] if len(constants) > 50 and len(members) > 100 else ["the type library could not be read"]
+    assignment = re.compile(r"\b([A-Za-z]+_[A-Z0-9_]+) = (\d+)")
+    for path in sorted(Path(stubs).glob("*onstants.*")) + [Path(stubs) / "Veltrano.cs"]:
+        found = {name: int(value) for name, value in assignment.findall(path.read_text())}
+        problems += [f"{path.name}: {name}" for name, _ in found.items() ^ constants.items()]
+    text = (Path(stubs) / "Veltrano.cs").read_text()
+    found = {(int(number), name) for number, name in re.findall(r"\[DispId\((\d+)\)\].* (\w+)(?:\(| {)", text)}
+    problems += [f"Veltrano.cs: {name}" for _, name in members ^ found if f"// {name} takes any number" not in text]
+    text = (Path(stubs) / "veltrano.pyi").read_text()
+    problems += [f"veltrano.pyi: {name}" for _, name in members if not re.search(rf"\b(On)?{name}\b", text)]
+    for path in (ROOT / "samples").rglob("*.*"):
+        if path.suffix in (".vbs", ".js", ".bas", ".ps1", ".py", ".wsf"):
+            own = {name: int(value) for name, value in assignment.findall(path.read_text())}
+            problems += [f"{path.name}: {name}" for name in own if own[name] != constants.get(name, own[name])]
+    if problems:
+        sys.exit("differs from the type library: " + ", ".join(problems))
+    print(f"{len(constants)} constants, {len(members)} members")
+
+
+if __name__ == "__main__":
+    main()
