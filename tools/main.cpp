@@ -77,7 +77,7 @@ void addPdfCommand(CLI::App& program, Arguments& given) {
       ->default_str("mono")
       ->check(CLI::IsMember({"mono", "sans", "serif"}));
   pdf->add_flag("--letter", pages.letter, "Letter paper instead of A4");
-  pdf->add_flag("--landscape", pages.landscape, "Across; tables turn by themselves if they are wide");
+  pdf->add_flag("--landscape", pages.landscape, "Pages across; tables turn by themselves if they must");
   pdf->add_flag("--table", pages.asTable, "The input is a table, whatever its name");
   pdf->callback([&pages] { makePages(pages); });
 }

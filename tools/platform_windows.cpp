@@ -18,7 +18,7 @@ namespace veltrano::tools {
 namespace {
 
 constexpr int ownBits = 8 * sizeof(void*);
-constexpr const char* howToRegister = "Register it: regsvr32 FOLDER\\VeltranoFrameWorkDLL.X.dll";
+constexpr const char* howToRegister = "Register it: regsvr32 FOLDER\\VeltranoFrameWorkDLL.dll";
 
 /// The default value of a key below the classes of this user, or else of all users, in the view of a word size.
 std::wstring classValue(const std::wstring& key, int bits) {

@@ -1,6 +1,8 @@
 """Runs the program as a user would, in a folder of its own, and compares what it prints and what it leaves.
 
-    run.py PROGRAM FOLDER [--dll DLL --wine WINE]      (the last two for the program for Windows)
+    run.py PROGRAM FOLDER [--dll DLL --system FOLDER --wine WINE]
+
+The options are for Windows: the DLL, the system's folder of its word size, and how to run the program.
 
 Whatever a case is about, a run that fails must print nothing on standard output (but for findings) and leave every file
 of the folder as it was, and a run that succeeds must leave no unfinished file.
@@ -86,6 +88,7 @@ CASES = [
     (["mdb", "export", "a.mdb"], 2, "", "TABLE"),
     (["pdf", "letter.txt"], 2, "", "--output"),
     (["pdf", "letter.txt", "-o", "x.pdf", "--font", "gothic"], 2, "", "gothic"),
+    (["mdb", "create", "b.mdb", "schema.txt", "--nonsense"], 2, "", "nonsense"),
     (["mdb", "create", "Zoë.mdb", "schema.txt"], 0, "", None),
     (["mdb", "create", "Zoë.mdb", "schema.txt"], 1, "", "Zoë.mdb: the file exists"),
     (["mdb", "create", "b.mdb", "broken schema.txt"], 1, "", 'broken schema.txt: line 3: "test" is not a type'),
@@ -100,6 +103,7 @@ CASES = [
     (["mdb", "export", "Zoë.mdb", "Everything"], 0, ROWS, None),
     (["mdb", "export", "Zoë.mdb", "Everything", "--rescue"], 0, ROWS, None),
     (["mdb", "export", "Zoë.mdb", "Everything", "-o", "copy.csv"], 0, "", None),
+    (["mdb", "export", "Zoë.mdb", "Everything", "-o", "copy.csv"], 0, "", None),  # over the file
     (["mdb", "export", "Zoë.mdb", "Everything", "--json", "-o", "copy.json"], 0, "", None),
     (["mdb", "export", "Zoë.mdb", "Missing", "-o", "x.csv"], 1, "", "Zoë.mdb: Missing: no such table"),
     (["mdb", "export", "Zoë.mdb", "Code", "-o", "missing folder/x.csv"], 1, "", "missing folder/x.csv: "),
@@ -188,6 +192,18 @@ def check_exports(runner):
         fail("defaults, autonumbers and nulls of an import", out)
 
 
+def check_damage(runner):
+    """A page of the long memo is lost: nothing is exported, or everything else."""
+    data = (runner.folder / "Zoë.mdb").read_bytes()
+    page = data.index("Zażółć gęślą".encode("utf-16-le")) // 4096
+    (runner.folder / "damaged.mdb").write_bytes(data[:page * 4096] + bytes([255] * 4096) + data[page * 4096 + 4096:])
+    export = ["mdb", "export", "damaged.mdb", "Everything"]
+    runner.check(["mdb", "check", "damaged.mdb"], 1, re.compile("damaged.mdb: Everything"), None, findings=True)
+    runner.check([*export, "-o", "x.csv"], 1, "", "damaged.mdb: Everything: a record is damaged; --rescue")
+    rescued = re.compile(re.escape(ROWS.replace(LONG.strip(), "")))
+    runner.check([*export, "--rescue"], 0, rescued, "1 damaged records or values were left out")
+
+
 def check_against_mdbtools(runner):
     """Another reader finds the same values in the file, apart from its way to write them."""
     if not shutil.which("mdb-export"):
@@ -247,11 +263,12 @@ def check_pages(runner):
 def check_doctor(runner, options):
     well = re.compile(r"(?s)(ok     [^\n]*\n)+$")
     if options.wine:
+        # Beside the folder, so that the prefix is made once: it may have the DLL of a run before.
+        register = [options.wine, f"C:\\windows\\{options.system}\\regsvr32.exe", "/s", options.dll]
+        subprocess.run([*register, "/u"], check=False, env=runner.environment)
         runner.check(["doctor"], 1, re.compile(r"(?s).*WRONG  DLL for 32-bit hosts: not registered\n +Register"), None,
                      findings=True)
-        system = "syswow64" if "32" in os.path.basename(os.path.dirname(options.dll)) else "system32"
-        subprocess.run([options.wine, f"C:\\windows\\{system}\\regsvr32.exe", "/s", options.dll], check=True,
-                       env=runner.environment)
+        subprocess.run(register, check=True, env=runner.environment)
         well = re.compile(r"(?s)(ok     [^\n]*\n)*ok     DLL for \d\d-bit hosts: [^\n]*, version 1[^\n]*, loads\n")
     runner.check(["doctor"], 0, well, None)
     runner.check(["doctor"], 1, re.compile(r"(?s).*WRONG  Trace: on, to missing"), None, findings=True,
@@ -263,6 +280,7 @@ def main():
     parser.add_argument("program")
     parser.add_argument("folder")
     parser.add_argument("--dll")
+    parser.add_argument("--system")
     parser.add_argument("--wine")
     options = parser.parse_args()
     runner = Runner(options)
@@ -272,13 +290,13 @@ def main():
         (runner.folder / name).write_bytes(text if isinstance(text, bytes) else text.encode())
     if options.wine:
         runner.environment["WINEPREFIX"] = options.folder + ".wine"
-        shutil.rmtree(options.folder + ".wine", ignore_errors=True)
         subprocess.run([options.wine, "--prepare"], env=runner.environment, check=True)
     try:
         for case in CASES:
             runner.check(*case)
         check_exports(runner)
         check_against_mdbtools(runner)
+        check_damage(runner)
         check_pages(runner)
         check_doctor(runner, options)
     finally:
