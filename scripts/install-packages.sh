@@ -6,11 +6,11 @@ set -eu
 
 native=(g++ cmake ninja-build ccache pkg-config git python3 util-linux
         libexpat1-dev libpugixml-dev libpng-dev libjpeg62-turbo-dev libturbojpeg0-dev libmbedtls-dev libgtest-dev
-        libgmock-dev
+        libgmock-dev libcli11-dev
         clang-format clang-tidy poppler-utils mupdf-tools qpdf libxml2-utils libxml2-dev pngcheck mdbtools imagemagick)
 windows=(wine wine32:i386 wine64 libwine-dev g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools
-         libz-mingw-w64-dev googletest nasm dpkg-dev mono-mcs)
-packages=(wixl zip unzip faketime python3-sphinx python3-myst-parser furo)
+         libz-mingw-w64-dev libcli11-dev googletest nasm dpkg-dev mono-mcs)
+packages=(wixl zip unzip help2man faketime python3-sphinx python3-myst-parser furo)
 benchmarks=(libbenchmark-dev libhpdf-dev libkml-dev libpixman-1-dev libiniparser-dev libsimpleini-dev libsqlite3-dev)
 
 wanted=()

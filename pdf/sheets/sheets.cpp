@@ -1,0 +1,202 @@
+#include "pdf/sheets/sheets.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "base/numbers/numbers.h"
+
+namespace veltrano::sheets {
+
+namespace {
+
+constexpr double padding = 4;  // beside the text of a cell
+constexpr double endless = 1e9;
+
+/// Text that has a glyph for each character: line ends and form feeds apart, control characters become blanks.
+std::string drawable(std::string_view text) {
+  constexpr std::size_t tabWidth = 8;
+  std::string drawn;
+  std::size_t lineStart = 0;
+  for (const char c : text) {
+    if (c == '\t') {
+      drawn.append(tabWidth - (drawn.size() - lineStart) % tabWidth, ' ');
+    } else if (c != '\r') {
+      const bool control = static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\f';
+      drawn += control ? ' ' : c;
+    }
+    lineStart = c == '\n' ? drawn.size() : lineStart;
+  }
+  return drawn;
+}
+
+double longestLine(const Face& face, std::string_view text) {
+  double longest = 0;
+  for (const std::string_view line : face.wrap(text, endless)) {
+    longest = std::max(longest, face.width(line));
+  }
+  return longest;
+}
+
+/// "12", "-1.5", "1e-05", "12 345,60", "1'000.00", "5 %".
+bool isNumber(std::string text) {
+  std::erase_if(text, [](char c) { return c == ' ' || c == ',' || c == '\'' || c == '%'; });
+  return parseNumber(text).has_value();
+}
+
+using Row = std::vector<std::string>;
+
+class Table {
+ public:
+  Table(Book& book, const std::vector<Row>& rows, std::int16_t points)
+      : book_(book),
+        rows_(rows),
+        face_(book.pdf, FONT_ARIAL, FONT_NORMAL, points),
+        bold_(book.pdf, FONT_ARIAL, FONT_BOLD, points) {
+    for (const Row& row : rows) {
+      const bool isHead = &row == rows.data();
+      widths_.resize(std::max(row.size(), widths_.size()), 3 * padding);
+      numbers_.resize(widths_.size(), true);
+      for (std::size_t i = 0; i < row.size(); ++i) {
+        widths_[i] = std::max(widths_[i], longestLine(isHead ? bold_ : face_, row[i]) + 2 * padding);
+        numbers_[i] = numbers_[i] && (isHead || row[i].empty() || isNumber(row[i]));
+      }
+    }
+  }
+  [[nodiscard]] double width() const { return std::accumulate(widths_.begin(), widths_.end(), 0.0); }
+
+  /// The width that the wider columns get so that all fit; endless if they do as they are.
+  [[nodiscard]] double limit(double available) const {
+    if (width() <= available) {
+      return endless;
+    }
+    double limit = available / 2;
+    for (double step = limit / 2; step > 0.01; step /= 2) {
+      const auto limited = [limit](double sum, double column) { return sum + std::min(column, limit); };
+      limit += std::accumulate(widths_.begin(), widths_.end(), 0.0, limited) > available ? -step : step;
+    }
+    return limit;
+  }
+
+  /// A narrow table becomes somewhat wider. With too many columns for a page the last ones leave it.
+  void fit(double available) {
+    const double most = std::max(limit(available), face_.size() + 2 * padding);
+    const double factor = std::clamp(available / width(), 1.0, 1.4);
+    for (double& column : widths_) {
+      column = std::min(column, most) * factor;
+    }
+  }
+
+  Status make(const std::string& title, const Tick& tick) {
+    const auto head = [this] { drawRow(rows_.front(), bold_); };
+    return book_.make(title, head, [&] {
+      for (std::size_t i = 1; i < rows_.size(); ++i) {
+        drawRow(rows_[i], face_);
+        tick(static_cast<double>(i) / static_cast<double>(rows_.size()));
+      }
+    });
+  }
+
+ private:
+  using Lines = std::vector<std::string_view>;
+
+  void drawRow(const Row& row, const Face& face) {
+    std::vector<Lines> cells;
+    std::size_t lines = 1;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      cells.push_back(face.wrap(row[i], widths_[i] - 2 * padding + 0.01));
+      lines = std::max(lines, cells.back().size());
+    }
+    // A row that is longer than half a page goes on in further pieces; a head is cut.
+    const auto most = std::max<std::size_t>(1, static_cast<std::size_t>(book_.height() / face.lead() / 2));
+    for (std::size_t from = 0; from < (&face == &bold_ ? 1 : lines); from += most) {
+      drawPiece(cells, from, std::min(lines, from + most), face);
+    }
+  }
+  void drawPiece(const std::vector<Lines>& cells, std::size_t from, std::size_t to, const Face& face) {
+    const bool isHead = &face == &bold_;
+    const double height = static_cast<double>(to - from) * face.lead() + padding;
+    if (isHead) {
+      book_.fill(0, 0, width(), height, pale);
+    } else {
+      book_.need(height);
+    }
+    double left = 0;
+    for (std::size_t i = 0; i < cells.size(); left += widths_[i++]) {
+      double baseline = face.size() + 1;
+      for (std::size_t line = from; line < std::min(to, cells[i].size()); ++line, baseline += face.lead()) {
+        const double indent = numbers_[i] ? widths_[i] - padding - face.width(cells[i][line]) : padding;
+        book_.write(face, cells[i][line], left + indent, baseline, isHead ? accent : ink);
+      }
+    }
+    book_.y += height;
+    book_.fill(0, -0.4, width(), 0.4, isHead ? accent : hairline);
+  }
+
+  Book& book_;
+  const std::vector<Row>& rows_;  ///< the head first
+  Face face_;
+  Face bold_;
+  std::vector<double> widths_;
+  std::vector<bool> numbers_;  ///< columns of numbers only
+};
+
+/// The size at which every line fits, or a middle one if none does.
+Face textFace(Book& book, std::string_view text, PDFFontNme font) {
+  if (font == FONT_COURIER) {
+    for (std::int16_t size = 10; size >= 7; --size) {
+      Face face(book.pdf, font, FONT_NORMAL, size);
+      if (longestLine(face, text) <= book.width()) {
+        return face;
+      }
+    }
+  }
+  return {book.pdf, font, FONT_NORMAL, static_cast<std::int16_t>(font == FONT_COURIER ? 9 : 11)};
+}
+
+}  // namespace
+
+Status makeTextSheets(Book& book, const std::string& title, const std::string& text, PDFFontNme font,
+                      const Tick& tick) {
+  const std::string drawn = drawable(text);
+  const Face face = textFace(book, drawn, font);
+  auto lines = face.wrap(drawn, book.width());
+  if (lines.back().empty()) {
+    lines.pop_back();
+  }
+  return book.make(
+      title, [] {},
+      [&] {
+        for (std::size_t i = 0; i < lines.size(); ++i) {
+          const bool breaks = lines[i].starts_with('\f');
+          if (breaks) {
+            book.nextPage();
+          }
+          book.need(face.lead());
+          book.write(face, lines[i].substr(breaks ? 1 : 0), 0, face.size(), ink);
+          book.y += face.lead();
+          tick(static_cast<double>(i) / static_cast<double>(lines.size()));
+        }
+      });
+}
+
+Status makeTableSheets(Book& book, const std::string& title, std::vector<std::vector<std::string>> rows,
+                       bool mayTurn, const Tick& tick) {
+  for (Row& row : rows) {
+    for (std::string& cell : row) {
+      cell = drawable(cell);
+      std::ranges::replace(cell, '\f', ' ');
+    }
+  }
+  // A column that is wrapped should still hold some words.
+  constexpr double comfortable = 110;
+  Table usual(book, rows, 9);
+  if (usual.limit(book.width()) < comfortable && mayTurn) {
+    book.turn();
+  }
+  Table small(book, rows, 7);
+  Table& table = usual.limit(book.width()) < comfortable ? small : usual;
+  table.fit(book.width());
+  return table.make(title, tick);
+}
+
+}  // namespace veltrano::sheets
