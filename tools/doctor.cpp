@@ -61,8 +61,8 @@ bool diagnose() {
   std::string text;
   bool healthy = true;
   for (const auto& [subject, state, advice] : findings) {
-    text += (advice.empty() ? "ok     " : "WRONG  ") + subject + ": " + state + "\n";
-    text += advice.empty() ? "" : "       " + advice + "\n";
+    text.append(advice.empty() ? "ok     " : "WRONG  ").append(subject).append(": ").append(state);
+    text.append(advice.empty() ? "" : "\n       ").append(advice).append("\n");
     healthy = healthy && advice.empty();
   }
   Output().write(text);

@@ -12,7 +12,7 @@ namespace veltrano::tools {
 namespace {
 
 /// Text that is not UTF-8 is taken to be in the code page.
-std::string toAnsi(std::string text) {
+std::string toAnsi(const std::string& text) {
   return access::isDatabaseText(text) ? utf8ToAnsi(text) : text;
 }
 

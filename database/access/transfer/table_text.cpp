@@ -132,6 +132,7 @@ Status importRecords(CsvReader& csv, Pager& pager, std::string_view table,
     return csv.status() ? Status(Failure::damaged, "no line names the fields") : csv.status();
   }
   std::vector<std::string> names;
+  names.reserve(fields.size());
   for (const CsvField& field : fields) {
     names.push_back(field.text);
   }
