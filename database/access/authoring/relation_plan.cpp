@@ -64,7 +64,7 @@ std::size_t childIndex(TablePlan& plan, const std::vector<std::string>& columns)
 }  // namespace
 
 Status planRelation(const NewRelation& relation, std::vector<TablePlan>& plans) {
-  const Status invalid(Failure::other, "not a valid relation: " + relation.name);
+  Status invalid(Failure::other, "not a valid relation: " + relation.name);
   TablePlan* parent = find(plans, relation.parent);
   TablePlan* child = find(plans, relation.child);
   if (relation.name.empty() || parent == nullptr || child == nullptr ||

@@ -57,12 +57,15 @@ Status RelatedTables::connect(RelatedTable& table) {
 }
 
 Result<RelatedTable*> RelatedTables::find(PageNumber page) {
-  const auto table = read(page);
+  auto table = read(page);
   if (!table || (*table)->connected) {
     return table;
   }
   Status connected = connect(**table);
-  return connected ? table : connected;
+  if (!connected) {
+    return connected;
+  }
+  return table;
 }
 
 }  // namespace veltrano::access
