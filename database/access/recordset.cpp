@@ -369,12 +369,14 @@ Status AccessRecordset::remove() {
   if (Status current = refresh(); !current || !writer_) {
     return current ? writable_ : current;
   }
-  Status done = writer_->remove(current_.place());
-  if (done) {
+  const auto gone = writer_->remove(current_.place());
+  if (gone) {
     ++file_->generation;
-    file_->rowDeleted(table_.definition().page, current_.place());
+    for (const RowOfTable& row : *gone) {
+      file_->rowDeleted(row.table, row.row);
+    }
   }
-  return done;
+  return gone.status();
 }
 
 }  // namespace veltrano::access

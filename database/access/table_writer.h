@@ -1,78 +1,45 @@
 #ifndef VELTRANO_DATABASE_ACCESS_TABLE_WRITER_H
 #define VELTRANO_DATABASE_ACCESS_TABLE_WRITER_H
 
-// Adds, changes and deletes rows with everything that depends on them: long values, indexes, maps and counters. Each
+// Adds, changes and deletes records with everything that depends on them, in the table and through its relations. Each
 // call is one transaction: if it fails, nothing has changed.
 
 #include <optional>
 #include <vector>
 
-#include "database/access/index/table_indexes.h"
-#include "database/access/pages/row_space.h"
+#include "database/access/relations/enforcement.h"
+#include "database/access/row_writer.h"
 #include "database/access/table.h"
 
 namespace veltrano::access {
 
-/// A field of a record that is to be stored.
-struct Draft {
-  Cell cell;  ///< of a long value that was assigned: the value itself
-  bool assigned = false;
-};
-
 class TableWriter {
  public:
-  /// For a table that is known to be writable, with its indexes. `table` must outlive the writer.
-  TableWriter(const Table& table, TableIndexes indexes) : table_(&table), indexes_(std::move(indexes)) {}
   /// Fails if the table may only be read. `table` must outlive the writer.
   static Result<TableWriter> create(const Table& table);
 
   /// The last autonumber that the table's definition knows. Empty if it cannot be read.
-  [[nodiscard]] std::optional<std::int32_t> lastAutoNumber() const;
-  /// Makes `number` the last autonumber, in a transaction of its own, if it is greater.
+  [[nodiscard]] std::optional<std::int32_t> lastAutoNumber() const { return rows_.lastAutoNumber(); }
+  /// Makes `number` the last autonumber if it is greater.
   Status raiseAutoNumber(std::int32_t number);
 
   /// Returns where the row went. `drafts` are in the order of the definition's columns; an autonumber that is not
   /// assigned becomes the one after the last.
   Result<RowPointer> insert(std::vector<Draft>& drafts);
-  /// The same within a transaction of the caller, who rolls it back if this fails.
-  Result<RowPointer> insertInTransaction(std::vector<Draft>& drafts);
   /// Changes the assigned fields of a row, and leaves its others as they are now.
   Status update(RowPointer row, const std::vector<Draft>& drafts);
-  Status remove(RowPointer row);
+  /// Returns the rows that are gone: this one, and those of all tables that were deleted with it.
+  Result<std::vector<RowOfTable>> remove(RowPointer row);
 
  private:
-  // The steps of a change answer false after they have set failure_.
-  bool fail(Failure failure, const char* reason);
-  bool failFromPager();
+  TableWriter(const Table& table, RowWriter rows) : table_(&table), rows_(std::move(rows)) {}
   template <typename Steps>
   Status inTransaction(Steps steps);
-  bool changeIndexes(const TableIndexes::RowKeys* before, const TableIndexes::RowKeys* after, RowPointer row);
-  bool updateInTransaction(RowPointer home, const std::vector<Draft>& drafts);
-  bool removeInTransaction(RowPointer home);
-
-  [[nodiscard]] Pager& pager() const { return table_->pager(); }
-  [[nodiscard]] const TableDefinition& definition() const { return table_->definition(); }
-
-  bool checkRequired(const std::vector<Draft>& drafts, bool all);
-  bool makeRow(const std::vector<Draft>& drafts);
-  bool storeLongestInline();
-  bool makeKeysOf(Bytes row, TableIndexes::RowKeys& keys);
-  std::optional<RowPointer> placeNewRow(Bytes row, std::uint16_t flags);
-  [[nodiscard]] RowSpace space() const;
-  bool replaceRow(RowPointer home, RowPointer place, Bytes row);
-  bool removeRow(RowPointer place);
-  bool releaseLongValues(const RowView& row, const std::vector<Draft>* drafts);
-  bool enterAutoNumber(std::vector<Draft>& drafts);
-  bool countRows(int change);
+  Status followRelations();
 
   const Table* table_;
-  TableIndexes indexes_;
-  Status failure_;
-  // Kept between calls for their storage.
-  std::vector<Cell> cells_;
-  std::vector<std::uint8_t> row_;
-  TableIndexes::RowKeys before_;
-  TableIndexes::RowKeys after_;
+  RowWriter rows_;
+  std::optional<Enforcement> enforcement_;  // if the table has relations
 };
 
 }  // namespace veltrano::access

@@ -9,6 +9,7 @@
 #include "base/text/code_page.h"
 #include "base/text/lower_case.h"
 #include "database/access/authoring/definition_builder.h"
+#include "database/access/authoring/relation_plan.h"
 #include "database/access/authoring/system_tables.h"
 #include "database/access/pages/data_page.h"
 #include "database/access/schema/catalog.h"
@@ -99,8 +100,8 @@ Status fillDatabase(const std::filesystem::path& file, const std::vector<NewTabl
                     const NewDatabase& options, double created) {
   auto pager = Pager::open(file, {.password = options.password, .files = options.files});
   Status done = pager ? makeSystemTables(**pager, created) : pager.status();
-  for (std::size_t i = 0; i < tables.size() && done; ++i) {
-    done = createTable(**pager, tables[i]);
+  if (done && !tables.empty()) {
+    done = createTables(**pager, tables, options.relations);
   }
   return done ? (*pager)->checkpoint() : done;
 }
@@ -134,32 +135,77 @@ Status createDatabase(const std::filesystem::path& file, const std::vector<NewTa
   return done;
 }
 
-Status createTable(Pager& pager, const NewTable& table) {
-  if (isJet3(pager.version()) || pager.version() >= Version::ace14) {
-    return {Failure::other, "tables are made in files of the 2000 to 2007 formats only"};
-  }
-  if (Status valid = checkNewTable(table); !valid) {
-    return valid;
-  }
+namespace {
+
+Status checkNames(Pager& pager, const std::vector<NewTable>& tables) {
   const auto catalog = readCatalog(pager);
   if (!catalog) {
     return {Failure::damaged, "the catalog is damaged"};
   }
-  if (std::any_of(catalog->begin(), catalog->end(),
-                  [&](const CatalogEntry& entry) { return sameName(entry.name, table.name); })) {
-    return {Failure::exists, "there is an object of that name"};
+  std::vector<std::string> taken;
+  for (const CatalogEntry& entry : *catalog) {
+    taken.push_back(entry.name);
+  }
+  for (const NewTable& table : tables) {
+    if (Status valid = checkNewTable(table); !valid) {
+      return valid;
+    }
+    if (std::any_of(taken.begin(), taken.end(),
+                    [&](const std::string& name) { return sameName(name, table.name); })) {
+      return {Failure::exists, "there is an object of that name"};
+    }
+    taken.push_back(table.name);
+  }
+  return {};
+}
+
+// In a transaction.
+Status writeTables(Pager& pager, std::vector<TablePlan>& plans, const std::vector<NewRelation>& relations) {
+  const Status full(Failure::full, "the file is full or damaged");
+  for (TablePlan& plan : plans) {
+    const auto page = allocatePage(pager);
+    if (!page) {
+      return full;
+    }
+    plan.page = *page;
+  }
+  Status done;
+  for (std::size_t i = 0; done && i < relations.size(); ++i) {
+    done = planRelation(relations[i], plans);
+  }
+  MapAllocator maps(pager);
+  for (std::size_t i = 0; done && i < plans.size(); ++i) {
+    const TablePlan& plan = plans[i];
+    done = writeDefinition(pager, plan.page, plan.table, TableKind::user, maps, plan.relations)
+               ? enterTable(pager, plan.page, plan.table, now())
+               : full;
+  }
+  for (std::size_t i = 0; done && i < relations.size(); ++i) {
+    done = enterRelation(pager, relations[i], now());
+  }
+  return done;
+}
+
+}  // namespace
+
+Status createTables(Pager& pager, const std::vector<NewTable>& tables,
+                    const std::vector<NewRelation>& relations) {
+  if (isJet3(pager.version()) || pager.version() >= Version::ace14) {
+    return {Failure::other, "tables are made in files of the 2000 to 2007 formats only"};
+  }
+  if (Status valid = checkNames(pager, tables); !valid) {
+    return valid;
   }
   Transaction transaction(pager);
   if (!transaction.begun()) {
     return transaction.begun();
   }
-  MapAllocator maps(pager);
-  const auto page = allocatePage(pager);
-  if (!page || !writeDefinition(pager, *page, table, TableKind::user, maps)) {
-    return {Failure::full, "the file is full or damaged"};
+  std::vector<TablePlan> plans;
+  for (const NewTable& table : tables) {
+    plans.push_back({table, 0, {}});
   }
-  Status entered = enterTable(pager, *page, table, now());
-  return entered ? transaction.commit() : entered;
+  Status written = writeTables(pager, plans, relations);
+  return written ? transaction.commit() : written;
 }
 
 }  // namespace veltrano::access

@@ -20,11 +20,23 @@
 
 namespace veltrano::access {
 
+/// An enforced relation: a record of the child needs one of the parent with the same values in these columns.
+struct NewRelation {
+  std::string name = {};
+  std::string parent = {};
+  std::vector<std::string> parentColumns = {};  ///< those of a unique index of the parent, in its order
+  std::string child = {};
+  std::vector<std::string> childColumns = {};  ///< an index on them is made if there is none
+  bool cascadeUpdates = false;
+  OnDelete onDelete = OnDelete::refuse;
+};
+
 struct NewDatabase {
-  std::string password = {};    ///< UTF-8, up to 20 characters; empty for none
-  std::uint32_t pageKey = 0;    ///< other than 0: the pages are encoded under this key
-  double created = 0;           ///< automation date of the creation; 0 for the current time
-  FileSystem* files = nullptr;  ///< where the file is made; the system's files if null
+  std::string password = {};                ///< UTF-8, up to 20 characters; empty for none
+  std::uint32_t pageKey = 0;                ///< other than 0: the pages are encoded under this key
+  std::vector<NewRelation> relations = {};  ///< between the tables
+  double created = 0;                       ///< automation date of the creation; 0 for the current time
+  FileSystem* files = nullptr;              ///< where the file is made; the system's files if null
 };
 
 struct NewColumn {
@@ -65,9 +77,10 @@ struct NewTable {
 Status createDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
                       const NewDatabase& options = {});
 
-/// Adds a table to an open database. Fails, with nothing changed, if its description is not valid or the file
-/// cannot be written.
-Status createTable(Pager& pager, const NewTable& table);
+/// Adds tables, with relations between them, to an open database. Fails, with nothing changed, if a description is not
+/// valid or the file cannot be written.
+Status createTables(Pager& pager, const std::vector<NewTable>& tables,
+                    const std::vector<NewRelation>& relations = {});
 
 }  // namespace veltrano::access
 

@@ -207,7 +207,7 @@ void putColumns(ByteWriter& out, const NewTable& table, TableKind kind) {
   }
 }
 
-void putIndexes(ByteWriter& out, const NewTable& table, const Parts& parts) {
+void putRealIndexes(ByteWriter& out, const NewTable& table, const Parts& parts) {
   for (std::size_t i = 0; i < table.indexes.size(); ++i) {
     const NewIndex& index = table.indexes[i];
     out.put32(indexMark);
@@ -223,25 +223,56 @@ void putIndexes(ByteWriter& out, const NewTable& table, const Parts& parts) {
              (index.primary || index.required ? 0x08U : 0U));
     out.zeros(5);
   }
+}
+
+// The ordinary logical indexes, whose numbers are those of the real ones, as they come first; then the relations.
+void putLogicalIndexes(ByteWriter& out, const NewTable& table, const std::vector<RelationSide>& relations) {
+  constexpr std::uint32_t noOtherSide = 0xFFFFFFFF;
+  constexpr std::uint8_t relation = 2;
   for (std::size_t i = 0; i < table.indexes.size(); ++i) {
+    if (table.indexes[i].name.empty()) {
+      continue;
+    }
     out.put32(definitionMark);
     out.put32(static_cast<std::uint32_t>(i));
     out.put32(static_cast<std::uint32_t>(i));
     out.put8(0);
-    out.put32(0xFFFFFFFF);
+    out.put32(noOtherSide);
     out.put32(0);
     out.put16(0);
     out.put8(table.indexes[i].primary ? 1 : 0);
     out.put32(0);
   }
+  for (const RelationSide& side : relations) {
+    out.put32(definitionMark);
+    out.put32(side.number);
+    out.put32(static_cast<std::uint32_t>(side.index));
+    out.put8(static_cast<std::uint8_t>(side.role));
+    out.put32(side.otherNumber);
+    out.put32(side.otherTable);
+    out.put8(side.cascadesUpdates ? 1 : 0);
+    out.put8(static_cast<std::uint8_t>(side.onDelete));
+    out.put8(relation);
+    out.put32(0);
+  }
   for (const NewIndex& index : table.indexes) {
-    out.text(index.name);
+    if (!index.name.empty()) {
+      out.text(index.name);
+    }
+  }
+  for (const RelationSide& side : relations) {
+    out.text(side.name);
   }
 }
 
-std::vector<std::uint8_t> definitionBytes(const NewTable& table, TableKind kind, const Parts& parts) {
+std::vector<std::uint8_t> definitionBytes(const NewTable& table, TableKind kind, const Parts& parts,
+                                          const std::vector<RelationSide>& relations) {
   const auto columns = static_cast<std::uint32_t>(table.columns.size());
   const auto indexes = static_cast<std::uint32_t>(table.indexes.size());
+  const auto logicalIndexes =
+      static_cast<std::uint32_t>(std::count_if(table.indexes.begin(), table.indexes.end(),
+                                               [](const NewIndex& index) { return !index.name.empty(); }) +
+                                 static_cast<std::ptrdiff_t>(relations.size()));
   const auto variable = static_cast<std::uint32_t>(
       std::count_if(table.columns.begin(), table.columns.end(),
                     [](const NewColumn& column) { return !isFixed(column.type); }));
@@ -256,13 +287,14 @@ std::vector<std::uint8_t> definitionBytes(const NewTable& table, TableKind kind,
   out.put16(columns);
   out.put16(variable);
   out.put16(columns);
-  out.put32(indexes);
+  out.put32(logicalIndexes);
   out.put32(indexes);
   out.put32(parts.owned.toDisk());
   out.put32(parts.free.toDisk());
   out.zeros(std::size_t{12} * indexes);
   putColumns(out, table, kind);
-  putIndexes(out, table, parts);
+  putRealIndexes(out, table, parts);
+  putLogicalIndexes(out, table, relations);
   for (const auto& part : parts.longValues) {
     out.put16(part.column);
     out.put32(part.owned.toDisk());
@@ -325,13 +357,13 @@ Status checkNewTable(const NewTable& table) {
 }
 
 bool writeDefinition(Pager& pager, PageNumber first, const NewTable& table, TableKind kind,
-                     MapAllocator& maps) {
+                     MapAllocator& maps, const std::vector<RelationSide>& relations) {
   constexpr std::size_t pageHead = 8;
   const auto parts = allocateParts(pager, first, table, maps);
   if (!parts) {
     return false;
   }
-  const std::vector<std::uint8_t> bytes = definitionBytes(table, kind, *parts);
+  const std::vector<std::uint8_t> bytes = definitionBytes(table, kind, *parts, relations);
   std::size_t done = 0;
   for (PageNumber number = first; number != 0;) {
     const MutableBytes page = pager.edit(number);

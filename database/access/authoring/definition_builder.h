@@ -27,9 +27,10 @@ class MapAllocator {
 /// Fails if the table cannot be made as described.
 Status checkNewTable(const NewTable& table);
 
-/// Writes the definition to `page`, which is new; in a transaction.
-bool writeDefinition(Pager& pager, PageNumber page, const NewTable& table, TableKind kind,
-                     MapAllocator& maps);
+/// Writes the definition to `page`, which is new; in a transaction. The table's sides of relations come after its
+/// ordinary indexes; an index without a name is of relations alone.
+bool writeDefinition(Pager& pager, PageNumber page, const NewTable& table, TableKind kind, MapAllocator& maps,
+                     const std::vector<RelationSide>& relations = {});
 
 }  // namespace veltrano::access
 

@@ -5,21 +5,23 @@
 
 #include "database/access/authoring/byte_writer.h"
 #include "database/access/authoring/definition_builder.h"
+#include "database/access/row_writer.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/field_codec.h"
 #include "database/access/storage/space/allocator.h"
-#include "database/access/table_writer.h"
 
 namespace veltrano::access {
 
 namespace {
 
 // Containers have numbers of their own; a table's is the page of its definition.
+constexpr PageNumber relationsPage = catalogPage + 3;
 constexpr std::uint32_t rootId = 0x0F000000;
 constexpr std::uint32_t tablesId = 0x0F000001;
 constexpr std::uint32_t databasesId = 0x0F000002;
 constexpr std::uint32_t relationshipsId = 0x0F000003;
 constexpr std::uint32_t databaseId = 0x10000000;
+constexpr std::uint32_t firstOtherId = 0x80000000;  // of objects that are no tables
 constexpr std::uint32_t systemFlag = 0x80000000;
 constexpr std::uint32_t fullAccess = 0x000FFFFF;
 // The owner of everything, as the engine that the format comes from knows it.
@@ -101,7 +103,7 @@ Status addRow(const SystemTable& system, const std::vector<FieldValue>& fields) 
     }
     drafts[static_cast<std::size_t>(column - definition.columns.data())] = {{false, *cell}, true};
   }
-  return TableWriter(system.table, system.indexes).insertInTransaction(drafts).status();
+  return RowWriter(system.table, system.indexes).insert(drafts).status();
 }
 
 Result<SystemTable> openSystemTable(Pager& pager, PageNumber page) {
@@ -298,6 +300,36 @@ Status makeSystemTables(Pager& pager, double created) {
 Status enterTable(Pager& pager, PageNumber page, const NewTable& table, double created) {
   return addObject(pager, {page, tablesId, table.name, ObjectKind::table, 0}, created,
                    tableProperties(table));
+}
+
+Status enterRelation(Pager& pager, const NewRelation& relation, double created) {
+  constexpr int cascadesUpdates = 0x100;
+  constexpr int cascadesDeletes = 0x1000;
+  constexpr int setsNull = 0x2000;
+  const auto relations = openSystemTable(pager, relationsPage);
+  const auto catalog = readCatalog(pager);
+  if (!relations || !catalog) {
+    return {Failure::damaged, "the system tables are damaged"};
+  }
+  const int flags = (relation.cascadeUpdates ? cascadesUpdates : 0) |
+                    (relation.onDelete == OnDelete::cascade   ? cascadesDeletes
+                     : relation.onDelete == OnDelete::setNull ? setsNull
+                                                              : 0);
+  Status done;
+  for (std::size_t i = 0; done && i < relation.childColumns.size(); ++i) {
+    done = addRow(*relations, {{"szRelationship", relation.name},
+                               {"grbit", flags},
+                               {"ccolumn", static_cast<int>(relation.childColumns.size())},
+                               {"icolumn", static_cast<int>(i)},
+                               {"szObject", relation.child},
+                               {"szColumn", relation.childColumns[i]},
+                               {"szReferencedObject", relation.parent},
+                               {"szReferencedColumn", relation.parentColumns[i]}});
+  }
+  const auto others = std::ranges::count(*catalog, ObjectKind::relation, &CatalogEntry::kind);
+  const std::uint32_t id = firstOtherId + static_cast<std::uint32_t>(others);
+  return done ? addObject(pager, {id, relationshipsId, relation.name, ObjectKind::relation, 0}, created, {})
+              : done;
 }
 
 }  // namespace veltrano::access

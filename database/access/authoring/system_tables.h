@@ -15,6 +15,9 @@ Status makeSystemTables(Pager& pager, double created);
 /// Enters a table, whose definition is at `page`, in the catalog and in the access rights. In a transaction.
 Status enterTable(Pager& pager, PageNumber page, const NewTable& table, double created);
 
+/// Enters a relation of tables that are in the catalog.
+Status enterRelation(Pager& pager, const NewRelation& relation, double created);
+
 }  // namespace veltrano::access
 
 #endif

@@ -9,6 +9,7 @@
 #include "database/access/index/table_indexes.h"
 #include "database/access/pages/data_page.h"
 #include "database/access/pages/long_value.h"
+#include "database/access/relations/related_tables.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/field_codec.h"
 #include "database/access/storage/space/usage_map.h"
@@ -20,7 +21,7 @@ namespace {
 
 class Checker {
  public:
-  explicit Checker(Pager& pager) : pager_(pager), owners_(pager.pageCount()) {}
+  explicit Checker(Pager& pager) : pager_(pager), related_(pager), owners_(pager.pageCount()) {}
 
   std::string run(CheckCounters counters);
 
@@ -49,9 +50,11 @@ class Checker {
   bool checkLongValuePages(const Column& column);
   bool checkHidden(const Table& table, const Scan& scan);
   bool checkIndexes(const Table& table, const Scan& scan);
+  bool checkRelations(PageNumber page);
   bool checkFreePages();
 
   Pager& pager_;
+  RelatedTables related_;
   std::vector<std::string> owners_;
   std::set<RowPointer> maps_;
   std::set<RowPointer> pieces_;  // of long values that rows point to
@@ -310,6 +313,27 @@ bool Checker::checkTable(const TableDefinition& definition, CheckCounters counte
   return checkHidden(table, scan) && checkIndexes(table, scan);
 }
 
+// C8. Relations that this engine does not enforce are not checked.
+bool Checker::checkRelations(PageNumber page) {
+  const auto found = related_.find(page);
+  if (!found) {
+    return true;
+  }
+  const Table& table = (*found)->table;
+  for (const Relation& relation : (*found)->asChild) {
+    for (auto place = table.from({}); place; place = table.next(*place)) {
+      const auto row = table.fetch(*place);
+      const auto key = row ? relation.keyOf(Relation::Role::child, table.view(*row)) : std::nullopt;
+      const auto parent = key ? relation.hasParent(*key) : Result<bool>(false);
+      if (!key || !parent || (!key->allNull && !*parent)) {
+        return wrong(table.definition().name + ": row " + text(*place) + " has no parent by the relation " +
+                     relation.name());
+      }
+    }
+  }
+  return true;
+}
+
 bool Checker::checkFreePages() {
   const UsageMap free(pager_, RowPointer{1, 0});
   for (auto page = free.next(0); page && *page < owners_.size(); page = free.next(*page + 1)) {
@@ -336,11 +360,16 @@ std::string Checker::run(CheckCounters counters) {
       continue;
     }
     name_ = entry.name;
-    const auto definition = readTableDefinition(pager_, entry.id & 0x00FFFFFF);
+    const auto definition = readTableDefinition(pager_, entry.definitionPage());
     if (!definition) {
       return name_ + ": damaged definition";
     }
     checkTable(*definition, counters);
+  }
+  for (const CatalogEntry& entry : *catalog) {
+    if (entry.kind == ObjectKind::table && wrong_.empty()) {
+      checkRelations(entry.definitionPage());
+    }
   }
   if (wrong_.empty()) {
     checkFreePages();

@@ -24,6 +24,7 @@ enum class CheckCounters : std::uint8_t {
 ///  C5  Every index is a sound tree and has one entry, with the right key, for each row that belongs in it.
 ///  C6  Each piece of a long value belongs to one row.
 ///  C7  The definition's number of rows is right, and its last autonumber is not below any row's.
+///  C8  Every record that depends on another one by an enforced relation has it.
 std::string checkDatabase(Pager& pager, CheckCounters counters);
 
 }  // namespace veltrano::access

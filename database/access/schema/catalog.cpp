@@ -107,6 +107,27 @@ const char* refusalOf(ObjectKind kind) {
   }
 }
 
+Status damagedCatalog() {
+  return {Failure::damaged, "the catalog is damaged"};
+}
+
+Result<TableDefinition> readTable(const Catalog& catalog, const CatalogEntry& entry) {
+  Pager& pager = catalog.table.pager();
+  auto definition = readTableDefinition(pager, entry.definitionPage());
+  if (!definition) {
+    return {Failure::damaged, "the table's definition is damaged"};
+  }
+  const auto unreadable = [&pager](const Column& column) {
+    return isJet3(pager.version()) && column.isText() && !isKnownCodePage(column.codePage);
+  };
+  if (std::any_of(definition->columns.begin(), definition->columns.end(), unreadable)) {
+    return {Failure::other, "the table has text in a code page that the system cannot convert"};
+  }
+  definition->name = entry.name;
+  readProperties(catalog, entry, *definition);
+  return *std::move(definition);
+}
+
 }  // namespace
 
 std::optional<std::vector<CatalogEntry>> readCatalog(Pager& pager) {
@@ -125,7 +146,7 @@ std::optional<std::vector<CatalogEntry>> readCatalog(Pager& pager) {
 Result<TableDefinition> findTable(Pager& pager, std::string_view name) {
   const auto catalog = openCatalog(pager);
   if (!catalog) {
-    return {Failure::damaged, "the catalog is damaged"};
+    return damagedCatalog();
   }
   const char* refusal = "no such table";
   std::optional<CatalogEntry> found;
@@ -141,22 +162,22 @@ Result<TableDefinition> findTable(Pager& pager, std::string_view name) {
     found = entry;
     return false;
   });
-  if (!found) {
-    return {Failure::missing, refusal};
+  return found ? readTable(*catalog, *found) : Status(Failure::missing, refusal);
+}
+
+Result<TableDefinition> findTable(Pager& pager, PageNumber page) {
+  const auto catalog = openCatalog(pager);
+  if (!catalog) {
+    return damagedCatalog();
   }
-  auto definition = readTableDefinition(pager, found->id & 0x00FFFFFF);
-  if (!definition) {
-    return {Failure::damaged, "the table's definition is damaged"};
-  }
-  const auto unreadable = [&pager](const Column& column) {
-    return isJet3(pager.version()) && column.isText() && !isKnownCodePage(column.codePage);
-  };
-  if (std::any_of(definition->columns.begin(), definition->columns.end(), unreadable)) {
-    return {Failure::other, "the table has text in a code page that the system cannot convert"};
-  }
-  definition->name = found->name;
-  readProperties(*catalog, *found, *definition);
-  return *std::move(definition);
+  std::optional<CatalogEntry> found;
+  forEachEntry(*catalog, [&](const CatalogEntry& entry) {
+    if (entry.kind == ObjectKind::table && entry.definitionPage() == page) {
+      found = entry;
+    }
+    return !found;
+  });
+  return found ? readTable(*catalog, *found) : Status(Failure::missing, "no such table");
 }
 
 }  // namespace veltrano::access

@@ -21,6 +21,7 @@ enum class ObjectKind : std::int16_t {
   linkedOdbc = 4,
   query = 5,
   linkedTable = 6,
+  relation = 8,
 };
 
 struct CatalogEntry {
@@ -30,6 +31,8 @@ struct CatalogEntry {
   std::uint32_t flags = 0;  ///< 0x80000000 and 2: a table of the system
   RowPointer row;           ///< in MSysObjects
 
+  /// Of a table.
+  [[nodiscard]] PageNumber definitionPage() const { return id & 0x00FFFFFF; }
   [[nodiscard]] bool isSystem() const { return (flags & 0x80000002) != 0; }
 };
 
@@ -39,6 +42,9 @@ std::optional<std::vector<CatalogEntry>> readCatalog(Pager& pager);
 /// The definition of the table of that name (in any case), with the properties of its columns from the catalog. Fails
 /// if there is no such table, or it is a query, lies in another file or cannot be read.
 Result<TableDefinition> findTable(Pager& pager, std::string_view name);
+
+/// The same of the table whose definition starts at that page.
+Result<TableDefinition> findTable(Pager& pager, PageNumber page);
 
 }  // namespace veltrano::access
 

@@ -49,7 +49,7 @@ struct Layout {
     std::size_t size, columns, ownedPages, root, flags;
   } realIndex;
   struct LogicalIndexRecord {
-    std::size_t size, realIndex, otherIndex, type;
+    std::size_t size, number, realIndex, role, otherNumber, otherTable, cascadesUpdates, onDelete, type;
   } logicalIndex;
   std::size_t counterSize;
   std::size_t nameLengthSize;
@@ -73,7 +73,15 @@ constexpr Layout jet3 = {.head = {.maxColumns = 21,
                                     .fixedOffset = 14,
                                     .length = 16},
                          .realIndex = {.size = 39, .columns = 0, .ownedPages = 30, .root = 34, .flags = 38},
-                         .logicalIndex = {.size = 20, .realIndex = 4, .otherIndex = 9, .type = 19},
+                         .logicalIndex = {.size = 20,
+                                          .number = 0,
+                                          .realIndex = 4,
+                                          .role = 8,
+                                          .otherNumber = 9,
+                                          .otherTable = 13,
+                                          .cascadesUpdates = 17,
+                                          .onDelete = 18,
+                                          .type = 19},
                          .counterSize = 8,
                          .nameLengthSize = 1};
 
@@ -95,7 +103,15 @@ constexpr Layout jet4 = {.head = {.maxColumns = 41,
                                     .fixedOffset = 21,
                                     .length = 23},
                          .realIndex = {.size = 52, .columns = 4, .ownedPages = 34, .root = 38, .flags = 46},
-                         .logicalIndex = {.size = 28, .realIndex = 8, .otherIndex = 13, .type = 23},
+                         .logicalIndex = {.size = 28,
+                                          .number = 4,
+                                          .realIndex = 8,
+                                          .role = 12,
+                                          .otherNumber = 13,
+                                          .otherTable = 17,
+                                          .cascadesUpdates = 21,
+                                          .onDelete = 22,
+                                          .type = 23},
                          .counterSize = 12,
                          .nameLengthSize = 2};
 
@@ -234,18 +250,44 @@ Index readIndex(Bytes record, const Layout::RealIndexRecord& at) {
 struct LogicalIndex {
   std::uint32_t real = 0;
   bool primary = false;
+  std::optional<RelationSide> relation;
 };
 
-// Logical index record: number of the index; number of the real one; the other side of a relation; type.
-LogicalIndex readLogicalIndex(Bytes record, const Layout::LogicalIndexRecord& at, TableDefinition& table) {
+// Jet 3  Jet 4  Size  Of a relation:
+//   8     12     1    role of this table: 1 parent, 2 child
+//   9     13     4    number of the other table's logical index, FFFFFFFF for none
+//  13     17     4    definition page of the other table
+//  17     21     1    01 updates cascade; 04 is seen in tables of the system
+//  18     22     1    01 deletes cascade, 02 they set null
+RelationSide readRelationSide(const std::uint8_t* p, const Layout::LogicalIndexRecord& at) {
+  constexpr std::uint8_t cascadeFlag = 0x01;
+  constexpr std::uint8_t systemFlag = 0x04;
+  const std::uint8_t role = p[at.role];
+  const std::uint8_t updates = p[at.cascadesUpdates];
+  const std::uint8_t deletes = p[at.onDelete];
+  RelationSide side;
+  side.role = static_cast<RelationSide::Role>(role);
+  side.number = load32(p + at.number);
+  side.index = load32(p + at.realIndex);
+  side.otherTable = load32(p + at.otherTable);
+  side.otherNumber = load32(p + at.otherNumber);
+  side.cascadesUpdates = (updates & cascadeFlag) != 0;
+  side.onDelete = static_cast<OnDelete>(deletes);
+  side.known = (role == 1 || role == 2) && (updates & ~(cascadeFlag | systemFlag)) == 0 && deletes <= 2;
+  return side;
+}
+
+// Logical index record: its number; number of the real one; the relation; type 0 ordinary, 1 primary key, 2 relation.
+LogicalIndex readLogicalIndex(Bytes record, const Layout::LogicalIndexRecord& at) {
   constexpr std::uint8_t primaryKey = 1;
   constexpr std::uint8_t relation = 2;
   constexpr std::uint32_t noOtherSide = 0xFFFFFFFF;
-  const std::uint8_t type = record[at.type];
-  if (type == relation && load32(record.data() + at.otherIndex) != noOtherSide) {
-    table.enforcedRelations = true;
+  const std::uint8_t* p = record.data();
+  LogicalIndex index{load32(p + at.realIndex), p[at.type] == primaryKey, std::nullopt};
+  if (p[at.type] == relation && load32(p + at.otherNumber) != noOtherSide) {
+    index.relation = readRelationSide(p, at);
   }
-  return {load32(record.data() + at.realIndex), type == primaryKey};
+  return index;
 }
 
 void readColumns(Cursor& cursor, const Pager& pager, const Layout& layout, std::size_t count,
@@ -277,11 +319,15 @@ void readIndexes(Cursor& cursor, const Pager& pager, const Layout& layout, std::
   for (std::size_t i = 0; i < logicalCount; ++i) {
     const Bytes record = cursor.take(layout.logicalIndex.size);
     if (!record.empty()) {
-      logical.push_back(readLogicalIndex(record, layout.logicalIndex, table));
+      logical.push_back(readLogicalIndex(record, layout.logicalIndex));
     }
   }
-  for (const LogicalIndex& one : logical) {
+  for (LogicalIndex& one : logical) {
     const std::string name = readName(cursor, pager, layout);
+    if (one.relation) {
+      one.relation->name = name;
+      table.relations.push_back(*std::move(one.relation));
+    }
     if (one.real >= table.indexes.size()) {
       continue;
     }

@@ -97,6 +97,23 @@ struct Index {
   std::uint32_t uniqueCountOffset = 0;
 };
 
+/// What an enforced relation does with the records that depend on a deleted one.
+enum class OnDelete : std::uint8_t { refuse = 0, cascade = 1, setNull = 2 };
+
+/// A table's side of an enforced relation: one of its logical indexes.
+struct RelationSide {
+  enum class Role : std::uint8_t { parent = 1, child = 2 };
+  std::string name;               ///< of the logical index; the child's is the relation's
+  Role role{};                    ///< of this table
+  std::uint32_t number = 0;       ///< of the logical index
+  std::size_t index = 0;          ///< the real one, in TableDefinition::indexes
+  PageNumber otherTable = 0;      ///< page of its definition
+  std::uint32_t otherNumber = 0;  ///< the other table's logical index
+  bool cascadesUpdates = false;   ///< the parent's record counts
+  OnDelete onDelete{};            ///< the parent's record counts
+  bool known = true;              ///< false if the record has values of unknown meaning
+};
+
 struct TableDefinition {
   PageNumber page = 0;
   std::string name;              ///< as the catalog has it
@@ -105,8 +122,8 @@ struct TableDefinition {
   std::uint16_t maxColumns = 0;  ///< column numbers ever given
   std::uint16_t variableColumns = 0;
   RowPointer ownedPages{};
-  RowPointer freePages{};          ///< page 0 for none
-  bool enforcedRelations = false;  ///< rows depend on rows of another table
+  RowPointer freePages{};               ///< page 0 for none
+  std::vector<RelationSide> relations;  ///< those to be enforced
 
   /// By name, in any case; null if there is no such column.
   [[nodiscard]] const Column* find(std::string_view name) const;

@@ -85,7 +85,7 @@ TEST(Creation, RefusesWhatIsNotValid) {
   };
   const std::string before = readWholeFile(folder / "a.mdb").value();
   for (std::size_t i = 0; i < bad.size(); ++i) {
-    EXPECT_FALSE(createTable(OpenedFile(folder / "a.mdb").pager(), bad[i])) << "table " << i;
+    EXPECT_FALSE(createTables(OpenedFile(folder / "a.mdb").pager(), {bad[i]})) << "table " << i;
   }
   EXPECT_EQ(readWholeFile(folder / "a.mdb"), before);
   EXPECT_FALSE(createDatabase(folder / "c.mdb", {smallTable(), smallTable()}));
@@ -124,7 +124,7 @@ TEST(Creation, LeavesNothingOnAFullDisk) {
     OpenedFile file(folder / "b.mdb", &files);
     NewTable table = peopleTable();
     table.name = name;
-    const bool made(createTable(file.pager(), table));
+    const bool made(createTables(file.pager(), {table}));
     full = files.failed();
     ASSERT_EQ(file.check(), "") << writes;
     ASSERT_EQ(file.table(name) != nullptr, made) << writes;

@@ -10,8 +10,20 @@ namespace veltrano::access {
 namespace {
 
 std::string goodFile(const std::filesystem::path& file) {
-  makeDatabase(file, {peopleTable(), plainTable()});
+  const NewTable nodes = {.name = "Nodes",
+                          .columns = {{.name = "ID", .type = ColumnType::longInteger},
+                                      {.name = "Up", .type = ColumnType::longInteger}},
+                          .indexes = {{.name = "P", .columns = {{"ID"}}, .primary = true}}};
+  makeDatabase(file, {peopleTable(), plainTable(), nodes},
+               {.relations = {{"R", "Nodes", {"ID"}, "Nodes", {"Up"}, true, OnDelete::cascade}}});
   OpenedFile opened(file);
+  const auto tree = opened.table("Nodes");
+  for (int id = 1; id <= 20; ++id) {
+    tree->addNew();
+    tree->write("ID", id);
+    tree->write("Up", (id + 1) / 2);
+    tree->update();
+  }
   for (const char* name : {"People", "Plain"}) {
     const auto recordset = opened.table(name);
     RandomWork work(7);

@@ -107,21 +107,6 @@ TEST_F(PatchedFile, OfJet3IsReadInItsCodePages) {
   EXPECT_FALSE(OpenedFile(file_).opened());
 }
 
-TEST_F(PatchedFile, WithEnforcedRelationsIsReadOnly) {
-  fill(1);
-  const std::string content = readWholeFile(file_).value();
-  // A logical index without a relation: its number, its index, no kind, no other side.
-  const std::string record("\x59\x06\0\0\0\0\0\0\0\0\0\0\0\xFF\xFF\xFF\xFF", 17);
-  const std::size_t at = content.find(record, definition_ * 4096);
-  ASSERT_LT(at, (definition_ + 1) * 4096);
-  patch(at + 13, std::string(4, '\0'));
-  patch(at + 23, std::string(1, '\x02'));
-  OpenedFile opened(file_);
-  const auto people = opened.table("People");
-  EXPECT_FALSE(people->edit() || people->addNew() || people->remove());
-  EXPECT_EQ(difference(readAll(*people), model_, false), "");
-}
-
 TEST_F(PatchedFile, WithADamagedPrimaryKeyIsRead) {
   fill(1);
   patch(root_ * 4096, std::string(2, '\0'));

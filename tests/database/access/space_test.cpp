@@ -227,7 +227,7 @@ TEST_F(Space, AFullFileLetsRecordsBeDeleted) {
   Rows rows(file);
   ASSERT_FALSE(rows.add(1600, 0)) << "it is full";
   for (std::size_t i = 0; i < places.size(); i += 5) {
-    const Status removed = rows.writer().remove(places[i]);
+    const Status removed = rows.writer().remove(places[i]).status();
     ASSERT_TRUE(removed) << i << ": " << removed.reason();
   }
   EXPECT_TRUE(rows.add(1600, 300)) << "where a deleted one was";
@@ -257,7 +257,7 @@ TEST_F(Space, DamagedLongValuesLetTheirRecordBeDeleted) {
   disk_.put("a.mdb", content);
   OpenedFile file("a.mdb", &disk_);
   Rows rows(file);
-  const Status removed = rows.writer().remove(place);
+  const Status removed = rows.writer().remove(place).status();
   EXPECT_TRUE(removed) << removed.reason();
 }
 
