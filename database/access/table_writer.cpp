@@ -45,10 +45,19 @@ Status TableWriter::raiseAutoNumber(std::int32_t number) {
 Result<RowPointer> TableWriter::insert(std::vector<Draft>& drafts) {
   Result<RowPointer> place = RowPointer();
   Status done = inTransaction([&] {
-    place = rows_.insert(drafts);
-    return place ? followRelations() : place.status();
+    place = insertInTransaction(drafts);
+    return place.status();
   });
   return done ? place : done;
+}
+
+Result<RowPointer> TableWriter::insertInTransaction(std::vector<Draft>& drafts) {
+  Result<RowPointer> place = rows_.insert(drafts);
+  if (!place) {
+    return place;
+  }
+  Status followed = followRelations();
+  return followed ? place : followed;
 }
 
 Status TableWriter::update(RowPointer row, const std::vector<Draft>& drafts) {

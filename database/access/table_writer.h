@@ -26,6 +26,8 @@ class TableWriter {
   /// Returns where the row went. `drafts` are in the order of the definition's columns; an autonumber that is not
   /// assigned becomes the one after the last.
   Result<RowPointer> insert(std::vector<Draft>& drafts);
+  /// The same in a transaction that the caller has begun, and rolls back if this fails.
+  Result<RowPointer> insertInTransaction(std::vector<Draft>& drafts);
   /// Changes the assigned fields of a row, and leaves its others as they are now.
   Status update(RowPointer row, const std::vector<Draft>& drafts);
   /// Returns the rows that are gone: this one, and those of all tables that were deleted with it.

@@ -129,8 +129,7 @@ TEST(TraceLines, OfPicturesAndDatabases) {
        [&] { mdb.OpenTable("Orders"); }},
       {"VeltranoMDB.AddNew: Refused: no table is open.", [&] { mdb.AddNew(); }},
       {"VeltranoMDB.EOF: Refused: no table is open.", [&] { mdb.Eof(); }},
-      {"VeltranoMDB.FindRecord: Refused: no table is open.",
-       [&] { mdb.FindRecord("Name", "x", 0); }},
+      {"VeltranoMDB.FindRecord: Refused: no table is open.", [&] { mdb.FindRecord("Name", "x", 0); }},
       {"VeltranoMDB.CloseDatabase: Refused: no database is open.", [&] { mdb.CloseDatabase(); }},
   });
 }
