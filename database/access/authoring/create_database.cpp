@@ -161,7 +161,7 @@ Status checkNames(Pager& pager, const std::vector<NewTable>& tables) {
 
 // In a transaction.
 Status writeTables(Pager& pager, std::vector<TablePlan>& plans, const std::vector<NewRelation>& relations) {
-  const Status full(Failure::full, "the file is full or damaged");
+  Status full(Failure::full, "the file is full or damaged");
   for (TablePlan& plan : plans) {
     const auto page = allocatePage(pager);
     if (!page) {
@@ -201,6 +201,7 @@ Status createTables(Pager& pager, const std::vector<NewTable>& tables,
     return transaction.begun();
   }
   std::vector<TablePlan> plans;
+  plans.reserve(tables.size());
   for (const NewTable& table : tables) {
     plans.push_back({table, 0, {}});
   }

@@ -39,6 +39,7 @@ std::vector<NewTable> tables() {
 
 std::vector<std::optional<int>> values(const Fields& fields, const std::vector<std::string>& names) {
   std::vector<std::optional<int>> all;
+  all.reserve(names.size());
   for (const std::string& name : names) {
     all.push_back(fields.at(name));
   }

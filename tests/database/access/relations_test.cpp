@@ -282,11 +282,11 @@ TEST_F(Relations, CascadeAsAWholeOrNotAtAll) {
          .columns = {number("ID"), number("Up"), {.name = "Note", .type = ColumnType::memo}},
          .indexes = {{.name = "P", .columns = {{"ID"}}, .primary = true}}}},
        {{"R", "Parent", {"ID"}, "Child", {"Up"}, true, OnDelete::cascade}});
-  constexpr int children = 20;
+  constexpr std::size_t children = 20;
   for (const int parent : {1, 2}) {
     ASSERT_TRUE(add(table("Parent"), {{"ID", parent}}));
   }
-  for (int id = 0; id < children; ++id) {
+  for (int id = 0; id < static_cast<int>(children); ++id) {
     ASSERT_TRUE(add(table("Child"), {{"ID", id}, {"Up", 1}, {"Note", std::string(2500, 'x')}}));
   }
   tables_.clear();
@@ -321,12 +321,12 @@ TEST_F(Relations, CascadeAsAWholeOrNotAtAll) {
         const std::string one = deleting ? "" : "9 ";
         const bool changed = ups == [&] {
           std::string all;
-          for (int i = 0; i < children; ++i) {
+          for (std::size_t i = 0; i < children; ++i) {
             all += one;
           }
           return all;
         }();
-        ASSERT_TRUE(changed || (ups.size() == 2U * children && ups.find('9') == std::string::npos)) << ups;
+        ASSERT_TRUE(changed || (ups.size() == 2 * children && ups.find('9') == std::string::npos)) << ups;
         ASSERT_EQ(column(*again.table("Parent"), "ID"), !changed ? "1 2 " : deleting ? "2 " : "2 9 ");
         ASSERT_TRUE(!done || changed) << "it was promised";
         whole += dying && !dead ? 1 : 0;
