@@ -19,9 +19,9 @@ if ! scripts/install-packages.sh native windows packages; then
 fi
 scripts/build-windows-libraries.sh
 
-scripts/build.sh native VeltranoFrameWork make_contacts
-scripts/build.sh win32 VeltranoFrameWorkDLL veltrano_metrics
-scripts/build.sh win64 VeltranoFrameWorkDLL veltrano_metrics
+scripts/build.sh native VeltranoFrameWork make_contacts veltrano_program
+scripts/build.sh win32 VeltranoFrameWorkDLL veltrano_metrics veltrano_program
+scripts/build.sh win64 VeltranoFrameWorkDLL veltrano_metrics veltrano_program
 
 version=$(sed -nE 's/^project\(VeltranoFrameWorkDLL VERSION ([0-9.]+) .*/\1/p' CMakeLists.txt)
 machine=$(uname -m)
@@ -117,6 +117,9 @@ done
 echo "Packing $linux.tar.gz"
 top="$stage/$linux"
 cmake --install build/native --prefix "$top" --component linux >"$stage/install.log"
+mkdir -p "$top/share/man/man1"
+help2man -N -n "checks an installation, moves tables in and out of databases, makes pages" "$top/bin/veltrano" |
+  gzip -n9 >"$top/share/man/man1/veltrano.1.gz"
 fill packaging/linux/README.in >"$top/README"
 own="$top/share/doc/veltranoframework"
 mkdir -p "$own"
