@@ -1,4 +1,4 @@
-// The public class: checks arguments, raises the event and forwards to the parts.
+#include "pdf/veltrano_pdf.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,45 +6,12 @@
 #include <optional>
 
 #include "base/numbers/numbers.h"
-#include "base/trace.h"
-#include "pdf/document_parts.h"
 #include "pdf/graphics/color.h"
 #include "pdf/graphics/line_style.h"
-#include "pdf/graphics/shapes.h"
-#include "veltrano/pdf.h"
 
 namespace veltrano {
 
-struct VeltranoPDF::Impl : DocumentParts {};
-
 namespace {
-
-/// Names the member in the trace.
-struct Member : TracedMember {
-  explicit Member(const char* name) : TracedMember("VeltranoPDF", name) {}
-};
-
-/// Reports a rejected argument; the trace gets to know what is done instead. The handler may change the whole
-/// object: hold nothing across this call.
-void raise(const VeltranoPDF& pdf, std::string_view message, std::string_view instead) {
-  trace("An argument is rejected (\"", message, "\"): ", instead, ".");
-  // A copy, since the handler may put another one in its place while it runs.
-  const auto handler = pdf.onError;
-  if (handler) {
-    handler(message);
-  }
-}
-
-/// The target of a link, empty for none. One that is not text is reported.
-std::string_view linkTarget(const VeltranoPDF& pdf, const Value& link) {
-  if (const auto* target = link.as<std::string>()) {
-    return *target;
-  }
-  if (!link.isEmpty()) {
-    raise(pdf, "Unable to include this link", "the link is not text and is left out");
-  }
-  return {};
-}
 
 bool isOpen(const DocumentParts& parts) {
   if (!parts.composition.isOpen()) {
@@ -70,6 +37,15 @@ void setRounded(std::int16_t& margin, double value) {
 
 }  // namespace
 
+void raise(const VeltranoPDF& pdf, std::string_view message, std::string_view instead) {
+  trace("An argument is rejected (\"", message, "\"): ", instead, ".");
+  // A copy, since the handler may put another one in its place while it runs.
+  const auto handler = pdf.onError;
+  if (handler) {
+    handler(message);
+  }
+}
+
 VeltranoPDF::VeltranoPDF() : impl_(std::make_unique<Impl>()) {
   PDFInit();
 }
@@ -78,7 +54,7 @@ VeltranoPDF::~VeltranoPDF() = default;
 
 // Document settings
 void VeltranoPDF::PDFInit() {
-  const Member member("PDFInit");
+  const PdfMember member("PDFInit");
   impl_->reset();
 }
 void VeltranoPDF::PDFPathConfiguration(const std::filesystem::path& folder) {
@@ -116,7 +92,7 @@ void VeltranoPDF::PDFFiligran(std::string_view text) {
   impl_->watermarkText = std::string(text);
 }
 void VeltranoPDF::PDFSetZoomMode(const Value& zoom) {
-  const Member member("PDFSetZoomMode");
+  const PdfMember member("PDFSetZoomMode");
   Value accepted = zoom;
   if (!zoom.isNumeric() && !zoom.isEmpty()) {
     raise(*this, "Zoom mode incorrect.", "the whole page is shown");
@@ -128,7 +104,7 @@ Value VeltranoPDF::PDFGetZoomMode() const {
   return impl_->viewer.zoomMode;
 }
 void VeltranoPDF::PDFSetLayoutMode(std::int32_t layout) {
-  const Member member("PDFSetLayoutMode");
+  const PdfMember member("PDFSetLayoutMode");
   if (layout < LAYOUT_SINGLE || layout > LAYOUT_DEFAULT) {
     raise(*this, "Incorrect Layout", "single pages are shown");
     layout = LAYOUT_SINGLE;
@@ -150,7 +126,7 @@ void VeltranoPDF::PDFSetViewerPreferences(std::int32_t preference) {
 
 // Page geometry
 void VeltranoPDF::PDFSetUnit(std::int32_t unit) {
-  const Member member("PDFSetUnit");
+  const PdfMember member("PDFSetUnit");
   const auto points = pointsPerUnit(unit);
   if (!points) {
     raise(*this, "Incorrect Unit", "centimetres are used");
@@ -161,14 +137,14 @@ std::string VeltranoPDF::PDFGetUnit() const {
   return unitName(impl_->geometry.scaleFactor);
 }
 void VeltranoPDF::PDFOrientation(std::int32_t orientation) {
-  const Member member("PDFOrientation");
+  const PdfMember member("PDFOrientation");
   if (orientation != ORIENT_PAYSAGE && orientation != ORIENT_PORTRAIT) {
     raise(*this, "Incorrect Page Orientation", "the page is upright");
   }
   impl_->geometry.current().orient(orientation == ORIENT_PAYSAGE);
 }
 void VeltranoPDF::PDFFormatPage(const Value& format) {
-  const Member member("PDFFormatPage");
+  const PdfMember member("PDFFormatPage");
   PageFormat& page = impl_->geometry.current();
   if (format.isInteger() ? page.setNamed(format) : page.setFromArray(format)) {
     return;
@@ -189,35 +165,35 @@ double VeltranoPDF::PDFGetPageWidth() const {
   return impl_->geometry.current().width;
 }
 void VeltranoPDF::PDFSetLeftMargin(double margin) {
-  const Member member("PDFSetLeftMargin");
+  const PdfMember member("PDFSetLeftMargin");
   setRounded(impl_->geometry.leftMargin, margin);
 }
 double VeltranoPDF::PDFGetLeftMargin() const {
   return impl_->geometry.leftMargin;
 }
 void VeltranoPDF::PDFSetRightMargin(double margin) {
-  const Member member("PDFSetRightMargin");
+  const PdfMember member("PDFSetRightMargin");
   setRounded(impl_->geometry.rightMargin, margin);
 }
 double VeltranoPDF::PDFGetRightMargin() const {
   return impl_->geometry.rightMargin;
 }
 void VeltranoPDF::PDFSetTopMargin(double margin) {
-  const Member member("PDFSetTopMargin");
+  const PdfMember member("PDFSetTopMargin");
   setRounded(impl_->geometry.topMargin, margin);
 }
 double VeltranoPDF::PDFGetTopMargin() const {
   return impl_->geometry.topMargin;
 }
 void VeltranoPDF::PDFSetBottomMargin(double margin) {
-  const Member member("PDFSetBottomMargin");
+  const PdfMember member("PDFSetBottomMargin");
   setRounded(impl_->geometry.bottomMargin, margin);
 }
 double VeltranoPDF::PDFGetBottomMargin() const {
   return impl_->geometry.bottomMargin;
 }
 void VeltranoPDF::PDFSetCellMargin(double margin) {
-  const Member member("PDFSetCellMargin");
+  const PdfMember member("PDFSetCellMargin");
   setRounded(impl_->geometry.cellMargin, margin);
 }
 double VeltranoPDF::PDFGetCellMargin() const {
@@ -240,11 +216,11 @@ std::int16_t VeltranoPDF::PDFGetY() const {
 
 // Assembly
 void VeltranoPDF::PDFBeginDoc() {
-  const Member member("PDFBeginDoc");
+  const PdfMember member("PDFBeginDoc");
   impl_->beginDocument();
 }
 void VeltranoPDF::PDFNewPage() {
-  const Member member("PDFNewPage");
+  const PdfMember member("PDFNewPage");
   if (isOpen(*impl_)) {
     impl_->closePage();
     impl_->beginPage();
@@ -256,7 +232,7 @@ void VeltranoPDF::PDFEndPage() {
   impl_->drawWatermark();
 }
 void VeltranoPDF::PDFEndDoc() {
-  const Member member("PDFEndDoc");
+  const PdfMember member("PDFEndDoc");
   if (isOpen(*impl_)) {
     impl_->endDocument();
   }
@@ -268,7 +244,7 @@ std::int16_t VeltranoPDF::PDFNbPage() const {
   return hostCount(impl_->composition.pages().size());
 }
 Value VeltranoPDF::PDFSetBookmark(std::string_view text, std::int32_t level, double y) {
-  const Member member("PDFSetBookmark");
+  const PdfMember member("PDFSetBookmark");
   constexpr double omitted = -1;
   impl_->bookmarks.add({std::string(text), roundToInt16(level).value_or(0),
                         y == omitted ? impl_->geometry.currentY : y, impl_->composition.pageNumber()});
@@ -277,11 +253,11 @@ Value VeltranoPDF::PDFSetBookmark(std::string_view text, std::int32_t level, dou
 
 // Fonts
 void VeltranoPDF::PDFLoadAfm(const std::filesystem::path& folder) {
-  const Member member("PDFLoadAfm");
+  const PdfMember member("PDFLoadAfm");
   impl_->loadFonts(folder);
 }
 void VeltranoPDF::PDFSetFont(std::int32_t font, std::int16_t size, std::int32_t style) {
-  const Member member("PDFSetFont");
+  const PdfMember member("PDFSetFont");
   const auto name = baseFontName(font, style);
   if (!name) {
     raise(*this, "Invalid Fort ", "the font is TimesRoman");
@@ -290,27 +266,27 @@ void VeltranoPDF::PDFSetFont(std::int32_t font, std::int16_t size, std::int32_t 
   impl_->setFont(name.value_or("TimesRoman"), size);
 }
 double VeltranoPDF::PDFGetStringWidth(std::string_view text, std::string_view fontName, std::int16_t size) {
-  const Member member("PDFGetStringWidth");
+  const PdfMember member("PDFGetStringWidth");
   return impl_->stringWidth(text, fontName, size);
 }
 
 // Graphics state
 void VeltranoPDF::PDFSetTextColor(const Value& color) {
-  const Member member("PDFSetTextColor");
+  const PdfMember member("PDFSetTextColor");
   if (isMisspelledColor(color)) {
     raise(*this, "Invalid Text Color", "the colour is black");
   }
   setColorOperator(impl_->graphics.textColorOp, color, "rg");
 }
 void VeltranoPDF::PDFSetLineColor(const Value& color) {
-  const Member member("PDFSetLineColor");
+  const PdfMember member("PDFSetLineColor");
   if (isMisspelledColor(color)) {
     raise(*this, "Invalid Line Color", "the colour is black");
   }
   setColorOperator(impl_->graphics.lineColorOp, color, "RG");
 }
 void VeltranoPDF::PDFSetDrawColor(const Value& color) {
-  const Member member("PDFSetDrawColor");
+  const PdfMember member("PDFSetDrawColor");
   // Hosts compare the message as it is spelled.
   if (isMisspelledColor(color)) {
     raise(*this, "Invalide Draw Color", "the colour is black");
@@ -330,7 +306,7 @@ void VeltranoPDF::PDFSetLineWidth(double width) {
   impl_->graphics.lineWidth = width;
 }
 void VeltranoPDF::PDFSetLineStyle(std::int32_t style) {
-  const Member member("PDFSetLineStyle");
+  const PdfMember member("PDFSetLineStyle");
   const auto dash = dashOperator(style, impl_->geometry.scaleFactor);
   if (!dash) {
     raise(*this, "Incorrect Line Style", "lines are solid");
@@ -338,7 +314,7 @@ void VeltranoPDF::PDFSetLineStyle(std::int32_t style) {
   impl_->graphics.lineDashOp = dash.value_or("");
 }
 void VeltranoPDF::PDFSetDrawMode(std::int32_t mode) {
-  const Member member("PDFSetDrawMode");
+  const PdfMember member("PDFSetDrawMode");
   const bool known = mode >= DRAW_NORMAL && mode <= DRAW_DRAWBORDER;
   if (!known) {
     raise(*this, "Incorrect Draw line", "only outlines are drawn");
@@ -346,7 +322,7 @@ void VeltranoPDF::PDFSetDrawMode(std::int32_t mode) {
   impl_->graphics.drawMode = known ? static_cast<DrawMode>(mode) : DrawMode::outline;
 }
 void VeltranoPDF::PDFSetAlignement(std::int32_t alignment) {
-  const Member member("PDFSetAlignement");
+  const PdfMember member("PDFSetAlignement");
   const bool known = alignment >= ALIGN_CENTER && alignment <= ALIGN_FJUSTIFY;
   if (!known) {
     raise(*this, "Invalid Alignment Code", "text is aligned at the left");
@@ -362,128 +338,6 @@ void VeltranoPDF::PDFSetBorder(std::int32_t border) {
 }
 void VeltranoPDF::PDFSetFill(bool fill) {
   impl_->graphics.fillCells = fill;
-}
-
-// Drawing
-void VeltranoPDF::PDFDrawLineHor(double x, double y, double width) {
-  const Member member("PDFDrawLineHor");
-  impl_->graphics.fillColorOp = fillOperatorOf(impl_->graphics.lineColorOp);
-  drawLine(impl_->content, impl_->geometry, impl_->graphics, "LNH", true, {x, y}, {x + width, y});
-  impl_->geometry.moveTo(x + width, y);
-}
-void VeltranoPDF::PDFDrawLineVer(double x, double y, double height) {
-  const Member member("PDFDrawLineVer");
-  impl_->graphics.fillColorOp = fillOperatorOf(impl_->graphics.lineColorOp);
-  drawLine(impl_->content, impl_->geometry, impl_->graphics, "LNV", true, {x, y}, {x, y + height});
-  impl_->geometry.moveTo(x, y + height);
-}
-// Unlike the two above, a free line has no dash and leaves the fill colour alone; hosts rely on the
-// difference.
-void VeltranoPDF::PDFDrawLine(double x1, double y1, double x2, double y2) {
-  const Member member("PDFDrawLine");
-  drawLine(impl_->content, impl_->geometry, impl_->graphics, "LN", false, {x1, y1}, {x2, y2});
-  impl_->geometry.moveTo(std::fmax(x1, x2), std::fmax(y1, y2));
-}
-void VeltranoPDF::PDFDrawRectangle(double x, double y, double width, double height, const Value& link) {
-  const Member member("PDFDrawRectangle");
-  const Box box{x, y, width, height};
-  drawRectangle(impl_->content, impl_->geometry, impl_->graphics, box);
-  PDFSetTextColor(COLOR_BLANC);
-  impl_->linkShape(box, linkTarget(*this, link), std::floor(x + 5), std::floor(y + height / 2));
-  ContentWriter(impl_->content).line("%FIN_RECT/%");
-  impl_->geometry.moveTo(x, y + height);
-}
-void VeltranoPDF::PDFDrawEllipse(double x, double y, double width, double height, const Value& link) {
-  const Member member("PDFDrawEllipse");
-  const Box box{x, y, width, height == 0 ? width : height};
-  drawEllipse(impl_->content, impl_->geometry, impl_->graphics, box);
-  if (!link.isEmpty() && link != Value(std::string())) {
-    PDFSetTextColor(COLOR_BLANC);
-    impl_->linkShape(box, linkTarget(*this, link), std::floor(x + 5), std::floor(y + box.height / 2));
-  }
-}
-void VeltranoPDF::PDFDrawPolygon(const Value::List& points) {
-  const Member member("PDFDrawPolygon");
-  drawPolygon(impl_->content, impl_->geometry, impl_->graphics, readPoints(points));
-}
-
-// Text, cells, links
-void VeltranoPDF::PDFTextOut(std::string_view text, double x, double y) {
-  const Member member("PDFTextOut");
-  impl_->drawText(text, x, y);
-}
-void VeltranoPDF::PDFCell(std::string_view text, double x, double y, double width, double height,
-                          const Value& link) {
-  const Member member("PDFCell");
-  const Box box{x, y, width, height};
-  const auto* target = link.as<std::string>();
-  impl_->drawCell(text, box, target != nullptr && !target->empty());
-  impl_->linkShape(box, linkTarget(*this, link), x, y);
-  // As after a rectangle: at the lower left corner.
-  impl_->geometry.moveTo(x, y + height);
-}
-void VeltranoPDF::PDFLink(double x, double y, std::string_view text, std::string_view link) {
-  const Member member("PDFLink");
-  impl_->linkText(x, y, text, link.empty() ? text : link);
-}
-double VeltranoPDF::PDFTextHeight() const {
-  return impl_->font.size * impl_->geometry.scaleFactor;
-}
-void VeltranoPDF::PDFSetRotation(double angle) {
-  impl_->graphics.textRotation = angle;
-}
-
-// Images
-namespace {
-
-/// The image of an accepted file; reports why another is refused. The messages for names differ by member.
-std::optional<Image> imageOf(const VeltranoPDF& pdf, const std::filesystem::path& file,
-                             std::string_view withoutDot, std::string_view refused) {
-  const ImageName name = checkImageName(file);
-  if (name != ImageName::accepted) {
-    raise(pdf, name == ImageName::withoutDot ? withoutDot : refused,
-          "the name does not end in \"jpg\" or \"jpeg\" in lower case");
-    return std::nullopt;
-  }
-  ImageFile read = readImage(file);
-  if (!read.image) {
-    raise(pdf, read.refusal, "the picture is left out");
-  }
-  return std::move(read.image);
-}
-
-}  // namespace
-
-double VeltranoPDF::PDFImageWidth(const std::filesystem::path& file) {
-  const Member member("PDFImageWidth");
-  const auto image = imageOf(*this, file, "Unable to include this image", "Error format not supported");
-  return image ? image->width : 0;
-}
-double VeltranoPDF::PDFImageHeight(const std::filesystem::path& file) {
-  const Member member("PDFImageHeight");
-  const auto image = imageOf(*this, file, "Unable to include this image", "Image format not supported.");
-  return image ? image->height : 0;
-}
-void VeltranoPDF::PDFImage(const std::filesystem::path& file, double x, double y, double& width,
-                           double& height, const Value& link) {
-  const Member member("PDFImage");
-  constexpr std::string_view refused = "Format not supported";
-  auto image = imageOf(*this, file, refused, refused);
-  if (!image) {
-    return;
-  }
-  const double k = impl_->geometry.scaleFactor;
-  completeSize(*image, k, width, height);
-  const Box box{x, y, width, height};
-  impl_->images.push_back(*std::move(image));
-  drawImage(impl_->content, impl_->geometry, impl_->images.size(), box);
-  const std::string_view target = linkTarget(*this, link);
-  if (!target.empty()) {
-    PDFSetTextColor(COLOR_BLEU);
-  }
-  impl_->linkShape(box, target, x, y);
-  // Products with the points of a unit, unlike everywhere else: kept because hosts rely on it.
-  impl_->geometry.moveTo((x + width) * k, (y + height) * k);
 }
 
 }  // namespace veltrano
