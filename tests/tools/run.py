@@ -154,7 +154,9 @@ class Runner:
     def run(self, arguments, **environment):
         done = subprocess.run(self.command + arguments, cwd=self.folder, env=self.environment | environment,
                               capture_output=True, check=False)
-        return done.returncode, done.stdout.decode(), done.stderr.decode("utf-8", "replace").replace("\r", "")
+        # Wine's own processes may fail beside the program, and say so where it writes, too.
+        errors = re.sub("wine: .*\n*", "", done.stderr.decode("utf-8", "replace").replace("\r", ""))
+        return done.returncode, done.stdout.decode(), errors
 
     def check(self, arguments, code, output, errors, findings=False, **environment):
         before = content(self.folder)
