@@ -131,6 +131,7 @@ samples "$own"
 contacts "$own/samples"
 tar -C "$stage" --sort=name --mtime="@$epoch" --owner=0 --group=0 --numeric-owner -cf - "$linux" | gzip -n9 >"out/$linux.tar.gz"
 
+(cd out && sha256sum -- * >SHA256SUMS)
 ls -l out | awk 'NR > 1 { printf "  %9d  out/%s\n", $5, $9 }'
 if $try; then
   scripts/try-package.sh

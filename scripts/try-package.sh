@@ -157,6 +157,10 @@ for architecture in x86 x64; do
   expect "$architecture: metrics beside the DLL" 16 "$(find "$folder/$architecture" -maxdepth 1 -name '*.afm' | wc -l)"
 done
 use_prefix zip
+for architecture in x86 x64; do
+  expect "$architecture: veltrano.exe says" "veltrano $(basename "$zip" | cut -d - -f 2)" \
+    "$("$wine" "$folder/$architecture/veltrano.exe" --version 2>/dev/null | tr -d '\r')"
+done
 registry >"$work/zip-before"
 "$wine" 'C:\windows\syswow64\regsvr32.exe' /s "$(windows_path "$folder/x86/VeltranoFrameWorkDLL.dll")"
 script x86 "$(windows_path "$folder/samples")" "x86 by regsvr32"
@@ -232,6 +236,8 @@ cp -r "$prefix" "$plain/veltrano"
 saw "files" "$(find "$prefix" -type f | wc -l), $(du -sh --apparent-size "$prefix" | cut -f 1) unpacked"
 texts "$prefix/share/doc/veltranoframework" LICENSE NOTICE CHANGELOG.md Apache-2.0.txt manual/index.html samples/contacts.mdb
 expect "links of the manual that lead nowhere" "" "$(dead_links "$prefix/share/doc/veltranoframework/manual")"
+expect "its program: doctor finds" "nothing wrong" "$("$prefix/bin/veltrano" doctor >"$work/doctor.log" && echo "nothing wrong" || echo "faults, see $work/doctor.log")"
+expect "its manual page" "there" "$([ -s "$prefix/share/man/man1/veltrano.1.gz" ] && echo "there" || echo "missing")"
 cat >"$work/program/hello.cpp" <<'PROGRAM'
 #include <veltrano/pdf.h>
 
