@@ -82,6 +82,7 @@ libjpeg-turbo libjpeg62-turbo-dev
 expat libexpat1-dev
 pugixml libpugixml-dev
 mbedtls libmbedtls-dev
+cli11 libcli11-dev
 gcc-runtime gcc-mingw-w64-base
 mingw-w64-runtime mingw-w64-common
 TEXTS
@@ -118,13 +119,15 @@ echo "Packing $linux.tar.gz"
 top="$stage/$linux"
 cmake --install build/native --prefix "$top" --component linux >"$stage/install.log"
 mkdir -p "$top/share/man/man1"
-help2man -N -n "checks an installation, moves tables in and out of databases, makes pages" "$top/bin/veltrano" |
+help2man -N --help-option=--help-all -n "documents, Access databases and the state of an installation" "$top/bin/veltrano" |
   gzip -n9 >"$top/share/man/man1/veltrano.1.gz"
 fill packaging/linux/README.in >"$top/README"
 own="$top/share/doc/veltranoframework"
 mkdir -p "$own"
 cp LICENSE NOTICE CHANGELOG.md "$own/"
 apache_license "$own"
+# Of the program.
+cp -L /usr/share/doc/libcli11-dev/copyright "$own/CLI11.txt"
 manual "$own"
 stubs "$own"
 samples "$own"

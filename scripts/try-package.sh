@@ -147,7 +147,7 @@ echo "The zip, $(basename "$zip")"
 unzip -q "$zip" -d "$work/zip"
 folder=$(echo "$work/zip"/*)
 saw "files" "$(find "$folder" -type f | wc -l), $(du -sh --apparent-size "$folder" | cut -f 1) unpacked"
-expect "licence texts" 8 "$(find "$folder/licenses" -name '*.txt' ! -name README.txt -size +1k | wc -l)"
+expect "licence texts" 10 "$(find "$folder/licenses" -name '*.txt' ! -name README.txt -size +1k | wc -l)"
 texts "$folder" README.txt LICENSE.txt NOTICE.txt CHANGELOG.txt licenses/Apache-2.0.txt
 expect "lines of scripts and stubs that end in CR LF" "all" \
   "$(grep -rqv $'\r$' "$folder/stubs" "$folder/samples"/*.vbs "$folder/samples"/*/ && echo "not all" || echo "all")"
