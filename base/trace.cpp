@@ -62,6 +62,7 @@ void write(std::string line) {
   }
   // Opened anew for each line, so that a user may move or delete the file meanwhile; and written in one piece, so
   // that lines of several processes never mix.
+  const WritersTurn turn;
   if (auto file = File::open(target().file, Opening::appendShared)) {
     file->write(line);
   }

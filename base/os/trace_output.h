@@ -23,6 +23,19 @@ struct ProcessAndThread {
 };
 ProcessAndThread processAndThread();
 
+/// Held while a line is written to a file: lines of several processes, and threads, do not mix. Linux appends a line
+/// in one step anyway; Windows need not, and Wine does not.
+class WritersTurn {
+ public:
+  WritersTurn();
+  WritersTurn(const WritersTurn&) = delete;
+  WritersTurn& operator=(const WritersTurn&) = delete;
+  ~WritersTurn();
+
+ private:
+  void* mutex_ = nullptr;
+};
+
 /// As the system's own text files end their lines.
 extern const char* const systemLineEnd;
 

@@ -58,6 +58,24 @@ ProcessAndThread processAndThread() {
   return {GetCurrentProcessId(), GetCurrentThreadId()};
 }
 
+// A writer of another user, whose mutex cannot be opened, or that does not come to its end is not waited for.
+WritersTurn::WritersTurn() : mutex_(CreateMutexW(nullptr, FALSE, L"Global\\VeltranoFrameWorkTrace")) {
+  if (mutex_ != nullptr) {
+    constexpr DWORD mostMilliseconds = 1000;
+    const DWORD result = WaitForSingleObject(mutex_, mostMilliseconds);
+    if (result != WAIT_OBJECT_0 && result != WAIT_ABANDONED) {
+      CloseHandle(mutex_);
+      mutex_ = nullptr;
+    }
+  }
+}
+WritersTurn::~WritersTurn() {
+  if (mutex_ != nullptr) {
+    ReleaseMutex(mutex_);
+    CloseHandle(mutex_);
+  }
+}
+
 const char* const systemLineEnd = "\r\n";
 
 }  // namespace veltrano

@@ -48,7 +48,7 @@ with_pkgconfig() {
 install() {
   local prefix=$1
   shift
-  quietly cmake -G Ninja -S "$sources" -B "$prefix-build" -DVELTRANO_TESTS=OFF -DVELTRANO_SAMPLES=OFF \
+  quietly cmake -G Ninja -S "$sources" -B "$prefix-build" -DVELTRANO_TESTS=OFF -DVELTRANO_SAMPLES=OFF -DVELTRANO_TOOLS=OFF \
     -DVELTRANO_WARNINGS_AS_ERRORS=OFF -DCMAKE_INSTALL_LIBDIR=lib "$@"
   quietly cmake --build "$prefix-build" --target VeltranoFrameWork
   quietly cmake --install "$prefix-build" --prefix "$work/$prefix-first" --component linux
