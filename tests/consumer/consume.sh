@@ -38,9 +38,9 @@ consume() {
 # with_pkgconfig WAY PREFIX
 with_pkgconfig() {
   local flags
-  flags=$(PKG_CONFIG_PATH="$2/lib/pkgconfig" pkg-config --cflags --libs veltranoframework)
-  # shellcheck disable=SC2086
-  quietly g++ -std=c++20 "-DVELTRANO_TEST_NAME=\"$1\"" "$here/consumer.cpp" $flags "-Wl,-rpath,$2/lib" -o "$1-consumer"
+  # As a build system reads it: blanks in paths are quoted.
+  eval "flags=($(PKG_CONFIG_PATH="$2/lib/pkgconfig" pkg-config --cflags --libs veltranoframework))"
+  quietly g++ -std=c++20 "-DVELTRANO_TEST_NAME=\"$1\"" "$here/consumer.cpp" "${flags[@]}" "-Wl,-rpath,$2/lib" -o "$1-consumer"
   check "$1" "$work/$1-consumer"
 }
 
@@ -71,7 +71,7 @@ consume subdirectory -DCONSUMER_SOURCE="$sources"
 install static -DBUILD_SHARED_LIBS=OFF
 install shared -DBUILD_SHARED_LIBS=ON
 # The path of a header is no help to a program that is built so.
-CXXFLAGS="$CXXFLAGS -ffile-prefix-map=$work=." consume found-static -DCMAKE_PREFIX_PATH="$work/static"
+CXXFLAGS="$CXXFLAGS -ffile-prefix-map=/=." consume found-static -DCMAKE_PREFIX_PATH="$work/static"
 consume found-shared -DCMAKE_PREFIX_PATH="$work/shared"
 with_pkgconfig pkgconfig-static "$work/static"
 with_pkgconfig pkgconfig-shared "$work/shared"
