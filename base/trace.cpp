@@ -38,8 +38,8 @@ Target targetOf(const std::filesystem::path& setting) {
   }
   // A host may change its current folder later.
   std::error_code error;
-  auto file = std::filesystem::absolute(setting, error);
-  return {Target::Kind::file, error ? setting : std::move(file)};
+  const auto file = std::filesystem::absolute(setting, error);
+  return {Target::Kind::file, error ? setting : file};
 }
 
 const Target& target() {
@@ -62,10 +62,11 @@ void write(std::string line) {
   }
   // Opened anew for each line, so that a user may move or delete the file meanwhile; and written in one piece, so
   // that lines of several processes never mix.
-  const WritersTurn turn;
-  if (auto file = File::open(target().file, Opening::appendShared)) {
-    file->write(line);
-  }
+  writeInTurn([&line] {
+    if (auto file = File::open(target().file, Opening::appendShared)) {
+      file->write(line);
+    }
+  });
 }
 
 /// One line, whatever names hold: without control characters and not endless.

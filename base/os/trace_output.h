@@ -4,6 +4,7 @@
 // What the trace asks of the system.
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace veltrano {
@@ -23,18 +24,9 @@ struct ProcessAndThread {
 };
 ProcessAndThread processAndThread();
 
-/// Held while a line is written to a file: lines of several processes, and threads, do not mix. Linux appends a line
-/// in one step anyway; Windows need not, and Wine does not.
-class WritersTurn {
- public:
-  WritersTurn();
-  WritersTurn(const WritersTurn&) = delete;
-  WritersTurn& operator=(const WritersTurn&) = delete;
-  ~WritersTurn();
-
- private:
-  void* mutex_ = nullptr;
-};
+/// Calls `write`, which appends a line to a file, so that lines of several processes, and threads, do not mix. Linux
+/// appends a line in one step anyway; Windows need not, and Wine does not.
+void writeInTurn(const std::function<void()>& write);
 
 /// As the system's own text files end their lines.
 extern const char* const systemLineEnd;

@@ -21,8 +21,9 @@ ProcessAndThread processAndThread() {
   return {static_cast<unsigned long>(getpid()), static_cast<unsigned long>(syscall(SYS_gettid))};
 }
 
-WritersTurn::WritersTurn() = default;
-WritersTurn::~WritersTurn() = default;
+void writeInTurn(const std::function<void()>& write) {
+  write();
+}
 
 const char* const systemLineEnd = "\n";
 

@@ -3,11 +3,14 @@
 #include <algorithm>
 
 #include "base/files/paths.h"
+#include "base/os/owned.h"
 #include "base/os/trace_output.h"
 
 namespace veltrano {
 
 namespace {
+
+using Mutex = Owned<HANDLE, [](HANDLE mutex) { CloseHandle(mutex); }>;
 
 /// Calls `read` with a larger and larger buffer until it fits; `read` answers the number of characters that
 /// there are, without the final zero.
@@ -58,21 +61,14 @@ ProcessAndThread processAndThread() {
   return {GetCurrentProcessId(), GetCurrentThreadId()};
 }
 
-// A writer of another user, whose mutex cannot be opened, or that does not come to its end is not waited for.
-WritersTurn::WritersTurn() : mutex_(CreateMutexW(nullptr, FALSE, L"Global\\VeltranoFrameWorkTrace")) {
-  if (mutex_ != nullptr) {
-    constexpr DWORD mostMilliseconds = 1000;
-    const DWORD result = WaitForSingleObject(mutex_, mostMilliseconds);
-    if (result != WAIT_OBJECT_0 && result != WAIT_ABANDONED) {
-      CloseHandle(mutex_);
-      mutex_ = nullptr;
-    }
-  }
-}
-WritersTurn::~WritersTurn() {
-  if (mutex_ != nullptr) {
-    ReleaseMutex(mutex_);
-    CloseHandle(mutex_);
+// A writer of another user, whose mutex cannot be opened, or one that does not come to its end is not waited for.
+void writeInTurn(const std::function<void()>& write) {
+  const Mutex mutex(CreateMutexW(nullptr, FALSE, L"Global\\VeltranoFrameWorkTrace"));
+  constexpr DWORD mostMilliseconds = 1000;
+  const DWORD result = mutex ? WaitForSingleObject(mutex.get(), mostMilliseconds) : WAIT_FAILED;
+  write();
+  if (result == WAIT_OBJECT_0 || result == WAIT_ABANDONED) {
+    ReleaseMutex(mutex.get());
   }
 }
 
