@@ -69,8 +69,10 @@ class Table {
     if (width() <= available) {
       return endless;
     }
+    constexpr int halvings = 15;  // to a hundredth of a point
     double limit = available / 2;
-    for (double step = limit / 2; step > 0.01; step /= 2) {
+    double step = limit / 2;
+    for (int i = 0; i < halvings; ++i, step /= 2) {
       const auto limited = [limit](double sum, double column) { return sum + std::min(column, limit); };
       limit += std::accumulate(widths_.begin(), widths_.end(), 0.0, limited) > available ? -step : step;
     }
