@@ -35,7 +35,8 @@ std::wstring fromEnvironment() {
 
 std::wstring fromRegistry() {
   return readWhole([](wchar_t* buffer, std::size_t size) -> std::size_t {
-    auto bytes = static_cast<DWORD>(size * sizeof(wchar_t));
+    const std::size_t room = size * sizeof(wchar_t);
+    auto bytes = static_cast<DWORD>(room);
     const LSTATUS result = RegGetValueW(HKEY_CURRENT_USER, L"Software\\VeltranoFrameWork", L"Trace",
                                         RRF_RT_REG_SZ, nullptr, buffer, &bytes);
     if (result != ERROR_SUCCESS && result != ERROR_MORE_DATA) {

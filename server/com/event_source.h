@@ -32,8 +32,6 @@ class EventSource {
   class Part : public Unknown<Interface> {
    public:
     explicit Part(EventSource& source) : source_(source) {}
-    Part(const Part&) = delete;
-    Part& operator=(const Part&) = delete;
     STDMETHODIMP_(ULONG) AddRef() override { return source_.owner_.AddRef(); }
     STDMETHODIMP_(ULONG) Release() override { return source_.owner_.Release(); }
 
