@@ -43,7 +43,8 @@ Target targetOf(const std::filesystem::path& setting) {
 }
 
 const Target& target() {
-  static const Target found = targetOf(traceSetting());
+  // Never destroyed: objects that the host destroys at its end may still have something to say.
+  static const Target& found = *new Target(targetOf(traceSetting()));
   return found;
 }
 

@@ -62,6 +62,7 @@ void listTables(const DatabaseFile& file, bool asSchema) {
 void exportTable(const DatabaseFile& file, const Export& options) {
   constexpr std::size_t large = std::size_t{1} << 16;
   const std::string subject = file.name + ": " + options.table;
+  keepApart(file.name, options.output);
   const auto pager = openToRead(file);
   const auto walk = options.rescue ? access::Walk::storageOrder : access::Walk::keyOrder;
   const auto reader = orProblem(access::TableReader::open(*pager, options.table, walk), subject);

@@ -44,6 +44,7 @@ std::vector<std::vector<std::string>> readTable(const std::string& name) {
 
 void makePages(const Pages& options) {
   const auto input = pathFromUtf8(options.input);
+  keepApart(options.input, options.output);
   const std::string title = utf8ToAnsi(options.title.empty() ? pathToUtf8(input.stem()) : options.title);
   auto output = orProblem(NewFile::create(pathFromUtf8(options.output)), options.output);
   sheets::Book book(options.letter ? 612 : 595, options.letter ? 792 : 842);

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/files/identity.h"
 #include "base/files/new_file.h"
 #include "base/files/paths.h"
 
@@ -55,6 +56,13 @@ void makePages(const Pages& options);
 struct Problem : std::runtime_error {
   Problem(const std::string& file, const std::string& reason) : runtime_error(file + ": " + reason) {}
 };
+/// Nothing is written over what is being read, whatever names lead there.
+inline void keepApart(const std::string& input, const std::string& output) {
+  const auto read = fileNumber(pathFromUtf8(input));
+  if (read && read == fileNumber(pathFromUtf8(output))) {
+    throw Problem(output, "is what is being read");
+  }
+}
 inline void orProblem(const Status& status, const std::string& file) {
   if (!status) throw Problem(file, status.reason());
 }

@@ -137,6 +137,14 @@ Result<File> File::open(const std::filesystem::path& file, Opening opening) {
   if (!descriptor) {
     return failureOf(errno);
   }
+  if (number(descriptor) <= STDERR_FILENO) {
+    // A host may have closed its standard streams: whatever is printed there must not go into this file.
+    FileHandle above(::fcntl(number(descriptor), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    if (!above) {
+      return failureOf(errno);
+    }
+    descriptor = std::move(above);
+  }
   if (Status locked = lock(number(descriptor), opening, how.lock); !locked) {
     return locked;
   }

@@ -124,6 +124,8 @@ CASES = [
     (["mdb", "check", "Zoë.mdb"], 0, "Zoë.mdb: sound\n", None),
     (["mdb", "create", "secret.mdb", "schema.txt", "--password", "Zaq1é"], 0, "", None),
     (["mdb", "tables", "secret.mdb"], 1, "", "secret.mdb: the password is wrong"),
+    (["mdb", "export", "Zoë.mdb", "Everything", "-o", "./Zoë.mdb"], 1, "", "is what is being read"),
+    (["pdf", "letter.txt", "-o", "./letter.txt"], 1, "", "is what is being read"),
     (["mdb", "check", "secret.mdb", "--password", "Zaq1é"], 0, "secret.mdb: sound\n", None),
     (["pdf", "letter.txt", "-o", "letter.pdf", "--title", "A letter of Été"], 0, "", None),
     (["pdf", "letter.txt", "-o", "serif.pdf", "--font", "serif", "--letter"], 0, "", None),
