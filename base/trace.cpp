@@ -70,22 +70,24 @@ void write(std::string line) {
   });
 }
 
-/// One line, whatever names hold: without control characters and not endless.
-std::string asOneLine(std::string_view sentence) {
+bool endsLineOrControls(char16_t unit) {
+  constexpr char16_t firstPrintable = u' ';
+  constexpr char16_t firstControlAbove = u'\x7F';
+  constexpr char16_t lastControlAbove = u'\x9F';
+  return unit < firstPrintable || (unit >= firstControlAbove && unit <= lastControlAbove) ||
+         unit == u'\u2028' || unit == u'\u2029';
+}
+
+/// One line of UTF-8, whatever names hold: without control characters and not endless.
+std::string asOneLine(std::string_view text) {
   constexpr std::size_t longest = 4000;
-  std::string line(sentence.substr(0, longest));
-  if (sentence.size() > longest) {
-    constexpr unsigned continuationMask = 0xC0;
-    constexpr unsigned continuation = 0x80;
-    while (!line.empty() && (static_cast<unsigned char>(line.back()) & continuationMask) == continuation) {
-      line.pop_back();
-    }
-    line.back() = ' ';
-    line += "...";
+  std::u16string line = utf8ToUtf16(text);
+  if (line.size() > longest) {
+    line.resize(longest);
+    line += u" ...";
   }
-  std::ranges::replace_if(
-      line, [](unsigned char c) { return c < ' ' || c == 0x7F; }, ' ');
-  return line;
+  std::ranges::replace_if(line, endsLineOrControls, u' ');
+  return utf16ToUtf8(line);
 }
 
 std::string prefix() {
@@ -98,7 +100,9 @@ std::string prefix() {
 }
 
 void writeLine(const std::string& subject, std::string_view sentence) {
-  write(prefix() + pathToUtf8(hostExecutable().filename()) + " " + subject + ": " + asOneLine(sentence));
+  std::string line = pathToUtf8(hostExecutable().filename());
+  line.append(" ").append(subject).append(": ").append(sentence);
+  write(prefix() + asOneLine(line));
 }
 
 /// Said once: what else a reader of the trace wants to know first.
@@ -119,20 +123,35 @@ void introduce() {
 }  // namespace
 
 std::string currentMember() {
-  return currentlyTraced == nullptr ? "VeltranoFrameWorkDLL" : currentlyTraced->name_;
+  if (currentlyTraced == nullptr) {
+    return "VeltranoFrameWorkDLL";
+  }
+  const TracedMember& current = *currentlyTraced;
+  std::string name;
+  if (current.narrowClass_ != nullptr) {
+    name = current.narrowClass_;
+  } else {
+    const std::wstring_view wide = current.wideClass_;
+    name.assign(wide.begin(), wide.end());
+  }
+  return name.append(".").append(current.member_);
 }
 
-bool traceEnabled() {
-  static const bool enabled = target().kind != Target::Kind::off;
-  return enabled;
+bool readTraceState() noexcept {
+  try {
+    const bool on = target().kind != Target::Kind::off;
+    traceState = on ? TraceState::on : TraceState::off;
+    return on;
+  } catch (const std::exception&) {
+    return false;  // Memory is short: asked again by the next line.
+  }
 }
 
-void TracedMember::enter(std::string name) {
-  name_ = std::move(name);
+void TracedMember::enter() noexcept {
   outer_ = std::exchange(currentlyTraced, this);
 }
 
-void TracedMember::leave() {
+void TracedMember::leave() const noexcept {
   currentlyTraced = outer_;
 }
 
@@ -144,17 +163,15 @@ void appendTraced(std::string& sentence, std::u16string_view text) {
   sentence += utf16ToUtf8(text);
 }
 void appendTraced(std::string& sentence, const std::filesystem::path& file) {
-  sentence.append("\"").append(pathToUtf8(file)).append("\"");
+  sentence += '"';
+  // Names of files need not be UTF-8 where they are bytes.
+  appendTraced(sentence, std::string_view(pathToUtf8(file)));
+  sentence += '"';
 }
 
 void writeTraceLine(std::string_view sentence) {
-  try {
-    introduce();
-    writeLine(currentMember(), sentence);
-  } catch (const std::exception&) {
-    // A host whose memory is short loses a line, not its call.
-    return;
-  }
+  introduce();
+  writeLine(currentMember(), sentence);
 }
 
 }  // namespace veltrano

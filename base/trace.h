@@ -10,6 +10,7 @@
 // it on. Off, it costs one test of a flag. It holds no content of documents beyond the names of files, fonts,
 // fields, tables and keys.
 
+#include <atomic>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -19,34 +20,49 @@
 
 namespace veltrano {
 
-/// True if tracing is on; what decides is read once, at the first question.
-bool traceEnabled();
+enum class TraceState { unread, off, on };
+inline std::atomic<TraceState> traceState = TraceState::unread;
 
-/// While it lives, lines of this thread name this class and member. Members that call others nest: the innermost
-/// is named.
+/// Reads what decides, and keeps it.
+bool readTraceState() noexcept;
+
+/// True if tracing is on; what decides is read once, at the first question.
+inline bool traceEnabled() noexcept {
+  const TraceState state = traceState.load(std::memory_order_relaxed);
+  return state == TraceState::unread ? readTraceState() : state == TraceState::on;
+}
+
+/// While it lives, lines of this thread name this class and member, whose texts must live as long. Members that call
+/// others nest: the innermost is named. Nothing is allocated, so a member may begin with it whatever memory is left.
 class TracedMember {
  public:
-  template <typename Character>
-  TracedMember(const Character* className, const char* member) {
-    if (traceEnabled()) {
-      const std::basic_string_view<Character> name(className);
-      enter(std::string(name.begin(), name.end()) + "." + member);
-    }
-  }
+  TracedMember(const char* className, const char* member) noexcept
+      : TracedMember(className, nullptr, member) {}
+  TracedMember(const wchar_t* className, const char* member) noexcept
+      : TracedMember(nullptr, className, member) {}
   TracedMember(const TracedMember&) = delete;
   TracedMember& operator=(const TracedMember&) = delete;
   ~TracedMember() {
-    if (!name_.empty()) {
+    if (entered_) {
       leave();
     }
   }
 
  private:
   friend std::string currentMember();
-  void enter(std::string name);
-  void leave();
+  TracedMember(const char* narrow, const wchar_t* wide, const char* member) noexcept
+      : narrowClass_(narrow), wideClass_(wide), member_(member), entered_(traceEnabled()) {
+    if (entered_) {
+      enter();
+    }
+  }
+  void enter() noexcept;
+  void leave() const noexcept;
 
-  std::string name_;
+  const char* narrowClass_;  ///< one of the two is null
+  const wchar_t* wideClass_;
+  const char* member_;
+  bool entered_;
   const TracedMember* outer_ = nullptr;
 };
 
@@ -73,14 +89,19 @@ void appendTracedPart(std::string& sentence, const Part& part) {
 void writeTraceLine(std::string_view sentence);
 
 /// Writes a line with the sentence that the parts make up: text, paths, whole numbers, a Status for its reason.
-/// Callable at any time and from any thread; failures to write are ignored. Parts that take work to compute
+/// Callable at any time and from any thread. Failures are ignored: a host whose memory or disk is short loses a line,
+/// not its call. Parts that take work to compute
 /// belong under `if (traceEnabled())`.
 template <typename... Parts>
-void trace(const Parts&... parts) {
-  if (traceEnabled()) {
-    std::string sentence;
-    (appendTracedPart(sentence, parts), ...);
-    writeTraceLine(sentence);
+void trace(const Parts&... parts) noexcept {
+  if (traceEnabled()) [[unlikely]] {
+    try {
+      std::string sentence;
+      (appendTracedPart(sentence, parts), ...);
+      writeTraceLine(sentence);
+    } catch (...) {
+      return;
+    }
   }
 }
 

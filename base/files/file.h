@@ -24,7 +24,7 @@ enum class Opening {
   createNew,        ///< fails if there is a file of that name
   createPrivate,    ///< like createNew, for nobody but its owner until it takes other rights
   append,           ///< an existing file or a new one; every write goes to its end; no second writer
-  appendShared,     ///< like append, for lines that several programs write: each write stands whole
+  appendShared,     ///< like append, for lines that several programs write: each write stands whole; no pipes
   lockedRead,       ///< an existing file; others may read only. Devices and pipes are refused
   lockedChange,     ///< an existing file, to read and write; others may not open it so. Devices are refused
   lockedChangeNew,  ///< like lockedChange; made if it is missing

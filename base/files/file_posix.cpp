@@ -87,9 +87,13 @@ HowToOpen howTo(Opening opening) {
   return {};
 }
 
-bool isRegular(int descriptor) {
+mode_t typeOf(int descriptor) {
   struct stat status = {};
-  return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+  return ::fstat(descriptor, &status) == 0 ? status.st_mode & S_IFMT : 0;
+}
+
+bool isRegular(int descriptor) {
+  return typeOf(descriptor) == S_IFREG;
 }
 
 Status lock(int descriptor, Opening opening, int operation) {
@@ -148,7 +152,13 @@ Result<File> File::open(const std::filesystem::path& file, Opening opening) {
   if (Status locked = lock(number(descriptor), opening, how.lock); !locked) {
     return locked;
   }
-  if ((how.flags & O_NONBLOCK) != 0 && !isRegular(number(descriptor))) {
+  if (opening == Opening::appendShared) {
+    // A pipe would stop the host when nobody reads it, or end it when its reader has gone.
+    const mode_t type = typeOf(number(descriptor));
+    if (type != S_IFREG && type != S_IFCHR) {
+      return Status(Failure::other, "neither a file nor a terminal");
+    }
+  } else if ((how.flags & O_NONBLOCK) != 0 && !isRegular(number(descriptor))) {
     if (opening == Opening::read) {
       // The other end of a pipe may be about to come.
       constexpr int milliseconds = 1000;

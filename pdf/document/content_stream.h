@@ -70,7 +70,7 @@ class ContentWriter {
 
   /// Ends the line, or takes it back. False when it was taken back.
   bool end() {
-    if (failed_) {
+    if (failed_) [[unlikely]] {
       traceLostLine();
       next_ = stream_.next_;
       failed_ = false;

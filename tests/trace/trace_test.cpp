@@ -2,12 +2,35 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <new>
 #include <thread>
 #include <vector>
 
 #include "base/files/whole.h"
 #include "base/text/code_page.h"
 #include "tests/trace/trace_lines.h"
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace {
+bool memoryIsShort = false;
+}
+
+void* operator new(std::size_t size) {
+  void* const block = memoryIsShort ? nullptr : std::malloc(size);
+  return block != nullptr ? block : throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept {
+  std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+  std::free(block);
+}
 
 namespace veltrano {
 namespace {
@@ -40,13 +63,14 @@ TEST(Trace, NamesTheInnermostMember) {
 }
 
 TEST(Trace, KeepsToALineWhateverNamesHold) {
-  trace("a\r\nb\tc\x7F");
+  trace("a\r\nb\tc\x7F", std::u16string_view(u"\u0085 \u2028\u2029"));
   trace("ansi \xE9, utf-8 \xC3\xA9, ", std::u16string_view(u"utf-16 \u4E2D"));
-  trace(std::string(3999, 'x') + "\xC3\xA9" + std::string(5000, 'y'));
+  trace(std::string(5000, 'x'));
   const auto lines = newTraceLines();
   ASSERT_EQ(lines.size(), 3U);
-  EXPECT_EQ(lines[0], "VeltranoFrameWorkDLL: a  b c ");
-  EXPECT_EQ(lines[2], "VeltranoFrameWorkDLL: " + std::string(3999, 'x') + " ...");
+  EXPECT_EQ(lines[0], "VeltranoFrameWorkDLL: a  b c     ");
+  EXPECT_TRUE(lines[2].ends_with("xxx ...")) << lines[2];
+  EXPECT_LT(lines[2].size(), 4100U);
 }
 
 TEST(Trace, LinesOfSeveralWritersNeverMix) {
@@ -76,6 +100,32 @@ TEST(Trace, SaysWhichCharactersAreLost) {
   EXPECT_EQ(newTraceLines(), (Lines{"VeltranoFrameWorkDLL: The code page windows-1252 lacks "
                                     "characters of a text; others stand in their place."}));
 }
+
+TEST(Trace, AShortMemoryLosesTheLineAndNotTheCall) {
+  const std::string longName(100, 'n');
+  memoryIsShort = true;
+  {
+    const TracedMember member("VeltranoMDB", "AMemberOfALongName");
+    trace("There is no table \"", longName, "\".");
+  }
+  memoryIsShort = false;
+  trace("after");
+  EXPECT_EQ(newTraceLines(), (Lines{"VeltranoFrameWorkDLL: after"}));
+}
+
+#ifndef _WIN32
+TEST(Trace, DoesNotWaitForThePipeItIsSentTo) {
+  const int pipe = ::mkfifo(tests::traceFile().c_str(), 0600);
+  ASSERT_EQ(pipe, 0);
+  const int reader = ::open(tests::traceFile().c_str(), O_RDONLY | O_NONBLOCK);
+  for (int i = 0; i < 1000; ++i) {
+    trace(std::string(1000, 'x'));  // more than a pipe holds
+  }
+  ::close(reader);
+  trace("Nobody reads this either.");
+  EXPECT_TRUE(std::filesystem::remove(tests::traceFile()));
+}
+#endif
 
 TEST(Trace, AnUnwritableFileIsNoErrorForTheHost) {
   std::filesystem::create_directory(tests::traceFile());

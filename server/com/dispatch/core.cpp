@@ -25,7 +25,8 @@ HRESULT findType(REFGUID guid, ITypeInfo** type) {
 void traceRefused(const ClassEntry& entry, const Member& member, const DISPPARAMS& passed, HRESULT reason,
                   UINT wrong) {
   if (traceEnabled()) {
-    const TracedMember traced(entry.name, std::string(member.name.begin(), member.name.end()).c_str());
+    const std::string name(member.name.begin(), member.name.end());
+    const TracedMember traced(entry.name, name.c_str());
     std::array<char, 11> code{};
     std::snprintf(code.data(), code.size(), "0x%08lX", static_cast<unsigned long>(reason));
     // Hosts pass arguments from the last to the first.
