@@ -22,14 +22,14 @@ class SystemFile final : public RandomAccessFile {
 
   std::optional<std::size_t> readAt(std::uint64_t offset, std::span<std::uint8_t> target) override {
     const auto count = file_.readAt(offset, asCharacters(target));
-    return count ? std::optional(*count) : std::nullopt;
+    return succeeded(count.status()) ? std::optional(*count) : std::nullopt;
   }
   bool writeAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) override {
     return succeeded(file_.writeAt(offset, {reinterpret_cast<const char*>(bytes.data()), bytes.size()}));
   }
   std::optional<std::uint64_t> size() override {
     const auto size = file_.size();
-    return size ? std::optional(*size) : std::nullopt;
+    return succeeded(size.status()) ? std::optional(*size) : std::nullopt;
   }
   bool resize(std::uint64_t size) override { return succeeded(file_.resize(size)); }
   bool sync() override {

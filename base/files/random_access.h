@@ -20,6 +20,8 @@ enum class OpenMode {
   create,  ///< like write; made if it is missing
 };
 
+/// A step that fails is told to the trace at once, with the system's reason. For the database there is but one thing
+/// to do then, whatever the reason: to take back what was begun. So the steps only answer whether they succeeded.
 class RandomAccessFile {
  public:
   RandomAccessFile() = default;

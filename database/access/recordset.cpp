@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "base/trace.h"
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/default_value.h"
 #include "database/access/schema/field_codec.h"
@@ -46,6 +47,7 @@ AccessRecordset::AccessRecordset(std::shared_ptr<OpenFile> file, TableDefinition
     writer_ = *std::move(writer);
   } else {
     writable_ = writer.status();
+    trace("The table \"", table_.definition().name, "\" can only be read: ", writable_, ".");
   }
   if (const Index* key = table_.definition().primaryKey()) {
     order_.emplace(table_.pager(), table_.definition().page, *key);
@@ -231,6 +233,7 @@ bool AccessRecordset::find(std::string_view field, const TextMatcher& matcher) {
   edit_ = Edit::none;
   const auto index = columnIndex(field);
   if (!index) {
+    trace("There is no field \"", field, "\" to look in.");
     // As a scan that finds nothing would end.
     return settle(std::nullopt);
   }

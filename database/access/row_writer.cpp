@@ -53,8 +53,8 @@ bool RowWriter::failFromPager() {
 
 Result<RowWriter> RowWriter::create(const Table& table) {
   const TableDefinition& definition = table.definition();
-  if (table.pager().readOnly()) {
-    return {Failure::notAllowed, "the file is open for reading only"};
+  if (!table.pager().writable()) {
+    return table.pager().writable();
   }
   if (!std::all_of(definition.columns.begin(), definition.columns.end(), holdsData)) {
     return {Failure::notAllowed, "the table has calculated or multi-valued columns"};
@@ -98,12 +98,12 @@ bool RowWriter::makeRow(const std::vector<Draft>& drafts) {
       return failFromPager();
     }
   }
-  buildRow(definition(), cells_, row_);
+  buildRow(definition().rowLayout(), cells_, row_);
   while (row_.size() > maximumRowSize(pager().version())) {
     if (!storeLongestInline()) {
       return false;
     }
-    buildRow(definition(), cells_, row_);
+    buildRow(definition().rowLayout(), cells_, row_);
   }
   return true;
 }

@@ -5,8 +5,8 @@
 namespace veltrano::access {
 
 Result<TableWriter> TableWriter::create(const Table& table) {
-  if (table.pager().readOnly()) {
-    return {Failure::notAllowed, "the file is open for reading only"};
+  if (!table.pager().writable()) {
+    return table.pager().writable();
   }
   auto rows = RowWriter::create(table);
   if (!rows) {

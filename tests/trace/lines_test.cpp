@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "base/files/whole.h"
+#include "database/access/authoring/create_database.h"
 #include "tests/temporary_folder.h"
 #include "tests/trace/trace_lines.h"
 #include "veltrano/ini.h"
@@ -131,6 +132,33 @@ TEST(TraceLines, OfPicturesAndDatabases) {
       {"VeltranoMDB.EOF: Refused: no table is open.", [&] { mdb.Eof(); }},
       {"VeltranoMDB.FindRecord: Refused: no table is open.", [&] { mdb.FindRecord("Name", "x", 0); }},
       {"VeltranoMDB.CloseDatabase: Refused: no database is open.", [&] { mdb.CloseDatabase(); }},
+  });
+}
+
+TEST(TraceLines, OfTheEmbeddedEngine) {
+  const tests::TemporaryFolder folder;
+  const auto file = folder / "orders.mdb";
+  ASSERT_TRUE(access::createDatabase(
+      file, {{.name = "Orders", .columns = {{.name = "Number", .type = access::ColumnType::longInteger}}}}));
+  VeltranoMDB mdb;
+  check({
+      {"VeltranoMDB.FindRecord: There is no field \"Numbr\" to look in.",
+       [&] {
+         mdb.OpenDB(file.string(), "", "");
+         mdb.OpenTable("Orders");
+         mdb.AddNew();
+         mdb.WriteRecord("Number", Value(1));
+         mdb.Update();
+         mdb.FindRecord("Numbr", "x", 0);
+       }},
+      {"VeltranoMDB.OpenTable: The table \"Orders\" can only be read: the last page of the file is not "
+       "whole.",
+       [&] {
+         mdb.CloseDatabase();
+         std::filesystem::resize_file(file, std::filesystem::file_size(file) + 1);
+         mdb.OpenDB(file.string(), "", "");
+         mdb.OpenTable("Orders");
+       }},
   });
 }
 

@@ -6,8 +6,8 @@
 
 #include <vector>
 
+#include "database/access/pages/column.h"
 #include "database/access/pages/row.h"
-#include "database/access/schema/table_definition.h"
 #include "database/access/storage/pager.h"
 
 namespace veltrano::access {

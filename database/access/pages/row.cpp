@@ -101,7 +101,7 @@ std::optional<Bytes> RowView::cell(const Column& column) const {
   return from <= to && to <= mask_ ? std::optional(row_.subspan(from, to - from)) : std::nullopt;
 }
 
-void buildRow(const TableDefinition& table, const std::vector<Cell>& cells, std::vector<std::uint8_t>& row) {
+void buildRow(const RowLayout& table, const std::vector<Cell>& cells, std::vector<std::uint8_t>& row) {
   row.assign(2, 0);
   store16(row.data(), table.maxColumns);
   // The fixed area reaches to the end of the last fixed column, nulls included.

@@ -6,9 +6,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <vector>
 
-#include "database/access/schema/table_definition.h"
+#include "database/access/pages/column.h"
 #include "database/access/storage/bytes.h"
 
 namespace veltrano::access {
@@ -47,9 +48,16 @@ struct Cell {
   [[nodiscard]] Bytes view() const { return bytes; }
 };
 
-/// Builds the bytes of a row (Jet 4 and later). `cells` are in the order of the definition's columns. The
-/// result may be longer than the format allows (maximumRowSize).
-void buildRow(const TableDefinition& table, const std::vector<Cell>& cells, std::vector<std::uint8_t>& row);
+/// What all rows of a table have in common.
+struct RowLayout {
+  std::span<const Column> columns;  ///< by number
+  std::uint16_t maxColumns = 0;     ///< column numbers ever given
+  std::uint16_t variableColumns = 0;
+};
+
+/// Builds the bytes of a row (Jet 4 and later). `cells` are in the order of the layout's columns. The result may be
+/// longer than the format allows (maximumRowSize).
+void buildRow(const RowLayout& table, const std::vector<Cell>& cells, std::vector<std::uint8_t>& row);
 
 }  // namespace veltrano::access
 

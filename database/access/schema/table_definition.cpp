@@ -359,32 +359,6 @@ void readLongValueMaps(Cursor& cursor, TableDefinition& table) {
 
 }  // namespace
 
-std::uint16_t sizeOfType(ColumnType type) {
-  switch (type) {
-    case ColumnType::byte:
-      return 1;
-    case ColumnType::integer:
-      return 2;
-    case ColumnType::longInteger:
-    case ColumnType::single:
-    case ColumnType::complex:
-      return 4;
-    case ColumnType::currency:
-    case ColumnType::real:
-    case ColumnType::dateTime:
-    case ColumnType::bigInteger:
-      return 8;
-    case ColumnType::guid:
-      return 16;
-    case ColumnType::numeric:
-      return 17;
-    case ColumnType::extendedDate:
-      return 42;
-    default:
-      return 0;
-  }
-}
-
 const Column* TableDefinition::find(std::string_view wanted) const {
   for (const Column& column : columns) {
     if (sameName(column.name, wanted)) {

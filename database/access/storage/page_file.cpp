@@ -39,7 +39,9 @@ Result<PageFile> PageFile::open(FileSystem& files, const std::filesystem::path& 
   if (error) {
     file.path_ = path;
   }
-  file.readOnly_ = readOnly;
+  if (readOnly) {
+    file.writable_ = {Failure::notAllowed, "it was opened for reading only"};
+  }
   Status done = file.openFile(files);
   if (done) {
     done = file.readHeaderPage(password);
@@ -54,9 +56,9 @@ Result<PageFile> PageFile::open(FileSystem& files, const std::filesystem::path& 
 }
 
 Status PageFile::openFile(FileSystem& files) {
-  auto opened = files.open(path_, readOnly_ ? OpenMode::read : OpenMode::write);
-  if (!readOnly_ && opened.failure() == Failure::notAllowed) {
-    readOnly_ = true;
+  auto opened = files.open(path_, writable_ ? OpenMode::write : OpenMode::read);
+  if (writable_ && opened.failure() == Failure::notAllowed) {
+    writable_ = opened.status();
     opened = files.open(path_, OpenMode::read);
   }
   if (!opened) {
@@ -85,7 +87,7 @@ Status PageFile::readHeaderPage(std::string_view password) {
 }
 
 Status PageFile::recover(FileSystem& files) {
-  if (!recoverDatabase(files, path_, readOnly_ ? nullptr : file_.get(), identity_, pageSize())) {
+  if (!recoverDatabase(files, path_, writable_ ? file_.get() : nullptr, identity_, pageSize())) {
     return {Failure::other, "an ended process left a journal beside the file, and it cannot be applied"};
   }
   const auto length = file_->size();
@@ -93,9 +95,23 @@ Status PageFile::recover(FileSystem& files) {
     return {Failure::damaged, "the file is larger than the format allows"};
   }
   length_ = *length;
-  // Jet 3 is read only: nobody can check what would be written.
-  readOnly_ =
-      readOnly_ || length_ % pageSize() != 0 || isJet3(header_.version) || !journalCanBeMade(files, path_);
+  if (writable_) {
+    writable_ = whyNotWritable(files);
+  }
+  return {};
+}
+
+Status PageFile::whyNotWritable(FileSystem& files) const {
+  if (length_ % pageSize() != 0) {
+    return {Failure::damaged, "the last page of the file is not whole"};
+  }
+  if (isJet3(header_.version)) {
+    // Nobody can check what would be written.
+    return {Failure::notAllowed, "files of Access 97 and earlier are only read"};
+  }
+  if (!journalCanBeMade(files, path_)) {
+    return {Failure::notAllowed, "its folder takes no journal beside the file"};
+  }
   return {};
 }
 

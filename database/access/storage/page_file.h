@@ -27,7 +27,8 @@ class PageFile {
   [[nodiscard]] const std::filesystem::path& path() const { return path_; }
   /// Hash of the header page.
   [[nodiscard]] std::uint64_t identity() const { return identity_; }
-  [[nodiscard]] bool readOnly() const { return readOnly_; }
+  /// Success, or why the file is only read.
+  [[nodiscard]] const Status& writable() const { return writable_; }
   [[nodiscard]] std::uint32_t pageSize() const { return pageSizeOf(header_.version); }
   [[nodiscard]] std::uint64_t offsetOf(PageNumber page) const { return std::uint64_t{page} * pageSize(); }
   /// In bytes, as far as this process has found or made it.
@@ -50,10 +51,11 @@ class PageFile {
   Status readHeaderPage(std::string_view password);
   Status recover(FileSystem& files);
   Status checkDecoding();
+  [[nodiscard]] Status whyNotWritable(FileSystem& files) const;
 
   std::filesystem::path path_;
   std::unique_ptr<RandomAccessFile> file_;
-  bool readOnly_ = false;
+  Status writable_;
   Header header_;
   std::uint64_t identity_ = 0;
   std::uint64_t length_ = 0;

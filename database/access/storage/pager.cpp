@@ -314,8 +314,8 @@ std::uint32_t Pager::pageSize() const {
 PageNumber Pager::pageCount() const {
   return state_->pages;
 }
-bool Pager::readOnly() const {
-  return state_->file.readOnly();
+const Status& Pager::writable() const {
+  return state_->file.writable();
 }
 std::uint16_t Pager::codePage() const {
   return state_->file.header().codePage;
@@ -344,8 +344,8 @@ PageView Pager::read(PageNumber page) {
 }
 
 Status Pager::begin() {
-  if (readOnly()) {
-    return {Failure::notAllowed, "the file is open for reading only"};
+  if (!writable()) {
+    return writable();
   }
   if (state_->broken || state_->transaction) {
     return {Failure::other, "no transaction can begin"};

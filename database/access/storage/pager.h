@@ -105,7 +105,8 @@ class Pager {
   [[nodiscard]] std::uint32_t pageSize() const;
   /// Pages of the file, those added by the current transaction included.
   [[nodiscard]] PageNumber pageCount() const;
-  [[nodiscard]] bool readOnly() const;
+  /// Success, or why the file is only read.
+  [[nodiscard]] const Status& writable() const;
   /// Code page of the texts of a Jet 3 file.
   [[nodiscard]] std::uint16_t codePage() const;
   /// Language and version word of the text order, for columns without one of their own.

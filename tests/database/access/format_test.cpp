@@ -159,7 +159,7 @@ TEST(Row, IsBuiltAndReadBack) {
   table.columns = {column(ColumnType::longInteger, 0, 0, 4, true), column(ColumnType::text, 1, 0, 10, false),
                    column(ColumnType::boolean, 2, 0, 1, true)};
   ByteList row;
-  buildRow(table, {{false, {5, 0, 0, 0}}, {false, {'a', 0, 'b', 0}}, {false, {1}}}, row);
+  buildRow(table.rowLayout(), {{false, {5, 0, 0, 0}}, {false, {'a', 0, 'b', 0}}, {false, {1}}}, row);
   EXPECT_EQ(row, ByteList({3, 0, 5, 0, 0, 0, 'a', 0, 'b', 0, 10, 0, 6, 0, 1, 0, 7}));
   const RowView view(row, Version::jet4, true);
   EXPECT_EQ(cellOf(view, table.columns[1]), ByteList({'a', 0, 'b', 0}));

@@ -205,11 +205,11 @@ TEST_F(PagerTest, AJournalOfAnotherFileIsLeftOut) {
 }
 
 TEST_F(PagerTest, AFolderThatTakesNoJournalMakesTheFileReadOnly) {
-  EXPECT_FALSE(pager_->readOnly());
+  EXPECT_TRUE(pager_->writable());
   pager_.reset();
   disk_.takesFiles = false;
   open();
-  EXPECT_TRUE(pager_->readOnly());
+  EXPECT_FALSE(pager_->writable());
 }
 
 TEST_F(PagerTest, AReaderRefusesWhatItCannotPutRight) {

@@ -254,7 +254,7 @@ std::string Storm::run(unsigned seed, Disaster disaster) {
   if (!found) {
     return "a record is not as it was stored";
   }
-  if (!history.allows({*found, session.pager().pageCount()}, disaster) || session.pager().readOnly()) {
+  if (!history.allows({*found, session.pager().pageCount()}, disaster) || !session.pager().writable()) {
     return "records or a length that the file never had:" + text(*found) +
            "\ninstead of:" + text(history.states.back().model);
   }
