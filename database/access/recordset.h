@@ -25,9 +25,9 @@
 
 #include "database/access/index/cursor.h"
 #include "database/access/index/tree.h"
-#include "database/access/row_handle.h"
+#include "database/access/rows/row_handle.h"
+#include "database/access/schema/table.h"
 #include "database/access/storage/encryption/primitives.h"
-#include "database/access/table.h"
 #include "database/access/table_writer.h"
 #include "database/database_engine.h"
 

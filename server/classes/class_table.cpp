@@ -1,4 +1,4 @@
-#include "server/classes/class_table.h"
+#include "server/com/class_table.h"
 
 #include "server/classes/gis_object.h"
 #include "server/classes/ini_object.h"

@@ -1,7 +1,7 @@
 #ifndef VELTRANO_SERVER_COM_CLASS_FACTORY_H
 #define VELTRANO_SERVER_COM_CLASS_FACTORY_H
 
-#include "server/classes/class_table.h"
+#include "server/com/class_table.h"
 
 namespace veltrano::server {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "base/os/owned.h"
-#include "server/classes/class_table.h"
+#include "server/com/class_table.h"
 #include "server/com/module.h"
 
 namespace veltrano::server {

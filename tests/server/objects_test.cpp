@@ -6,8 +6,8 @@
 #include <thread>
 
 #include "fake_objects.h"
-#include "server/classes/class_table.h"
 #include "server/com/automation_object.h"
+#include "server/com/class_table.h"
 
 namespace veltrano::tests {
 

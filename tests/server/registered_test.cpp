@@ -8,7 +8,7 @@
 
 #include "fake_objects.h"
 #include "host.h"
-#include "server/classes/class_table.h"
+#include "server/com/class_table.h"
 
 namespace veltrano::tests {
 

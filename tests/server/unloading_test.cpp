@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "host.h"
-#include "server/classes/class_table.h"
+#include "server/com/class_table.h"
 
 namespace veltrano::tests {
 

@@ -5,8 +5,8 @@
 
 #include "base/text/lower_case.h"
 #include "database/access/authoring/byte_writer.h"
-#include "database/access/pages/data_page.h"
 #include "database/access/pages/index_page.h"
+#include "database/access/storage/data_page.h"
 #include "database/access/storage/space/allocator.h"
 #include "database/access/storage/space/usage_map.h"
 #include "database/values/field_conversion.h"

@@ -5,7 +5,7 @@
 
 #include "database/access/authoring/byte_writer.h"
 #include "database/access/authoring/definition_builder.h"
-#include "database/access/row_writer.h"
+#include "database/access/rows/row_writer.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/field_codec.h"
 #include "database/access/storage/space/allocator.h"

@@ -7,13 +7,13 @@
 
 #include "database/access/check/index_check.h"
 #include "database/access/index/table_indexes.h"
-#include "database/access/pages/data_page.h"
 #include "database/access/pages/long_value.h"
 #include "database/access/relations/related_tables.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/field_codec.h"
+#include "database/access/schema/table.h"
+#include "database/access/storage/data_page.h"
 #include "database/access/storage/space/usage_map.h"
-#include "database/access/table.h"
 
 namespace veltrano::access {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "database/access/index/key.h"
-#include "database/access/table.h"
+#include "database/access/schema/table.h"
 
 namespace veltrano::access {
 

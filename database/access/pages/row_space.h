@@ -9,7 +9,7 @@
 
 #include <optional>
 
-#include "database/access/pages/data_page.h"
+#include "database/access/storage/data_page.h"
 #include "database/access/storage/pager.h"
 
 namespace veltrano::access {

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "database/access/relations/relation.h"
-#include "database/access/row_writer.h"
-#include "database/access/table.h"
+#include "database/access/rows/row_writer.h"
+#include "database/access/schema/table.h"
 
 namespace veltrano::access {
 

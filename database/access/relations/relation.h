@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "database/access/index/key.h"
-#include "database/access/row_writer.h"
-#include "database/access/table.h"
+#include "database/access/rows/row_writer.h"
+#include "database/access/schema/table.h"
 
 namespace veltrano::access {
 

@@ -6,8 +6,8 @@
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/field_codec.h"
 #include "database/access/schema/properties.h"
+#include "database/access/schema/table.h"
 #include "database/access/storage/text_codec.h"
-#include "database/access/table.h"
 
 namespace veltrano::access {
 

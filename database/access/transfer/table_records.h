@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "database/access/index/cursor.h"
-#include "database/access/table.h"
+#include "database/access/schema/table.h"
 #include "database/access/table_writer.h"
 
 namespace veltrano::access {

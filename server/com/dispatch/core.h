@@ -1,7 +1,7 @@
 #ifndef VELTRANO_SERVER_COM_DISPATCH_CORE_H
 #define VELTRANO_SERVER_COM_DISPATCH_CORE_H
 
-#include "server/classes/class_table.h"
+#include "server/com/class_table.h"
 #include "server/com/dispatch/call.h"
 
 namespace veltrano::server {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "server/classes/class_table.h"
+#include "server/com/class_table.h"
 
 namespace veltrano::server {
 

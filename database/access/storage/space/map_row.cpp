@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "database/access/pages/data_page.h"
+#include "database/access/storage/data_page.h"
 
 namespace veltrano::access {
 

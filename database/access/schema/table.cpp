@@ -1,8 +1,8 @@
-#include "database/access/table.h"
+#include "database/access/schema/table.h"
 
 #include <algorithm>
 
-#include "database/access/pages/data_page.h"
+#include "database/access/storage/data_page.h"
 #include "database/access/storage/space/usage_map.h"
 
 namespace veltrano::access {

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_ACCESS_PAGES_DATA_PAGE_H
-#define VELTRANO_DATABASE_ACCESS_PAGES_DATA_PAGE_H
+#ifndef VELTRANO_DATABASE_ACCESS_STORAGE_DATA_PAGE_H
+#define VELTRANO_DATABASE_ACCESS_STORAGE_DATA_PAGE_H
 
 // The rows of one data page. data_page.cpp shows the bytes. Bytes from a file are never trusted: a slot that
 // points outside the page, or into the slots, has no row.

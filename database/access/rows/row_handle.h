@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_ACCESS_ROW_HANDLE_H
-#define VELTRANO_DATABASE_ACCESS_ROW_HANDLE_H
+#ifndef VELTRANO_DATABASE_ACCESS_ROWS_ROW_HANDLE_H
+#define VELTRANO_DATABASE_ACCESS_ROWS_ROW_HANDLE_H
 
 // The record that a recordset stands on.
 //
@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "database/access/table.h"
+#include "database/access/schema/table.h"
 
 namespace veltrano::access {
 

@@ -1,4 +1,4 @@
-#include "database/access/pages/data_page.h"
+#include "database/access/storage/data_page.h"
 
 #include <algorithm>
 #include <cstring>

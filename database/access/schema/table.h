@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_ACCESS_TABLE_H
-#define VELTRANO_DATABASE_ACCESS_TABLE_H
+#ifndef VELTRANO_DATABASE_ACCESS_SCHEMA_TABLE_H
+#define VELTRANO_DATABASE_ACCESS_SCHEMA_TABLE_H
 
 // The rows of one table, walked in storage order and fetched by their place. A row's place is that of its first slot,
 // even after it has moved to another page.

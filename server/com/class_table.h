@@ -1,7 +1,8 @@
-#ifndef VELTRANO_SERVER_CLASSES_CLASS_TABLE_H
-#define VELTRANO_SERVER_CLASSES_CLASS_TABLE_H
+#ifndef VELTRANO_SERVER_COM_CLASS_TABLE_H
+#define VELTRANO_SERVER_COM_CLASS_TABLE_H
 
-// The public classes: the one table for the factory, the dispatcher and the registration.
+// The public classes: the one table for the factory, the dispatcher and the registration. Each server has its own,
+// which its classes fill (server/classes/class_table.cpp).
 
 #include <span>
 #include <string_view>

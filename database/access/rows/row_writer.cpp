@@ -1,4 +1,4 @@
-#include "database/access/row_writer.h"
+#include "database/access/rows/row_writer.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,5 +1,5 @@
-#ifndef VELTRANO_DATABASE_ACCESS_ROW_WRITER_H
-#define VELTRANO_DATABASE_ACCESS_ROW_WRITER_H
+#ifndef VELTRANO_DATABASE_ACCESS_ROWS_ROW_WRITER_H
+#define VELTRANO_DATABASE_ACCESS_ROWS_ROW_WRITER_H
 
 // Adds, changes and deletes rows of one table with everything that belongs to them: long values, indexes, maps and
 // counters. It works within the transaction of its caller, who rolls it back if a step fails.
@@ -9,7 +9,7 @@
 
 #include "database/access/index/table_indexes.h"
 #include "database/access/pages/row_space.h"
-#include "database/access/table.h"
+#include "database/access/schema/table.h"
 
 namespace veltrano::access {
 

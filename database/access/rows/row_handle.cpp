@@ -1,4 +1,4 @@
-#include "database/access/row_handle.h"
+#include "database/access/rows/row_handle.h"
 
 namespace veltrano::access {
 
