@@ -22,7 +22,14 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 # Tests and benchmarks are formatted but not searched for faults: their macros would flood the findings.
 PORTABLE = ("base", "pdf", "kml", "settings", "imaging", "database", "eventlog")
-TIDIED = (*PORTABLE, "server")
+TIDIED = (*PORTABLE, "server", "tools")
+# The rooms of an area from the lowest up: none includes one after it. "." are the files on the area's own floor.
+ROOMS = {
+    "pdf": ("document", "images", "fonts", "graphics", "text", "assembly", ".", "sheets"),
+    "imaging": ("bitmap", "jpeg", "."),
+    "database/access": ("storage", "pages", "collation", "schema", "index", "rows", "relations", ".", "authoring",
+                        "check", "transfer"),
+}
 
 
 def tracked(*patterns):
@@ -44,6 +51,29 @@ def against_the_layers():
             if (ours and ours[1] not in allowed) or (system and not of_a_system):
                 wrong = True
                 print(f"{name}:{number}: against the layers: {line}")
+    return wrong
+
+
+def room_of(area, name):
+    """The place of a file's room in its area; None if it is not in the area."""
+    if not name.startswith(area + "/"):
+        return None
+    room = name[len(area) + 1:].split("/")
+    return ROOMS[area].index(room[0] if len(room) > 1 else ".")
+
+
+def against_the_rooms():
+    wrong = False
+    for area in ROOMS:
+        for source in tracked(f"{area}/*.cpp", f"{area}/*.h"):
+            name = source.relative_to(ROOT)
+            here = room_of(area, str(name))
+            for number, line in enumerate(source.read_text(encoding="utf-8").splitlines(), 1):
+                included = re.match(r'#include "([^"]+)"', line)
+                there = room_of(area, included[1]) if included else None
+                if there is not None and there > here:
+                    wrong = True
+                    print(f"{name}:{number}: includes from a room above its own: {line}")
     return wrong
 
 
@@ -152,7 +182,8 @@ def main():
     arguments.add_argument("builds", metavar="BUILD_FOLDER", nargs="+", type=lambda name: pathlib.Path(name).resolve())
     options = arguments.parse_args()
     changed = changed_since(options.since)
-    failures = [badly_formatted(), against_the_layers(), *[faulty(build, changed) for build in options.builds]]
+    failures = [badly_formatted(), against_the_layers(), against_the_rooms(),
+                *[faulty(build, changed) for build in options.builds]]
     sys.exit(1 if any(failures) else 0)
 
 
