@@ -72,7 +72,8 @@ struct Column {
   // Properties of the column, kept in the catalog.
   bool required = false;
   bool allowZeroLength = true;
-  std::string defaultValue;  ///< an expression, UTF-8
+  std::string defaultValue;    ///< an expression, UTF-8
+  std::string validationRule;  ///< likewise
 
   [[nodiscard]] bool isLongValue() const { return type == ColumnType::memo || type == ColumnType::ole; }
   [[nodiscard]] bool isText() const { return type == ColumnType::text || type == ColumnType::memo; }
@@ -124,6 +125,7 @@ struct TableDefinition {
   RowPointer ownedPages{};
   RowPointer freePages{};               ///< page 0 for none
   std::vector<RelationSide> relations;  ///< those to be enforced
+  std::string validationRule;           ///< a property of the table: an expression, UTF-8
 
   /// By name, in any case; null if there is no such column.
   [[nodiscard]] const Column* find(std::string_view name) const;
