@@ -56,10 +56,9 @@ class Recordset {
   /// not convert, does not fit or is not allowed fails and leaves the field, and the edit, as they were.
   virtual Status write(std::string_view field, const Value& value) = 0;
 
-  /// Not at end of file: goes from the current record on, itself included, to the first one whose field is
-  /// equal to the matcher's text, and answers true; false and end of file if there is none. A null equals
-  /// nothing. The default reads every record as text; an engine that can look at the stored form of just that
-  /// field overrides it.
+  /// Called on the first record (after moveFirst): goes to the first record whose field is equal to the matcher's text,
+  /// and returns true; false and end of file if there is none. A null equals nothing. The default reads every record as
+  /// text; an engine that can compare the stored form of just that field, or has an index on it, overrides it.
   virtual bool find(std::string_view field, const TextMatcher& matcher);
 
   virtual Status close() = 0;

@@ -27,8 +27,8 @@ TIDIED = (*PORTABLE, "server", "tools")
 ROOMS = {
     "pdf": ("document", "images", "fonts", "graphics", "text", "assembly", ".", "sheets"),
     "imaging": ("bitmap", "jpeg", "."),
-    "database/access": ("storage", "pages", "collation", "schema", "index", "rows", "relations", ".", "authoring",
-                        "check", "transfer"),
+    "database/access": ("storage", "pages", "collation", "schema", "rules", "index", "rows", "search", "relations", ".",
+                        "authoring", "check", "transfer"),
 }
 
 

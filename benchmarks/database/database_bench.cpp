@@ -224,28 +224,45 @@ void mdbExport(benchmark::State& state) {
 }
 BENCHMARK(mdbExport)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-/// The last row, so that FindRecord reads the whole table.
-void findRecord(benchmark::State& state, const char* field, const std::string& value, std::int16_t exact) {
-  const std::string& file = fullFile();
+/// The last row, so that FindRecord reads the whole table: the fields have no index.
+void findByReading(benchmark::State& state, const char* field, const std::string& value) {
   VeltranoMDB mdb;
-  mdb.OpenDB(file);
+  mdb.OpenDB(fullFile());
   mdb.OpenTable("Rows");
   for (auto _ : state) {
-    if (!mdb.FindRecord(field, value, exact)) {
+    if (!mdb.FindRecord(field, value, -1)) {
       state.SkipWithError("not found");
     }
   }
   countRows(state);
 }
-BENCHMARK_CAPTURE(findRecord, number, "ID", std::to_string(rows - 1), -1)
+BENCHMARK_CAPTURE(findByReading, number, "Amount", "124998.75")->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(findByReading, date, "Moment", "2026-08-15 22:30:00")
     ->Unit(benchmark::kMillisecond)
     ->UseRealTime();
-BENCHMARK_CAPTURE(findRecord, date, "Moment", "2026-08-15 22:30:00", -1)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
-BENCHMARK_CAPTURE(findRecord, textWithoutCase, "Name", "SOMEBODY'S NAME AND ADDRESS, ENTRY 92081", 0)
-    ->Unit(benchmark::kMillisecond)
-    ->UseRealTime();
+
+/// Rows here and there, one after another, by fields with an index: that of the primary key, and another one.
+void findByIndex(benchmark::State& state, const char* field, std::string (*valueOf)(int row), bool there) {
+  VeltranoMDB mdb;
+  mdb.OpenDB(fullFile());
+  mdb.OpenTable("Rows");
+  int row = 0;
+  for (auto _ : state) {
+    row = (row + 7919) % rows;
+    if (mdb.FindRecord(field, valueOf(row), there ? 0 : -1) != there) {
+      state.SkipWithError(there ? "not found" : "found");
+    }
+  }
+}
+std::string upperTextOf(int row) {
+  return "SOMEBODY'S" + textOf(row).substr(10);
+}
+std::string numberOf(int row) {
+  return std::to_string(row);
+}
+BENCHMARK_CAPTURE(findByIndex, number, "ID", numberOf, true)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(findByIndex, textWithoutCase, "Name", upperTextOf, true)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(findByIndex, textInWrongCase, "Name", upperTextOf, false)->Unit(benchmark::kMicrosecond);
 
 /// One binary value of so many megabytes, a transaction larger than the cache: time per megabyte must not grow.
 void storeLargeValue(benchmark::State& state) {

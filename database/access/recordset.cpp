@@ -8,6 +8,7 @@
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/default_value.h"
 #include "database/access/schema/field_codec.h"
+#include "database/access/search/indexed_search.h"
 
 namespace veltrano::access {
 
@@ -226,6 +227,21 @@ Status AccessRecordset::readText(std::string_view field, std::string& text) {
                                                          : Status(Failure::damaged, "the value has no text");
 }
 
+// Stands where a search has led: on a record or at the end. False, with nothing changed, if the order does not have the
+// record.
+bool AccessRecordset::standOn(const SearchAnswer& answer) {
+  if (answer.row && cursor_) {
+    IndexCursor cursor(*order_, table_.pager());
+    const IndexEntry entry{answer.key, *answer.row};
+    if (!cursor.seek(entry) || compareEntries(cursor.entry(), entry) != 0) {
+      return false;
+    }
+    cursor_ = std::move(cursor);
+  }
+  settle(answer.row);
+  return true;
+}
+
 bool AccessRecordset::find(std::string_view field, const TextMatcher& matcher) {
   if (state_ == State::closed) {
     return false;
@@ -238,6 +254,10 @@ bool AccessRecordset::find(std::string_view field, const TextMatcher& matcher) {
     return settle(std::nullopt);
   }
   const Column& column = table_.definition().columns[*index];
+  const Index* order = cursor_ ? table_.definition().primaryKey() : nullptr;
+  if (const auto answer = searchIndexes(table_, order, column, matcher); answer && standOn(*answer)) {
+    return state_ == State::onRecord;
+  }
   for (; state_ != State::atEnd; settle(following())) {
     const auto cell = refresh() ? current_.view().cell(column) : std::nullopt;
     if (cell && cellMatches(table_.pager(), column, *cell, matcher)) {

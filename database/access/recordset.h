@@ -34,6 +34,7 @@
 namespace veltrano::access {
 
 class AccessRecordset;
+struct SearchAnswer;
 
 /// A file with the recordsets that are open on it. It is closed when the last of its users is.
 struct OpenFile {
@@ -80,6 +81,7 @@ class AccessRecordset final : public Recordset {
   enum class Edit { none, changing, adding };
 
   bool settle(std::optional<RowPointer> place);
+  bool standOn(const SearchAnswer& answer);
   std::optional<RowPointer> following();
   Status refresh();
   void rowDeleted(RowPointer place);

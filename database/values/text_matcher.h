@@ -19,6 +19,12 @@ class TextMatcher {
   /// compared in lower case.
   TextMatcher(std::string_view wanted, CaseRule rule);
 
+  [[nodiscard]] CaseRule rule() const { return rule_; }
+  /// The text as it was given.
+  [[nodiscard]] const std::string& wanted() const { return exact_; }
+  /// The text in UTF-16, in lower case where the rule says so.
+  [[nodiscard]] std::u16string_view units() const { return wanted_; }
+
   [[nodiscard]] bool matchesUtf8(std::string_view text) const;
   /// UTF-16, low byte first; an odd last byte is ignored.
   [[nodiscard]] bool matchesUtf16(std::span<const std::uint8_t> bytes) const;

@@ -49,7 +49,8 @@ struct NewColumn {
   bool compressed = true;   ///< text that allows it is stored one byte a character
   bool required = false;
   bool allowZeroLength = true;
-  std::string defaultValue = {};  ///< "0", "\"none\"", "True", "Now()", "Date()"
+  std::string defaultValue = {};    ///< "0", "\"none\"", "True", "Now()", "Date()"
+  std::string validationRule = {};  ///< ">=0 And <150"; rules/parser.h says more
 };
 
 struct NewIndexColumn {
@@ -70,6 +71,7 @@ struct NewTable {
   std::string name = {};
   std::vector<NewColumn> columns = {};
   std::vector<NewIndex> indexes = {};
+  std::string validationRule = {};  ///< of a whole record: "[Until]>=[From]"
 };
 
 /// Makes a database with these tables. Fails if the file exists (it is left alone) or cannot be written, or if

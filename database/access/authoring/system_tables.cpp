@@ -238,8 +238,13 @@ Value::Bytes databaseProperties() {
 
 Value::Bytes tableProperties(const NewTable& table) {
   PropertyWriter writer;
+  if (!table.validationRule.empty()) {
+    writer.begin(0, table.name);
+    writer.addText("ValidationRule", table.validationRule);
+  }
   for (const NewColumn& column : table.columns) {
-    if (!column.required && column.allowZeroLength && column.defaultValue.empty()) {
+    if (!column.required && column.allowZeroLength && column.defaultValue.empty() &&
+        column.validationRule.empty()) {
       continue;
     }
     writer.begin(1, column.name);
@@ -251,6 +256,9 @@ Value::Bytes tableProperties(const NewTable& table) {
     }
     if (!column.defaultValue.empty()) {
       writer.addText("DefaultValue", column.defaultValue);
+    }
+    if (!column.validationRule.empty()) {
+      writer.addText("ValidationRule", column.validationRule);
     }
   }
   return writer.finish();

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <map>
 
+#include "base/text/lower_case.h"
 #include "database/access/collation/collation_table.h"
 
 // A key in the orders General and General Legacy:
@@ -308,6 +310,47 @@ void appendKey97(Key& key, Bytes text) {
   }
 }
 
+/// The part of a key that comes from the characters themselves, without accents.
+Bytes inlineCodeOf(const Weight& weight) {
+  switch (weight.characterClass) {
+    case CharacterClass::ignored:
+    case CharacterClass::unprintable:
+    case CharacterClass::modifier:
+      return {};
+    default:
+      return Bytes(weight.inlineCode).first(weight.inlineLength);
+  }
+}
+
+/// The characters with another inline code than their lower case has, by that.
+using StrayCapitals = std::multimap<char16_t, char16_t>;
+
+StrayCapitals findStrayCapitals(TextOrder order) {
+  const Weights& weights = weightsOf(order);
+  StrayCapitals strays;
+  // Those of ASCII have the code of their lower case in every order.
+  for (std::size_t i = 0; i < lowerCaseRunCount; ++i) {
+    const LowerCaseRun& run = lowerCaseRuns[i];
+    for (int c = run.first; c <= run.last; c += run.step) {
+      Weight upper;
+      Weight lower;
+      const auto capital = static_cast<char16_t>(c);
+      const auto letter = static_cast<char16_t>(c + run.shift);
+      if (!std::ranges::equal(inlineCodeOf(weights.of(capital, upper)),
+                              inlineCodeOf(weights.of(letter, lower)))) {
+        strays.emplace(letter, capital);
+      }
+    }
+  }
+  return strays;
+}
+
+const StrayCapitals& strayCapitals(TextOrder order) {
+  static const StrayCapitals ofGeneral = findStrayCapitals(TextOrder::general);
+  static const StrayCapitals ofGeneralLegacy = findStrayCapitals(TextOrder::generalLegacy);
+  return order == TextOrder::general ? ofGeneral : ofGeneralLegacy;
+}
+
 void flip(Key& key, std::size_t from) {
   for (std::size_t i = from; i < key.size(); ++i) {
     key[i] = static_cast<std::uint8_t>(~key[i]);
@@ -359,6 +402,43 @@ void appendTextKey(Key& key, Bytes text, TextOrder order, bool ascending) {
     flip(key, start);
     key.push_back(0x00);
   }
+}
+
+std::vector<Key> keyStartsInAnyCase(std::u16string_view lowered, TextOrder order, bool ascending) {
+  constexpr std::size_t mostStarts = 16;
+  lowered = lowered.substr(0, longestText);
+  lowered = lowered.substr(0, lowered.find_last_not_of(u' ') + 1);
+  const Weights& weights = weightsOf(order);
+  const StrayCapitals& strays = strayCapitals(order);
+  std::vector<Key> starts(1);
+  const auto append = [&](Key& start, char16_t c) {
+    Weight scratch;
+    const Bytes code = inlineCodeOf(weights.of(c, scratch));
+    start.insert(start.end(), code.begin(), code.end());
+  };
+  for (const char16_t c : lowered) {
+    const std::size_t before = starts.size();
+    const auto [first, last] = strays.equal_range(c);
+    for (auto stray = first; stray != last; ++stray) {
+      for (std::size_t i = 0; i < before; ++i) {
+        starts.push_back(starts[i]);
+        append(starts.back(), stray->second);
+      }
+    }
+    if (starts.size() > mostStarts) {
+      return {};
+    }
+    for (std::size_t i = 0; i < before; ++i) {
+      append(starts[i], c);
+    }
+  }
+  for (Key& start : starts) {
+    start.push_back(0x01);
+    if (!ascending) {
+      flip(start, 0);
+    }
+  }
+  return starts;
 }
 
 }  // namespace veltrano::access

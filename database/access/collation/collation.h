@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "database/access/storage/bytes.h"
@@ -26,6 +27,13 @@ std::optional<TextOrder> textOrder(Version version, std::uint16_t language, std:
 
 /// Appends what follows the entry's flag byte. `text` is UTF-16LE, for General 97 bytes of code page 1252.
 void appendTextKey(std::vector<std::uint8_t>& key, Bytes text, TextOrder order, bool ascending);
+
+/// The starts of the keys of all texts whose lower case (base/text/lower_case.h) is `lowered`: one of them for each such
+/// text. Most texts have one start, since their cases differ at most in what comes later in the key; a few characters,
+/// like the sign of the kelvin, sort far from the letter that is their lower case. Empty if there are more than 16. Not
+/// for General 97.
+std::vector<std::vector<std::uint8_t>> keyStartsInAnyCase(std::u16string_view lowered, TextOrder order,
+                                                          bool ascending);
 
 }  // namespace veltrano::access
 

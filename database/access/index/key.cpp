@@ -155,25 +155,41 @@ KeyOutcome IndexKeyMaker::make(std::span<const StoredValue> values, std::vector<
     return KeyOutcome::damaged;
   }
   for (std::size_t i = 0; i < parts_.size(); ++i) {
-    const Part& part = parts_[i];
-    const StoredValue& value = values[i];
-    if (value.null) {
-      if (required_) {
-        return KeyOutcome::refused;
-      }
-      key.push_back(part.ascending ? 0x00 : 0xFF);
-      continue;
+    if (values[i].null && required_) {
+      return KeyOutcome::refused;
     }
-    allNull = false;
-    key.push_back(part.ascending ? 0x7F : 0x80);
-    if (!append(part, value.data, key)) {
+    allNull = allNull && values[i].null;
+    if (!append(parts_[i], values[i], key)) {
       return KeyOutcome::damaged;
     }
   }
   return allNull && ignoreNulls_ ? KeyOutcome::leftOut : KeyOutcome::entry;
 }
 
-bool IndexKeyMaker::append(const Part& part, Bytes value, Key& key) const {
+bool IndexKeyMaker::makeFirstPart(const StoredValue& value, Key& key) const {
+  key.clear();
+  return append(parts_.front(), value, key);
+}
+
+std::vector<Key> IndexKeyMaker::makeStartsInAnyCase(std::u16string_view lowered) const {
+  const Part& part = parts_.front();
+  std::vector<Key> starts = keyStartsInAnyCase(lowered, part.order, part.ascending);
+  for (Key& start : starts) {
+    start.insert(start.begin(), part.ascending ? 0x7F : 0x80);
+  }
+  return starts;
+}
+
+bool IndexKeyMaker::append(const Part& part, const StoredValue& value, Key& key) const {
+  if (value.null) {
+    key.push_back(part.ascending ? 0x00 : 0xFF);
+    return true;
+  }
+  key.push_back(part.ascending ? 0x7F : 0x80);
+  return appendValue(part, value.data, key);
+}
+
+bool IndexKeyMaker::appendValue(const Part& part, Bytes value, Key& key) const {
   const std::size_t size = leastSize(part.type);
   if (value.size() < size) {
     return false;

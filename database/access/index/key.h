@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "base/status.h"
@@ -34,6 +35,10 @@ class IndexKeyMaker {
   /// Puts the key of a row into `key`, whose storage is reused. `values` are those of the index columns, in the order
   /// of the index. `allNull` is true if all of them are null; such rows are not duplicates in a unique index.
   KeyOutcome make(std::span<const StoredValue> values, std::vector<std::uint8_t>& key, bool& allNull) const;
+  /// Puts that part of a key into `key` that a value of the first column makes. False if the value is damaged.
+  bool makeFirstPart(const StoredValue& value, std::vector<std::uint8_t>& key) const;
+  /// The starts of the keys of texts in the first column whose lower case is `lowered`, as keyStartsInAnyCase has them.
+  [[nodiscard]] std::vector<std::vector<std::uint8_t>> makeStartsInAnyCase(std::u16string_view lowered) const;
 
  private:
   struct Part {
@@ -42,7 +47,8 @@ class IndexKeyMaker {
     TextOrder order;
   };
   IndexKeyMaker() = default;
-  bool append(const Part& part, Bytes value, std::vector<std::uint8_t>& key) const;
+  bool append(const Part& part, const StoredValue& value, std::vector<std::uint8_t>& key) const;
+  bool appendValue(const Part& part, Bytes value, std::vector<std::uint8_t>& key) const;
 
   std::vector<Part> parts_;
   bool jetNumerics_ = true;

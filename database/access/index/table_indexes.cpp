@@ -1,9 +1,6 @@
 #include "database/access/index/table_indexes.h"
 
-#include <algorithm>
-
 #include "database/access/index/tree.h"
-#include "database/access/schema/field_codec.h"
 
 namespace veltrano::access {
 
@@ -42,24 +39,13 @@ Result<TableIndexes> TableIndexes::create(const Table& table) {
 }
 
 bool TableIndexes::makeKeys(const Table& table, const RowView& row, RowKeys& keys) {
-  const TableDefinition& definition = table.definition();
   keys.entries.resize(makers_.size());
   for (std::size_t i = 0; i < makers_.size(); ++i) {
-    const std::vector<IndexColumn>& columns = definition.indexes[i].columns;
-    values_.resize(columns.size());
-    buffers_.resize(std::max(buffers_.size(), columns.size()));
-    for (std::size_t k = 0; k < columns.size(); ++k) {
-      const Column* column = definition.byNumber(columns[k].column);
-      const auto value = column != nullptr
-                             ? cellToStored(table.pager(), *column, row.cell(*column), buffers_[k])
-                             : std::nullopt;
-      if (!value) {
-        return false;
-      }
-      values_[k] = *value;
+    if (!values_.read(table, table.definition().indexes[i].columns, row)) {
+      return false;
     }
     RowKeys::Entry& entry = keys.entries[i];
-    entry.outcome = makers_[i].make(values_, entry.key, entry.allNull);
+    entry.outcome = makers_[i].make(values_.values(), entry.key, entry.allNull);
     if (entry.outcome == KeyOutcome::damaged) {
       return false;
     }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "database/access/index/key.h"
+#include "database/access/index/row_values.h"
 #include "database/access/schema/table.h"
 
 namespace veltrano::access {
@@ -37,9 +38,7 @@ class TableIndexes {
 
  private:
   std::vector<IndexKeyMaker> makers_;  // in the order of the definition's indexes
-  // Kept between calls for their storage.
-  std::vector<StoredValue> values_;
-  std::vector<std::vector<std::uint8_t>> buffers_;
+  RowValues values_;                   // kept between calls for its storage
 };
 
 }  // namespace veltrano::access

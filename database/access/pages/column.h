@@ -57,7 +57,8 @@ struct Column {
   // Properties of the column, kept in the catalog.
   bool required = false;
   bool allowZeroLength = true;
-  std::string defaultValue;  ///< an expression, UTF-8
+  std::string defaultValue;    ///< an expression, UTF-8
+  std::string validationRule;  ///< likewise
 
   [[nodiscard]] bool isLongValue() const { return type == ColumnType::memo || type == ColumnType::ole; }
   [[nodiscard]] bool isText() const { return type == ColumnType::text || type == ColumnType::memo; }

@@ -63,7 +63,11 @@ Result<RowWriter> RowWriter::create(const Table& table) {
   if (!indexes) {
     return indexes.status();
   }
-  return RowWriter(table, *std::move(indexes));
+  auto validation = Validation::create(table);
+  if (!validation) {
+    return validation.status();
+  }
+  return RowWriter(table, *std::move(indexes), *std::move(validation));
 }
 
 bool RowWriter::checkRequired(const std::vector<Draft>& drafts, bool all) {
@@ -125,6 +129,13 @@ bool RowWriter::storeLongestInline() {
                                      cells_[longest].view().subspan(longValueHead), cell);
   cells_[longest].bytes = std::move(cell);
   return stored || failFromPager();
+}
+
+// Of row_, after it was made: the rules of the assigned fields, or of all, and the table's.
+bool RowWriter::checkRules(const std::vector<Draft>& drafts, bool all) {
+  failure_ = validation_.check(*table_, viewOf(row_),
+                               [&](std::size_t field) { return all || drafts[field].assigned; });
+  return static_cast<bool>(failure_);
 }
 
 bool RowWriter::makeKeysOf(Bytes row, TableIndexes::RowKeys& keys) {
@@ -272,7 +283,7 @@ bool RowWriter::changeIndexes(const TableIndexes::RowKeys* before, const TableIn
 bool RowWriter::makeInsertion(std::vector<Draft>& drafts, std::optional<RowPointer>& place) {
   cells_.assign(drafts.size(), Cell());
   if (!enterAutoNumber(drafts) || !keepAutoNumber(drafts) || !checkRequired(drafts, true) ||
-      !makeRow(drafts) || !makeKeysOf(row_, after_)) {
+      !makeRow(drafts) || !checkRules(drafts, true) || !makeKeysOf(row_, after_)) {
     return false;
   }
   place = placeNewRow(row_, 0);
@@ -297,7 +308,7 @@ bool RowWriter::makeUpdate(RowPointer home, const std::vector<Draft>& drafts) {
       cells_[i].bytes.assign(cell->begin(), cell->end());
     }
   }
-  return keepAutoNumber(drafts) && makeRow(drafts) && makeKeysOf(row_, after_) &&
+  return keepAutoNumber(drafts) && makeRow(drafts) && checkRules(drafts, false) && makeKeysOf(row_, after_) &&
          releaseLongValues(oldRow, &drafts) && replaceRow(home, place, row_) &&
          changeIndexes(&before_, &after_, home);
 }

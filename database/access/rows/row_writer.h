@@ -9,6 +9,7 @@
 
 #include "database/access/index/table_indexes.h"
 #include "database/access/pages/row_space.h"
+#include "database/access/rules/validation.h"
 #include "database/access/schema/table.h"
 
 namespace veltrano::access {
@@ -21,8 +22,9 @@ struct Draft {
 
 class RowWriter {
  public:
-  /// For a table that is known to be writable, with its indexes. `table` must outlive the writer.
-  RowWriter(const Table& table, TableIndexes indexes) : table_(&table), indexes_(std::move(indexes)) {}
+  /// For a table that is known to be writable, with its indexes and rules. `table` must outlive the writer.
+  RowWriter(const Table& table, TableIndexes indexes, Validation validation = Validation())
+      : table_(&table), indexes_(std::move(indexes)), validation_(std::move(validation)) {}
   /// Fails if rows of the table cannot be written. `table` must outlive the writer.
   static Result<RowWriter> create(const Table& table);
 
@@ -56,6 +58,7 @@ class RowWriter {
 
   bool checkRequired(const std::vector<Draft>& drafts, bool all);
   bool makeRow(const std::vector<Draft>& drafts);
+  bool checkRules(const std::vector<Draft>& drafts, bool all);
   bool storeLongestInline();
   [[nodiscard]] RowView viewOf(Bytes row) const {
     return {row, pager().version(), definition().variableColumns != 0};
@@ -73,6 +76,7 @@ class RowWriter {
 
   const Table* table_;
   TableIndexes indexes_;
+  Validation validation_;
   Status failure_;
   // Kept between calls for their storage.
   std::vector<Cell> cells_;

@@ -1,28 +1,19 @@
 #include "database/access/schema/default_value.h"
 
-#include <chrono>
 #include <random>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "base/numbers/numbers.h"
-#include "base/os/clock.h"
 #include "base/text/lower_case.h"
 #include "database/access/schema/field_codec.h"
-#include "database/values/dates.h"
+#include "database/values/current_date.h"
 #include "veltrano/value.h"
 
 namespace veltrano::access {
 
 namespace {
-
-Value currentDate(bool withDay, bool withTime) {
-  const LocalTime time = localTime();
-  const std::chrono::sys_days day{std::chrono::year(time.year) / time.month / time.day};
-  const double second = time.hour * 3600.0 + time.minute * 60.0 + time.second;
-  return joinDate(withDay ? static_cast<std::int32_t>((day - dateOrigin).count()) : 0, withTime ? second : 0);
-}
 
 // A text in quotes, which are doubled inside.
 std::optional<Value> quotedText(std::string_view expression) {
@@ -50,14 +41,12 @@ std::optional<Value> evaluate(std::string_view expression) {
   if (auto text = quotedText(expression)) {
     return text;
   }
-  if (sameName(expression, "Now()")) {
-    return currentDate(true, true);
-  }
-  if (sameName(expression, "Date()")) {
-    return currentDate(true, false);
-  }
-  if (sameName(expression, "Time()")) {
-    return currentDate(false, true);
+  constexpr std::pair<std::string_view, CurrentDate> moments[] = {
+      {"Now()", CurrentDate::now}, {"Date()", CurrentDate::today}, {"Time()", CurrentDate::timeOfDay}};
+  for (const auto& [name, moment] : moments) {
+    if (sameName(expression, name)) {
+      return Value(currentDate(moment));
+    }
   }
   constexpr std::pair<std::string_view, bool> flags[] = {{"True", true},   {"Yes", true}, {"On", true},
                                                          {"False", false}, {"No", false}, {"Off", false}};

@@ -74,6 +74,7 @@ struct TableDefinition {
   RowPointer ownedPages{};
   RowPointer freePages{};               ///< page 0 for none
   std::vector<RelationSide> relations;  ///< those to be enforced
+  std::string validationRule;           ///< a property of the table: an expression, UTF-8
 
   [[nodiscard]] RowLayout rowLayout() const { return {columns, maxColumns, variableColumns}; }
   /// By name, in any case; null if there is no such column.

@@ -7,6 +7,8 @@
 
 #include "base/files/whole.h"
 #include "database/access/schema/catalog.h"
+#include "database/values/current_date.h"
+#include "database/values/field_to_text.h"
 #include "database/values/text_matcher.h"
 #include "harness.h"
 
@@ -82,6 +84,31 @@ TEST_F(Engine, AddingLeavesTheCurrentRecord) {
   EXPECT_EQ(read(*people_, "Name"), "a");
   EXPECT_FALSE(people_->update());  // nothing is under way any more
   EXPECT_EQ(names(), "1a 2b ");
+}
+
+TEST_F(Engine, NewRecordsTakeTheCurrentMoment) {
+  const std::pair<const char*, CurrentDate> defaults[] = {
+      {"Now()", CurrentDate::now}, {"=Date()", CurrentDate::today}, {"time()", CurrentDate::timeOfDay}};
+  NewTable table = {.name = "Moments"};
+  for (const auto& [expression, moment] : defaults) {
+    table.columns.push_back({.name = expression, .type = ColumnType::dateTime, .defaultValue = expression});
+  }
+  const auto moments = tableOf(table);
+  ASSERT_TRUE(moments);
+  for (const auto& [expression, moment] : defaults) {
+    std::string before;
+    std::string after;
+    std::string found;
+    do {  // again if the day ends meanwhile
+      dateToText(currentDate(moment), before);
+      moments->addNew();
+      found = read(*moments, expression);
+      dateToText(currentDate(moment), after);
+    } while (after < before);
+    EXPECT_LE(before, found) << expression;
+    EXPECT_LE(found, after) << expression;
+  }
+  EXPECT_TRUE(moments->update());
 }
 
 TEST_F(Engine, MovingDropsTheEdit) {

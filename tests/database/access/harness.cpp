@@ -113,7 +113,11 @@ OpenedFile::~OpenedFile() {
 
 std::unique_ptr<AccessRecordset> OpenedFile::table(const std::string& name) {
   auto definition = findTable(pager(), name);
-  return definition ? std::make_unique<AccessRecordset>(file_, *std::move(definition)) : nullptr;
+  return definition ? table(*std::move(definition)) : nullptr;
+}
+
+std::unique_ptr<AccessRecordset> OpenedFile::table(TableDefinition definition) {
+  return std::make_unique<AccessRecordset>(file_, std::move(definition));
 }
 
 std::string OpenedFile::check() const {

@@ -59,6 +59,7 @@ class OpenedFile {
   [[nodiscard]] const std::string& reason() const { return reason_; }
   [[nodiscard]] Pager& pager() const { return *file_->pager; }
   std::unique_ptr<AccessRecordset> table(const std::string& name);
+  std::unique_ptr<AccessRecordset> table(TableDefinition definition);
   /// "" for a sound file.
   [[nodiscard]] std::string check() const;
 

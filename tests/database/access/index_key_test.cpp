@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "base/text/code_page.h"
+#include "base/text/lower_case.h"
 
 namespace veltrano::access {
 namespace {
@@ -115,6 +116,27 @@ TEST(IndexKey, OrdersTextsAsAccessDoes) {
   const std::string longText(255, 'a');
   EXPECT_EQ(keyOf(ColumnType::memo, true, utf16Bytes(longText)),
             keyOf(ColumnType::memo, true, utf16Bytes(longText + "b")));
+}
+
+TEST(IndexKey, StartsAlikeInAnyCase) {
+  for (const TextOrder order : {TextOrder::generalLegacy, TextOrder::general}) {
+    for (const bool ascending : {true, false}) {
+      for (unsigned upper = 0; upper < 0x10000; ++upper) {
+        const std::vector<std::uint8_t> text = {static_cast<std::uint8_t>(upper),
+                                                static_cast<std::uint8_t>(upper >> 8), 'x', 0};
+        std::vector<std::uint8_t> key;
+        appendTextKey(key, text, order, ascending);
+        const std::u16string lower = {lowerCase(static_cast<char16_t>(upper)), u'x'};
+        const auto starts = keyStartsInAnyCase(lower, order, ascending);
+        ASSERT_TRUE(std::ranges::any_of(starts, [&key](const auto& start) {
+          return start.size() <= key.size() && std::equal(start.begin(), start.end(), key.begin());
+        })) << upper;
+      }
+    }
+    EXPECT_EQ(keyStartsInAnyCase(u"the capitals of these: i, \u00e9, \u0436  ", order, true).size(), 1U);
+    EXPECT_EQ(keyStartsInAnyCase(u"ask for a book", order, true).size(), 4U);
+    EXPECT_TRUE(keyStartsInAnyCase(u"kkkkk", order, true).empty());
+  }
 }
 
 TEST(IndexKey, OrdersEveryType) {
