@@ -89,6 +89,34 @@ TEST(Mdbtools, ReadsEveryColumnType) {
           "4|last|||||||||||0||||\n");
 }
 
+// The lock goes with the process, however that ends.
+TEST(SecondProcess, IsToldNoWhileTheFirstHasTheFile) {
+  const Folder folder;
+  const auto path = folder / "a.mdb";
+  makeDatabase(path, {peopleTable()});
+  for (const bool firstReads : {false, true}) {
+    std::array<int, 2> pipe = {};
+    ASSERT_EQ(::pipe(pipe.data()), 0);
+    const pid_t first = ::fork();
+    if (first == 0) {
+      const auto opened = Pager::open(path, {.readOnly = firstReads});
+      const char done = opened ? 'y' : 'n';
+      static_cast<void>(::write(pipe[1], &done, 1) == 1 && ::pause());
+      ::_exit(1);
+    }
+    char opened = 0;
+    ASSERT_EQ(::read(pipe[0], &opened, 1), 1);
+    EXPECT_EQ(opened, 'y');
+    EXPECT_EQ(Pager::open(path, {}).failure(), Failure::inUse);
+    EXPECT_EQ(Pager::open(path, {.readOnly = true}).failure(), firstReads ? Failure::none : Failure::inUse);
+    ::kill(first, SIGKILL);
+    ::waitpid(first, nullptr, 0);
+    ::close(pipe[0]);
+    ::close(pipe[1]);
+    EXPECT_TRUE(Pager::open(path, {}));
+  }
+}
+
 // A writer that adds records 1, 2, 3 ... and says so after each Update is killed, whatever it is doing. The
 // file is sound, and has every record that was promised and at most one more.
 TEST(KilledWriter, KeepsWhatItPromised) {
