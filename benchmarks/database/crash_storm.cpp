@@ -1,4 +1,5 @@
-// Kills and power failures at every call of the file system, on a simulated disk (storm.h):
+// Kills, power failures and, as often as kills, full disks from every call of the file system on, on a simulated disk
+// (storm.h):
 //   crash_storm [kills [power failures [first seed]]]
 // for a plain file, and a third as many for each way to encrypt one. Prints the seed of each run that did harm, between
 // which calls the runs ended, and the totals; exits 1 if a run did harm.
@@ -7,6 +8,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -17,22 +19,29 @@ using veltrano::access::Storm;
 int violations = 0;
 std::map<std::string, int> cuts;
 
-void storm(const char* name, Storm storm, int kills, int powerFailures, unsigned firstSeed) {
+struct Runs {
+  const char* name;
+  Disaster disaster;
+  int count;
+};
+
+void storm(const char* name, Storm storm, const std::vector<Runs>& all, int share, unsigned firstSeed) {
   int harmful = 0;
-  for (int i = 0; i < kills + powerFailures; ++i) {
-    const bool kill = i < kills;
-    const unsigned seed = firstSeed + static_cast<unsigned>(kill ? i : i - kills);
-    const std::string wrong = storm.run(seed, kill ? Disaster::death : Disaster::powerFailure);
-    if (!wrong.empty()) {
-      ++harmful;
-      std::printf("%s, %s, seed %u: %s\n", name, kill ? "kill" : "power failure", seed, wrong.c_str());
+  std::printf("%s: ", name);
+  for (const Runs& runs : all) {
+    for (int i = 0; i < runs.count / share; ++i) {
+      const unsigned seed = firstSeed + static_cast<unsigned>(i);
+      if (const std::string wrong = storm.run(seed, runs.disaster); !wrong.empty()) {
+        ++harmful;
+        std::printf("\n%s, seed %u: %s\n", runs.name, seed, wrong.c_str());
+      }
     }
+    std::printf("%d %s, ", runs.count / share, runs.name);
   }
   std::printf(
-      "%s: %d kills, %d power failures; %d changes, %d refused; %d journals found by the next opener, %d of "
-      "them died as well; %d violations\n",
-      name, kills, powerFailures, storm.changes, storm.refusals, storm.journalsApplied, storm.diedTwice,
-      harmful);
+      "%d changes, %d of them to be refused; %d journals found by the next opener, %d of them died as well; "
+      "%d violations\n",
+      storm.changes, storm.refusals, storm.journalsApplied, storm.diedTwice, harmful);
   std::fflush(stdout);
   violations += harmful;
   for (const auto& [calls, runs] : storm.cuts) {
@@ -47,15 +56,17 @@ int main(int count, char** arguments) {
     return count > index ? std::atoi(arguments[index]) : otherwise;
   };
   const int kills = number(1, 1000);
-  const int powerFailures = number(2, 2000);
+  const std::vector<Runs> runs = {{"kills", Disaster::death, kills},
+                                  {"power failures", Disaster::powerFailure, number(2, 2000)},
+                                  {"full disks", Disaster::fullDisk, kills}};
   const auto seed = static_cast<unsigned>(number(3, 1));
-  storm("plain", Storm(), kills, powerFailures, seed);
-  storm("page encoding", Storm(nullptr, 0x12345678), kills / 3, powerFailures / 3, seed);
+  storm("plain", Storm(), runs, 1, seed);
+  storm("page encoding", Storm(nullptr, 0x12345678), runs, 3, seed);
   for (const EncryptedSample& sample : veltrano::access::encryptedSamples()) {
-    storm(sample.label, Storm(&sample), kills / 3, powerFailures / 3, seed);
+    storm(sample.label, Storm(&sample), runs, 3, seed);
   }
-  for (const auto& [calls, runs] : cuts) {
-    std::printf("%6d ended between: %s\n", runs, calls.c_str());
+  for (const auto& [calls, ended] : cuts) {
+    std::printf("%6d ended between: %s\n", ended, calls.c_str());
   }
   std::printf("%d violations\n", violations);
   return violations == 0 ? 0 : 1;

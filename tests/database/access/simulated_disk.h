@@ -41,6 +41,7 @@ class SimulatedDisk final : public FileSystem {
   bool takesFiles = true;
   /// After so many more calls no file can grow.
   void fillAfter(int more) { roomLeft_ = more; }
+  [[nodiscard]] bool full() const { return roomLeft_ < 0; }
   /// The system as it is after the process has died.
   void revive() { lifeLeft_ = roomLeft_ = never; }
   /// The same after a power failure.

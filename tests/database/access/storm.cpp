@@ -43,7 +43,8 @@ std::vector<NewTable> stormTables() {
   for (const StormTable table : {followers, loose, held}) {
     tables.push_back({.name = stormTableNames[table],
                       .columns = {{.name = "ID", .type = ColumnType::longInteger},
-                                  {.name = "Parent", .type = ColumnType::longInteger}},
+                                  {.name = "Parent", .type = ColumnType::longInteger},
+                                  {.name = "Note", .type = ColumnType::memo}},
                       .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true}}});
   }
   return tables;
@@ -102,6 +103,7 @@ class Session {
     if (change.kind == StormChange::Kind::add) {
       table.addNew();
       table.write("ID", change.id);
+      table.write("Note", std::string(static_cast<std::size_t>(change.id) * 20, 'n'));
     } else {
       table.moveFirst();
       if (!table.find("ID", TextMatcher(std::to_string(change.id), CaseRule::exact)) ||
@@ -179,7 +181,7 @@ struct History {
   int refusals = 0;
 
   [[nodiscard]] bool allows(const State& found, Disaster disaster) const {
-    const std::size_t from = disaster == Disaster::death ? states.size() - 1 : durable;
+    const std::size_t from = disaster == Disaster::powerFailure ? durable : states.size() - 1;
     return found.model == underWay ||
            std::any_of(
                states.begin() + static_cast<std::ptrdiff_t>(from), states.end(),
@@ -193,7 +195,8 @@ void step(Session& session, SimulatedDisk& disk, Random& random, History& histor
   const bool done = session.make(change);
   ++history.changes;
   history.refusals += after ? 0 : 1;
-  if (!disk.dead() && done != after.has_value()) {
+  const bool excused = disk.dead() || disk.full();
+  if (done ? !after : after && !excused) {
     history.wrong = std::string(done ? "not refused" : "refused") + ": kind " +
                     std::to_string(static_cast<int>(change.kind)) + " in " + stormTableNames[change.table] +
                     ", " + std::to_string(change.id) + describe(history.states.back().model);
@@ -204,7 +207,8 @@ void step(Session& session, SimulatedDisk& disk, Random& random, History& histor
   }
 }
 
-void work(SimulatedDisk& disk, const std::string& password, Random& random, History& history) {
+void work(SimulatedDisk& disk, const std::string& password, Random& random, Disaster disaster,
+          History& history) {
   constexpr std::array<std::uint32_t, 3> caches = {16, 64, 4096};
   for (int sessions = 1 + below(random, 2); sessions > 0 && !disk.dead(); --sessions) {
     Session session(disk, caches[random() % caches.size()], password);
@@ -218,7 +222,10 @@ void work(SimulatedDisk& disk, const std::string& password, Random& random, Hist
       }
       step(session, disk, random, history);
     }
-    if (sessions == 1) {
+    if (disk.full() && session.opened() && session.readAll() != history.states.back().model) {
+      history.wrong = "a refused change shows";
+    }
+    if (sessions == 1 && disaster != Disaster::fullDisk) {
       disk.dieAfter(0);
       disk.remove(fileName);  // the end came after the last change
     } else if (session.opened() && session.closeTables() && !disk.dead()) {
@@ -270,15 +277,17 @@ std::string Storm::run(unsigned seed, Disaster disaster) {
   disk.put(fileName, base_);
   History history;
   history.states = {{baseModel_, static_cast<PageNumber>(base_.size() / pageSize)}};
-  disk.dieAfter(below(random, 120));
-  work(disk, password_, random, history);
+  disaster == Disaster::fullDisk ? disk.fillAfter(below(random, 120)) : disk.dieAfter(below(random, 120));
+  work(disk, password_, random, disaster, history);
   if (!history.wrong.empty()) {
     return history.wrong;
   }
   changes += history.changes;
   refusals += history.refusals;
-  ++cuts[(disk.calls.empty() ? "the open" : disk.calls.back()) + ", " + disk.notMade];
-  const auto strike = [&] { disaster == Disaster::death ? disk.revive() : disk.losePower(random); };
+  if (disaster != Disaster::fullDisk) {
+    ++cuts[(disk.calls.empty() ? "the open" : disk.calls.back()) + ", " + disk.notMade];
+  }
+  const auto strike = [&] { disaster == Disaster::powerFailure ? disk.losePower(random) : disk.revive(); };
   strike();
   journalsApplied += disk.exists(journalName) ? 1 : 0;
   if (below(random, 3) == 0) {

@@ -1,10 +1,11 @@
 #ifndef VELTRANO_TESTS_DATABASE_ACCESS_STORM_H
 #define VELTRANO_TESTS_DATABASE_ACCESS_STORM_H
 
-// Random work on a database with relations in memory that ends by the death of the process or of the power, at any call of
-// the file system, also while the next opener puts the file right. Afterwards the file must be sound, and in
-// a state that it had: after a death that of the last Update, or of the one under way; after a power failure
-// that of the last close of the table or the file, or a later one.
+// Random work on a database with relations, in memory, that ends by the death of the process or of the power at any call
+// of the file system, also while the next opener puts the file right; or whose disk is full from some call on. Each
+// change must be made or refused as keys and relations say, and a full disk refuses what needs room, and nothing else.
+// Afterwards the file must be sound, and in a state that it had: that of the last Update, or of the one under way;
+// after a power failure that of the last close of the table or the file, or a later one.
 
 #include <map>
 #include <string>
@@ -15,7 +16,7 @@
 
 namespace veltrano::access {
 
-enum class Disaster { death, powerFailure };
+enum class Disaster { death, powerFailure, fullDisk };
 
 class Storm {
  public:
