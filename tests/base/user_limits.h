@@ -14,14 +14,16 @@
 
 namespace veltrano::tests {
 
-/// A folder in which nobody may make a file. The superuser may do anything, so he becomes somebody else for so
-/// long. Under Windows it does nothing.
+/// A folder in which nobody may make a file; `files` is what may be done with those that are there. The superuser may
+/// do anything, so he becomes somebody else for so long. Under Windows it does nothing.
 class NoNewFilesIn {
  public:
-  explicit NoNewFilesIn(const std::filesystem::path& folder) : folder_(folder) {
+  explicit NoNewFilesIn(const std::filesystem::path& folder,
+                        [[maybe_unused]] std::filesystem::perms files = std::filesystem::perms(0666))
+      : folder_(folder) {
 #ifndef _WIN32
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-      std::filesystem::permissions(entry.path(), std::filesystem::perms(0666));
+      std::filesystem::permissions(entry.path(), files);
     }
     std::filesystem::permissions(folder, std::filesystem::perms(0555));
     constexpr uid_t nobody = 65534;

@@ -11,6 +11,7 @@
 #include "database/values/field_to_text.h"
 #include "database/values/text_matcher.h"
 #include "harness.h"
+#include "tests/base/user_limits.h"
 
 namespace veltrano::access {
 namespace {
@@ -289,20 +290,24 @@ TEST_F(Engine, OtherProgramsLockFileIsRespected) {
   EXPECT_TRUE(open(folder_ / "a.mdb")) << "nobody holds the lock file: it was left over";
 }
 
+// In a folder that takes no journal, and on a medium that cannot be written at all.
 TEST_F(Engine, ReadOnlyFileIsReadOnly) {
   add("a", "1");
   people_.reset();
   database_.reset();
   const std::string before = readWholeFile(folder_ / "a.mdb").value();
-  auto file = std::make_shared<OpenFile>();
-  file->pager = *Pager::open(folder_ / "a.mdb", {.readOnly = true});  // as without the right to write
-  {
-    AccessRecordset recordset(file, *findTable(*file->pager, smallTable().name));
-    EXPECT_EQ(read(recordset, "Name"), "a");
-    EXPECT_FALSE(recordset.edit() || recordset.addNew() || recordset.remove());
+  for (const unsigned mode : {0666U, 0444U}) {
+    const tests::NoNewFilesIn medium(folder_.path(), static_cast<std::filesystem::perms>(mode));
+    auto file = std::make_shared<OpenFile>();
+    file->pager = *Pager::open(folder_ / "a.mdb", {.readOnly = !medium.enforced()});
+    {
+      AccessRecordset recordset(file, *findTable(*file->pager, smallTable().name));
+      EXPECT_EQ(read(recordset, "Name"), "a");
+      EXPECT_FALSE(recordset.edit() || recordset.addNew() || recordset.remove());
+    }
+    file.reset();
+    EXPECT_EQ(readWholeFile(folder_ / "a.mdb"), before) << mode;
   }
-  file.reset();
-  EXPECT_EQ(readWholeFile(folder_ / "a.mdb"), before);
 }
 
 TEST(Passwords, MustBeExactlyRight) {

@@ -26,6 +26,7 @@ std::string outputOf(const std::string& command) {
   return output;
 }
 
+// And encoded pages and relations.
 TEST(Mdbtools, ReadsEveryColumnType) {
   if (std::system("command -v mdb-export > /dev/null") != 0) {
     GTEST_SKIP() << "mdbtools is not installed";
@@ -33,7 +34,10 @@ TEST(Mdbtools, ReadsEveryColumnType) {
   const Folder folder;
   NewTable people = peopleTable();
   people.columns[0].autoNumber = true;
-  makeDatabase(folder / "a.mdb", {people, {.name = "Other", .columns = {{.name = "x"}}}});
+  const NewTable other = {.name = "Other", .columns = {{.name = "Of", .type = ColumnType::longInteger}}};
+  makeDatabase(folder / "a.mdb", {people, other},
+               {.pageKey = 0x12345678,
+                .relations = {{"R", "People", {"ID"}, "Other", {"Of"}, true, OnDelete::cascade}}});
   const std::string longText(5000, 'n');
   const std::string longerText(12000, 'm');
   {
@@ -65,6 +69,12 @@ TEST(Mdbtools, ReadsEveryColumnType) {
       }
       EXPECT_TRUE(recordset->update());
     }
+    const auto others = file.table("Other");
+    for (const int of : {3, 4}) {
+      others->addNew();
+      others->write("Of", of);
+      EXPECT_TRUE(others->update());
+    }
     recordset->moveFirst();
     recordset->moveNext();
     recordset->moveNext();
@@ -78,6 +88,11 @@ TEST(Mdbtools, ReadsEveryColumnType) {
   const std::string file = "'" + (folder / "a.mdb").string() + "'";
   EXPECT_EQ(outputOf("mdb-tables -1 " + file), "People\nOther\n");
   EXPECT_EQ(outputOf("mdb-count " + file + " People"), "3\n");
+  EXPECT_EQ(outputOf("mdb-export -H " + file + " Other"), "4\n") << "what depended on record 3 went with it";
+  EXPECT_NE(
+      outputOf("mdb-schema " + file + " postgres")
+          .find("FOREIGN KEY (\"of\") REFERENCES \"People\"(\"id\") ON UPDATE CASCADE ON DELETE CASCADE"),
+      std::string::npos);
   EXPECT_EQ(
       outputOf("mdb-export -H -Q -d '|' -b hex -T '%Y-%m-%d %H:%M:%S' " + file + " People"),
       "1|Zo\xC3\xAB \xC5\xBB\xC3\xB3\xC5\x82w|plain|abc|short|0102FF|ABCD|1999-12-31 23:59:58|-12.3456|0.5|"
@@ -87,6 +102,34 @@ TEST(Mdbtools, ReadsEveryColumnType) {
           longerText +
           "|||1950-01-02 00:00:00|||||0||||\n"
           "4|last|||||||||||0||||\n");
+}
+
+// The lock goes with the process, however that ends.
+TEST(SecondProcess, IsToldNoWhileTheFirstHasTheFile) {
+  const Folder folder;
+  const auto path = folder / "a.mdb";
+  makeDatabase(path, {peopleTable()});
+  for (const bool firstReads : {false, true}) {
+    std::array<int, 2> pipe = {};
+    ASSERT_EQ(::pipe(pipe.data()), 0);
+    const pid_t first = ::fork();
+    if (first == 0) {
+      const auto opened = Pager::open(path, {.readOnly = firstReads});
+      const char done = opened ? 'y' : 'n';
+      static_cast<void>(::write(pipe[1], &done, 1) == 1 && ::pause());
+      ::_exit(1);
+    }
+    char opened = 0;
+    ASSERT_EQ(::read(pipe[0], &opened, 1), 1);
+    EXPECT_EQ(opened, 'y');
+    EXPECT_EQ(Pager::open(path, {}).failure(), Failure::inUse);
+    EXPECT_EQ(Pager::open(path, {.readOnly = true}).failure(), firstReads ? Failure::none : Failure::inUse);
+    ::kill(first, SIGKILL);
+    ::waitpid(first, nullptr, 0);
+    ::close(pipe[0]);
+    ::close(pipe[1]);
+    EXPECT_TRUE(Pager::open(path, {}));
+  }
 }
 
 // A writer that adds records 1, 2, 3 ... and says so after each Update is killed, whatever it is doing. The

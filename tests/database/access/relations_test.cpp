@@ -6,7 +6,6 @@
 #include "database/access/storage/space/usage_map.h"
 #include "database/values/text_matcher.h"
 #include "harness.h"
-#include "simulated_disk.h"
 
 namespace veltrano::access {
 namespace {
@@ -269,71 +268,6 @@ TEST_F(Relations, OfUnknownKindsAreReadOnly) {
     EXPECT_EQ(column(table("Parent"), "ID"), "1 ");
     tables_.clear();
     opened_.reset();
-  }
-}
-
-// --- Disasters
-
-// A process that dies at any of its calls of the system, and a disk that is full from any of them on, leave all of a
-// cascade or nothing.
-TEST_F(Relations, CascadeAsAWholeOrNotAtAll) {
-  make({keyed("Parent", {number("ID")}),
-        {.name = "Child",
-         .columns = {number("ID"), number("Up"), {.name = "Note", .type = ColumnType::memo}},
-         .indexes = {{.name = "P", .columns = {{"ID"}}, .primary = true}}}},
-       {{"R", "Parent", {"ID"}, "Child", {"Up"}, true, OnDelete::cascade}});
-  constexpr std::size_t children = 20;
-  for (const int parent : {1, 2}) {
-    ASSERT_TRUE(add(table("Parent"), {{"ID", parent}}));
-  }
-  for (int id = 0; id < static_cast<int>(children); ++id) {
-    ASSERT_TRUE(add(table("Child"), {{"ID", id}, {"Up", 1}, {"Note", std::string(2500, 'x')}}));
-  }
-  tables_.clear();
-  opened_.reset();
-  const std::string base = readWholeFile(file_).value();
-  for (const bool deleting : {true, false}) {
-    int whole = 0;
-    int none = 0;
-    for (int calls = 0; whole < 3; ++calls) {
-      SCOPED_TRACE((deleting ? "delete, " : "update, ") + std::to_string(calls));
-      for (const bool dying : {true, false}) {
-        SimulatedDisk disk;
-        disk.put("a.mdb", base);
-        bool done = false;
-        {
-          OpenedFile file("a.mdb", &disk, 16);
-          const auto parents = file.table("Parent");
-          dying ? disk.dieAfter(calls) : disk.fillAfter(calls);
-          if (deleting) {
-            done = static_cast<bool>(parents->remove());
-          } else {
-            done = parents->edit() && parents->write("ID", 9) && parents->update();
-          }
-        }
-        const bool dead = disk.dead();
-        disk.revive();
-        OpenedFile again("a.mdb", &disk);
-        ASSERT_TRUE(again.opened()) << again.reason();
-        ASSERT_EQ(again.check(), "");
-        const auto left = again.table("Child");
-        const std::string ups = column(*left, "Up");
-        const std::string one = deleting ? "" : "9 ";
-        const bool changed = ups == [&] {
-          std::string all;
-          for (std::size_t i = 0; i < children; ++i) {
-            all += one;
-          }
-          return all;
-        }();
-        ASSERT_TRUE(changed || (ups.size() == 2 * children && ups.find('9') == std::string::npos)) << ups;
-        ASSERT_EQ(column(*again.table("Parent"), "ID"), !changed ? "1 2 " : deleting ? "2 " : "2 9 ");
-        ASSERT_TRUE(!done || changed) << "it was promised";
-        whole += dying && !dead ? 1 : 0;
-        none += changed ? 0 : 1;
-      }
-    }
-    EXPECT_GT(none, 2);
   }
 }
 

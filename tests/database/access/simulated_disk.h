@@ -30,6 +30,8 @@ class SimulatedDisk final : public FileSystem {
   [[nodiscard]] const std::string& content(const std::string& name) const { return names_.at(name)->now; }
   /// "write a.mdb", "sync a.mdb-journal": all calls that change something, in their order.
   std::vector<std::string> calls;
+  /// The first such call that the dead process would have made.
+  std::string notMade;
 
   /// After so many more calls that change something the process is dead: the next one, a write, is done in part,
   /// and nothing after it.
@@ -39,6 +41,7 @@ class SimulatedDisk final : public FileSystem {
   bool takesFiles = true;
   /// After so many more calls no file can grow.
   void fillAfter(int more) { roomLeft_ = more; }
+  [[nodiscard]] bool full() const { return roomLeft_ < 0; }
   /// The system as it is after the process has died.
   void revive() { lifeLeft_ = roomLeft_ = never; }
   /// The same after a power failure.
@@ -128,6 +131,7 @@ inline bool SimulatedDisk::call(const char* what, const std::string& name) {
   lifeLeft_ = lifeLeft_ == never ? never : std::max(lifeLeft_ - 1, -2);
   roomLeft_ = roomLeft_ == never ? never : std::max(roomLeft_ - 1, -1);
   if (dead()) {
+    notMade = notMade.empty() ? what + name : notMade;
     return false;
   }
   calls.push_back(what + name);

@@ -16,18 +16,12 @@ namespace veltrano::access {
 
 namespace {
 
-using Model = std::map<int, int>;  // version by ID
 using Random = std::mt19937;
 
 constexpr std::size_t pageSize = 4096;
 const char* const fileName = "storm.mdb";
 const char* const journalName = "storm.mdb-journal";
 
-int below(Random& random, int limit) {
-  return static_cast<int>(random() % static_cast<unsigned>(limit));
-}
-
-// What a record holds follows from its version.
 std::string nameOf(int version) {
   return "name " + std::to_string(version * 7919LL % 1000) +
          std::string(static_cast<std::size_t>(version % 40), 'x');
@@ -38,14 +32,36 @@ std::string notesOf(int version) {
   return std::string(static_cast<std::size_t>(length), static_cast<char>('a' + version % 26));
 }
 
-NewTable stormTable() {
-  return {.name = "T",
-          .columns = {{.name = "ID", .type = ColumnType::longInteger},
-                      {.name = "Version", .type = ColumnType::longInteger},
-                      {.name = "Name", .type = ColumnType::text, .size = 60},
-                      {.name = "Notes", .type = ColumnType::memo}},
-          .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
-                      {.name = "ByName", .columns = {{"Name", false}}}}};
+std::vector<NewTable> stormTables() {
+  std::vector<NewTable> tables = {{.name = stormTableNames[records],
+                                   .columns = {{.name = "ID", .type = ColumnType::longInteger},
+                                               {.name = "Version", .type = ColumnType::longInteger},
+                                               {.name = "Name", .type = ColumnType::text, .size = 60},
+                                               {.name = "Notes", .type = ColumnType::memo}},
+                                   .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
+                                               {.name = "ByName", .columns = {{"Name", false}}}}}};
+  for (const StormTable table : {followers, loose, held}) {
+    tables.push_back({.name = stormTableNames[table],
+                      .columns = {{.name = "ID", .type = ColumnType::longInteger},
+                                  {.name = "Parent", .type = ColumnType::longInteger},
+                                  {.name = "Note", .type = ColumnType::memo}},
+                      .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true}}});
+  }
+  return tables;
+}
+
+std::vector<NewRelation> newRelations() {
+  std::vector<NewRelation> made;
+  for (const StormRelation& relation : stormRelations) {
+    made.push_back({.name = std::string("Of") + stormTableNames[relation.child],
+                    .parent = stormTableNames[relation.parent],
+                    .parentColumns = {"ID"},
+                    .child = stormTableNames[relation.child],
+                    .childColumns = {"Parent"},
+                    .cascadeUpdates = relation.cascadeUpdates,
+                    .onDelete = relation.onDelete});
+  }
+  return made;
 }
 
 // The open file of a process.
@@ -57,55 +73,69 @@ class Session {
     reason = pager.status().reason();
     if (pager) {
       file_->pager = *std::move(pager);
-      openTable();
+      openTables();
     }
   }
-  void openTable() {
-    auto definition = findTable(*file_->pager, "T");
-    reason = definition.status().reason();
-    if (definition) {
-      table_.emplace(file_, *std::move(definition));
+  void openTables() {
+    for (std::size_t i = 0; i < tables_.size(); ++i) {
+      auto definition = findTable(*file_->pager, stormTableNames[i]);
+      if (!definition) {
+        reason = definition.status().reason();
+        return;
+      }
+      tables_[i].emplace(file_, *std::move(definition));
     }
   }
   /// Whether everything is durable now.
-  bool closeTable() {
-    const Status closed = table_->close();
-    table_.reset();
-    return static_cast<bool>(closed);
+  bool closeTables() {
+    bool durable = true;
+    for (auto& table : tables_) {
+      durable = table->close() && durable;
+      table.reset();
+    }
+    return durable;
   }
-  [[nodiscard]] bool opened() const { return table_.has_value(); }
+  [[nodiscard]] bool opened() const { return tables_.back().has_value(); }
   [[nodiscard]] Pager& pager() const { return *file_->pager; }
 
-  bool find(int id) {
-    table_->moveFirst();
-    return table_->find("ID", TextMatcher(std::to_string(id), CaseRule::exact));
-  }
-  bool store(int id, int version, bool add) {
-    if (add) {
-      table_->addNew();
-      table_->write("ID", id);
-    } else if (!find(id) || !table_->edit()) {
-      return false;
+  bool make(const StormChange& change) {
+    AccessRecordset& table = *tables_[change.table];
+    if (change.kind == StormChange::Kind::add) {
+      table.addNew();
+      table.write("ID", change.id);
+      table.write("Note", std::string(static_cast<std::size_t>(change.id) * 20, 'n'));
+    } else {
+      table.moveFirst();
+      if (!table.find("ID", TextMatcher(std::to_string(change.id), CaseRule::exact)) ||
+          (change.kind != StormChange::Kind::remove && !table.edit())) {
+        return false;
+      }
     }
-    table_->write("Version", version);
-    table_->write("Name", nameOf(version));
-    table_->write("Notes", notesOf(version));
-    return static_cast<bool>(table_->update());
+    if (change.kind == StormChange::Kind::remove) {
+      return static_cast<bool>(table.remove());
+    }
+    if (change.kind == StormChange::Kind::rename) {
+      table.write("ID", change.newId);
+    } else if (change.table == records) {
+      table.write("Version", change.row.version);
+      table.write("Name", nameOf(change.row.version));
+      table.write("Notes", notesOf(change.row.version));
+    } else {
+      table.write("Parent", change.row.parent ? Value(*change.row.parent) : Value(Null{}));
+    }
+    return static_cast<bool>(table.update());
   }
-  bool remove(int id) { return find(id) && table_->remove(); }
 
   /// Empty if a record is not as its version has it.
-  std::optional<Model> readAll() {
-    Model model;
-    std::string text;
-    for (table_->moveFirst(); table_->atEnd() == false; table_->moveNext()) {
-      const int id = table_->readText("ID", text) ? std::stoi(text) : 0;
-      const int version = table_->readText("Version", text) ? std::stoi(text) : 0;
-      std::string name;
-      std::string notes;
-      if (!table_->readText("Name", name) || name != nameOf(version) || !table_->readText("Notes", notes) ||
-          notes != notesOf(version) || !model.emplace(id, version).second) {
-        return std::nullopt;
+  std::optional<StormModel> readAll() {
+    StormModel model;
+    for (const StormTable table : {records, followers, loose, held}) {
+      AccessRecordset& from = *tables_[table];
+      for (from.moveFirst(); from.atEnd() == false; from.moveNext()) {
+        const auto row = table == records ? readRecord(from) : readChild(from);
+        if (!row || !model[table].emplace(number(from, "ID").value_or(-1), *row).second) {
+          return std::nullopt;
+        }
       }
     }
     return model;
@@ -114,33 +144,29 @@ class Session {
   std::string reason;
 
  private:
-  std::shared_ptr<OpenFile> file_;
-  std::optional<AccessRecordset> table_;
-};
+  static std::optional<int> number(AccessRecordset& table, const char* field) {
+    std::string text;
+    return table.readText(field, text) ? std::optional(std::stoi(text)) : std::nullopt;
+  }
+  static std::optional<StormRow> readRecord(AccessRecordset& table) {
+    const int version = number(table, "Version").value_or(0);
+    std::string name;
+    std::string notes;
+    const bool whole = table.readText("Name", name) && name == nameOf(version) &&
+                       table.readText("Notes", notes) && notes == notesOf(version);
+    return whole ? std::optional(StormRow{version, {}}) : std::nullopt;
+  }
+  static std::optional<StormRow> readChild(AccessRecordset& table) {
+    return StormRow{0, number(table, "Parent")};
+  }
 
-// One change; `after` is what the model is if it worked.
-bool change(Session& session, Random& random, const Model& before, Model& after) {
-  after = before;
-  const int version = below(random, 100000);
-  const int kind = below(random, 10);
-  if (kind < 4 || before.empty()) {
-    const int id = below(random, 400);
-    const bool stored = session.store(id, version, true);
-    after.emplace(id, version);
-    return stored;
-  }
-  const int id = std::next(before.begin(), below(random, static_cast<int>(before.size())))->first;
-  if (kind < 7) {
-    after[id] = version;
-    return session.store(id, version, false);
-  }
-  after.erase(id);
-  return session.remove(id);
-}
+  std::shared_ptr<OpenFile> file_;
+  std::array<std::optional<AccessRecordset>, 4> tables_;
+};
 
 // A state of the file.
 struct State {
-  Model model;
+  StormModel model;
   PageNumber pages;
 };
 
@@ -149,10 +175,13 @@ struct State {
 struct History {
   std::vector<State> states;
   std::size_t durable = 0;
-  std::optional<Model> underWay;
+  std::optional<StormModel> underWay;
+  std::string wrong;  ///< a change that was refused and should not have been, or the reverse
+  int changes = 0;
+  int refusals = 0;
 
   [[nodiscard]] bool allows(const State& found, Disaster disaster) const {
-    const std::size_t from = disaster == Disaster::death ? states.size() - 1 : durable;
+    const std::size_t from = disaster == Disaster::powerFailure ? durable : states.size() - 1;
     return found.model == underWay ||
            std::any_of(
                states.begin() + static_cast<std::ptrdiff_t>(from), states.end(),
@@ -160,57 +189,76 @@ struct History {
   }
 };
 
-void work(SimulatedDisk& disk, const std::string& password, Random& random, History& history) {
+void step(Session& session, SimulatedDisk& disk, Random& random, History& history) {
+  const StormChange change = drawChange(random, history.states.back().model);
+  auto after = expected(history.states.back().model, change);
+  const bool done = session.make(change);
+  ++history.changes;
+  history.refusals += after ? 0 : 1;
+  const bool excused = disk.dead() || disk.full();
+  if (done ? !after : after && !excused) {
+    history.wrong = std::string(done ? "not refused" : "refused") + ": kind " +
+                    std::to_string(static_cast<int>(change.kind)) + " in " + stormTableNames[change.table] +
+                    ", " + std::to_string(change.id) + describe(history.states.back().model);
+  } else if (done && after) {
+    history.states.push_back({*std::move(after), session.pager().pageCount()});
+  } else if (disk.dead()) {
+    history.underWay = std::move(after);
+  }
+}
+
+void work(SimulatedDisk& disk, const std::string& password, Random& random, Disaster disaster,
+          History& history) {
   constexpr std::array<std::uint32_t, 3> caches = {16, 64, 4096};
   for (int sessions = 1 + below(random, 2); sessions > 0 && !disk.dead(); --sessions) {
     Session session(disk, caches[random() % caches.size()], password);
-    for (int steps = below(random, 40); steps > 0 && session.opened() && !disk.dead(); --steps) {
+    for (int steps = below(random, 40);
+         steps > 0 && session.opened() && !disk.dead() && history.wrong.empty(); --steps) {
       if (below(random, 15) == 0) {
-        const bool closed = session.closeTable();
+        const bool closed = session.closeTables();
         history.durable = closed && !disk.dead() ? history.states.size() - 1 : history.durable;
-        session.openTable();
+        session.openTables();
         continue;
       }
-      Model after;
-      const bool done = change(session, random, history.states.back().model, after);
-      if (disk.dead()) {
-        history.underWay = std::move(after);
-      } else if (done) {
-        history.states.push_back({std::move(after), session.pager().pageCount()});
-      }
+      step(session, disk, random, history);
     }
-    if (sessions == 1) {
+    if (disk.full() && session.opened() && session.readAll() != history.states.back().model) {
+      history.wrong = "a refused change shows";
+    }
+    if (sessions == 1 && disaster != Disaster::fullDisk) {
       disk.dieAfter(0);
       disk.remove(fileName);  // the end came after the last change
-    } else if (session.opened() && session.closeTable() && !disk.dead()) {
+    } else if (session.opened() && session.closeTables() && !disk.dead()) {
       history.durable = history.states.size() - 1;
     }
   }
 }
 
-std::string text(const Model& model) {
-  std::string all;
-  for (const auto& [id, version] : model) {
-    all += " " + std::to_string(id) + ":" + std::to_string(version);
-  }
-  return all;
-}
-
 }  // namespace
 
-Storm::Storm(const EncryptedSample* encryption)
-    : encryption_(encryption), password_(encryption != nullptr ? encryption->password : "") {
+Storm::Storm(const EncryptedSample* encryption, std::uint32_t pageKey)
+    : secret_(encryption != nullptr || pageKey != 0),
+      password_(encryption != nullptr ? encryption->password : "") {
   const tests::TemporaryFolder folder;
-  createDatabase(folder / "base.mdb", {stormTable()});
+  createDatabase(folder / "base.mdb", stormTables(), {.pageKey = pageKey, .relations = newRelations()});
   SimulatedDisk disk;
   const std::string plain = readWholeFile(folder / "base.mdb").value_or("");
   disk.put(fileName, encryption != nullptr ? encrypted(plain, *encryption) : plain);
   {
     Session session(disk, 4096, password_);
-    for (int id = 0; id < 120; id += 3) {
-      if (session.opened() && session.store(id, id * 11, true)) {
-        baseModel_[id] = id * 11;
+    const auto add = [&](StormTable table, int id, const StormRow& row) {
+      const StormChange change = {StormChange::Kind::add, table, id, row, 0};
+      if (session.opened() && session.make(change)) {
+        baseModel_[table][id] = row;
       }
+    };
+    for (int id = 0; id < 120; id += 3) {
+      add(records, id, {id * 11, {}});
+    }
+    for (int id = 0; id < 40; ++id) {
+      add(followers, id, {0, id / 2 * 3});
+      add(loose, id, {0, id * 3});
+      add(held, id, {0, id % 2 == 0 ? std::optional(id / 4) : std::nullopt});
     }
   }
   base_ = disk.content(fileName);
@@ -220,17 +268,26 @@ bool Storm::holdsPlainText(const SimulatedDisk& disk) const {
   const auto holds = [&](const char* file) {
     return disk.exists(file) && disk.content(file).find("name ") != std::string::npos;
   };
-  return encryption_ != nullptr && (holds(fileName) || holds(journalName));
+  return secret_ && (holds(fileName) || holds(journalName));
 }
 
 std::string Storm::run(unsigned seed, Disaster disaster) {
   Random random(seed);
   SimulatedDisk disk;
   disk.put(fileName, base_);
-  History history = {{{baseModel_, static_cast<PageNumber>(base_.size() / pageSize)}}, 0, std::nullopt};
-  disk.dieAfter(below(random, 120));
-  work(disk, password_, random, history);
-  const auto strike = [&] { disaster == Disaster::death ? disk.revive() : disk.losePower(random); };
+  History history;
+  history.states = {{baseModel_, static_cast<PageNumber>(base_.size() / pageSize)}};
+  disaster == Disaster::fullDisk ? disk.fillAfter(below(random, 120)) : disk.dieAfter(below(random, 120));
+  work(disk, password_, random, disaster, history);
+  if (!history.wrong.empty()) {
+    return history.wrong;
+  }
+  changes += history.changes;
+  refusals += history.refusals;
+  if (disaster != Disaster::fullDisk) {
+    ++cuts[(disk.calls.empty() ? "the open" : disk.calls.back()) + ", " + disk.notMade];
+  }
+  const auto strike = [&] { disaster == Disaster::powerFailure ? disk.losePower(random) : disk.revive(); };
   strike();
   journalsApplied += disk.exists(journalName) ? 1 : 0;
   if (below(random, 3) == 0) {
@@ -255,8 +312,8 @@ std::string Storm::run(unsigned seed, Disaster disaster) {
     return "a record is not as it was stored";
   }
   if (!history.allows({*found, session.pager().pageCount()}, disaster) || !session.pager().writable()) {
-    return "records or a length that the file never had:" + text(*found) +
-           "\ninstead of:" + text(history.states.back().model);
+    return "records or a length that the file never had:" + describe(*found) +
+           "\ninstead of:" + describe(history.states.back().model);
   }
   return disk.exists(journalName) ? "the journal is still there" : "";
 }
