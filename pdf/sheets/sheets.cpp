@@ -23,7 +23,7 @@ std::string drawable(std::string_view text) {
     if (c == '\t') {
       drawn.append(tabWidth - (drawn.size() - lineStart) % tabWidth, ' ');
     } else if (c != '\r') {
-      if (c == '\f' && drawn.size() != lineStart) {
+      if (c == '\f' && !drawn.empty() && drawn.back() != '\n') {
         drawn += '\n';
       }
       const bool control = static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\f';
