@@ -1,11 +1,12 @@
-// veltrano: the library on the command line. Results go to standard output, everything else to the error output.
-// Exit codes: 0 done, 1 not done or something is wrong, 2 wrong use.
+// veltrano: the library on the command line. Results go to standard output, everything else to the
+// error output. Exit codes: 0 done, 1 not done or something is wrong, 2 wrong use.
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <new>
 
+#include "base/text/excerpt.h"
 #include "database/access/authoring/schema_text.h"
 #include "tools/program.h"
 #include "veltrano/version.h"
@@ -62,6 +63,7 @@ void addDatabaseCommands(CLI::App& program, Arguments& given) {
   CLI::App* in = command("import", "Add the records of a CSV file to a table: all of them or none");
   in->add_option("TABLE", given.table, "The table")->required();
   in->add_option("CSV", given.csv, "The records, in UTF-8; the first line names the fields")->required();
+  in->footer("No text is a null, \"\" an empty text. With one field an empty line is a null.");
   in->callback([&given] { importTable(given.database, given.table, given.csv); });
 
   command("check", "Check a whole file")->callback([&given] { given.well = checkFile(given.database); });
@@ -98,7 +100,8 @@ int run(std::vector<std::string> arguments) {
     std::ranges::reverse(arguments);  // as the parser wants them
     program.parse(arguments);
   } catch (const CLI::ParseError& error) {
-    return program.exit(error) == 0 ? 0 : 2;
+    const int code = program.exit(error);
+    return code != 0 ? 2 : std::cout.flush() ? 0 : 1;
   }
   return given.well ? 0 : 1;
 }
@@ -111,7 +114,8 @@ int main(int count, char** arguments) {
   } catch (const std::bad_alloc&) {
     std::fputs("veltrano: not enough memory\n", stderr);
   } catch (const std::exception& problem) {
-    std::fprintf(stderr, "veltrano: %s\n", problem.what());
+    if (veltrano::interrupted()) veltrano::endInterrupted();
+    std::fprintf(stderr, "veltrano: %s\n", veltrano::printable(problem.what()).c_str());
   }
   return 1;
 }

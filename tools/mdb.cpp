@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <memory>
 
-#include "base/files/whole.h"
 #include "database/access/authoring/schema_text.h"
 #include "database/access/check/database_check.h"
 #include "database/access/schema/catalog.h"
@@ -29,11 +28,8 @@ std::unique_ptr<Pager> openToRead(const DatabaseFile& file) {
 }  // namespace
 
 void createDatabaseFrom(const DatabaseFile& file, const std::string& schema) {
-  const auto text = readWholeFile(pathFromUtf8(schema));
-  if (!text || !access::isDatabaseText(*text)) {
-    throw Problem(schema, text ? "not a text in UTF-8" : "cannot be read");
-  }
-  const auto tables = orProblem(access::parseSchema(*text), schema);
+  const auto tables = orProblem(access::parseSchema(readInput(schema)), schema);
+  noteInterruptions({});
   orProblem(access::createDatabase(pathFromUtf8(file.name), tables, {.password = file.password}), file.name);
 }
 
@@ -62,11 +58,10 @@ void listTables(const DatabaseFile& file, bool asSchema) {
 void exportTable(const DatabaseFile& file, const Export& options) {
   constexpr std::size_t large = std::size_t{1} << 16;
   const std::string subject = file.name + ": " + options.table;
-  keepApart(file.name, options.output);
   const auto pager = openToRead(file);
   const auto walk = options.rescue ? access::Walk::storageOrder : access::Walk::keyOrder;
   const auto reader = orProblem(access::TableReader::open(*pager, options.table, walk), subject);
-  Output output(options.output);
+  Output output(options.output, file.name);
   Progress progress("exporting");
   const auto damaged = exportRecords(
       *reader, options.asJson ? access::TextForm::jsonLines : access::TextForm::csv,
@@ -87,6 +82,7 @@ void exportTable(const DatabaseFile& file, const Export& options) {
 void importTable(const DatabaseFile& file, const std::string& table, const std::string& csv) {
   auto reader = orProblem(access::CsvReader::open(pathFromUtf8(csv)), csv);
   const auto pager = openToWrite(file);
+  noteInterruptions({});
   Progress progress("importing");
   const Status done = importRecords(reader, *pager, table, [&](double part) { progress.at(part); });
   orProblem(done, csv + " into " + file.name + ": " + table);

@@ -1,14 +1,27 @@
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "tools/program.h"
 
 namespace veltrano::tools {
 
+Output::Output(const std::string& name, const std::string& input)
+    : name_(name.empty() ? "standard output" : name) {
+  if (!name.empty()) {
+    const auto read = fileNumber(pathFromUtf8(input));
+    if (read && read == fileNumber(pathFromUtf8(name))) throw Problem(name, "is what is being read");
+    noteInterruptions({});
+    file_.emplace(orProblem(NewFile::create(pathFromUtf8(name)), name));
+    noteInterruptions(file_->unfinished());
+  }
+}
+
 void Output::write(std::string& text) {
   if (file_) {
     orProblem(file_->write(text), name_);
   } else if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-    throw Problem(name_, "cannot be written");
+    throw Problem(name_, std::strerror(errno));
   }
   text.clear();
 }

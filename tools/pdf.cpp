@@ -1,7 +1,7 @@
 // A text or a table as a PDF.
 
-#include "base/files/whole.h"
-#include "database/access/transfer/table_text.h"
+#include "base/text/wtf8.h"
+#include "database/access/transfer/csv.h"
 #include "pdf/sheets/sheets.h"
 #include "tools/program.h"
 #include "veltrano/text.h"
@@ -13,16 +13,14 @@ namespace {
 
 /// Text that is not UTF-8 is taken to be in the code page.
 std::string toAnsi(const std::string& text) {
-  return access::isDatabaseText(text) ? utf8ToAnsi(text) : text;
+  return isWtf8(text) ? utf8ToAnsi(text) : text;
 }
 
 std::string readText(const std::string& name) {
-  auto text = readWholeFile(pathFromUtf8(name));
-  if (!text) {
-    throw Problem(name, "cannot be read");
-  }
-  constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-  return toAnsi(text->substr(text->starts_with(byteOrderMark) ? byteOrderMark.size() : 0));
+  std::string text = readInput(name);
+  if (text.find('\0') != std::string::npos) throw Problem(name, "UTF-16, or not a text");
+  if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+  return toAnsi(text);
 }
 
 std::vector<std::vector<std::string>> readTable(const std::string& name) {
@@ -32,6 +30,7 @@ std::vector<std::vector<std::string>> readTable(const std::string& name) {
   while (reader.next(fields)) {
     auto& row = rows.emplace_back();
     for (const auto& field : fields) row.push_back(toAnsi(field.text));
+    if (reader.read() > mostInput) throw Problem(name, "it has more than 256 MB");
   }
   orProblem(reader.status(), name + ": line " + std::to_string(reader.line()));
   if (rows.empty()) {
@@ -44,9 +43,12 @@ std::vector<std::vector<std::string>> readTable(const std::string& name) {
 
 void makePages(const Pages& options) {
   const auto input = pathFromUtf8(options.input);
-  keepApart(options.input, options.output);
+  const auto kind = input.extension();
+  const bool asTable = options.asTable || kind == ".csv" || kind == ".tsv";
   const std::string title = utf8ToAnsi(options.title.empty() ? pathToUtf8(input.stem()) : options.title);
-  auto output = orProblem(NewFile::create(pathFromUtf8(options.output)), options.output);
+  const auto text = asTable ? std::string() : readText(options.input);
+  auto rows = asTable ? readTable(options.input) : std::vector<std::vector<std::string>>();
+  Output output(options.output, options.input);
   sheets::Book book(options.letter ? 612 : 595, options.letter ? 792 : 842);
   if (options.landscape) {
     book.turn();
@@ -55,22 +57,16 @@ void makePages(const Pages& options) {
   book.pdf.PDFCreator(std::string("veltrano ") + versionText);
   Progress progress("drawing");
   const auto tick = [&progress](double done) { progress.at(done); };
-  const auto kind = input.extension();
-  if (options.asTable || kind == ".csv" || kind == ".tsv") {
-    orProblem(makeTableSheets(book, title, readTable(options.input), !options.landscape, tick),
-              options.input);
-  } else {
-    const auto font = options.font == "mono"   ? FONT_COURIER
-                      : options.font == "sans" ? FONT_ARIAL
-                                               : FONT_TIMES;
-    orProblem(makeTextSheets(book, title, readText(options.input), font, tick), options.input);
-  }
+  const auto font = options.font == "mono" ? FONT_COURIER : options.font == "sans" ? FONT_ARIAL : FONT_TIMES;
+  orProblem(asTable ? makeTableSheets(book, title, std::move(rows), !options.landscape, tick)
+                    : makeTextSheets(book, title, text, font, tick),
+            options.input);
   // The class does not say whether it could write.
   std::error_code error;
   if (std::filesystem::file_size(output.unfinished(), error) == 0 || error) {
     throw Problem(options.output, "cannot be written");
   }
-  orProblem(output.complete(), options.output);
+  output.finish();
 }
 
 }  // namespace veltrano::tools

@@ -1,10 +1,13 @@
 #include <unistd.h>
 
+#include <csignal>
+
 #include "tools/program.h"
 
 namespace veltrano::tools {
 
 std::vector<std::string> prepare(int count, char** arguments) {
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is a failure to write, not the end
   return {arguments + 1, arguments + count};
 }
 

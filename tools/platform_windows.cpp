@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 
 #include "base/files/whole.h"
 #include "database/dao/engine_windows.h"
@@ -101,7 +102,9 @@ Finding examineDll(int bits) {
 
 std::vector<std::string> prepare(int /*count*/, char** /*arguments*/) {
   _setmode(_fileno(stdout), _O_BINARY);
+  static const UINT before = GetConsoleOutputCP();
   SetConsoleOutputCP(CP_UTF8);
+  std::atexit([] { SetConsoleOutputCP(before); });
   int count = 0;
   wchar_t** wide = CommandLineToArgvW(GetCommandLineW(), &count);
   std::vector<std::string> arguments;

@@ -10,14 +10,14 @@
 #include <utility>
 #include <vector>
 
-#include "base/files/identity.h"
 #include "base/files/new_file.h"
-#include "base/files/paths.h"
+#include "base/files/whole.h"
+#include "base/os/interruption.h"
 
 namespace veltrano::tools {
 
-// --- Commands (doctor.cpp, mdb.cpp, pdf.cpp). One that cannot do what it is asked throws a Problem, and has then
-// changed and left nothing.
+// --- Commands (doctor.cpp, mdb.cpp, pdf.cpp). One that cannot do what it is asked throws a Problem, and has
+// then changed and left nothing.
 
 /// Prints what an installation consists of and what is wrong with it; true if nothing is.
 bool diagnose();
@@ -56,13 +56,6 @@ void makePages(const Pages& options);
 struct Problem : std::runtime_error {
   Problem(const std::string& file, const std::string& reason) : runtime_error(file + ": " + reason) {}
 };
-/// Nothing is written over what is being read, whatever names lead there.
-inline void keepApart(const std::string& input, const std::string& output) {
-  const auto read = fileNumber(pathFromUtf8(input));
-  if (read && read == fileNumber(pathFromUtf8(output))) {
-    throw Problem(output, "is what is being read");
-  }
-}
 inline void orProblem(const Status& status, const std::string& file) {
   if (!status) throw Problem(file, status.reason());
 }
@@ -71,26 +64,31 @@ T orProblem(Result<T> result, const std::string& file) {
   orProblem(result.status(), file);
   return *std::move(result);
 }
+/// Bytes of an input that is held in memory.
+inline constexpr std::size_t mostInput = std::size_t{256} << 20;
+inline std::string readInput(const std::string& name) {
+  return orProblem(readFile(pathFromUtf8(name), mostInput), name);
+}
 
-/// Standard output, or a file that appears when it is complete.
+/// Standard output, or a file that appears when it is complete. Interruptions leave nothing of it.
 class Output {
  public:
-  /// Empty for standard output.
-  explicit Output(const std::string& name = {}) : name_(name.empty() ? "standard output" : name) {
-    if (!name.empty()) file_.emplace(orProblem(NewFile::create(pathFromUtf8(name)), name));
-  }
+  /// Empty for standard output. Nothing is written over the input, whatever names lead there.
+  explicit Output(const std::string& name = {}, const std::string& input = {});
   /// Takes the text away.
   void write(std::string& text);
   void finish() {
     if (file_) orProblem(file_->complete(), name_);
   }
+  /// Where another writer may write the file.
+  [[nodiscard]] const std::filesystem::path& unfinished() const { return file_->unfinished(); }
 
  private:
   std::string name_;
   std::optional<NewFile> file_;
 };
 
-/// A bar on the terminal's error output while something takes longer than a second.
+/// A bar on the terminal while something takes longer than a second. Stops what is interrupted.
 class Progress {
  public:
   explicit Progress(const char* what) : what_(what) {}
@@ -99,6 +97,7 @@ class Progress {
   ~Progress();
   /// To be called often, with the part that is done, 0 to 1; cheap.
   void at(double done) {
+    if (interrupted()) throw Problem(what_, "interrupted");
     if ((++calls_ & 255U) == 0) show(done);
   }
 
@@ -112,7 +111,8 @@ class Progress {
 
 // --- The system (platform_*.cpp)
 
-/// The program's arguments without its name, as UTF-8. Also makes standard output carry UTF-8 without changed line ends.
+/// The program's arguments without its name, as UTF-8. Also makes standard output carry UTF-8 without changed
+/// line ends.
 std::vector<std::string> prepare(int count, char** arguments);
 bool errorsGoToTerminal();
 struct Finding {

@@ -11,6 +11,7 @@
 
 #include "base/files/calls.h"
 #include "base/files/file.h"
+#include "base/os/interruption.h"
 
 namespace veltrano {
 
@@ -43,7 +44,7 @@ Status failureOf(int error) {
         return Failure::other;
     }
   };
-  return {kind(), std::strerror(error)};
+  return {kind(), kind() == Failure::inUse ? "another program has the file open" : std::strerror(error)};
 }
 
 Status answerOf(int result) {
@@ -112,14 +113,14 @@ Status lock(int descriptor, Opening opening, int operation) {
   return isText && errno != EWOULDBLOCK ? Status() : failureOf(errno);
 }
 
-/// Bytes moved by `call`, which is repeated while signals interrupt it.
+/// Bytes moved by `call`, which is repeated after signals, unless they are to end the program.
 template <typename Call>
 Result<std::size_t> uninterrupted(Call call) {
   for (;;) {
     if (const ssize_t count = call(); count >= 0) {
       return static_cast<std::size_t>(count);
     }
-    if (errno != EINTR) {
+    if (errno != EINTR || interrupted()) {
       return failureOf(errno);
     }
   }

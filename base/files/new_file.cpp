@@ -10,9 +10,12 @@ NewFile::NewFile(std::filesystem::path target, std::filesystem::path unfinished)
 
 Result<NewFile> NewFile::create(const std::filesystem::path& name) {
   auto target = linkTarget(name);
-  const FileKind kind = kindOf(target);
-  if (target.empty() || kind == FileKind::folder || kind == FileKind::device) {
-    return {Failure::notAllowed, "not the name of a file"};
+  const FileKind kind = kindOf(name);  // "/dev/stdout" leads to something that has no name
+  if (target.empty() || kind == FileKind::folder) {
+    return {Failure::notAllowed, target.empty() ? "no name" : "a folder has this name"};
+  }
+  if (kind == FileKind::device) {
+    return {Failure::notAllowed, "a device or pipe, not a file"};
   }
   const auto number = randomNumber();
   if (!number) {

@@ -8,20 +8,17 @@
 
 namespace veltrano {
 
-std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
-  return readFileStart(file, PTRDIFF_MAX);
-}
+namespace {
 
-std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit) {
+/// The first `limit` bytes.
+Result<std::string> readStart(const std::filesystem::path& file, std::size_t limit) {
   auto opened = File::open(file, Opening::read);
   auto size = opened ? opened->size() : Result<std::uint64_t>(opened.status());
   if (!size) {
-    trace("The file ", file, " cannot be read: ", size.status(), ".");
-    return std::nullopt;
+    return size.status();
   }
   if (std::min<std::uint64_t>(*size, limit) >= PTRDIFF_MAX) {
-    trace("The file ", file, " is too large for the memory.");
-    return std::nullopt;
+    return {Failure::other, "too large for the memory"};
   }
   std::string content;
   std::size_t length = 0;
@@ -31,8 +28,7 @@ std::optional<std::string> readFileStart(const std::filesystem::path& file, std:
     content.resize(static_cast<std::size_t>(std::min<std::uint64_t>(room, limit)));
     const auto count = opened->read(std::span(content).subspan(length));
     if (!count) {
-      trace("The file ", file, " cannot be read to its end: ", count.status(), ".");
-      return std::nullopt;
+      return count.status();
     }
     length += *count;
     if (length < content.size()) {
@@ -41,6 +37,32 @@ std::optional<std::string> readFileStart(const std::filesystem::path& file, std:
   }
   content.resize(length);
   return content;
+}
+
+}  // namespace
+
+std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit) {
+  auto content = readStart(file, limit);
+  if (!content) {
+    trace("The file ", file, " cannot be read: ", content.status(), ".");
+    return std::nullopt;
+  }
+  return *std::move(content);
+}
+
+Result<std::string> readFile(const std::filesystem::path& file, std::size_t most) {
+  auto content = readStart(file, most + 1);
+  if (!content && kindOf(file) == FileKind::folder) {
+    return {Failure::other, "a folder has this name"};
+  }
+  if (content && content->size() > most) {
+    return {Failure::other, "it has more than " + std::to_string(most >> 20) + " MB"};
+  }
+  return content;
+}
+
+std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
+  return readFileStart(file, PTRDIFF_MAX);
 }
 
 std::optional<std::vector<std::filesystem::path>> listFiles(const std::filesystem::path& folder) {

@@ -12,11 +12,15 @@
 #include "base/files/identity.h"
 #include "base/files/paths.h"
 #include "base/files/replace.h"
+#include "base/status.h"
 
 namespace veltrano {
 
 /// The whole file as bytes. Empty if it is missing, a folder or unreadable. Others may use the file meanwhile.
 std::optional<std::string> readWholeFile(const std::filesystem::path& file);
+
+/// The whole file as bytes; fails with the reason, also if there are more than `most`.
+Result<std::string> readFile(const std::filesystem::path& file, std::size_t most);
 
 /// The first `limit` bytes, or all of a shorter file; otherwise like readWholeFile.
 std::optional<std::string> readFileStart(const std::filesystem::path& file, std::size_t limit);

@@ -6,6 +6,7 @@
 // Everything else is UTF-8, and UTF-8 texts mean the same in both. Used between the automation boundary and
 // database files; files that promise UTF-8 must never get such a text.
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 
@@ -20,6 +21,12 @@ inline std::string utf16ToWtf8(std::u16string_view text) {
 /// The inverse. Other malformed sequences become U+FFFD, one for each maximal broken part.
 inline std::u16string wtf8ToUtf16(std::string_view text) {
   return utf8ToUtf16(text, LoneSurrogate::kept);
+}
+
+/// True if a text is UTF-8 but for unpaired surrogates.
+inline bool isWtf8(std::string_view text) {
+  const bool ascii = std::ranges::all_of(text, [](char c) { return static_cast<signed char>(c) >= 0; });
+  return ascii || utf16ToWtf8(wtf8ToUtf16(text)) == text;
 }
 
 }  // namespace veltrano

@@ -1,5 +1,6 @@
 #include "pdf/sheets/book.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "pdf/fonts/font.h"
@@ -44,6 +45,19 @@ std::vector<std::string_view> Face::wrap(std::string_view text, double most) con
   return lines;
 }
 
+std::string Face::shortened(std::string_view text, double most) const {
+  constexpr std::string_view dots = "...";
+  if (width(text) <= most) {
+    return std::string(text);
+  }
+  double sum = width(dots);
+  std::size_t length = 0;
+  while (length < text.size() && sum + widths_[static_cast<unsigned char>(text[length])] <= most) {
+    sum += widths_[static_cast<unsigned char>(text[length++])];
+  }
+  return std::string(text.substr(0, length)).append(dots);
+}
+
 Status Book::make(const std::string& title, const std::function<void()>& head,
                   const std::function<void()>& compose) {
   const Face small(pdf, FONT_ARIAL, FONT_NORMAL, 8);
@@ -54,10 +68,12 @@ Status Book::make(const std::string& title, const std::function<void()>& head,
   small_ = &small;
   large_ = &large;
   title_ = title;
+  std::ranges::replace_if(
+      title_, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
   head_ = head;
   pdf.PDFSetUnit(UNIT_PT);
   pdf.PDFFormatPage(Value(Value::Doubles{pageWidth_, pageHeight_}));
-  pdf.PDFTitle(title);
+  pdf.PDFTitle(title_);
   for (const bool drawing : {false, true}) {
     drawing_ = drawing;
     pages_ = std::exchange(page_, 0);
@@ -78,18 +94,26 @@ void Book::nextPage() {
   }
   const std::string number = std::to_string(page_) + " / " + std::to_string(pages_);
   y = pageHeight_ - 30;
-  write(*small_, title_, 0, 0, grey);
-  write(*small_, number, width() - small_->width(number), 0, grey);
+  const double left = width() - small_->width(number);
+  write(*small_, small_->shortened(title_, left - margin), 0, 0, grey);
+  write(*small_, number, left, 0, grey);
   y = margin;
   if (page_ == 1) {
-    for (const std::string_view line : large_->wrap(title_, width())) {
-      write(*large_, line, 0, 14, accent);
-      y += large_->lead();
-    }
+    writeTitle();
     fill(0, 0, width(), 1, accent);
     y += 14;
   }
   head_();
+}
+
+void Book::writeTitle() {
+  constexpr std::size_t mostLines = 3;
+  const auto lines = large_->wrap(title_, width());
+  for (std::size_t i = 0; i < std::min(mostLines, lines.size()); ++i, y += large_->lead()) {
+    const auto rest = static_cast<std::size_t>(lines[i].data() - title_.data());
+    write(*large_, i + 1 == mostLines ? large_->shortened(title_.substr(rest), width()) : lines[i], 0, 14,
+          accent);
+  }
 }
 
 void Book::need(double length) {

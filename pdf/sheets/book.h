@@ -1,8 +1,8 @@
 #ifndef VELTRANO_PDF_SHEETS_BOOK_H
 #define VELTRANO_PDF_SHEETS_BOOK_H
 
-// Pages with a title and their numbers, drawn with the public class. For tools: no public member needs it. Lengths are
-// points, texts are in the ANSI code page.
+// Pages with a title and their numbers, drawn with the public class. For tools: no public member needs it.
+// Lengths are points, texts are in the ANSI code page.
 
 #include <array>
 #include <functional>
@@ -32,6 +32,8 @@ class Face {
   [[nodiscard]] double width(std::string_view text) const;
   /// Lines of at most that width, broken at line ends, or else at blanks where there are some.
   [[nodiscard]] std::vector<std::string_view> wrap(std::string_view text, double most) const;
+  /// As much of the text as fits that width, with "..." if that is not all of it.
+  [[nodiscard]] std::string shortened(std::string_view text, double most) const;
   [[nodiscard]] std::int16_t size() const { return size_; }
   /// From one baseline to the next.
   [[nodiscard]] double lead() const { return 1.3 * size_; }
@@ -56,8 +58,9 @@ class Book {
   [[nodiscard]] double width() const { return pageWidth_ - 2 * margin; }
   [[nodiscard]] double height() const { return pageHeight_ - 2 * margin; }
 
-  /// Writes the document: calls `compose` twice, first to count the pages, then to draw them. `head` draws what each
-  /// page starts with. Fails if the metrics of the fonts are missing.
+  /// Writes the document: calls `compose` twice, first to count the pages, then to draw them. `head` draws
+  /// what each page starts with. The title takes at most three lines. Fails if the metrics of the fonts are
+  /// missing.
   Status make(const std::string& title, const std::function<void()>& head,
               const std::function<void()>& compose);
 
@@ -73,6 +76,7 @@ class Book {
   void fill(double x, double top, double across, double down, const char* color);
 
  private:
+  void writeTitle();
   double pageWidth_;
   double pageHeight_;
   bool drawing_ = false;

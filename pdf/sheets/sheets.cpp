@@ -11,8 +11,10 @@ namespace {
 
 constexpr double padding = 4;  // beside the text of a cell
 constexpr double endless = 1e9;
+constexpr double comfortable = 110;  // a column that is wrapped should still hold some words
 
-/// Text that has a glyph for each character: line ends and form feeds apart, control characters become blanks.
+/// Text that has a glyph for each character: line ends and form feeds apart, control characters become
+/// blanks. A form feed starts a line.
 std::string drawable(std::string_view text) {
   constexpr std::size_t tabWidth = 8;
   std::string drawn;
@@ -21,10 +23,13 @@ std::string drawable(std::string_view text) {
     if (c == '\t') {
       drawn.append(tabWidth - (drawn.size() - lineStart) % tabWidth, ' ');
     } else if (c != '\r') {
+      if (c == '\f' && !drawn.empty() && drawn.back() != '\n') {
+        drawn += '\n';
+      }
       const bool control = static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\f';
       drawn += control ? ' ' : c;
     }
-    lineStart = c == '\n' ? drawn.size() : lineStart;
+    lineStart = c == '\n' || c == '\f' ? drawn.size() : lineStart;
   }
   return drawn;
 }
@@ -79,59 +84,102 @@ class Table {
     return limit;
   }
 
-  /// A narrow table becomes somewhat wider. With too many columns for a page the last ones leave it.
+  /// A narrow table becomes somewhat wider. Columns that would be too narrow to read are spread over several
+  /// bands.
   void fit(double available) {
-    const double most = std::max(limit(available), face_.size() + 2 * padding);
+    const double least = 4 * face_.size() + 2 * padding;
+    const double most = limit(available) < least ? comfortable : limit(available);
     const double factor = std::clamp(available / width(), 1.0, 1.4);
-    for (double& column : widths_) {
-      column = std::min(column, most) * factor;
+    bands_ = {{}};
+    double sum = 0;
+    for (std::size_t i = 0; i < widths_.size(); ++i) {
+      widths_[i] = std::min(widths_[i], most) * factor;
+      if (sum + widths_[i] > available + 1 && i > 1) {
+        bands_.push_back({0});
+        sum = widths_[0];
+      }
+      bands_.back().push_back(i);
+      sum += widths_[i];
     }
+    band_ = bands_.data();
   }
 
   Status make(const std::string& title, const Tick& tick) {
+    const double all = static_cast<double>(rows_.size() * bands_.size());
     const auto head = [this] { drawRow(rows_.front(), bold_); };
     return book_.make(title, head, [&] {
-      for (std::size_t i = 1; i < rows_.size(); ++i) {
-        drawRow(rows_[i], face_);
-        tick(static_cast<double>(i) / static_cast<double>(rows_.size()));
+      double drawn = 0;
+      for (const Band& band : bands_) {
+        if (band_ != &band) {
+          band_ = &band;
+          book_.nextPage();
+        }
+        for (const Row& row : rows_) {
+          if (&row != rows_.data() || cells(row, bold_).lines > mostLines()) {
+            drawRow(row, face_);
+          }
+          tick(drawn++ / all);
+        }
       }
+      band_ = bands_.data();
     });
   }
 
  private:
-  using Lines = std::vector<std::string_view>;
+  using Band = std::vector<std::size_t>;  ///< columns
+
+  /// The part of a row in the current band.
+  struct Cells {
+    std::vector<std::vector<std::string_view>> texts;
+    std::size_t lines = 1;
+  };
+  [[nodiscard]] Cells cells(const Row& row, const Face& face) const {
+    Cells all;
+    for (const std::size_t column : *band_) {
+      const std::string_view text = column < row.size() ? std::string_view(row[column]) : std::string_view();
+      all.texts.push_back(face.wrap(text, widths_[column] - 2 * padding + 0.01));
+      all.lines = std::max(all.lines, all.texts.back().size());
+    }
+    return all;
+  }
+  /// Of a piece of a row.
+  [[nodiscard]] std::size_t mostLines() const {
+    return static_cast<std::size_t>(book_.height() / face_.lead() / 2);
+  }
 
   void drawRow(const Row& row, const Face& face) {
-    std::vector<Lines> cells;
-    std::size_t lines = 1;
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      cells.push_back(face.wrap(row[i], widths_[i] - 2 * padding + 0.01));
-      lines = std::max(lines, cells.back().size());
-    }
+    const Cells all = cells(row, face);
     // A row that is longer than half a page goes on in further pieces; a head is cut.
-    const auto most = std::max<std::size_t>(1, static_cast<std::size_t>(book_.height() / face.lead() / 2));
-    for (std::size_t from = 0; from < (&face == &bold_ ? 1 : lines); from += most) {
-      drawPiece(cells, from, std::min(lines, from + most), face);
+    for (std::size_t from = 0; from < (&face == &bold_ ? 1 : all.lines); from += mostLines()) {
+      drawPiece(all, from, std::min(all.lines, from + mostLines()), face);
     }
   }
-  void drawPiece(const std::vector<Lines>& cells, std::size_t from, std::size_t to, const Face& face) {
+  void drawPiece(const Cells& all, std::size_t from, std::size_t to, const Face& face) {
     const bool isHead = &face == &bold_;
     const double height = static_cast<double>(to - from) * face.lead() + padding;
+    double across = 0;
+    for (const std::size_t column : *band_) {
+      across += widths_[column];
+    }
     if (isHead) {
-      book_.fill(0, 0, width(), height, pale);
+      book_.fill(0, 0, across, height, pale);
     } else {
       book_.need(height);
     }
     double left = 0;
-    for (std::size_t i = 0; i < cells.size(); left += widths_[i++]) {
+    for (std::size_t i = 0; i < all.texts.size(); ++i) {
+      const std::size_t column = (*band_)[i];
+      const auto& lines = all.texts[i];
       double baseline = face.size() + 1;
-      for (std::size_t line = from; line < std::min(to, cells[i].size()); ++line, baseline += face.lead()) {
-        const double indent = numbers_[i] ? widths_[i] - padding - face.width(cells[i][line]) : padding;
-        book_.write(face, cells[i][line], left + indent, baseline, isHead ? accent : ink);
+      for (std::size_t line = from; line < std::min(to, lines.size()); ++line, baseline += face.lead()) {
+        const double indent =
+            numbers_[column] ? widths_[column] - padding - face.width(lines[line]) : padding;
+        book_.write(face, lines[line], left + indent, baseline, isHead ? accent : ink);
       }
+      left += widths_[column];
     }
     book_.y += height;
-    book_.fill(0, -0.4, width(), 0.4, isHead ? accent : hairline);
+    book_.fill(0, -0.4, across, 0.4, isHead ? accent : hairline);
   }
 
   Book& book_;
@@ -140,6 +188,8 @@ class Table {
   Face bold_;
   std::vector<double> widths_;
   std::vector<bool> numbers_;  ///< columns of numbers only
+  std::vector<Band> bands_;
+  const Band* band_ = nullptr;  ///< the current one
 };
 
 /// The size at which every line fits, or a middle one if none does.
@@ -189,8 +239,6 @@ Status makeTableSheets(Book& book, const std::string& title, std::vector<std::ve
       std::ranges::replace(cell, '\f', ' ');
     }
   }
-  // A column that is wrapped should still hold some words.
-  constexpr double comfortable = 110;
   Table usual(book, rows, 9);
   if (usual.limit(book.width()) < comfortable && mayTurn) {
     book.turn();

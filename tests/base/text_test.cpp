@@ -2,6 +2,7 @@
 
 #include "base/text/code_page.h"
 #include "base/text/encodings.h"
+#include "base/text/excerpt.h"
 #include "base/text/lower_case.h"
 #include "base/text/utf.h"
 #include "base/text/wtf8.h"
@@ -43,6 +44,16 @@ TEST(Unicode, Wtf8KeepsLoneSurrogates) {
     EXPECT_EQ(wtf8ToUtf16(wtf8), utf16);
   }
   EXPECT_EQ(wtf8ToUtf16("\xED\xA0"), u"\uFFFD");
+}
+
+TEST(Excerpt, IsShortAndPrintable) {
+  const std::string x39(39, 'x');
+  EXPECT_EQ(excerpt("Zo\xC3\xAB"), "\"Zo\xC3\xAB\"");
+  EXPECT_EQ(excerpt("a\x1B[2J\r\n\x7F"), "\"a?[2J???\"");
+  EXPECT_EQ(excerpt(x39 + "y"), "\"" + x39 + "y\"");
+  EXPECT_EQ(excerpt(x39 + "\xC3\xAB"), "\"" + x39 + "...\"") << "not within a character";
+  EXPECT_EQ(excerpt(std::string(50, '\x80')), "\"...\"");
+  EXPECT_TRUE(isWtf8("\xED\xA0\x80 \xC3\xAB") && !isWtf8("\xC3") && !isWtf8("\xED\xA0\xBD\xED\xB8\x80"));
 }
 
 TEST(Unicode, MalformedTextBecomesReplacementCharacters) {

@@ -4,9 +4,11 @@
 #include <array>
 #include <chrono>
 
+#include "base/files/file.h"
 #include "base/files/random_access.h"
 #include "base/os/clock.h"
 #include "base/text/code_page.h"
+#include "base/text/excerpt.h"
 #include "base/text/lower_case.h"
 #include "database/access/authoring/definition_builder.h"
 #include "database/access/authoring/relation_plan.h"
@@ -112,15 +114,23 @@ Status createDatabase(const std::filesystem::path& file, const std::vector<NewTa
                       const NewDatabase& options) {
   const double created = options.created != 0 ? options.created : now();
   std::error_code error;
-  if (std::filesystem::exists(file, error) || error) {
-    return {Failure::exists, "the file exists already, or its folder is missing"};
+  const auto folder = std::filesystem::absolute(file, error).parent_path();
+  if (const FileKind kind = kindOf(file); kind != FileKind::missing) {
+    return {Failure::exists, kind == FileKind::folder ? "a folder has this name" : "the file exists already"};
+  }
+  if (file.empty() || kindOf(folder) != FileKind::folder) {
+    return {Failure::missing, file.empty() ? "no name" : "its folder is missing"};
   }
   if (utf8ToUtf16(options.password).size() > mostPasswordCharacters || !splitDate(Date{created})) {
     return {Failure::other, "the password is too long, or the date out of range"};
   }
-  // Made under another name, so that a file by this name is a whole database.
+  // Made under a name that nobody else has, so that a file by this name is a whole database.
+  const auto number = randomNumber();
+  if (!number) {
+    return number.status();
+  }
   std::filesystem::path unfinished = file;
-  unfinished += ".new";
+  unfinished += "." + std::to_string(*number) + ".new";
   Status done = writeFirstPages(unfinished, options, created);
   if (done) {
     done = fillDatabase(unfinished, tables, options, created);
@@ -147,12 +157,13 @@ Status checkNames(Pager& pager, const std::vector<NewTable>& tables) {
     taken.push_back(entry.name);
   }
   for (const NewTable& table : tables) {
-    if (Status valid = checkNewTable(table); !valid) {
-      return valid;
-    }
+    Status valid = checkNewTable(table);
     if (std::any_of(taken.begin(), taken.end(),
                     [&](const std::string& name) { return sameName(name, table.name); })) {
-      return {Failure::exists, "there is an object of that name"};
+      valid = {Failure::exists, "there is an object of that name"};
+    }
+    if (!valid) {
+      return {valid.failure(), "the table " + excerpt(table.name) + ": " + valid.reason()};
     }
     taken.push_back(table.name);
   }

@@ -5,6 +5,9 @@
 #include <optional>
 #include <utility>
 
+#include "base/text/excerpt.h"
+#include "base/text/wtf8.h"
+
 namespace veltrano::access {
 
 namespace {
@@ -84,7 +87,8 @@ class Line {
   bool number(Number& value) {
     const std::string_view digits = word();
     const char* end = digits.data() + digits.size();
-    return !digits.empty() && std::from_chars(digits.data(), end, value).ptr == end;
+    const auto [stopped, error] = std::from_chars(digits.data(), end, value);
+    return stopped == end && error == std::errc();
   }
 
  private:
@@ -99,7 +103,7 @@ std::string parseType(Line& line, NewColumn& column) {
   const std::string_view word = line.word();
   const auto* type = std::ranges::find(typeNames, word, &std::pair<std::string_view, ColumnType>::first);
   if (type == std::end(typeNames)) {
-    return "\"" + std::string(word) + "\" is not a type";
+    return excerpt(word) + " is not a type";
   }
   column.type = type->second;
   column.autoNumber = word.starts_with("auto");
@@ -112,7 +116,7 @@ std::string parseType(Line& line, NewColumn& column) {
   } else if (column.type == ColumnType::text || column.type == ColumnType::binary) {
     sound = line.number(column.size);
   }
-  return sound && line.take(')') ? std::string() : "the size of " + column.name + " is not valid";
+  return sound && line.take(')') ? std::string() : "the size of " + excerpt(column.name) + " is not valid";
 }
 
 std::string parseColumn(Line& line, NewTable& table) {
@@ -128,7 +132,7 @@ std::string parseColumn(Line& line, NewTable& table) {
       column.defaultValue = line.rest();
       break;
     } else {
-      wrong = "\"" + std::string(line.rest()) + "\" is not understood";
+      wrong = excerpt(line.rest()) + " is not understood";
     }
   }
   table.columns.push_back(std::move(column));
@@ -142,7 +146,7 @@ std::string parseIndex(Line& line, NewTable& table) {
   index.unique = kind == "unique";
   index.name = line.name();
   bool more = line.take('(');
-  if (!more) {
+  if (!more || index.name.empty()) {
     return "an index needs a name and columns: " + std::string(kind) + " NAME (COLUMN, COLUMN desc)";
   }
   while (more) {
@@ -152,7 +156,7 @@ std::string parseIndex(Line& line, NewTable& table) {
     more = line.take(',');
   }
   if (!line.take(')')) {
-    return "the columns of " + index.name + " have no end";
+    return "the columns of " + excerpt(index.name) + " have no end";
   }
   while (!line.empty()) {
     if (line.takeWord("required")) {
@@ -160,7 +164,7 @@ std::string parseIndex(Line& line, NewTable& table) {
     } else if (line.takeWord("ignorenulls")) {
       index.ignoreNulls = true;
     } else {
-      return "\"" + std::string(line.rest()) + "\" is not understood";
+      return excerpt(line.rest()) + " is not understood";
     }
   }
   table.indexes.push_back(std::move(index));
@@ -210,6 +214,9 @@ std::string typeOf(const Column& column, Version version) {
 }  // namespace
 
 Result<std::vector<NewTable>> parseSchema(std::string_view text) {
+  if (!isWtf8(text)) {
+    return {Failure::damaged, "the text is not UTF-8"};
+  }
   std::vector<NewTable> tables;
   constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
   text.remove_prefix(text.starts_with(byteOrderMark) ? byteOrderMark.size() : 0);

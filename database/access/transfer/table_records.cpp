@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "base/text/excerpt.h"
 #include "database/access/pages/long_value.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/default_value.h"
@@ -148,6 +149,13 @@ Result<std::unique_ptr<TableFiller>> TableFiller::begin(Pager& pager, std::strin
   if (!definition) {
     return definition.status();
   }
+  const auto catalog = readCatalog(pager);
+  const auto isThis = [&](const CatalogEntry& entry) {
+    return entry.isSystem() && entry.kind == ObjectKind::table && entry.definitionPage() == definition->page;
+  };
+  if (!catalog || std::ranges::any_of(*catalog, isThis)) {
+    return {Failure::notAllowed, "a system table"};
+  }
   std::unique_ptr<TableFiller> filler(new TableFiller(Table(pager, *std::move(definition)), pager));
   auto writer = TableWriter::create(filler->table_);
   if (!writer) {
@@ -166,11 +174,11 @@ Status TableFiller::choose(const std::vector<std::string>& fields) {
   for (const std::string& name : fields) {
     const Column* column = table_.definition().find(name);
     if (column == nullptr) {
-      return {Failure::missing, "there is no field \"" + name + "\""};
+      return {Failure::missing, "there is no field " + excerpt(name)};
     }
     const auto index = static_cast<std::size_t>(column - columns.data());
     if (std::ranges::find(fields_, index) != fields_.end()) {
-      return {Failure::other, "the field \"" + name + "\" is named twice"};
+      return {Failure::other, "the field " + excerpt(name) + " is named twice"};
     }
     fields_.push_back(index);
   }

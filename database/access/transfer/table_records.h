@@ -1,8 +1,8 @@
 #ifndef VELTRANO_DATABASE_ACCESS_TRANSFER_TABLE_RECORDS_H
 #define VELTRANO_DATABASE_ACCESS_TRANSFER_TABLE_RECORDS_H
 
-// Whole tables out of a file and into one, for tools: nulls are distinguished from empty texts, and every value is
-// exchanged as text that brings the same value back.
+// Whole tables out of a file and into one, for tools: nulls are distinguished from empty texts, and every
+// value is exchanged as text that brings the same value back.
 //
 // The text is what VeltranoMDB reads (database/values/field_to_text.h), but for two types:
 //   single, double   as many digits as tell the number from its neighbours, not 7 or 15
@@ -68,9 +68,9 @@ class TableReader {
 /// Adds records to one table in one transaction. Without commit none of them is added.
 class TableFiller {
  public:
-  /// `fields`: the columns (named in any case) that each record gives values for; the others take their defaults.
-  /// Fails if there is no such table or column, a column is named twice, or the table may only be read. The pager must
-  /// outlive the filler.
+  /// `fields`: the columns (named in any case) that each record gives values for; the others take their
+  /// defaults. Fails if there is no such table or column, a column is named twice, or the table may only be
+  /// read or is the system's own. The pager must outlive the filler.
   static Result<std::unique_ptr<TableFiller>> begin(Pager& pager, std::string_view table,
                                                     const std::vector<std::string>& fields);
   TableFiller(const TableFiller&) = delete;
@@ -80,8 +80,8 @@ class TableFiller {
   [[nodiscard]] const Column& column(std::size_t field) const {
     return table_.definition().columns[fields_[field]];
   }
-  /// One value for each of the fields, in their order; null if empty. Numbers given for an autonumber column are kept.
-  /// After a failure, whose reason names the field at fault, the transaction must not be committed.
+  /// One value for each of the fields, in their order; null if empty. Numbers given for an autonumber column
+  /// are kept. After a failure, whose reason names the field at fault, the transaction must not be committed.
   Status add(std::span<const std::optional<std::string_view>> values);
   Status commit();
 

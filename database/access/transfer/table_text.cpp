@@ -135,6 +135,9 @@ Status importRecords(CsvReader& csv, Pager& pager, std::string_view table,
   names.reserve(fields.size());
   for (const CsvField& field : fields) {
     names.push_back(field.text);
+    if (!isWtf8(field.text)) {
+      return {Failure::damaged, "line 1: the text is not UTF-8"};
+    }
   }
   auto filler = TableFiller::begin(pager, table, names);
   if (!filler) {
@@ -149,12 +152,13 @@ Status importRecords(CsvReader& csv, Pager& pager, std::string_view table,
       continue;  // a blank line
     }
     if (fields.size() != names.size()) {
-      return wrong("there are " + std::to_string(fields.size()) + " fields instead of " +
-                   std::to_string(names.size()));
+      const bool one = fields.size() == 1;
+      return wrong((one ? "there is 1 field" : "there are " + std::to_string(fields.size()) + " fields") +
+                   " instead of " + std::to_string(names.size()));
     }
     for (std::size_t i = 0; i < names.size(); ++i) {
       const auto& [text, quoted] = fields[i];
-      if (!isDatabaseText(text)) {
+      if (!isWtf8(text)) {
         return wrong("the text is not UTF-8");
       }
       const bool null = text.empty() && !(quoted && canBeEmpty((*filler)->column(i)));
@@ -165,12 +169,11 @@ Status importRecords(CsvReader& csv, Pager& pager, std::string_view table,
     }
     added(csv.done());
   }
-  return csv.status() ? (*filler)->commit() : wrong(csv.status().reason());
-}
-
-bool isDatabaseText(std::string_view text) {
-  const bool ascii = std::ranges::all_of(text, [](char c) { return static_cast<signed char>(c) >= 0; });
-  return ascii || utf16ToWtf8(wtf8ToUtf16(text)) == text;
+  if (!csv.status()) {
+    return wrong(csv.status().reason());
+  }
+  added(1);
+  return (*filler)->commit();
 }
 
 }  // namespace veltrano::access

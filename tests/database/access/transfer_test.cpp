@@ -1,0 +1,188 @@
+#include <gtest/gtest.h>
+
+#include "base/files/whole.h"
+#include "database/access/authoring/schema_text.h"
+#include "database/access/schema/catalog.h"
+#include "database/access/transfer/table_text.h"
+#include "harness.h"
+
+namespace veltrano::access {
+namespace {
+
+using namespace std::string_literals;
+
+/// Records as "(a|'b')", with quotes around the values that had some; then what is wrong, if anything is.
+std::string records(const Folder& folder, std::string_view csv) {
+  EXPECT_TRUE(replaceFile(folder / "a.csv", csv));
+  auto reader = CsvReader::open(folder / "a.csv");
+  if (!reader) {
+    return reader.status().reason();
+  }
+  std::string text;
+  std::vector<CsvField> fields;
+  while (reader->next(fields)) {
+    for (const CsvField& field : fields) {
+      text += (&field == fields.data() ? "(" : "|") + (field.quoted ? "'" + field.text + "'" : field.text);
+    }
+    text += ")";
+  }
+  return reader->status() ? text : text + std::to_string(reader->line()) + ": " + reader->status().reason();
+}
+
+TEST(Csv, IsReadOrRefused) {
+  const Folder folder;
+  const std::string block(65534, 'x');  // what follows straddles two reads
+  const std::pair<std::string, std::string> cases[] = {
+      {"", ""},
+      {"a,b\n1,2", "(a|b)(1|2)"},
+      {"\xEF\xBB\xBF\"a,,\";b,c;d\r\n\"1\";;\r\n", "('a,,'|b,c|d)('1'||)"},
+      {"a\tb\n\t\n", "(a|b)(|)"},
+      {"a\n\n\"\"\n", "(a)()('')"},
+      {"a\r\rb\r", "(a)()(b)"},
+      {"a\n\"1,\"\"\r\n2\"\nx", "(a)('1,\"\r\n2')(x)"},
+      {"a\n5\" pipe, b\"\"c\n", "(a)(5\" pipe| b\"\"c)"},
+      {"a\n\"b\"c\n", "(a)2: text follows a closing quote"},
+      {"a\n\n\"b\n\n\"\n\"c\" ,d", "(a)()('b\n\n')6: text follows a closing quote"},
+      {"a\n\"b\n\n", "(a)2: a quote is not closed"},
+      {block + "\"\"\n\"" + block + "\"\"\"\n", "(" + block + "\"\")('" + block + "\"')"},
+      {block + ",\"x\"y", "1: text follows a closing quote"},
+      {"\xFF\xFE"s + "a\0"s, "the text is not UTF-8 but UTF-16"},
+      {"\xFE\xFF\0a"s, "the text is not UTF-8 but UTF-16"},
+      {"a\0,\0"s, "the text is not UTF-8"},
+      {"a\nb\0\n"s, "(a)(b\0)"s},
+  };
+  for (const auto& [csv, expected] : cases) {
+    EXPECT_EQ(records(folder, csv), expected) << csv.substr(0, 80);
+  }
+  EXPECT_EQ(CsvReader::open(folder.path()).status().reason(), "a folder has this name");
+}
+
+std::unique_ptr<Pager> opened(const std::filesystem::path& file) {
+  auto pager = Pager::open(file, {});
+  return pager ? *std::move(pager) : nullptr;
+}
+
+std::string exported(Pager& pager, const char* table, TextForm form) {
+  const auto reader = TableReader::open(pager, table, Walk::keyOrder);
+  std::string all;
+  if (!reader || !exportRecords(**reader, form, Damage::fails,
+                                [&](std::string& text, double) { all += std::exchange(text, ""); })) {
+    return "failed";
+  }
+  return all;
+}
+
+std::string imported(Pager& pager, const char* table, std::string_view csv, double stopAt = 2) {
+  const Folder folder;
+  EXPECT_TRUE(replaceFile(folder / "a.csv", csv));
+  auto reader = CsvReader::open(folder / "a.csv");
+  try {
+    return importRecords(*reader, pager, table,
+                         [&](double done) {
+                           if (done >= stopAt) throw std::runtime_error("stopped");
+                         })
+        .reason();
+  } catch (const std::runtime_error& stop) {
+    return stop.what();
+  }
+}
+
+// Nulls and empty texts in a table of one column, where a null is an empty line.
+TEST(Transfer, BringsOneColumnBack) {
+  const Folder folder;
+  makeDatabase(folder / "a.mdb",
+               {{.name = "A", .columns = {{.name = "V"}}}, {.name = "B", .columns = {{.name = "V"}}}});
+  const auto pager = opened(folder / "a.mdb");
+  for (const std::string_view csv : {"V\n", "V\n\n", "V\n\"\"\n", "V\n\n\"\"\n\nx\n\" \"\n\"\n\"\n\n"}) {
+    const std::string before = exported(*pager, "A", TextForm::csv);
+    ASSERT_EQ(imported(*pager, "A", csv), "");
+    EXPECT_EQ(exported(*pager, "A", TextForm::csv), before + std::string(csv.substr(2)));
+  }
+  ASSERT_EQ(imported(*pager, "B", exported(*pager, "A", TextForm::csv)), "");
+  EXPECT_EQ(exported(*pager, "B", TextForm::jsonLines), exported(*pager, "A", TextForm::jsonLines));
+  EXPECT_NE(exported(*pager, "B", TextForm::jsonLines).find("{\"V\":null}\n{\"V\":\"\"}\n"),
+            std::string::npos);
+}
+
+TEST(Transfer, AddsAllRecordsOrNone) {
+  const Folder folder;
+  const auto keyed = [](const char* name) {
+    return NewTable{.name = name,
+                    .columns = {{.name = "ID", .type = ColumnType::longInteger},
+                                {.name = "Up", .type = ColumnType::longInteger}},
+                    .indexes = {{.name = "P", .columns = {{"ID"}}, .primary = true}}};
+  };
+  makeDatabase(folder / "a.mdb", {keyed("Parent"), keyed("Child")},
+               {.relations = {{"Families", "Parent", {"ID"}, "Child", {"Up"}}}});
+  const auto pager = opened(folder / "a.mdb");
+  ASSERT_EQ(imported(*pager, "Parent", "ID\n1\n2\n"), "");
+  const std::pair<const char*, const char*> cases[] = {
+      {"ID,Up\n1,1\n2,3\n", "line 3: the relation Families: no record of Parent has the key"},
+      {"ID,Up\n1,1\n1,2\n", "line 3: a duplicate in the index P"},
+      {"ID,Up\n1,1\n\n2\n", "line 4: there is 1 field instead of 2"},
+      {"ID\n1\n2,1,1\n", "line 3: there are 3 fields instead of 1"},
+      {"ID,Up\n1,1\n\"2\"3,1\n", "line 3: text follows a closing quote"},
+      {"I\x1B[D,Up\n1,1\n", "there is no field \"I?[D\""},
+      {"ID,\xFF\n1,1\n", "line 1: the text is not UTF-8"},
+      {"Up\n1\n", "line 2: a field of the index P may not be null"},
+  };
+  for (const auto& [csv, reason] : cases) {
+    EXPECT_EQ(imported(*pager, "Child", csv), reason);
+    EXPECT_EQ(exported(*pager, "Child", TextForm::csv), "ID,Up\n") << csv;
+  }
+  EXPECT_EQ(imported(*pager, "Child", "ID,Up\n1,1\n2,\n", 1), "stopped")
+      << "before the records become lasting";
+  EXPECT_EQ(exported(*pager, "Child", TextForm::csv), "ID,Up\n");
+  EXPECT_EQ(imported(*pager, "Child", "ID,Up\n1,1\n\n2,\n"), "");
+  EXPECT_EQ(exported(*pager, "Child", TextForm::csv), "ID,Up\n1,1\n2,\n");
+}
+
+TEST(SchemaText, SaysWhatIsWrongWhere) {
+  const std::string head = "table T\n  ID long\n";
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "it describes no table"},
+      {"# none\n\n", "it describes no table"},
+      {"ID long\n", "line 1: a table comes first: table NAME"},
+      {"table\n", "line 1: a table needs one name"},
+      {"table A B\n", "line 1: a table needs one name"},
+      {head + "  A\n", "line 3: \"\" is not a type"},
+      {head + "  A text(\n", "line 3: the size of \"A\" is not valid"},
+      {head + "  A text(x)\n", "line 3: the size of \"A\" is not valid"},
+      {head + "  A text(99999999999)\n", "line 3: the size of \"A\" is not valid"},
+      {head + "  A long(4)\n", "line 3: the size of \"A\" is not valid"},
+      {head + "  [A long\n", "line 3: \"\" is not a type"},
+      {head + "  A long requiredd\n", "line 3: \"requiredd\" is not understood"},
+      {head + "  primary (ID)\n",
+       "line 3: an index needs a name and columns: primary NAME (COLUMN, COLUMN desc)"},
+      {head + "  index I (ID\n", "line 3: the columns of \"I\" have no end"},
+      {head + "  index I (ID) fast\n", "line 3: \"fast\" is not understood"},
+      {head + "  A te\x1Bxt" + std::string(50, 'x') + "\n",
+       "line 3: \"te?xt" + std::string(35, 'x') + "...\" is not a type"},
+      {head + "  \xE9 text\n", "the text is not UTF-8"},
+  };
+  for (const auto& [text, reason] : cases) {
+    EXPECT_EQ(parseSchema(text).status().reason(), reason) << text;
+  }
+}
+
+TEST(SchemaText, DescribesWhatItMade) {
+  const std::string text =
+      "table [My table]\n  ID autonumber\n  Key autoguid\n  [table] text(50) required nonempty default "
+      "\"a\"\n"
+      "  [a,b] decimal(10,2) default 1.5\n  Z\xC3\xBCrich binary(7)\n  primary [P k] (ID)\n"
+      "  unique U ([a,b], [table] desc) required\n  index I (Z\xC3\xBCrich) ignorenulls\n"
+      "table [primary]\n  A memo\n";
+  const Folder folder;
+  const auto tables = parseSchema(text);
+  ASSERT_TRUE(tables) << tables.status().reason();
+  makeDatabase(folder / "a.mdb", *tables);
+  const auto pager = opened(folder / "a.mdb");
+  std::string described;
+  for (const char* name : {"My table", "primary"}) {
+    described += describeTable(*findTable(*pager, name), pager->version());
+  }
+  EXPECT_EQ(described, text);
+}
+
+}  // namespace
+}  // namespace veltrano::access
