@@ -18,7 +18,9 @@ if(WIN32)
     UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0601)
   # The DLL must need nothing but Windows: the compiler's runtime is linked in.
   target_link_options(veltrano_compiler INTERFACE
-    -static -static-libgcc -static-libstdc++ -Wl,--dynamicbase -Wl,--nxcompat)
+    -static -static-libgcc -static-libstdc++ -Wl,--dynamicbase -Wl,--nxcompat
+    # The same sources give the same bytes.
+    -Wl,--no-insert-timestamp)
   if(CMAKE_SIZEOF_VOID_P EQUAL 8)
     target_link_options(veltrano_compiler INTERFACE -Wl,--high-entropy-va)
   else()
@@ -28,6 +30,14 @@ if(WIN32)
   endif()
 else()
   target_compile_options(veltrano_compiler INTERFACE -fstack-protector-strong)
+endif()
+
+if(VELTRANO_SYMBOLS)
+  # Sources are named from the project's folder, wherever that is.
+  target_compile_options(veltrano_compiler INTERFACE -g1 "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+  if(WIN32)
+    target_compile_options(veltrano_compiler INTERFACE "-ffile-prefix-map=${VELTRANO_WINDOWS_LIBRARIES}=./libraries")
+  endif()
 endif()
 
 if(VELTRANO_SANITIZE)

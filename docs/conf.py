@@ -28,7 +28,7 @@ html_use_index = False
 
 # The contents of the manual. Added to the first page here, since the repository's readers would see the directives as code.
 CONTENTS = {
-    "Start": "quick-start did-it-work cookbook leaving-vbscript migration-64-bit veltrano-program what-is-kept",
+    "Start": "quick-start did-it-work cookbook leaving-vbscript migration-64-bit veltrano-program administrators what-is-kept",
     "Languages": "hosts/vbscript hosts/jscript hosts/vba hosts/powershell hosts/python hosts/csharp hosts/cpp hosts/linux",
     "Reference": "reference/VeltranoPDF reference/VeltranoKML reference/VeltranoXML reference/VeltranoINI reference/VeltranoMDB "
                  "reference/VeltranoJPG reference/VeltranoPNG reference/VeltranoWEV reference/VeltranoGIS",

@@ -6,6 +6,8 @@
  - Defaults of double parameters: widl stores the bits of a whole number, which hosts read as another double.
  - Help texts of enumeration values: in the IDL they are the comments after the values.
 
+and takes out the time of its compilation, so that the same IDL makes the same file.
+
 The file is little-endian and laid out as follows; the names are those of Wine's dlls/oleaut32/typelib.h.
 
   header        0x54 bytes: "MSFT", at 0x14 flags (0x100: a help DLL, one more number after the header), at 0x20 the
@@ -116,6 +118,14 @@ class TypeLibrary:
         place = append(self.segments[STRINGS], struct.pack("<H", len(encoded)) + encoded)
         record[PLAIN_VARIABLE_SIZE:] = struct.pack("<2I", 0, place)
 
+    def forget_time(self):
+        """widl writes the time into two entries that name itself: as a text, and as a VT_UI4 after that."""
+        data = self.segments[DATA]
+        found = re.search(rb"by WIDL version [\d.]+ at (\w{3} \w{3} [ \d]\d [\d:]{8} \d{4})\nW*\x13\0(.{4})", data, re.S)
+        if found:
+            data[found.start(1) : found.end(1)] = b"Thu Jan  1 00:00:00 1970"
+            data[found.start(2) : found.end(2)] = bytes(4)
+
     def data(self):
         types = self.segments[TYPE_INFOS]
         parts = [self.head, *self.segments.values()]
@@ -144,6 +154,7 @@ def main():
                 library.correct_defaults(record)
             else:
                 library.add_help(record, helps[library.name(name)])
+    library.forget_time()
     with open(finished, "wb") as file:
         file.write(library.data())
 

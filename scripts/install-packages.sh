@@ -10,7 +10,7 @@ native=(g++ cmake ninja-build ccache pkg-config git python3 util-linux
         clang-format clang-tidy poppler-utils mupdf-tools qpdf libxml2-utils libxml2-dev pngcheck mdbtools imagemagick)
 windows=(wine wine32:i386 wine64 libwine-dev g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools
          libz-mingw-w64-dev libcli11-dev googletest nasm dpkg-dev mono-mcs)
-packages=(wixl zip unzip help2man faketime python3-sphinx python3-myst-parser furo)
+packages=(wixl msitools zip unzip help2man faketime dpkg-dev gdb python3-yaml python3-sphinx python3-myst-parser furo)
 benchmarks=(libbenchmark-dev libhpdf-dev libkml-dev libpixman-1-dev libiniparser-dev libsimpleini-dev libsqlite3-dev)
 
 wanted=()

@@ -8,6 +8,7 @@ the x86 package is for a 32-bit Windows and refuses to run on another. The insta
 that the DLL's own registration (server/com/registration.cpp) writes; scripts/try-package.sh compares the two.
 """
 
+import hashlib
 import re
 import sys
 import uuid
@@ -21,6 +22,8 @@ UPGRADE_CODES = {"x86": "8ff4b051-3a61-43c1-827f-8b33f3e94e90", "x64": "d1db014a
 TYPE_LIBRARY_MARSHALLER = "{00020424-0000-0000-C000-000000000046}"
 DISPATCH_MARSHALLER = "{00020420-0000-0000-C000-000000000046}"
 LIBRARY_VERSION = "1.0"
+FOLDERS_KEY = "Software\\VeltranoFrameWork\\Setup"
+DESCRIPTION = "PDF, KML, settings, pictures, databases and event log for automation hosts"
 
 
 def braced(text):
@@ -139,6 +142,8 @@ class Source:
                 lines = [f'            <File Id="{identifier(path.name)}" Name={quoteattr(path.name)} '
                          f'Source={quoteattr(str(path.relative_to(self.folder)))}{" KeyPath=" + chr(34) + "yes" + chr(34) if number == 0 else ""}/>'
                          for number, path in enumerate(files)]
+                lines += [f'            <RegistryValue Root="HKLM" Key="{FOLDERS_KEY}" Name="{value}" Type="string" Value="[{name}]"/>'
+                          for name, value in self.folders().items()]
                 yield from self.component("c_top", self.package == "x64", "          ", lines)
             else:
                 yield f'          <Directory Id="{identifier("d_" + folder)}" Name="{folder}">'
@@ -147,36 +152,86 @@ class Source:
         yield "        </Directory>"
         yield "      </Directory>"
 
-    def text(self, version):
-        shared = [path.name for path in sorted(self.folder.iterdir()) if path.is_dir() and path.name not in ("x86", "x64")]
-        x64 = self.package == "x64"
-        condition = ("VersionNT64", "This is a 32-bit Windows: use the x86 package.") if x64 else (
-            "NOT VersionNT64", "This is a 64-bit Windows: use the x64 package, which brings both DLLs.")
-        yield '<?xml version="1.0" encoding="utf-8"?>'
-        yield '<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">'
-        yield (f'  <Product Id="{derived(self.package, version, "product")}" UpgradeCode="{braced(UPGRADE_CODES[self.package])}" '
-               f'Name="Veltrano FrameWork" Version="{version}" Manufacturer="VELTRANO Software Technologies" Language="1033">')
-        yield (f'    <Package InstallerVersion="200" Compressed="yes" InstallScope="perMachine" '
-               'Description="PDF, KML, settings, pictures, databases and event log for automation hosts"/>')
-        yield '    <Media Id="1" Cabinet="files.cab" EmbedCab="yes"/>'
-        yield '    <MajorUpgrade DowngradeErrorMessage="A newer version is installed."/>'
-        yield f'    <Condition Message={quoteattr(condition[1])}>{condition[0]}</Condition>'
+    def shared(self):
+        return [path.name for path in sorted(self.folder.iterdir()) if path.is_dir() and path.name not in ("x86", "x64")]
+
+    def entry(self):
+        """The entry in the list of installed programs, with what depends on the folder; without an icon, as there is none."""
         yield '    <Property Id="ARPNOMODIFY" Value="1"/>'
-        # The link to help in the list of installed programs.
-        yield (f'    <CustomAction Id="HelpLink" Property="ARPHELPLINK" Value="file:///[#{identifier("manual/index.html")}]"/>')
-        yield '    <InstallExecuteSequence><Custom Action="HelpLink" Sequence="1010"/></InstallExecuteSequence>'
+        yield f'    <Property Id="ARPCOMMENTS" Value="{DESCRIPTION}"/>'
+        size = sum(path.stat().st_size for path in self.folder.rglob("*")
+                   if path.is_file() and (self.package == "x64" or path.relative_to(self.folder).parts[0] != "x64"))
+        yield f'    <Property Id="ARPSIZE" Value="{size // 1024}"/>'
+        texts = {"ARPINSTALLLOCATION": "[INSTALLDIR]", "ARPREADME": f'[#{identifier("README.txt")}]',
+                 "ARPHELPLINK": f'file:///[#{identifier("manual/index.html")}]'}
+        for name, value in texts.items():
+            yield f'    <CustomAction Id="{name}" Property="{name}" Value="{value}"/>'
+        yield "    <InstallExecuteSequence>"
+        for number, name in enumerate(texts, 1010):
+            yield f'      <Custom Action="{name}" Sequence="{number}"/>'
+        yield "    </InstallExecuteSequence>"
+
+    def rules(self):
+        """When the package installs and what it replaces."""
+        condition = ("VersionNT64", "This is a 32-bit Windows: use the x86 package.") if self.package == "x64" else (
+            "NOT VersionNT64", "This is a 64-bit Windows: use the x64 package, which brings both DLLs.")
+        yield '    <MajorUpgrade DowngradeErrorMessage="A newer version of Veltrano FrameWork is installed: remove it first."/>'
+        yield f'    <Condition Message={quoteattr(condition[1])}>{condition[0]}</Condition>'
+        # An upgrade decides which files to write before it removes the old version: without "a" it would leave out those
+        # that look newer, and the removal would then delete them.
+        yield '    <Property Id="REINSTALLMODE" Value="amus"/>'
+
+    def folders(self):
+        """Property of a folder -> value of the registry that remembers it."""
+        return {"INSTALLDIR": "Folder", "INSTALLDIR32": "Folder32"} if self.package == "x64" else {"INSTALLDIR": "Folder"}
+
+    def remembered(self):
+        """An upgrade, a repair and a removal use the folders of the installation unless they are given others."""
+        win64 = ' Win64="yes"' if self.package == "x64" else ""
+        for name, value in self.folders().items():
+            yield f'    <Property Id="PREVIOUS{name}">'
+            yield (f'      <RegistrySearch Id="s_{name}" Root="HKLM" Key="{FOLDERS_KEY}" Name="{value}" Type="raw"{win64}/>')
+            yield "    </Property>"
+            yield f'    <CustomAction Id="KEEP{name}" Property="{name}" Value="[PREVIOUS{name}]"/>'
+        yield "    <InstallExecuteSequence>"
+        for number, name in enumerate(self.folders(), 410):
+            yield f'      <Custom Action="KEEP{name}" Sequence="{number}">PREVIOUS{name} AND NOT {name}</Custom>'
+        yield "    </InstallExecuteSequence>"
+
+    def body(self):
+        yield '    <Media Id="1" Cabinet="files.cab" EmbedCab="yes"/>'
+        yield from self.rules()
+        yield from self.remembered()
+        yield from self.entry()
         yield '    <Directory Id="TARGETDIR" Name="SourceDir">'
         yield '      <Directory Id="ProgramMenuFolder" Name="Programs"/>'
-        if x64:
-            yield from self.directory("ProgramFiles64Folder", "INSTALLDIR", [".", "x64", *shared])
+        if self.package == "x64":
+            yield from self.directory("ProgramFiles64Folder", "INSTALLDIR", [".", "x64", *self.shared()])
             yield from self.directory("ProgramFilesFolder", "INSTALLDIR32", ["x86"])
         else:
-            yield from self.directory("ProgramFilesFolder", "INSTALLDIR", [".", "x86", *shared])
+            yield from self.directory("ProgramFilesFolder", "INSTALLDIR", [".", "x86", *self.shared()])
         yield "    </Directory>"
         yield '    <Feature Id="Complete" Level="1" Title="Veltrano FrameWork">'
         for component in self.components:
             yield f'      <ComponentRef Id="{component}"/>'
         yield "    </Feature>"
+
+    def package_code(self, version, body):
+        """Windows takes packages of the same code for the same file, so it follows from all that is in the package."""
+        digest = hashlib.sha256("\n".join(body).encode())
+        for path in sorted(path for path in self.folder.rglob("*") if path.is_file()):
+            digest.update(hashlib.sha256(path.read_bytes()).digest())
+        return derived(self.package, version, digest.hexdigest())
+
+    def text(self, version):
+        body = list(self.body())
+        yield '<?xml version="1.0" encoding="utf-8"?>'
+        yield '<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">'
+        yield (f'  <Product Id="{derived(self.package, version, "product")}" UpgradeCode="{braced(UPGRADE_CODES[self.package])}" '
+               f'Name="Veltrano FrameWork" Version="{version}" Manufacturer="VELTRANO Software Technologies" Language="1033">')
+        yield (f'    <Package Id="{self.package_code(version, body)}" InstallerVersion="200" Compressed="yes" '
+               f'InstallScope="perMachine" Description="{DESCRIPTION}"/>')
+        yield from body
         yield "  </Product>"
         yield "</Wix>"
 
