@@ -253,7 +253,7 @@ def check_limits(runner):
     import resource
     export = ["mdb", "export", "Zoë.mdb", "Everything"]
     for size, arguments in [(1000, [*export, "-o", "x.csv"]), (1000, ["pdf", "letter.txt", "-o", "x.pdf"]),
-                            (50000, ["mdb", "create", "x.mdb", "schema.txt"])]:
+                            *((size, ["mdb", "create", "x.mdb", "schema.txt"]) for size in (0, 9000, 50000))]:
         full = {"preexec_fn": lambda size=size: resource.setrlimit(resource.RLIMIT_FSIZE, (size, size))}
         runner.check(arguments, 1, "", "x.*: (File too large|.*cannot be written)", options=full)
     with open("/dev/full", "wb") as full:

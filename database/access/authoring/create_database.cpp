@@ -17,6 +17,7 @@
 #include "database/access/storage/data_page.h"
 #include "database/access/storage/encryption/page_cipher.h"
 #include "database/access/storage/header_mask.h"
+#include "database/access/storage/journal/journal.h"
 #include "database/access/storage/space/allocator.h"
 #include "database/values/dates.h"
 
@@ -141,6 +142,7 @@ Status createDatabase(const std::filesystem::path& file, const std::vector<NewTa
   }
   if (!done) {
     std::filesystem::remove(unfinished, error);
+    std::filesystem::remove(journalPath(unfinished), error);
   }
   return done;
 }
