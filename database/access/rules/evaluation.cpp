@@ -135,15 +135,15 @@ class Evaluator {
 
   // All of the parts are true, or any of them is; null where a null decides.
   Truth combined(const RuleNode& node, bool any) const {
-    Truth result = !any;
+    bool nulls = false;
     for (const RuleNode& part : node.parts) {
       const Truth truth = truthOf(part);
       if (truth == any) {
         return any;
       }
-      result = truth ? result : Truth();
+      nulls = nulls || !truth;
     }
-    return result;
+    return nulls ? Truth() : !any;
   }
 
   // Negative, zero or positive; empty if one of them is null.
@@ -201,15 +201,15 @@ class Evaluator {
 
   Truth isIn(const RuleNode& node) const {
     const RuleValue value = valueOfNode(node.parts[0]);
-    Truth result = false;
+    bool nulls = false;
     for (std::size_t i = 1; i < node.parts.size(); ++i) {
       const auto sign = order(value, valueOfNode(node.parts[i]));
       if (sign == 0) {
         return true;
       }
-      result = sign ? result : Truth();
+      nulls = nulls || !sign;
     }
-    return result;
+    return nulls ? Truth() : false;
   }
 
   const Table& table_;
