@@ -7,17 +7,12 @@
 #include "veltrano/jpg.h"
 #include "veltrano/png.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
-
-using test::Image;
-using test::Rgb;
 
 // Black and white only, so that every depth can hold it; nothing about it is symmetric.
 Image twoColours() {
-  return test::paint(11, 5, [](int x, int y) {
-    return (x * 3 + y * y) % 7 < 3 ? Rgb{255, 255, 255} : Rgb{};
-  });
+  return paint(11, 5, [](int x, int y) { return (x * 3 + y * y) % 7 < 3 ? Rgb{255, 255, 255} : Rgb{}; });
 }
 
 HBITMAP makeBitmap(int bits, bool topDown, bool device) {
@@ -26,26 +21,19 @@ HBITMAP makeBitmap(int bits, bool topDown, bool device) {
     BITMAPINFOHEADER header;
     RGBQUAD colours[256];
   } info{};
-  info.header = {
-      sizeof(BITMAPINFOHEADER), 11, topDown ? -5 : 5, 1, static_cast<WORD>(bits), BI_RGB, 0, 0, 0, 0, 0};
+  info.header = {sizeof info.header, 11, topDown ? -5 : 5, 1, static_cast<WORD>(bits), BI_RGB, 0, 0, 0, 0, 0};
   for (int i = 1; i < 256; ++i) info.colours[i] = {255, 255, 255, 0};
   void* memory = nullptr;
   return CreateDIBSection(nullptr, reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS, &memory, nullptr, 0);
 }
 
 TEST(BitmapPicture, IsReadAtEveryDepth) {
-  const tests::TemporaryFolder folder;
+  const TemporaryFolder folder;
   const Image image = twoColours();
-  for (const auto& [bits, topDown, device] : {std::tuple{1, false, false},
-                                              {4, false, false},
-                                              {8, true, false},
-                                              {16, false, false},
-                                              {24, false, false},
-                                              {24, true, false},
-                                              {32, false, false},
-                                              {32, true, false},
-                                              {1, false, true},
-                                              {32, false, true}}) {
+  constexpr std::tuple<int, bool, bool> depths[] = {
+      {1, false, false}, {4, false, false},  {8, true, false},  {16, false, false}, {24, false, false},
+      {24, true, false}, {32, false, false}, {32, true, false}, {1, false, true},   {32, false, true}};
+  for (const auto& [bits, topDown, device] : depths) {
     HBITMAP bitmap = makeBitmap(bits, topDown, device);
     ASSERT_NE(bitmap, nullptr);
     HDC dc = CreateCompatibleDC(nullptr);
@@ -58,25 +46,25 @@ TEST(BitmapPicture, IsReadAtEveryDepth) {
     DeleteDC(dc);
     const Picture picture = Picture::ofBitmap(reinterpret_cast<GraphicsHandle>(bitmap));
     EXPECT_TRUE(VeltranoPNG().SavePNG(picture, folder / "a.png"));
-    EXPECT_TRUE(test::readPng(folder / "a.png") == image) << bits << topDown << device;
+    EXPECT_TRUE(readPng(folder / "a.png") == image) << bits << topDown << device;
     DeleteObject(bitmap);
     EXPECT_FALSE(VeltranoPNG().SavePNG(picture, folder / "b.png")) << "deleted";
   }
 }
 
 /// Saves with every member; the number of files afterwards.
-int filesSaved(const tests::TemporaryFolder& folder, GraphicsHandle handle) {
+int filesSaved(const TemporaryFolder& folder, GraphicsHandle handle) {
   const Picture picture = Picture::ofBitmap(handle);
   const bool saved = VeltranoPNG().SavePNG(picture, folder / "a.png");
   VeltranoJPG().SaveJPEG(picture, folder / "a.jpg");
   VeltranoJPG().SaveJPEG(picture, folder / "b.jpg", 50, 20, 20);
-  EXPECT_EQ(saved, test::filesIn(folder) > 0);
+  EXPECT_EQ(saved, filesIn(folder) > 0);
   EXPECT_EQ(VeltranoJPG().SaveJPEGToMemory(picture).size(), saved ? 15U : 1U);
-  return test::filesIn(folder);
+  return filesIn(folder);
 }
 
 TEST(BitmapPicture, SavesNothingThatCannotBeCopied) {
-  const tests::TemporaryFolder folder;
+  const TemporaryFolder folder;
   HBITMAP bitmap = makeBitmap(24, false, false);
   HDC dc = CreateCompatibleDC(nullptr);
   HGDIOBJ previous = SelectObject(dc, bitmap);
@@ -108,15 +96,15 @@ TEST(BitmapPicture, LosesNoHandles) {
 }
 
 TEST(BitmapPicture, GoesWhereADriveRelativeNameLeads) {
-  const tests::TemporaryFolder folder;
+  const TemporaryFolder folder;
   const std::filesystem::path previous = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
   const std::string drive = folder.path().root_name().string();
-  EXPECT_TRUE(VeltranoPNG().SavePNG(test::picture(twoColours()), drive + "a.png"));
-  VeltranoJPG().SaveJPEG(test::picture(twoColours()), drive + "a.jpg");
+  EXPECT_TRUE(VeltranoPNG().SavePNG(picture(twoColours()), drive + "a.png"));
+  VeltranoJPG().SaveJPEG(picture(twoColours()), drive + "a.jpg");
   EXPECT_TRUE(std::filesystem::exists(folder / "a.png") && std::filesystem::exists(folder / "a.jpg"));
   std::filesystem::current_path(previous);
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

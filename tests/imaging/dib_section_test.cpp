@@ -7,15 +7,8 @@
 #include "images.h"
 #include "imaging/bitmap/pixel_surface.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
-
-using test::contents;
-using test::Image;
-using test::noise;
-using test::paint;
-using test::Rgb;
-using test::section;
 
 TEST(DibSection, LaysRowsOutInMultiplesOfFour) {
   for (const auto& [width, bytes] : {std::pair{1, 4}, {2, 8}, {3, 12}, {4, 12}, {5, 16}, {640, 1920}}) {
@@ -65,21 +58,19 @@ TEST(DibSection, DrawsAsGdiDoes) {
     unsigned operation;
     Combination combine;
     int times;  ///< stretched by
-  } const cases[] = {
-      {"whole", 0, 0, 7, 5, 0, 0, copySourceOperation, copied, 1},
-      {"part", 3, 2, 4, 3, 1, 2, copySourceOperation, copied, 1},
-      {"off the top left", -2, -3, 7, 5, 0, 0, copySourceOperation, copied, 1},
-      {"off the bottom", 12, 8, 7, 5, 0, 0, copySourceOperation, copied, 1},
-      {"beyond", 50, 50, 7, 5, 0, 0, copySourceOperation, copied, 1},
-      {"nothing", 1, 1, 0, 0, 0, 0, copySourceOperation, copied, 1},
-      {"and", 1, 1, 7, 5, 0, 0, 0x008800C6, [](int s, int t) { return s & t; }, 1},
-      {"or", 1, 1, 7, 5, 0, 0, 0x00EE0086, [](int s, int t) { return s | t; }, 1},
-      {"xor", 1, 1, 7, 5, 0, 0, 0x00660046, [](int s, int t) { return s ^ t; }, 1},
-      {"inverted", 1, 1, 7, 5, 0, 0, 0x00330008, [](int s, int) { return 255 - s; }, 1},
-      {"doubled", -3, 1, 14, 10, 0, 0, copySourceOperation, copied, 2},
-      {"tripled, clipped", 4, 4, 21, 15, 0, 0, copySourceOperation, copied, 3},
-  };
-  const Image ground = test::scenery(15, 11), brush = noise(7, 5);
+  } const cases[] = {{"whole", 0, 0, 7, 5, 0, 0, copySourceOperation, copied, 1},
+                     {"part", 3, 2, 4, 3, 1, 2, copySourceOperation, copied, 1},
+                     {"off the top left", -2, -3, 7, 5, 0, 0, copySourceOperation, copied, 1},
+                     {"off the bottom", 12, 8, 7, 5, 0, 0, copySourceOperation, copied, 1},
+                     {"beyond", 50, 50, 7, 5, 0, 0, copySourceOperation, copied, 1},
+                     {"nothing", 1, 1, 0, 0, 0, 0, copySourceOperation, copied, 1},
+                     {"and", 1, 1, 7, 5, 0, 0, 0x008800C6, [](int s, int t) { return s & t; }, 1},
+                     {"or", 1, 1, 7, 5, 0, 0, 0x00EE0086, [](int s, int t) { return s | t; }, 1},
+                     {"xor", 1, 1, 7, 5, 0, 0, 0x00660046, [](int s, int t) { return s ^ t; }, 1},
+                     {"inverted", 1, 1, 7, 5, 0, 0, 0x00330008, [](int s, int) { return 255 - s; }, 1},
+                     {"doubled", -3, 1, 14, 10, 0, 0, copySourceOperation, copied, 2},
+                     {"tripled, clipped", 4, 4, 21, 15, 0, 0, copySourceOperation, copied, 3}};
+  const Image ground = scenery(15, 11), brush = noise(7, 5);
   const cDIBSection source = section(brush);
   for (const auto& c : cases) {
     cDIBSection target = section(ground);
@@ -138,9 +129,8 @@ TEST(DibSection, SamplesPointsByTheDocumentedScale) {
                                 return Rgb{x % 256, x / 256, 0};
                               })).Resample2(3, 400));
   ASSERT_EQ(half.pixels.size(), 1200U);
-  for (const auto& [x, column] : {std::pair{0, 0}, {1, 1}, {2, 3}, {3, 5}, {200, 399}, {399, 797}}) {
+  for (const auto& [x, column] : {std::pair{0, 0}, {1, 1}, {2, 3}, {3, 5}, {200, 399}, {399, 797}})
     EXPECT_EQ(half.at(x, 0).red + half.at(x, 0).green * 256, column) << x;
-  }
   // Which column or row (from the bottom) each new one comes from; 3 * 0.33333334 is 1 in single precision.
   for (const auto& [size, from] :
        {std::pair{3, "000111"}, {5, "0"}, {4, "0123"}, {4, "00112"}, {2, "000"}, {10, "036"}}) {
@@ -160,4 +150,4 @@ TEST(DibSection, SamplesPointsByTheDocumentedScale) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

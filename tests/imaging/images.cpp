@@ -11,7 +11,7 @@
 
 #include "base/files/whole.h"
 
-namespace veltrano::test {
+namespace veltrano::tests {
 
 Image paint(int width, int height, const Painter& painter) {
   Image image{width, height, {}};
@@ -141,4 +141,4 @@ std::string flatInksJpeg(const std::uint8_t (&inks)[4], bool adobe, bool ycck) {
   return result;
 }
 
-}  // namespace veltrano::test
+}  // namespace veltrano::tests

@@ -12,7 +12,7 @@
 #include "tests/temporary_folder.h"
 #include "veltrano/dib_section.h"
 
-namespace veltrano::test {
+namespace veltrano::tests {
 
 struct Rgb {
   int red = 0, green = 0, blue = 0;
@@ -50,10 +50,10 @@ Image readJpeg(const std::string& bytes);
 /// libjpeg's own encoding of flat four-channel samples.
 std::string flatInksJpeg(const std::uint8_t (&inks)[4], bool adobe, bool ycck);
 
-inline int filesIn(const tests::TemporaryFolder& folder) {
+inline int filesIn(const TemporaryFolder& folder) {
   return static_cast<int>(std::distance(std::filesystem::directory_iterator(folder.path()), {}));
 }
 
-}  // namespace veltrano::test
+}  // namespace veltrano::tests
 
 #endif

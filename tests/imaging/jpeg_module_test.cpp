@@ -9,17 +9,10 @@
 #include "base/os/host.h"
 #include "images.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
 using namespace mIntelJPEGLibrary;
-using test::contents;
-using test::Image;
-using test::noise;
-using test::paint;
-using test::Rgb;
-using test::scenery;
-using test::section;
 
 std::string encode(const cDIBSection& dib, int quality) {
   std::string buffer(static_cast<std::size_t>(dib.Width() * dib.Height() * 4 + 2000), '\0');
@@ -40,7 +33,7 @@ TEST(JpegModule, KeepsThePicture) {
   double last = 0;
   for (const auto& [quality, decibels] : {std::pair{20, 25.0}, {50, 29.0}, {90, 33.0}}) {
     const std::string bytes = encode(section(image), quality);
-    const Image seen = test::readJpeg(bytes);
+    const Image seen = readJpeg(bytes);
     EXPECT_GT(psnr(image, seen), decibels) << quality;
     EXPECT_GT(psnr(image, seen), last) << "quality has an effect";
     last = psnr(image, seen);
@@ -75,16 +68,14 @@ TEST(JpegModule, ReadsFourChannels) {
     std::uint8_t samples[4];
     bool adobe, ycck;
     Rgb seen;
-  } const cases[] = {
-      {"plain: ink as stored", {255, 0, 0, 0}, false, false, {0, 255, 255}},
-      {"plain, half black: 255 * 127 / 255", {0, 0, 0, 128}, false, false, {127, 127, 127}},
-      {"Adobe: complement of the ink", {255, 0, 0, 255}, true, false, {255, 0, 0}},
-      {"Adobe, dimmed: 200 * 128 / 255", {200, 200, 0, 128}, true, false, {100, 100, 0}},
-      {"Adobe YCCK", {0, 0, 255, 255}, true, true, {0, 0, 255}},
-  };
+  } const cases[] = {{"plain: ink as stored", {255, 0, 0, 0}, false, false, {0, 255, 255}},
+                     {"plain, half black: 255 * 127 / 255", {0, 0, 0, 128}, false, false, {127, 127, 127}},
+                     {"Adobe: complement of the ink", {255, 0, 0, 255}, true, false, {255, 0, 0}},
+                     {"Adobe, dimmed: 200 * 128 / 255", {200, 200, 0, 128}, true, false, {100, 100, 0}},
+                     {"Adobe YCCK", {0, 0, 255, 255}, true, true, {0, 0, 255}}};
   for (const auto& c : cases) {
     cDIBSection dib;
-    ASSERT_TRUE(decode(dib, test::flatInksJpeg(c.samples, c.adobe, c.ycck))) << c.label;
+    ASSERT_TRUE(decode(dib, flatInksJpeg(c.samples, c.adobe, c.ycck))) << c.label;
     const Rgb pixel = contents(dib).at(7, 9);
     EXPECT_NEAR(pixel.red, c.seen.red, 2) << c.label;
     EXPECT_NEAR(pixel.green, c.seen.green, 2) << c.label;
@@ -158,8 +149,7 @@ TEST(JpegModule, RefusesDamage) {
       {"no rows", patched(frame + 5, std::string(2, '\0')), false, false},
       {"two channels", patched(frame + 9, "\x02"), false, false},
       {"12 bits", patched(frame + 4, "\x0C"), false, false},
-      {"no Huffman tables, so the standard ones", patched(good.find("\xFF\xC4"), "\xFF\xFE"), true, true},
-  };
+      {"no Huffman tables, so the standard ones", patched(good.find("\xFF\xC4"), "\xFF\xFE"), true, true}};
   for (const auto& c : cases) {
     cDIBSection dib;
     EXPECT_EQ(decode(dib, c.bytes), c.loads) << c.label;
@@ -171,7 +161,7 @@ TEST(JpegModule, RefusesDamage) {
 }
 
 TEST(JpegModule, WritesWholeFilesOrNone) {
-  const tests::TemporaryFolder folder;
+  const TemporaryFolder folder;
   const Image image = scenery(1200, 900);  // more than one chunk of output
   const cDIBSection dib = section(image);
   ASSERT_TRUE(saveDibToJpegFile(dib, folder / "a b.jpg", 100));
@@ -182,8 +172,8 @@ TEST(JpegModule, WritesWholeFilesOrNone) {
   EXPECT_FALSE(saveDibToJpegFile(dib, folder / "missing" / "a.jpg", 50));
   EXPECT_FALSE(saveDibToJpegFile(cDIBSection(), folder / "empty.jpg", 50));
   EXPECT_FALSE(loadJpegFileToDib(back, folder / "missing.jpg"));
-  EXPECT_EQ(test::filesIn(folder), 1);
+  EXPECT_EQ(filesIn(folder), 1);
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

@@ -6,17 +6,11 @@
 #include "images.h"
 #include "imaging/jpeg/intel_jpeg_library.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
-using test::contents;
-using test::Image;
-using test::Rgb;
-using test::scenery;
-using test::section;
-
 std::string sizeOf(const std::string& jpeg) {
-  const Image image = test::readJpeg(jpeg);
+  const Image image = readJpeg(jpeg);
   return std::to_string(image.width) + "x" + std::to_string(image.height);
 }
 
@@ -25,17 +19,15 @@ class VeltranoJpg : public testing::Test {
   const std::string jpeg_ = mIntelJPEGLibrary::saveDibToJpegString(section(scenery(80, 60)), 60);
   const std::uintptr_t address_ = reinterpret_cast<std::uintptr_t>(jpeg_.data());
   const std::int32_t size_ = static_cast<std::int32_t>(jpeg_.size());
-  tests::TemporaryFolder folder_;
+  TemporaryFolder folder_;
   VeltranoJPG jpg_;
 };
 
 TEST_F(VeltranoJpg, ResizesFilesWhenBothSizesAreGiven) {
   ASSERT_TRUE(replaceFile(folder_ / "in.jpg", jpeg_));
-  for (const auto& [width, height, size] : {std::tuple{0, 0, "80x60"},
-                                            {320, 0, "80x60"},
-                                            {0, 240, "80x60"},
-                                            {32, 48, "32x48"},
-                                            {160, 10, "160x10"}}) {
+  constexpr std::tuple<int, int, const char*> rows[] = {
+      {0, 0, "80x60"}, {320, 0, "80x60"}, {0, 240, "80x60"}, {32, 48, "32x48"}, {160, 10, "160x10"}};
+  for (const auto& [width, height, size] : rows) {
     // Names of their own, so that no row reads the file of the row before it.
     const std::string name = std::to_string(width) + "x" + std::to_string(height);
     const auto saved = folder_ / (name + ".jpg");
@@ -67,7 +59,7 @@ TEST_F(VeltranoJpg, SavesNothingFromNothing) {
   jpg_.SaveJPEGResampled(folder_ / "missing.jpg", folder_ / "kept.jpg", 50, 20, 20);
   jpg_.SaveJPEGResampled(folder_ / "kept.jpg", folder_ / "new.jpg");  // not a JPEG
   EXPECT_EQ(readWholeFile(folder_ / "kept.jpg"), "kept");
-  EXPECT_EQ(test::filesIn(folder_), 1);
+  EXPECT_EQ(filesIn(folder_), 1);
   EXPECT_EQ(jpg_.SaveJPEGToMemory(Picture()).size(), 1U);
   EXPECT_EQ(jpg_.SaveJPEGFromRAMToMemoryResampled(jpeg_.substr(0, jpeg_.size() - 100)).size(), 1U)
       << "a part of a picture";
@@ -83,17 +75,15 @@ TEST_F(VeltranoJpg, DrawsOntoADeviceContext) {
     bool xy;
     int x1, y1, width, height;
     int left, top, right, bottom;  // drawn, half-open
-  } const cases[] = {
-      {"own size", false, 0, 0, 0, 0, 0, 0, 80, 60},
-      {"stretched", false, 0, 0, 160, 120, 0, 0, 160, 120},
-      {"shrunk", false, 0, 0, 40, 30, 0, 0, 40, 30},
-      {"one size missing: no area", false, 0, 0, 40, 0, 0, 0, 0, 0},
-      {"placed, own size", true, 50, 20, 0, 0, 50, 20, 130, 80},
-      {"placed, stretched", true, 30, 40, 100, 90, 30, 40, 130, 130},
-      {"placed, clipped", true, -40, 120, 0, 0, 0, 120, 40, 150},
-  };
+  } const cases[] = {{"own size", false, 0, 0, 0, 0, 0, 0, 80, 60},
+                     {"stretched", false, 0, 0, 160, 120, 0, 0, 160, 120},
+                     {"shrunk", false, 0, 0, 40, 30, 0, 0, 40, 30},
+                     {"one size missing: no area", false, 0, 0, 40, 0, 0, 0, 0, 0},
+                     {"placed, own size", true, 50, 20, 0, 0, 50, 20, 130, 80},
+                     {"placed, stretched", true, 30, 40, 100, 90, 30, 40, 130, 130},
+                     {"placed, clipped", true, -40, 120, 0, 0, 0, 120, 40, 150}};
   for (const auto& c : cases) {
-    cDIBSection canvas = section(test::paint(200, 150, [](int, int) { return ground; }));
+    cDIBSection canvas = section(paint(200, 150, [](int, int) { return ground; }));
     VeltranoJPG jpg;
     EXPECT_FALSE(
         c.xy ? jpg.LoadJPEGFromRAM2PictureXY(canvas.hDC(), address_, size_, c.x1, c.y1, c.width, c.height)
@@ -129,4 +119,4 @@ TEST_F(VeltranoJpg, DrawsNothingFromWhatIsNotAJpeg) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

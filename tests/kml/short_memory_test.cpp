@@ -1,5 +1,6 @@
 // What the writer does with a text that the memory cannot hold. The allocation functions are this program's.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -26,12 +27,12 @@ void operator delete(void* block, std::size_t) noexcept {
   std::free(block);
 }
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
 TEST(KmlInShortMemory, LosesTheLineAndNoOther) {
   constexpr std::size_t limit = 100'000;
-  const tests::TemporaryFolder folder;
+  const TemporaryFolder folder;
   const std::string longText(2 * limit, 'x');
   VeltranoKML kml;
   kml.CreateKML(folder / "a.kml", {});
@@ -39,22 +40,18 @@ TEST(KmlInShortMemory, LosesTheLineAndNoOther) {
   kml.CreateStreetView("a.jpg", 1, 2, 3, "n", longText);
   kml.CreatePlaceMark(1, 2, 3, longText, "d");
   // The path buffer grows as far as it can.
-  for (int i = 0; i < 20'000; ++i) {
-    kml.CreatePathPoint(48.123456, 2.123456, 100);
-  }
+  for (int i = 0; i < 20'000; ++i) kml.CreatePathPoint(48.123456, 2.123456, 100);
   kml.CreatePlaceMark(1, 2, 3, "last", "");
   largestBlock = std::numeric_limits<std::size_t>::max();
   kml.CreatePathFromPlaceMarks(1, "");
   kml.CloseKML();
   const std::string text = readWholeFile(folder / "a.kml").value_or("");
-  EXPECT_NE(text.find("<name>n</name>\r\n      <Camera>"), std::string::npos);
-  EXPECT_NE(text.find("  </PhotoOverlay>\r\n  <Placemark>\r\n      <description>d</description>\r\n"),
-            std::string::npos);
-  EXPECT_NE(
-      text.find("<name>last</name>\r\n      \r\n      <Point>\r\n          <coordinates>2,1,3</coordinates>"
-                "\r\n      </Point>\r\n  </Placemark>"),
-      std::string::npos);
-  EXPECT_NE(text.find("2.123456,48.123456,100\r\n      </coordinates>"), std::string::npos);
+  for (const char* part : {"<name>n</name>\r\n      <Camera>",
+                           "  </PhotoOverlay>\r\n  <Placemark>\r\n      <description>d</description>\r\n",
+                           "<name>last</name>\r\n      \r\n      <Point>\r\n          "
+                           "<coordinates>2,1,3</coordinates>\r\n      </Point>\r\n  </Placemark>",
+                           "2.123456,48.123456,100\r\n      </coordinates>"})
+    EXPECT_THAT(text, testing::HasSubstr(part));
   EXPECT_TRUE(text.ends_with("  </Placemark>\r\n</Document>\r\n</kml>\r\n"));
 }
 
@@ -64,4 +61,4 @@ TEST(KmlMarkup, TextsOfTheWriterAreAsciiCharacterData) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

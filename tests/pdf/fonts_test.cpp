@@ -9,12 +9,10 @@
 #include "pdf/fonts/metrics_folder.h"
 #include "tests/pdf/pdf_testing.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
-using tests::Document;
-using tests::holds;
-using tests::TemporaryFolder;
+using Fonts = PdfTest;
 
 const std::string start = "StartCharMetrics 3\n";
 const std::string end = "EndCharMetrics\n";
@@ -24,33 +22,31 @@ TEST(Afm, ReadsByThePositionsOfTheFields) {
     const char* what;
     std::string afm;
     std::array<std::int32_t, 3> widths;  ///< of "A", "B" and "C", codes 65 to 67
-  } rows[] = {
-      {"plain", start + "C 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;\n" + end, {1, 2, 4}},
-      {"CR LF", "StartCharMetrics\r\nC 65 ; WX 12\r\nC 66 ; WX 2\r\nEndCharMetrics\r\n", {12, 2, 0}},
-      {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", {1, 2, 0}},
-      {"an unencoded character", start + "C 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2\n" + end, {1, 0, 0}},
-      {"the keywords do not count", start + "x 65 ; y 1 ;\n" + end, {1, 0, 0}},
-      {"blanks around fields and words", start + "  C   65  ;   WX   7  ; N\n" + end, {7, 0, 0}},
-      {"fractions are cut off", start + "C 65 ; WX 1.9\nC 66 ; WX -1.9\n" + end, {1, -1, 0}},
-      {"no end: the last code stays 0", start + "C 65 ; WX 1\nC 66 ; WX 2\n", {0, 0, 0}},
-      {"no start", "C 65 ; WX 1\n" + end, {0, 0, 0}},
-      {"the end before the start", end + start + "C 65 ; WX 1\n" + end, {0, 0, 0}},
-      {"a minus one before the start", "Comment -1 ;\n" + start + "C 65 ; WX 1\n" + end, {0, 0, 0}},
-      {"above the last code", start + "C 67 ; WX 4\nC 65 ; WX 1\n" + end, {0, 0, 0}},
-      {"below the first code", start + "C 66 ; WX 2\nC 65 ; WX 1\nC 67 ; WX 4\n" + end, {0, 2, 4}},
-      {"malformed lines leave the others alone",
-       start + "C 65 ; WX 1\n\n;;;\nC x ; WX 9\nC 66 ; WX x\nC 66\nC ; WX 5\nC 67 ; WX 4\n" + end,
-       {1, 0, 4}},
-      {"codes and widths out of range",
-       start + "C 65 ; WX 99999999999\nC 66 ; WX 2\nC 99999999999 ; WX 3\nC 300 ; WX 3\n" + end,
-       {0, 2, 0}},
-      {"a short line long before the next",
-       start + "C 65 ; WX 1\n" + std::string(500, ' ') + "C 66 ; WX 2\n" + end,
-       {1, 2, 0}},
-      {"the line after a second start is taken as it is",
-       start + "C 65 ; WX 1\n" + start + "C 66 ; WX 2\nC 67 ; WX 4\n" + end,
-       {1, 2, 4}},
-  };
+  } rows[] = {{"plain", start + "C 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;\n" + end, {1, 2, 4}},
+              {"CR LF", "StartCharMetrics\r\nC 65 ; WX 12\r\nC 66 ; WX 2\r\nEndCharMetrics\r\n", {12, 2, 0}},
+              {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", {1, 2, 0}},
+              {"an unencoded character", start + "C 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2\n" + end, {1, 0, 0}},
+              {"the keywords do not count", start + "x 65 ; y 1 ;\n" + end, {1, 0, 0}},
+              {"blanks around fields and words", start + "  C   65  ;   WX   7  ; N\n" + end, {7, 0, 0}},
+              {"fractions are cut off", start + "C 65 ; WX 1.9\nC 66 ; WX -1.9\n" + end, {1, -1, 0}},
+              {"no end: the last code stays 0", start + "C 65 ; WX 1\nC 66 ; WX 2\n", {0, 0, 0}},
+              {"no start", "C 65 ; WX 1\n" + end, {0, 0, 0}},
+              {"the end before the start", end + start + "C 65 ; WX 1\n" + end, {0, 0, 0}},
+              {"a minus one before the start", "Comment -1 ;\n" + start + "C 65 ; WX 1\n" + end, {0, 0, 0}},
+              {"above the last code", start + "C 67 ; WX 4\nC 65 ; WX 1\n" + end, {0, 0, 0}},
+              {"below the first code", start + "C 66 ; WX 2\nC 65 ; WX 1\nC 67 ; WX 4\n" + end, {0, 2, 4}},
+              {"malformed lines leave the others alone",
+               start + "C 65 ; WX 1\n\n;;;\nC x ; WX 9\nC 66 ; WX x\nC 66\nC ; WX 5\nC 67 ; WX 4\n" + end,
+               {1, 0, 4}},
+              {"codes and widths out of range",
+               start + "C 65 ; WX 99999999999\nC 66 ; WX 2\nC 99999999999 ; WX 3\nC 300 ; WX 3\n" + end,
+               {0, 2, 0}},
+              {"a short line long before the next",
+               start + "C 65 ; WX 1\n" + std::string(500, ' ') + "C 66 ; WX 2\n" + end,
+               {1, 2, 0}},
+              {"the line after a second start is taken as it is",
+               start + "C 65 ; WX 1\n" + start + "C 66 ; WX 2\nC 67 ; WX 4\n" + end,
+               {1, 2, 4}}};
   for (const auto& row : rows) {
     const auto metrics = parseAfm(row.afm, true);
     for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(metrics->widths[65 + i], row.widths[i]) << row.what;
@@ -89,17 +85,14 @@ TEST(MetricsFolder, ShippedFontsMeasureByTheCodesOfWindows1252) {
       {"Helvetica", 0xE9, 556},   {"Helvetica", 0x27, 191},  {"Helvetica", 0xAD, 333},
       {"Helvetica", 0x9C, 944},   {"TimesItalic", 'a', 500}, {"TimesRoman", 'a', 444},
       {"Courier", 0xFF, 600},     {"Helvetica", 0x81, 350},  {"Symbol", 'a', 631},
-      {"ZapfDingbats", '!', 974}, {"Symbol", 0x80, 0},
-  };
+      {"ZapfDingbats", '!', 974}, {"Symbol", 0x80, 0}};
   MetricsFolder metrics;
   metrics.setPath(libraryFolder());
-  for (const auto& [font, code, width] : table) {
+  for (const auto& [font, code, width] : table)
     EXPECT_EQ(metrics.read(font)->widths[code], width) << font << ' ' << int{code};
-  }
   for (const char* font : {"Helvetica", "Courier-Oblique", "Times-Bold", "TimesItalic"}) {
-    for (std::size_t code = 32; code < 256; ++code) {
+    for (std::size_t code = 32; code < 256; ++code)
       EXPECT_GT(metrics.read(font)->widths[code], 0) << font << ' ' << code;
-    }
   }
 }
 
@@ -132,8 +125,7 @@ TEST(MetricsFolder, SeesEachEditAtOnce) {
 }
 
 TEST(MetricsFolder, OtherFoldersAndMadeUpNames) {
-  const TemporaryFolder one;
-  const TemporaryFolder two;
+  const TemporaryFolder one, two;
   replaceFile(one / "Font.afm", afmWithWidth(1));
   replaceFile(two / "Font.afm", std::string(40000, 'x') + "\n" + afmWithWidth(2));  // a long header
   MetricsFolder metrics;
@@ -141,14 +133,12 @@ TEST(MetricsFolder, OtherFoldersAndMadeUpNames) {
   EXPECT_EQ(metrics.read("Font")->widths['A'], 1);
   metrics.setPath(two.path());
   EXPECT_EQ(metrics.read("Font")->widths['A'], 2);
-  for (int i = 0; i < 1000; ++i) {
-    EXPECT_EQ(metrics.read("No font " + std::to_string(i))->widths['A'], 0);
-  }
+  for (int i = 0; i < 1000; ++i) EXPECT_EQ(metrics.read("No font " + std::to_string(i))->widths['A'], 0);
   EXPECT_EQ(metrics.read(std::string("Font\0x", 6))->widths['A'], 0);
   EXPECT_EQ(metrics.read("Font")->widths['A'], 2);
 }
 
-TEST(Fonts, SelectionAndResource) {
+TEST_F(Fonts, SelectionAndResource) {
   // Resource numbers are the positions of the sorted files: Courier-Bold, -BoldOblique, -Oblique, Courier,
   // the same of Helvetica, Symbol, Times-Bold, -BoldItalic, -Italic, -Roman, TimesItalic, TimesRoman,
   // ZapfDingbats.
@@ -159,38 +149,31 @@ TEST(Fonts, SelectionAndResource) {
       {FONT_TIMES, 0, "Times-Roman", "/F13 9"},   {FONT_TIMES, 1, "TimesItalic", "/F14 9"},
       {FONT_TIMES, 23, "Times-Bold", "/F10 9"},   {FONT_TIMES, 12, "Times-BoldItalic", "/F11 9"},
       {FONT_SYMBOL, 0, "Symbol", "/F9 9"},        {FONT_ZAPFDINGBATS, 4567, "ZapfDingbats", "/F16 9"},
-      {FONT_SYMBOL, 2, "Symbol-Bold", "/F0 9"},   {7, 12, "TimesRoman", "/F15 9"},
-  };
-  const auto none = tests::contentOf([](VeltranoPDF& pdf) { pdf.PDFTextOut("x", 1, 1); });
+      {FONT_SYMBOL, 2, "Symbol-Bold", "/F0 9"},   {7, 12, "TimesRoman", "/F15 9"}};
+  const auto none = contentOf([](VeltranoPDF& doc) { doc.PDFTextOut("x", 1, 1); });
   EXPECT_TRUE(holds(none, "\r\n/F1 10 Tf\r\n"));
   for (const auto& [font, style, baseFont, operands] : choices) {
-    const auto content = tests::contentOf([&, f = font, s = style, name = baseFont](VeltranoPDF& pdf) {
-      pdf.PDFSetFont(f, 9, s);
-      EXPECT_EQ(pdf.PDFGetStringWidth("a1!", {}, 10), pdf.PDFGetStringWidth("a1!", name, 10));
-      pdf.PDFTextOut("x", 1, 1);
+    const auto content = contentOf([&, f = font, s = style, name = baseFont](VeltranoPDF& doc) {
+      doc.PDFSetFont(f, 9, s);
+      EXPECT_EQ(doc.PDFGetStringWidth("a1!", {}, 10), doc.PDFGetStringWidth("a1!", name, 10));
+      doc.PDFTextOut("x", 1, 1);
     });
     EXPECT_TRUE(holds(content, "\r\n" + std::string(operands) + " Tf\r\n")) << baseFont;
   }
 }
 
-TEST(Fonts, Measuring) {
-  VeltranoPDF pdf;
+TEST_F(Fonts, Measuring) {
   pdf.PDFSetFont(FONT_ARIAL, 12);
   const std::tuple<std::string_view, const char*, std::int16_t, double> rows[] = {
-      {"Hello", "", 12, 27.336},                                 // (722 + 556 + 222 + 222 + 556) * 12 / 1000
-      {"Hello", "Courier", 10, 30},        {"Hello", "", 0, 0},  // not the size of the current font
-      {{"\0\x1F", 2}, "", 12, 0},          {"Hello", "../Helvetica/x", 12, 0},
-      {"Hello", "Helvetica", -10, -22.78},
-  };
-  for (const auto& [text, font, size, width] : rows) {
+      {"Hello", "", 12, 27.336},                                // (722 + 556 + 222 + 222 + 556) * 12 / 1000
+      {"Hello", "Courier", 10, 30},       {"Hello", "", 0, 0},  // not the size of the current font
+      {{"\0\x1F", 2}, "", 12, 0},         {"Hello", "../Helvetica/x", 12, 0},
+      {"Hello", "Helvetica", -10, -22.78}};
+  for (const auto& [text, font, size, width] : rows)
     EXPECT_DOUBLE_EQ(pdf.PDFGetStringWidth(text, font, size), width) << text << font;
-  }
 }
 
-TEST(Fonts, LoadingAFolder) {
-  Document document;
-  VeltranoPDF& pdf = document.pdf;
-  const auto& folder = document.folder;
+TEST_F(Fonts, LoadingAFolder) {
   for (const char* name :
        {"Zebra.afm", "Alpha.AFM", "notes.txt", "Middle.afm.bak", "Zebra #2 (1)[{%}].afm"}) {
     replaceFile(folder / name, afmWithWidth(100));
@@ -203,51 +186,44 @@ TEST(Fonts, LoadingAFolder) {
   EXPECT_EQ(pdf.PDFGetStringWidth("A", "Courier", 10), 0);
   pdf.PDFBeginDoc();
   pdf.PDFTextOut("x", 1, 1);
-  const std::string file = document.finish();
+  const std::string file = finish();
   EXPECT_TRUE(holds(file, "\r\n/F0 9 Tf\r\n")) << "Courier is written over";
   // The table is only written over; the last four characters of a name go, whatever they are; and a blank or
   // a bracket would end the name in the file.
   const std::pair<int, const char*> names[] = {
       {1, "Alpha"}, {2, "Middle.afm"},     {3, "Zebra#20#232#20#281#29#5B#7B#25#7D#5D"},
       {4, "Zebra"}, {5, "Helvetica-Bold"}, {16, "ZapfDingbats"}};
-  for (const auto& [number, name] : names) {
+  for (const auto& [number, name] : names)
     EXPECT_TRUE(holds(file, "/Name /F" + std::to_string(number) + "\r\n/BaseFont /" + name + "\r\n"));
-  }
 }
 
-TEST(Fonts, TheWholePathOfAFolderCounts) {
+TEST_F(Fonts, TheWholePathOfAFolderCounts) {
   const auto before = std::filesystem::current_path();
-  Document document;
-  std::filesystem::create_directory(document.folder / "fonts.afm");
-  for (const char* name : {"fonts.afm/a", "fonts.afm/readme.txt"}) replaceFile(document.folder / name, "x");
-  std::filesystem::current_path(document.folder / "fonts.afm");
-  document.pdf.PDFLoadAfm(".");
+  std::filesystem::create_directory(folder / "fonts.afm");
+  for (const char* name : {"fonts.afm/a", "fonts.afm/readme.txt"}) replaceFile(folder / name, "x");
+  std::filesystem::current_path(folder / "fonts.afm");
+  pdf.PDFLoadAfm(".");
   std::filesystem::current_path(before);
-  document.pdf.PDFBeginDoc();
+  pdf.PDFBeginDoc();
   // "a" is too short to give a name.
-  EXPECT_TRUE(holds(document.finish(), "/BaseFont /Courier-Bold\r\n"));
-  EXPECT_TRUE(holds(*readWholeFile(document.file()), "/Name /F2\r\n/BaseFont /readme\r\n"));
+  EXPECT_TRUE(holds(finish(), "/BaseFont /Courier-Bold\r\n"));
+  EXPECT_TRUE(holds(*readWholeFile(file()), "/Name /F2\r\n/BaseFont /readme\r\n"));
 }
 
-TEST(Fonts, MetricsAreLookedAtWhenAFontIsSetOrLoadedAPageBeginsOrAWidthIsAskedFor) {
-  Document document;
-  VeltranoPDF& pdf = document.pdf;
-  const auto write = [&](int width) { replaceFile(document.folder / "Helvetica.afm", afmWithWidth(width)); };
+TEST_F(Fonts, MetricsAreLookedAtWhenAFontIsSetOrLoadedAPageBeginsOrAWidthIsAskedFor) {
+  const auto write = [&](int width) { replaceFile(folder / "Helvetica.afm", afmWithWidth(width)); };
   const auto widthDrawn = [&] {
     pdf.PDFTextOut("A", 5, 5);
     return pdf.PDFGetX() - 5;
   };
   write(800);
-  pdf.PDFLoadAfm(document.folder.path());
+  pdf.PDFLoadAfm(folder.path());
   pdf.PDFSetFont(FONT_ARIAL, 10);
   pdf.PDFBeginDoc();
-  const std::function<void()> moments[] = {
-      [&] { pdf.PDFSetFont(FONT_ARIAL, 10); },
-      [&] { pdf.PDFLoadAfm(document.folder.path()); },
-      [&] { pdf.PDFNewPage(); },
-      [&] { pdf.PDFBeginDoc(); },
-      [&] { EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 1), 2); },
-  };
+  const std::function<void()> moments[] = {[&] { pdf.PDFSetFont(FONT_ARIAL, 10); },
+                                           [&] { pdf.PDFLoadAfm(folder.path()); }, [&] { pdf.PDFNewPage(); },
+                                           [&] { pdf.PDFBeginDoc(); },
+                                           [&] { EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 1), 2); }};
   for (const auto& moment : moments) {
     write(800);
     EXPECT_EQ(pdf.PDFGetStringWidth("A", {}, 10), 8);
@@ -261,4 +237,4 @@ TEST(Fonts, MetricsAreLookedAtWhenAFontIsSetOrLoadedAPageBeginsOrAWidthIsAskedFo
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

@@ -1,51 +1,43 @@
 #include <gtest/gtest.h>
 
-#include <limits>
+#include <cmath>
 #include <tuple>
 
 #include "tests/pdf/pdf_testing.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
-using tests::contentOf;
-using tests::Document;
+using GraphicsState = PdfTest;
 
 TEST(Colors, OfEveryForm) {
-  const std::pair<Value, const char*> rows[] = {
-      {"#FF8000", "1.000 0.502 0.000"},
-      {"#FFF", "0.000 0.000 1.000"},       // "00#FFF": the pair "#F" is none
-      {"#12fF8000", "1.000 0.502 0.000"},  // the last six count
-      {"FF8000", "0.000 0.000 0.000"},     // reported, too
-      {COLOR_ROUGE, "1.000 0.000 0.000"},
-      {COLOR_JAUNE, "1.000 1.000 0.000"},
-      {COLOR_BLEU, "0.000 0.000 1.000"},
-      {255.9, "1.000 0.000 0.000"},
-      {-0.5, "0.000 0.000 0.000"},  // fractions go towards zero
-      {-1.5, "1.000 1.000 1.000"},
-      {-1, "1.000 1.000 1.000"},
-      {1e10, "0.000 0.000 0.000"},
-      {std::numeric_limits<double>::quiet_NaN(), "0.000 0.000 0.000"},
-      {Null(), "0.000 0.000 0.000"},
-      {Value::List{"128", 127.5, -51}, "0.502 0.502 -0.200"},
-      {Value::List{70000, Opaque(), 255, 9}, "0.000 0.000 1.000"},
-      {Value::List{255}, "1.000 0.000 0.000"},
-      {Value::Doubles{255, 0, 255, 9}, "1.000 0.000 1.000"},
-      {Value::Bytes{255, 128, 0, 9}, "1.000 0.502 0.000"},
-      {Value::Bytes{0, 255}, "0.000 1.000 0.000"},
+  const std::pair<std::string, Value::List> rows[] = {
+      {"1.000 0.502 0.000",
+       {"#FF8000", "#12fF8000", Value::Bytes{255, 128, 0, 9}}},  // the last six letters count
+      {"0.000 0.000 1.000",
+       {"#FFF", COLOR_BLEU, Value::List{70000, Opaque(), 255, 9}}},  // "00#FFF": "#F" is no pair
+      {"1.000 0.000 0.000", {COLOR_ROUGE, 255.9, Value::List{255}}},
+      {"1.000 1.000 0.000", {COLOR_JAUNE}},
+      {"0.000 1.000 0.000", {Value::Bytes{0, 255}}},
+      {"1.000 0.000 1.000", {Value::Doubles{255, 0, 255, 9}}},
+      {"0.502 0.502 -0.200", Value::List(1, Value::List{"128", 127.5, -51})},
+      {"1.000 1.000 1.000", {-1.5, -1}},
+      {"0.000 0.000 0.000",
+       {"FF8000", -0.5, 1e10, NAN, Null()}},  // fractions go towards zero; texts are reported, too
   };
-  for (const auto& [color, numbers] : rows) {
-    const std::string content = contentOf([&, given = color](VeltranoPDF& pdf) {
-      pdf.PDFSetTextColor(given);
-      pdf.PDFTextOut("x", 1, 1);
-      pdf.PDFSetDrawColor(given);
-      pdf.PDFSetLineColor(given);
-      pdf.PDFSetDrawMode(DRAW_DRAWBORDER);
-      pdf.PDFDrawRectangle(0, 0, 1, 1);
-    });
-    const std::string all(numbers);
-    EXPECT_TRUE(content.starts_with("q " + all + " rg \r\n")) << content;
-    EXPECT_TRUE(tests::holds(content, "\r\n" + all + " rg\r\n" + all + " RG\r\n"));
+  for (const auto& [numbers, colors] : rows) {
+    for (const Value& color : colors) {
+      const std::string content = contentOf([&](VeltranoPDF& pdf) {
+        pdf.PDFSetTextColor(color);
+        pdf.PDFTextOut("x", 1, 1);
+        pdf.PDFSetDrawColor(color);
+        pdf.PDFSetLineColor(color);
+        pdf.PDFSetDrawMode(DRAW_DRAWBORDER);
+        pdf.PDFDrawRectangle(0, 0, 1, 1);
+      });
+      EXPECT_TRUE(content.starts_with("q " + numbers + " rg \r\n")) << numbers << content;
+      EXPECT_TRUE(holds(content, "\r\n" + numbers + " rg\r\n" + numbers + " RG\r\n"));
+    }
   }
 }
 
@@ -65,8 +57,7 @@ TEST(LineStyle, PatternsAreWholePointsOfTheUnitOfThen) {
   }
 }
 
-TEST(GraphicsState, GettersAnswerAsHostsKnowThem) {
-  VeltranoPDF pdf;
+TEST_F(GraphicsState, GettersAnswerAsHostsKnowThem) {
   pdf.PDFSetTextColor(COLOR_ROUGE);
   EXPECT_EQ(pdf.PDFGetTextColor() + pdf.PDFGetLineColor() + pdf.PDFGetDrawColor() + pdf.PDFGetFileName(), "");
   std::string names = pdf.PDFGetAlignement();
@@ -77,49 +68,45 @@ TEST(GraphicsState, GettersAnswerAsHostsKnowThem) {
   EXPECT_EQ(names, "Left Center Left Right Left Left");
 }
 
-TEST(GraphicsState, EveryRefusalHasItsMessage) {
-  const std::pair<const char*, void (*)(VeltranoPDF&)> rows[] = {
-      {"Invalid Text Color", [](VeltranoPDF& pdf) { pdf.PDFSetTextColor("FF0000"); }},
-      {"Invalid Line Color", [](VeltranoPDF& pdf) { pdf.PDFSetLineColor(""); }},
-      {"Invalide Draw Color", [](VeltranoPDF& pdf) { pdf.PDFSetDrawColor("255"); }},
-      {"Incorrect Line Style", [](VeltranoPDF& pdf) { pdf.PDFSetLineStyle(4); }},
-      {"Incorrect Draw line", [](VeltranoPDF& pdf) { pdf.PDFSetDrawMode(3); }},
-      {"Invalid Alignment Code", [](VeltranoPDF& pdf) { pdf.PDFSetAlignement(4); }},
-      {"Invalid Fort ", [](VeltranoPDF& pdf) { pdf.PDFSetFont(5, 10); }},
-      {"Incorrect Page Orientation", [](VeltranoPDF& pdf) { pdf.PDFOrientation(2); }},
-  };
-  Document document;
+TEST_F(GraphicsState, EveryRefusalHasItsMessage) {
+  const std::pair<const char*, Draw> rows[] = {
+      {"Invalid Text Color", [](auto& doc) { doc.PDFSetTextColor("FF0000"); }},
+      {"Invalid Line Color", [](auto& doc) { doc.PDFSetLineColor(""); }},
+      {"Invalide Draw Color", [](auto& doc) { doc.PDFSetDrawColor("255"); }},
+      {"Incorrect Line Style", [](auto& doc) { doc.PDFSetLineStyle(4); }},
+      {"Incorrect Draw line", [](auto& doc) { doc.PDFSetDrawMode(3); }},
+      {"Invalid Alignment Code", [](auto& doc) { doc.PDFSetAlignement(4); }},
+      {"Invalid Fort ", [](auto& doc) { doc.PDFSetFont(5, 10); }},
+      {"Incorrect Page Orientation", [](auto& doc) { doc.PDFOrientation(2); }}};
   for (const auto& [message, call] : rows) {
-    call(document.pdf);
-    EXPECT_EQ(document.takeErrors(), std::vector<std::string>{message});
+    call(pdf);
+    EXPECT_EQ(takeErrors(), message + std::string("|"));
   }
 }
 
-TEST(GraphicsState, HandlerMayUseTheObjectAndReplaceItself) {
-  Document document;
+TEST_F(GraphicsState, HandlerMayUseTheObjectAndReplaceItself) {
   std::string seen;
-  document.pdf.onError = [&](std::string_view message) {
+  pdf.onError = [&](std::string_view message) {
     seen = message;
-    document.pdf.onError = nullptr;
-    document.pdf.PDFSetUnit(99);
-    document.pdf.PDFInit();
+    pdf.onError = nullptr;
+    pdf.PDFSetUnit(99);
+    pdf.PDFInit();
   };
-  document.pdf.PDFFormatPage("none");
+  pdf.PDFFormatPage("none");
   EXPECT_EQ(seen, "Incorrect Page Code");
-  EXPECT_EQ(document.pdf.PDFGetPageWidth(), 595.28);
+  EXPECT_EQ(pdf.PDFGetPageWidth(), 595.28);
 }
 
 TEST(Drawing, MovesTheCurrentPosition) {
-  const std::tuple<void (*)(VeltranoPDF&), int, int> rows[] = {
-      {[](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(10, 20, 100); }, 110, 20},
-      {[](VeltranoPDF& pdf) { pdf.PDFDrawLineVer(10, 20, 100); }, 10, 120},
-      {[](VeltranoPDF& pdf) { pdf.PDFDrawLine(10, 20, 5, 30); }, 10, 30},
-      {[](VeltranoPDF& pdf) { pdf.PDFDrawRectangle(3, 4, 50, 60); }, 3, 64},
-      {[](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(30, 40, 50, 60); }, 3, 64},
+  const std::tuple<Draw, int, int> rows[] = {
+      {[](auto& pdf) { pdf.PDFDrawLineHor(10, 20, 100); }, 110, 20},
+      {[](auto& pdf) { pdf.PDFDrawLineVer(10, 20, 100); }, 10, 120},
+      {[](auto& pdf) { pdf.PDFDrawLine(10, 20, 5, 30); }, 10, 30},
+      {[](auto& pdf) { pdf.PDFDrawRectangle(3, 4, 50, 60); }, 3, 64},
+      {[](auto& pdf) { pdf.PDFDrawEllipse(30, 40, 50, 60); }, 3, 64},
       // Where its link has left it, 10 being the font size.
-      {[](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(30, 40, 50, 60, "t"); }, 35, 80},
-      {[](VeltranoPDF& pdf) { pdf.PDFCell("x", 7, 8, 9, 10); }, 7, 18},
-  };
+      {[](auto& pdf) { pdf.PDFDrawEllipse(30, 40, 50, 60, "t"); }, 35, 80},
+      {[](auto& pdf) { pdf.PDFCell("x", 7, 8, 9, 10); }, 7, 18}};
   VeltranoPDF pdf;
   for (const auto& [draw, x, y] : rows) {
     draw(pdf);
@@ -129,7 +116,7 @@ TEST(Drawing, MovesTheCurrentPosition) {
 }
 
 TEST(Drawing, OnlyTheTwoStraightLinesLeaveTheirColorAsTheFillColor) {
-  const std::string content = contentOf([](VeltranoPDF& pdf) {
+  const std::string content = contentOf([](auto& pdf) {
     pdf.PDFSetDrawMode(DRAW_DRAW);
     pdf.PDFSetDrawColor(COLOR_VERT);
     pdf.PDFDrawLine(0, 0, 1, 1);
@@ -158,20 +145,18 @@ TEST(Drawing, PolygonTakesThePointsThatAreOnes) {
       {{one}, 1},
       {{none, Value(), 1e308}, 0},
       {{Value::List{}}, 0},
-      {{}, 0},
-  };
+      {{}, 0}};
   for (const auto& [points, usable] : rows) {
-    const std::string content = tests::contentOf([&, given = points](VeltranoPDF& pdf) {
+    const std::string content = contentOf([&, given = points](VeltranoPDF& pdf) {
       pdf.PDFSetDrawMode(DRAW_DRAWBORDER);
       pdf.PDFDrawPolygon(given);
     });
     const auto painted = content.ends_with("h\r\nB\r\n%FIN_POLY/%\r\n");
     EXPECT_EQ(painted, usable > 0) << content;
     EXPECT_EQ(content.ends_with(" w \r\n%FIN_POLY/%\r\n"), usable == 0) << "no operator without a path";
-    EXPECT_EQ(tests::countOf(content, " m\r\n") + tests::countOf(content, " l\r\n"),
-              static_cast<std::size_t>(usable));
+    EXPECT_EQ(countOf(content, " m\r\n") + countOf(content, " l\r\n"), static_cast<std::size_t>(usable));
   }
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

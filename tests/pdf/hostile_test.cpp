@@ -1,69 +1,63 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <random>
 
 #include "tests/pdf/pdf_testing.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
-using tests::Document;
-using tests::lines;
+using Hostile = PdfTest;
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-TEST(Hostile, PageWithoutSizeTakesTheLinesThatNeedNone) {
-  const std::string file = tests::fileOf([](VeltranoPDF& pdf) {
-    pdf.PDFPageHeight(std::nan(""));
-    pdf.PDFPageWidth(infinity);
-    pdf.PDFDrawLineHor(10, 20, 100);
-    pdf.PDFDrawEllipse(10, 20, 5, 5);
-    pdf.PDFTextOut("x", 1, 1);
+TEST_F(Hostile, PageWithoutSizeTakesTheLinesThatNeedNone) {
+  const std::string file = fileOf([](auto& doc) {
+    doc.PDFPageHeight(std::nan(""));
+    doc.PDFPageWidth(infinity);
+    doc.PDFDrawLineHor(10, 20, 100);
+    doc.PDFDrawEllipse(10, 20, 5, 5);
+    doc.PDFTextOut("x", 1, 1);
   });
-  EXPECT_EQ(
-      tests::pageContent(file, 1),
-      lines({"%DEBUT_LNH/%", "[] 0 d", "0 G", "0.57 w S", "%FIN_LNH/%", "0 G", "[] 0 d", "0 G", "0.57 w ",
-             "s", "q 0 g ", "%DEBUT_TEXT/%", "BT", "/F1 10 Tf", "(x) Tj", "ET", "Q", "%FIN_TEXT/%"}));
-  EXPECT_TRUE(tests::holds(file, "/MediaBox [ 0 0 595.28 841.89]\r\n")) << "it is still a page";
+  EXPECT_EQ(pageContent(file, 1), lines({"%DEBUT_LNH/%", "[] 0 d", "0 G", "0.57 w S", "%FIN_LNH/%", "0 G",
+                                         "[] 0 d", "0 G", "0.57 w ", "s", "q 0 g ", "%DEBUT_TEXT/%", "BT",
+                                         "/F1 10 Tf", "(x) Tj", "ET", "Q", "%FIN_TEXT/%"}));
+  EXPECT_TRUE(holds(file, "/MediaBox [ 0 0 595.28 841.89]\r\n")) << "it is still a page";
 }
 
-TEST(Hostile, ACoordinateThatIsNoneLeavesThePositionOfBefore) {
+TEST_F(Hostile, ACoordinateThatIsNoneLeavesThePositionOfBefore) {
   for (const double none : {std::nan(""), infinity, -infinity}) {
-    const std::function<void(VeltranoPDF&)> calls[] = {
-        [=](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(none, none, 5); },
-        [=](VeltranoPDF& pdf) { pdf.PDFDrawLine(none, none, none, none); },
-        [=](VeltranoPDF& pdf) { pdf.PDFDrawRectangle(none, 1, 5, none, "t"); },
-        [=](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(none, none, 5, 5, "t"); },
-        [=](VeltranoPDF& pdf) { pdf.PDFCell("x", none, none, 5, 5, "t"); },
-        [=](VeltranoPDF& pdf) { pdf.PDFLink(none, none, "x", "t"); },
-    };
+    const Draw calls[] = {[=](auto& doc) { doc.PDFDrawLineHor(none, none, 5); },
+                          [=](auto& doc) { doc.PDFDrawLine(none, none, none, none); },
+                          [=](auto& doc) { doc.PDFDrawRectangle(none, 1, 5, none, "t"); },
+                          [=](auto& doc) { doc.PDFDrawEllipse(none, none, 5, 5, "t"); },
+                          [=](auto& doc) { doc.PDFCell("x", none, none, 5, 5, "t"); },
+                          [=](auto& doc) { doc.PDFLink(none, none, "x", "t"); }};
     for (const auto& call : calls) {
-      const std::string content = tests::contentOf([&](VeltranoPDF& pdf) {
-        pdf.PDFSetFont(FONT_COURIER, 10);
-        pdf.PDFTextOut("Hello", 20, 30);  // 30 points wide
-        call(pdf);
-        pdf.PDFTextOut("after");
+      const std::string content = contentOf([&](auto& doc) {
+        doc.PDFSetFont(FONT_COURIER, 10);
+        doc.PDFTextOut("Hello", 20, 30);  // 30 points wide
+        call(doc);
+        doc.PDFTextOut("after");
       });
-      EXPECT_TRUE(tests::holds(content, "BT\r\n50.00 801.89 Td\r\n"));
+      EXPECT_TRUE(holds(content, "BT\r\n50.00 801.89 Td\r\n"));
     }
   }
 }
 
-TEST(Hostile, TextsGoInAsTheyAre) {
+TEST_F(Hostile, TextsGoInAsTheyAre) {
   const std::string text = std::string("a\0b\r\n)\xFF", 7) + std::string(1 << 20, 'x');
-  Document document;
-  document.pdf.PDFTitle(text);
-  document.pdf.PDFBeginDoc();
-  document.pdf.PDFSetBookmark(text);
-  document.pdf.PDFSetBookmark(text);
-  EXPECT_EQ(tests::countOf(document.finish(), "(" + text + ")\r\n/"), 3U);
+  pdf.PDFTitle(text);
+  pdf.PDFBeginDoc();
+  pdf.PDFSetBookmark(text);
+  pdf.PDFSetBookmark(text);
+  EXPECT_EQ(countOf(finish(), "(" + text + ")\r\n/"), 3U);
 }
 
 /// Any order of calls with any numbers leads to nothing worse than an odd document.
-TEST(Hostile, CallsInEveryOrder) {
+TEST_F(Hostile, CallsInEveryOrder) {
   const double numbers[] = {0, -1, 1, 2.5, 1e6, -1e300, 1e308, std::nan(""), infinity, 32767.5};
   const Value values[] = {
       {},     Null(),  Opaque(),      5,       -70000, 1e300,           "#12x",
@@ -73,39 +67,35 @@ TEST(Hostile, CallsInEveryOrder) {
   const auto any = [&](std::size_t count) { return static_cast<int>(random() % count); };
   const auto n = [&] { return numbers[any(std::size(numbers))]; };
   const auto value = [&] { return values[any(std::size(values))]; };
-  using Call = std::function<void(VeltranoPDF&)>;
-  const Call calls[] = {
-      [](VeltranoPDF& pdf) { pdf.PDFBeginDoc(); },
-      [](VeltranoPDF& pdf) { pdf.PDFNewPage(); },
-      [](VeltranoPDF& pdf) { pdf.PDFEndPage(); },
-      [](VeltranoPDF& pdf) { pdf.PDFEndDoc(); },
-      [](VeltranoPDF& pdf) { pdf.PDFFiligran("mark"); },
-      [&](VeltranoPDF& pdf) { pdf.PDFFormatPage(value()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFOrientation(any(4)); },
-      [&](VeltranoPDF& pdf) { pdf.PDFSetUnit(any(4)); },
-      [&](VeltranoPDF& pdf) { pdf.PDFPageHeight(n()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFSetBookmark("b", any(5) - 1, n()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFSetZoomMode(value()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFSetLineWidth(n()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFSetRotation(n()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFSetDrawColor(value()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFSetDrawMode(any(4)); },
-      [&](VeltranoPDF& pdf) { pdf.PDFDrawRectangle(n(), n(), n(), n(), value()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFDrawEllipse(n(), n(), n(), n(), value()); },
-      [&](VeltranoPDF& pdf) {
-        pdf.PDFDrawPolygon({value(), value(), Value::List{n(), n()}});
-      },
-      [&](VeltranoPDF& pdf) { pdf.PDFDrawLineHor(n(), n(), n()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFTextOut("text", n(), n()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFSetAlignement(any(4)); },
-      [&](VeltranoPDF& pdf) { pdf.PDFCell(longText, n(), n(), n(), n(), value()); },
-      [&](VeltranoPDF& pdf) { pdf.PDFLink(n(), n(), "here", "there"); },
-  };
+  const Draw calls[] = {[](auto& doc) { doc.PDFBeginDoc(); },
+                        [](auto& doc) { doc.PDFNewPage(); },
+                        [](auto& doc) { doc.PDFEndPage(); },
+                        [](auto& doc) { doc.PDFEndDoc(); },
+                        [](auto& doc) { doc.PDFFiligran("mark"); },
+                        [&](auto& doc) { doc.PDFFormatPage(value()); },
+                        [&](auto& doc) { doc.PDFOrientation(any(4)); },
+                        [&](auto& doc) { doc.PDFSetUnit(any(4)); },
+                        [&](auto& doc) { doc.PDFPageHeight(n()); },
+                        [&](auto& doc) { doc.PDFSetBookmark("b", any(5) - 1, n()); },
+                        [&](auto& doc) { doc.PDFSetZoomMode(value()); },
+                        [&](auto& doc) { doc.PDFSetLineWidth(n()); },
+                        [&](auto& doc) { doc.PDFSetRotation(n()); },
+                        [&](auto& doc) { doc.PDFSetDrawColor(value()); },
+                        [&](auto& doc) { doc.PDFSetDrawMode(any(4)); },
+                        [&](auto& doc) { doc.PDFDrawRectangle(n(), n(), n(), n(), value()); },
+                        [&](auto& doc) { doc.PDFDrawEllipse(n(), n(), n(), n(), value()); },
+                        [&](auto& doc) {
+                          doc.PDFDrawPolygon({value(), value(), Value::List{n(), n()}});
+                        },
+                        [&](auto& doc) { doc.PDFDrawLineHor(n(), n(), n()); },
+                        [&](auto& doc) { doc.PDFTextOut("text", n(), n()); },
+                        [&](auto& doc) { doc.PDFSetAlignement(any(4)); },
+                        [&](auto& doc) { doc.PDFCell(longText, n(), n(), n(), n(), value()); },
+                        [&](auto& doc) { doc.PDFLink(n(), n(), "here", "there"); }};
   for (int round = 0; round < 40; ++round) {
-    Document document;
-    document.pdf.PDFBeginDoc();
-    for (int call = 0; call < 200; ++call) calls[any(std::size(calls))](document.pdf);
-    const std::string file = document.finish();
+    pdf.PDFBeginDoc();
+    for (int call = 0; call < 200; ++call) calls[any(std::size(calls))](pdf);
+    const std::string file = finish();
     EXPECT_TRUE(file.starts_with("%PDF-1.0\r\n") && file.ends_with("%%EOF\r\n"));
     EXPECT_EQ(file.find("nan"), std::string::npos);
     EXPECT_EQ(file.find("inf"), std::string::npos);
@@ -113,4 +103,4 @@ TEST(Hostile, CallsInEveryOrder) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

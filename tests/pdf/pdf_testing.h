@@ -6,10 +6,11 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "base/files/whole.h"
 #include "tests/temporary_folder.h"
@@ -69,32 +70,40 @@ inline int objectWith(std::string_view file, std::string_view part) {
   }
 }
 
-/// A document, begun in points, whose messages are kept.
+/// A document in points, whose messages are kept.
 class Document {
  public:
   Document() {
-    pdf.onError = [this](std::string_view message) { errors.emplace_back(message); };
+    pdf.onError = [this](std::string_view message) { errors.append(message).append("|"); };
     pdf.PDFFileName(file());
     pdf.PDFSetUnit(UNIT_PT);
   }
 
   [[nodiscard]] std::filesystem::path file() const { return folder / "out.pdf"; }
+  /// Begins the document; one that was ended before is replaced.
+  void begin() {
+    pdf.PDFFileName(file());
+    pdf.PDFBeginDoc();
+  }
   /// Ends the document and reads it back.
   std::string finish() {
     pdf.PDFEndDoc();
     return readWholeFile(file()).value_or("");
   }
-  /// The messages since the last call.
-  std::vector<std::string> takeErrors() { return std::exchange(errors, {}); }
+  /// The messages since the last call, each followed by "|".
+  std::string takeErrors() { return std::exchange(errors, {}); }
 
   TemporaryFolder folder;
-  std::vector<std::string> errors;
+  std::string errors;
   VeltranoPDF pdf;
 };
 
+class PdfTest : public testing::Test, protected Document {};
+
+using Draw = std::function<void(VeltranoPDF& pdf)>;
+
 /// The file of a document in points, begun before and ended after `draw`.
-template <typename Draw>
-std::string fileOf(Draw draw) {
+inline std::string fileOf(const Draw& draw) {
   Document document;
   document.pdf.PDFBeginDoc();
   draw(document.pdf);
@@ -102,9 +111,38 @@ std::string fileOf(Draw draw) {
 }
 
 /// What `draw` writes on the first page.
-template <typename Draw>
-std::string contentOf(Draw draw) {
+inline std::string contentOf(const Draw& draw) {
   return pageContent(fileOf(draw), 1);
+}
+
+// JPEG files made by hand, segment by segment: what the marker scan looks at, and nothing that can be
+// decoded.
+
+inline std::string bytes(std::initializer_list<int> values) {
+  std::string text;
+  for (const int value : values) text.push_back(static_cast<char>(value));
+  return text;
+}
+
+inline std::string app0(int densityUnit) {
+  return bytes({0xFF, 0xE0, 0, 16, 'J', 'F', 'I', 'F', 0, 1, 1, densityUnit, 0, 72, 0, 72, 0, 0});
+}
+
+inline std::string frame(int marker, int width, int height, int components) {
+  std::string segment = bytes({0xFF, marker, 0, 8 + 3 * components, 8, height / 256, height % 256,
+                               width / 256, width % 256, components});
+  for (int i = 1; i <= components; ++i) segment += bytes({i, 0x11, 0});
+  return segment;
+}
+
+/// The segments between the two end markers, filled up to `size` bytes by a comment.
+inline std::string jpeg(std::initializer_list<std::string> segments, std::size_t size = 400) {
+  std::string file = bytes({0xFF, 0xD8});
+  for (const std::string& segment : segments) file += segment;
+  const std::size_t comment = size - file.size() - 2;
+  file += bytes({0xFF, 0xFE, static_cast<int>((comment - 2) / 256), static_cast<int>((comment - 2) % 256)});
+  file.append(comment - 4, ' ');
+  return file + bytes({0xFF, 0xD9});
 }
 
 }  // namespace veltrano::tests

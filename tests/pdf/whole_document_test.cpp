@@ -2,16 +2,15 @@
 
 #include <regex>
 
-#include "tests/pdf/jpeg_testing.h"
 #include "tests/pdf/pdf_testing.h"
 
 // A document that uses nearly every member, against a file that tests/golden/pdf/whole_document.py works out
 // apart from this code, with decimal arithmetic: every object, position, operator and number of it.
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
-using tests::Document;
+using WholeDocument = PdfTest;
 
 /// Lines and shapes in millimetres.
 void drawShapes(VeltranoPDF& pdf) {
@@ -66,8 +65,7 @@ void writeCells(VeltranoPDF& pdf) {
 }
 
 void drawLinks(VeltranoPDF& pdf, const std::filesystem::path& photo) {
-  double width = 40;
-  double height = 0;
+  double width = 40, height = 0;
   pdf.PDFImage(photo, 500, 100, width, height, "i");
   pdf.PDFSetDrawMode(DRAW_NORMAL);
   pdf.PDFDrawRectangle(600, 100, 50, 20, "r");
@@ -80,9 +78,7 @@ void drawLinks(VeltranoPDF& pdf, const std::filesystem::path& photo) {
   pdf.PDFDrawPolygon({points});
 }
 
-TEST(WholeDocument, IsAsItWasWorkedOut) {
-  Document document;
-  VeltranoPDF& pdf = document.pdf;
+TEST_F(WholeDocument, IsAsItWasWorkedOut) {
   pdf.PDFProducer("p");
   pdf.PDFAuthor("a\xE9");
   pdf.PDFCreator("c");
@@ -103,8 +99,8 @@ TEST(WholeDocument, IsAsItWasWorkedOut) {
   pdf.PDFNewPage();
   writeTexts(pdf);
   writeCells(pdf);
-  const auto photo = document.folder / "photo.jpg";
-  const std::string bytes = tests::jpeg({tests::frame(0xC0, 400, 300, 3)});
+  const auto photo = folder / "photo.jpg";
+  const std::string bytes = jpeg({frame(0xC0, 400, 300, 3)});
   ASSERT_TRUE(replaceFile(photo, bytes));
   drawLinks(pdf, photo);
   pdf.PDFSetBookmark("Below", 1, 100);
@@ -116,13 +112,13 @@ TEST(WholeDocument, IsAsItWasWorkedOut) {
   EXPECT_EQ(pdf.PDFPageNumber(), 3);
   EXPECT_EQ(pdf.PDFNbPage(), 3);
 
-  std::string file = document.finish();
+  std::string file = finish();
   const std::regex now(R"(\(D:\d{4}[01]\d[0-3]\d[0-2]\d[0-5]\d[0-5]\d\))");
   file = std::regex_replace(file, now, "(D:YYYYMMDDHHmmSS)");
   const auto image = file.find(bytes);
   ASSERT_NE(image, std::string::npos);
   file.replace(image, bytes.size(), "(the bytes of the file)");
-  const std::string expected = tests::golden("whole_document.txt");
+  const std::string expected = golden("whole_document.txt");
   const auto difference = std::mismatch(file.begin(), file.end(), expected.begin(), expected.end());
   const auto at = static_cast<std::size_t>(difference.first - file.begin());
   EXPECT_TRUE(file == expected) << "from " << at << " on:\n"
@@ -131,4 +127,4 @@ TEST(WholeDocument, IsAsItWasWorkedOut) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

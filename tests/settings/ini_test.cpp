@@ -12,7 +12,7 @@
 #include "tests/file_call_log.h"
 #include "tests/temporary_folder.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
 namespace fs = std::filesystem;
@@ -22,52 +22,40 @@ const std::u16string absent = u"(absent)";
 
 TEST(IniGetValue, Table) {
   const struct {
-    std::u16string buffer;
-    std::u16string key;
-    std::u16string value;
-  } cases[] = {
-      {u"Width=800", u"width", u"800"},
-      {u"Width = 800", u"Width", absent},
-      {u"[Main]\r\n; A=0\r\n A=0\r\nA= 1 \r\n", u"A", u" 1 "},
-      {u"\uFEFFA=1", u"A", absent},
-      {u"A\0B=1\0\x1A\u00FF\r\n"s, u"a\0b"s, u"1\0\x1A\u00FF"s},
-      {u"\u00C9t\u00E9=1", u"\u00E9T\u00C9", u"1"},
-      {u"k=\u4E2D\u0141", u"k", u"\u4E2D\u0141"},
-      {u"\u4E2D=1\r\n\u0416=2", u"\u0436", u"2"},
-      {u"\u0141=1", u"L", absent},
-      {u"k="s + char16_t{0xD800}, u"k", {char16_t{0xD800}}},
-  };
-  for (const auto& [buffer, key, value] : cases) {
+    std::u16string buffer, key, value;
+  } cases[] = {{u"Width=800", u"width", u"800"},
+               {u"Width = 800", u"Width", absent},
+               {u"[Main]\r\n; A=0\r\n A=0\r\nA= 1 \r\n", u"A", u" 1 "},
+               {u"\uFEFFA=1", u"A", absent},
+               {u"A\0B=1\0\x1A\u00FF\r\n"s, u"a\0b"s, u"1\0\x1A\u00FF"s},
+               {u"\u00C9t\u00E9=1", u"\u00E9T\u00C9", u"1"},
+               {u"k=\u4E2D\u0141", u"k", u"\u4E2D\u0141"},
+               {u"\u4E2D=1\r\n\u0416=2", u"\u0436", u"2"},
+               {u"\u0141=1", u"L", absent},
+               {u"k="s + char16_t{0xD800}, u"k", {char16_t{0xD800}}}};
+  for (const auto& [buffer, key, value] : cases)
     EXPECT_EQ(VeltranoINI().GetValue(buffer, key, absent), value) << utf16ToUtf8(buffer + u" / " + key);
-  }
   EXPECT_EQ(VeltranoINI().GetValue(u"A=1", u"B"), u"");
 }
 
 TEST(IniChangeValue, Table) {
   const struct {
-    std::u16string buffer;
-    std::u16string key;
-    std::u16string value;
-    std::u16string changed;
-  } cases[] = {
-      {u"A=1\r\nA=2", u"a", u"3", u"a=3\r\na=3"},
-      {u"", u"A", u"1", u"\r\nA=1"},
-      {u"x\r\nA=1\r\n\r\ny\n\0\r"s, u"A", u"2", u"x\r\nA=2\r\n\r\ny\n\0\r"s},
-      {u"\u4E2D=1", u"\u0416", u"2", u"\u4E2D=1\r\n\u0416=2"},
-      {u"\u0142=\u4E2D", u"\u0141", u"\u0416", u"\u0141=\u0416"},
-  };
-  for (const auto& [buffer, key, value, changed] : cases) {
+    std::u16string buffer, key, value, changed;
+  } cases[] = {{u"A=1\r\nA=2", u"a", u"3", u"a=3\r\na=3"},
+               {u"", u"A", u"1", u"\r\nA=1"},
+               {u"x\r\nA=1\r\n\r\ny\n\0\r"s, u"A", u"2", u"x\r\nA=2\r\n\r\ny\n\0\r"s},
+               {u"\u4E2D=1", u"\u0416", u"2", u"\u4E2D=1\r\n\u0416=2"},
+               {u"\u0142=\u4E2D", u"\u0141", u"\u0416", u"\u0141=\u0416"}};
+  for (const auto& [buffer, key, value, changed] : cases)
     EXPECT_EQ(VeltranoINI().ChangeValue(buffer, key, value), changed) << utf16ToUtf8(buffer + u" / " + key);
-  }
 }
 
 // The rules said once more in the plainest way: cut at every CR LF, compare line by line.
 std::vector<std::u16string> split(const std::u16string& text) {
   std::vector<std::u16string> lines;
   std::size_t begin = 0;
-  for (std::size_t end = 0; (end = text.find(u"\r\n", begin)) != std::string::npos; begin = end + 2) {
+  for (std::size_t end = 0; (end = text.find(u"\r\n", begin)) != std::string::npos; begin = end + 2)
     lines.push_back(text.substr(begin, end - begin));
-  }
   lines.push_back(text.substr(begin));
   return lines;
 }
@@ -85,7 +73,7 @@ class IniFiles : public testing::Test {
   void put(std::string_view content) { ASSERT_TRUE(replaceFile(file, content)); }
   std::string content() { return readWholeFile(file).value_or("(no file)"); }
 
-  tests::TemporaryFolder folder;
+  TemporaryFolder folder;
   fs::path file = folder / u"r\u00E9glages.ini";
   VeltranoINI ini;
 };
@@ -102,9 +90,7 @@ TEST_F(IniFiles, RandomTextsObeyTheRules) {
                                             u"1",  u"k1=k", u"\r", u"\n",     u"k\u00C9"};
   for (int round = 0; round < 3000; ++round) {
     std::u16string text;
-    for (std::size_t i = pick(40); i > 0; --i) {
-      text += atoms[pick(atoms.size())];
-    }
+    for (std::size_t i = pick(40); i > 0; --i) text += atoms[pick(atoms.size())];
     const std::u16string& key = keys[pick(keys.size())];
     const auto lines = split(text);
     const auto match =
@@ -114,9 +100,8 @@ TEST_F(IniFiles, RandomTextsObeyTheRules) {
     const std::u16string changed = ini.ChangeValue(text, key, u"new");
     const auto changedLines = split(changed);
     ASSERT_EQ(changedLines.size(), lines.size() + (match == lines.end() ? 1 : 0)) << round;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
+    for (std::size_t i = 0; i < lines.size(); ++i)
       ASSERT_EQ(changedLines[i], belongsTo(lines[i], key) ? key + u"=new" : lines[i]) << round;
-    }
     if (round % 50 == 0) {  // each waits for the disk
       put(utf16ToAnsi(text));
       ASSERT_EQ(ini.GetIniValue(file, key, absent), expected) << round;
@@ -138,7 +123,7 @@ TEST_F(IniFiles, SetIniValueKeepsTheRestOfTheFile) {
 
 TEST_F(IniFiles, WhatIsWrittenIsOnTheDiskBeforeTheOldContentGoes) {
   put("A=1");
-  const tests::FileCallLog calls;
+  const FileCallLog calls;
   ini.SetIniValue(file, u"A", u"2");
   EXPECT_EQ(calls.count(FileCall::sync), 1U) << calls.text();
   ini.CloseFile(file, u"A=3");
@@ -203,4 +188,4 @@ TEST_F(IniFiles, WhatCannotBeReadOrWrittenIsNoError) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

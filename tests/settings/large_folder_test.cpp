@@ -8,10 +8,10 @@
 
 #include "tests/settings/xml_fixture.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
-using LargeFolder = tests::XmlFixture;
+using LargeFolder = XmlFixture;
 
 std::string keyName(unsigned number) {
   return "K" + std::to_string(number);
@@ -47,9 +47,7 @@ TEST_F(LargeFolder, AnswersAsAMapDoesWhateverIsAddedAndRemoved) {
 TEST_F(LargeFolder, AnEmptiedFolderLeavesNothingOfItsTable) {
   // Elements made later may lie where removed ones lay.
   for (int round = 0; round < 20; ++round) {
-    for (unsigned i = 0; i < 100; ++i) {
-      xml.XML_SaveSetting("F", keyName(i), "1");
-    }
+    for (unsigned i = 0; i < 100; ++i) xml.XML_SaveSetting("F", keyName(i), "1");
     for (unsigned i = 0; i < 100; ++i) {
       xml.XML_DeleteSetting({}, "F", keyName(i));
       ASSERT_EQ(xml.XML_GetSetting("F", keyName(i), "none"), "none");
@@ -59,27 +57,21 @@ TEST_F(LargeFolder, AnEmptiedFolderLeavesNothingOfItsTable) {
       xml.XML_SaveSetting("G" + keyName(i), "K", "2");
       ASSERT_EQ(xml.XML_GetSetting("G" + keyName(i), "K"), "2");
     }
-    for (unsigned i = 0; i < 30; ++i) {
-      xml.XML_DeleteSetting({}, "G" + keyName(i));
-    }
+    for (unsigned i = 0; i < 30; ++i) xml.XML_DeleteSetting({}, "G" + keyName(i));
   }
 }
 
 TEST_F(LargeFolder, TheFirstOfEqualKeysCountsAlsoWhenOneIsGone) {
   std::string content = "<XML><F>";
-  for (unsigned i = 0; i < 2000; ++i) {
-    content += "<?K" + std::to_string(i) + " no key?>";
-  }
+  for (unsigned i = 0; i < 2000; ++i) content += "<?K" + std::to_string(i) + " no key?>";
   for (const char* round : {"1", "2", "3"}) {
-    for (unsigned i = 0; i < 2000; ++i) {
+    for (unsigned i = 0; i < 2000; ++i)
       content.append("<").append(keyName(i)).append(">").append(round).append("</").append(keyName(i) + ">");
-    }
   }
   open(content + "</F><G><a><K0>in G</K0></a></G></XML>");
   const auto expectAll = [this](const std::string& seventh) {
-    for (unsigned i = 0; i < 2000; ++i) {
+    for (unsigned i = 0; i < 2000; ++i)
       ASSERT_EQ(xml.XML_GetSetting("F", keyName(i)), i == 7 ? seventh : "1") << i;
-    }
   };
   expectAll("1");
   xml.XML_DeleteSetting({}, "F", "K7");
@@ -91,4 +83,4 @@ TEST_F(LargeFolder, TheFirstOfEqualKeysCountsAlsoWhenOneIsGone) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

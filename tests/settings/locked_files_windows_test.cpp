@@ -8,10 +8,10 @@
 #include "tests/settings/xml_fixture.h"
 #include "veltrano/ini.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
-using LockedFiles = tests::XmlFixture;
+using LockedFiles = XmlFixture;
 
 /// Keeps others from the file.
 class Lock : Owned<HANDLE, [](HANDLE handle) { CloseHandle(handle); }> {
@@ -47,4 +47,4 @@ TEST_F(LockedFiles, IniFilesAnswerDefaultsAndStay) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

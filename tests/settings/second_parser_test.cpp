@@ -10,30 +10,34 @@
 
 #include "tests/settings/xml_fixture.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
-using SecondParser = tests::XmlFixture;
-using Document = std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)>;
+using SecondParser = XmlFixture;
+template <class T>
+using Owned = std::unique_ptr<T, void (*)(T*)>;
+using Document = Owned<xmlDoc>;
 constexpr int quietly = XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING;
 
 /// Text of the element of that path, or "(none)".
 std::string read(const std::filesystem::path& file, const std::string& path) {
   const Document document(xmlReadFile(file.c_str(), nullptr, quietly), xmlFreeDoc);
-  if (!document) {
-    return "(malformed)";
-  }
-  const std::unique_ptr<xmlXPathContext, void (*)(xmlXPathContextPtr)> context(
-      xmlXPathNewContext(document.get()), xmlXPathFreeContext);
-  const std::unique_ptr<xmlXPathObject, void (*)(xmlXPathObjectPtr)> found(
-      xmlXPathEvalExpression(reinterpret_cast<const xmlChar*>(path.c_str()), context.get()),
-      xmlXPathFreeObject);
-  if (!found || !found->nodesetval || found->nodesetval->nodeNr == 0) {
-    return "(none)";
-  }
+  if (!document) return "(malformed)";
+  const Owned<xmlXPathContext> context(xmlXPathNewContext(document.get()), xmlXPathFreeContext);
+  const auto* expression = reinterpret_cast<const xmlChar*>(path.c_str());
+  const Owned<xmlXPathObject> found(xmlXPathEvalExpression(expression, context.get()), xmlXPathFreeObject);
+  if (!found || !found->nodesetval || found->nodesetval->nodeNr == 0) return "(none)";
   const std::unique_ptr<xmlChar, void (*)(void*)> text(xmlNodeGetContent(found->nodesetval->nodeTab[0]),
                                                        xmlFree);
   return reinterpret_cast<const char*>(text.get());
+}
+
+/// The parts between the bars.
+std::vector<std::string> split(const std::string& text) {
+  std::vector<std::string> parts;
+  std::istringstream all(text);
+  for (std::string part; std::getline(all, part, '|');) parts.push_back(part);
+  return parts;
 }
 
 TEST_F(SecondParser, ReadsTheValuesThatWereSaved) {
@@ -44,28 +48,11 @@ TEST_F(SecondParser, ReadsTheValuesThatWereSaved) {
                                 "<?xml version='1.0' encoding='us-ascii'?>\n<XML>\n</XML>",
                                 std::string("\xFF\xFE<\0X\0M\0L\0/\0>\0", 14),
                                 std::string("\xFE\xFF\0<\0X\0M\0L\0/\0>", 14)};
-  const std::string atoms[] = {"a",
-                               " ",
-                               "\r",
-                               "\n",
-                               "\t",
-                               "<",
-                               "&",
-                               ">",
-                               "]]>",
-                               "\"",
-                               "\xC3\xA9",
-                               "\xE2\x82\xAC",
-                               "\xF0\x9F\x98\x80",
-                               "&amp;",
-                               "--",
-                               "%"};
+  const auto atoms = split("a| |\r|\n|\t|<|&|>|]]>|\"|\xC3\xA9|\xE2\x82\xAC|\xF0\x9F\x98\x80|&amp;|--|%");
   std::mt19937 random(7);
   for (int round = 0; round < 150; ++round) {
     std::string value;
-    for (auto i = random() % 12; i > 0; --i) {
-      value += atoms[random() % std::size(atoms)];
-    }
+    for (auto i = random() % 12; i > 0; --i) value += atoms[random() % std::size(atoms)];
     open(frames[random() % std::size(frames)]);
     xml.XML_SaveSetting("F", "K", value);
     xml.XML_SaveSetting("F\xC3\xA9", "@none", value);
@@ -85,35 +72,18 @@ bool isWellFormed(const std::string& text) {
 
 // Right documents and such with a fault anywhere.
 TEST_F(SecondParser, TakesAndRefusesTheSameDocuments) {
-  const std::string plain[] = {
-      "<Key>",        "</Key>\n",         "<K>800</K>",       "<K />",
-      "&amp;",        "&#x20AC;",         "it's \"so\"",      "a > b",
-      "[x]",          "\x7F \t\r\n",      "\xC3\xA9",         "\xE2\x82\xAC",
-      "\xED\x9F\xBF", "\xF0\x9F\x98\x80", "\xF4\x8F\xBF\xBF", "long text, long text, long text, long text"};
-  const std::string rich[] = {"<!-- ' -->",
-                              "<![CDATA[<&]]>",
-                              "<?p i?>",
-                              "<A a='\xC3\xA9' b=\"'>]]>\"/>",
-                              "<\xC3\xA9>1</\xC3\xA9>",
-                              "<K\xCC\x81\xE2\x82\xAC/>",
-                              "<\xF0\x9F\x98\x80/>"};
-  const std::string badMarkup[] = {"&",        "&amp",         "&nbsp;",     "&#0;",   "&#xFFFE;", "&#-1;",
-                                   "&#32;",    "]]>",          "<",          "</Key>", "<Key>",    "<1/>",
-                                   "<K a=1/>", "<K\xC3\x97/>", "<!-- -- -->"};
-  const std::string badBytes[] = {"\x01",
-                                  "\x0B",
-                                  "\x80",
-                                  "\xC3",
-                                  "\xE2\x82",
-                                  "\xF0\x9F\x98",
-                                  "\xC1\xBF",
-                                  "\xE0\x9F\xBF",
-                                  "\xF0\x8F\xBF\xBF",
-                                  "\xED\xA0\x80",
-                                  "\xF4\x90\x80\x80",
-                                  "\xF5\x80\x80\x80",
-                                  "\xEF\xBF\xBE",
-                                  "\xEF\xBF\xBF"};
+  const auto plain = split(
+      "<Key>|</Key>\n|<K>800</K>|<K />|&amp;|&#x20AC;|it's \"so\"|a > b|[x]|\x7F "
+      "\t\r\n|\xC3\xA9|\xE2\x82\xAC|\xED\x9F\xBF|"
+      "\xF0\x9F\x98\x80|\xF4\x8F\xBF\xBF|long text, long text, long text, long text");
+  const auto rich = split(
+      "<!-- ' -->|<![CDATA[<&]]>|<?p i?>|<A a='\xC3\xA9' "
+      "b=\"'>]]>\"/>|<\xC3\xA9>1</\xC3\xA9>|<K\xCC\x81\xE2\x82\xAC/>|<\xF0\x9F\x98\x80/>");
+  const auto badMarkup = split(
+      "&|&amp|&nbsp;|&#0;|&#xFFFE;|&#-1;|&#32;|]]>|<|</Key>|<Key>|<1/>|<K a=1/>|<K\xC3\x97/>|<!-- -- -->");
+  const auto badBytes = split(
+      "\x01|\x0B|\x80|\xC3|\xE2\x82|\xF0\x9F\x98|\xC1\xBF|\xE0\x9F\xBF|\xF0\x8F\xBF\xBF|\xED\xA0\x80|"
+      "\xF4\x90\x80\x80|\xF5\x80\x80\x80|\xEF\xBF\xBE|\xEF\xBF\xBF");
   std::mt19937 random(11);
   const auto pick = [&](const auto& from) { return from[random() % std::size(from)]; };
   int taken = 0;
@@ -125,18 +95,13 @@ TEST_F(SecondParser, TakesAndRefusesTheSameDocuments) {
     for (auto i = random() % 60; i > 0; --i) {
       const std::string& piece = allPlain || random() % 8 != 0 ? pick(plain) : pick(rich);
       depth += piece == "<Key>" ? 1 : 0;
-      if (piece != "</Key>\n" || depth-- > 0) {
-        text += piece;
-      }
+      if (piece != "</Key>\n" || depth-- > 0) text += piece;
       depth = std::max(depth, 0);
     }
-    while (depth-- > 0) {
-      text += "</Key>";
-    }
+    while (depth-- > 0) text += "</Key>";
     text += "</XML>\n";
-    if (random() % 2 == 0) {
+    if (random() % 2 == 0)
       text.insert(random() % (text.size() + 1), random() % 2 == 0 ? pick(badMarkup) : pick(badBytes));
-    }
     std::filesystem::remove(file);  // putting a file in place of another waits for the disk
     open(text);
     const auto folders = xml.XML_EnumFolders();
@@ -149,4 +114,4 @@ TEST_F(SecondParser, TakesAndRefusesTheSameDocuments) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests

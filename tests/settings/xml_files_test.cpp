@@ -6,14 +6,14 @@
 
 #include "tests/settings/xml_fixture.h"
 
-namespace veltrano {
+namespace veltrano::tests {
 namespace {
 
 using namespace std::string_literals;
 using testing::IsEmpty;
 using testing::Optional;
 
-using XmlFiles = tests::XmlFixture;
+using XmlFiles = XmlFixture;
 
 std::string utf16(std::u16string_view text, bool big) {
   std::string bytes;
@@ -30,21 +30,13 @@ TEST_F(XmlFiles, UntouchedFilesAreSavedAsTheyWere) {
       "  <A>\n    <K><![CDATA[<x> ]] ]]></K> <!-- k\n k -->\n    <L>a\n  b&#13;</L>\n    <M> </M>\n  "
       "</A>\n</XML>\n";
   std::string crlf;
-  for (const char c : pretty) {
-    crlf += c == '\n' ? "\r\n"s : std::string(1, c);
-  }
+  for (const char c : pretty) crlf += c == '\n' ? "\r\n"s : std::string(1, c);
   const std::u16string wide =
       u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\r\n<XML><\u00E9>\u20AC\U0001F600</\u00E9></XML>";
   const std::string files[] = {
-      "<XML/>",
-      pretty,
-      crlf,
-      "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone='yes' ?>\n" + pretty,
-      "\xEF\xBB\xBF<?xml version=\"1.0\"?><XML><K>\xE2\x82\xAC</K></XML>",
-      "\xFF\xFE" + utf16(wide, false),
-      "\xFE\xFF" + utf16(wide, true),
-      utf16(wide, false),
-      utf16(wide, true),
+      "<XML/>", pretty, crlf, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone='yes' ?>\n" + pretty,
+      "\xEF\xBB\xBF<?xml version=\"1.0\"?><XML><K>\xE2\x82\xAC</K></XML>", "\xFF\xFE" + utf16(wide, false),
+      "\xFE\xFF" + utf16(wide, true), utf16(wide, false), utf16(wide, true),
       "<?xml version='1.0' encoding='ISO-8859-1'?><XML><\xE9>\x80\xFF</\xE9></XML>",
       "<?xml version='1.0' encoding=\"Windows-1252\"?><XML><!-- \x80 --><K>\x93\xE9\x94</K></XML>",
       "<?xml version='1.0' encoding='us-ascii'?><XML><K>&#233;</K></XML>",
@@ -61,8 +53,7 @@ TEST_F(XmlFiles, UntouchedFilesAreSavedAsTheyWere) {
       "<?xml version='1.0' encoding='GB18030'?><XML><K>\x81\x30\x84\x36\xD6\xD0</K></XML>",
 #endif
       "<?xml version='1.0' encoding='utf-16le'?><XML>\xC3\xA9</XML>",
-      "\xFF\xFE" + utf16(u"<?xml version='1.0' encoding='utf-16le'?><XML>\u4E2D</XML>", false),
-  };
+      "\xFF\xFE" + utf16(u"<?xml version='1.0' encoding='utf-16le'?><XML>\u4E2D</XML>", false)};
   for (const auto& content : files) {
     open(content);
     EXPECT_EQ(saved(), content);
@@ -93,38 +84,32 @@ TEST_F(XmlFiles, AChangedFileKeepsItsEncoding) {
 
 std::string nested(std::size_t depth) {
   std::string text = "<XML>";
-  for (std::size_t i = 1; i < depth; ++i) {
-    text += "<a>";
-  }
-  for (std::size_t i = 1; i < depth; ++i) {
-    text += "</a>";
-  }
+  for (std::size_t i = 1; i < depth; ++i) text += "<a>";
+  for (std::size_t i = 1; i < depth; ++i) text += "</a>";
   return text + "</XML>";
 }
 
 TEST_F(XmlFiles, WhatIsNotWellFormedLoadsAsEmptyAndStays) {
-  const std::string files[] = {
-      "",
-      "text",
-      "<XML/>text",
-      "&#32;<XML/>",
-      "<!-- only -->",
-      "<XML a='1' b='2' a='3'/>",
-      "<XML><?xml version='1.0'?></XML>",
-      " <?xml version='1.0'?><XML/>",
-      "<?xml version='1.0'?><?xml version='1.0'?><XML/>",
-      "<?xml encoding='UTF-8'?><XML/>",
-      "<?xml version='1.0' encoding='no such encoding'?><XML/>",
-      "<?xml version='1.0' encoding='Shift_JIS'?><XML>\x83</XML>",
-      "<XML/>\0"s,
-      "\xFF\xFE<\0X\0M\0L\0/\0>"s,
-      "\xFF\xFE" + utf16(u"<XML>\xD800</XML>", false),
-      "<!DOCTYPE XML><XML/>",
-      "<!DOCTYPE XML [<!ENTITY a 'b'>]><XML>&a;</XML>",
-      "<!DOCTYPE XML SYSTEM 'file:///etc/passwd'><XML/>",
-      nested(257),
-      nested(1'000'000),
-  };
+  const std::string files[] = {"",
+                               "text",
+                               "<XML/>text",
+                               "&#32;<XML/>",
+                               "<!-- only -->",
+                               "<XML a='1' b='2' a='3'/>",
+                               "<XML><?xml version='1.0'?></XML>",
+                               " <?xml version='1.0'?><XML/>",
+                               "<?xml version='1.0'?><?xml version='1.0'?><XML/>",
+                               "<?xml encoding='UTF-8'?><XML/>",
+                               "<?xml version='1.0' encoding='no such encoding'?><XML/>",
+                               "<?xml version='1.0' encoding='Shift_JIS'?><XML>\x83</XML>",
+                               "<XML/>\0"s,
+                               "\xFF\xFE<\0X\0M\0L\0/\0>"s,
+                               "\xFF\xFE" + utf16(u"<XML>\xD800</XML>", false),
+                               "<!DOCTYPE XML><XML/>",
+                               "<!DOCTYPE XML [<!ENTITY a 'b'>]><XML>&a;</XML>",
+                               "<!DOCTYPE XML SYSTEM 'file:///etc/passwd'><XML/>",
+                               nested(257),
+                               nested(1'000'000)};
   for (const auto& content : files) {
     open(content);
     EXPECT_THAT(xml.XML_EnumFolders(), Optional(IsEmpty())) << content.substr(0, 60);
@@ -145,4 +130,4 @@ TEST_F(XmlFiles, AsDeepAsAllowedButNotDeeper) {
 }
 
 }  // namespace
-}  // namespace veltrano
+}  // namespace veltrano::tests
