@@ -72,9 +72,7 @@ TEST(Conversions, AnswerListsThatScriptsCanTakeApart) {
 
 TEST(Conversions, CarryEveryByteAndEmbeddedZeros) {
   std::string bytes;
-  for (int byte = 0; byte < 256; ++byte) {
-    bytes += static_cast<char>(byte);
-  }
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
   BSTR text = server::newText(bytes, TextForm::ansi);
   EXPECT_EQ(256U, SysStringLen(text));
   EXPECT_EQ(bytes, server::ansi(&text));

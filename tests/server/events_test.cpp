@@ -23,8 +23,7 @@ class Events : public testing::Test {
 };
 
 TEST_F(Events, ReachAllSinksUntilTheyDisconnect) {
-  RecordingSink failing;
-  RecordingSink plain;
+  RecordingSink failing, plain;
   failing.answer = DISP_E_EXCEPTION;
   plain.knowsEventInterface = false;
   {
@@ -42,8 +41,7 @@ TEST_F(Events, ReachAllSinksUntilTheyDisconnect) {
 }
 
 TEST_F(Events, LetASinkDisconnectAllInTheEvent) {
-  RecordingSink first;
-  RecordingSink second;
+  RecordingSink first, second;
   Connection one(*pdf_.get(), first);
   Connection two(*pdf_.get(), second);
   first.inInvoke = [&] {
@@ -96,9 +94,7 @@ TEST_F(Events, LetASinkCallTheObject) {
 /// A window procedure of the host.
 FloatingPointSettings inProcedure;
 LRESULT CALLBACK noteArithmetic(HWND window, UINT message, WPARAM first, LPARAM second) {
-  if (message == WM_USER) {
-    inProcedure = FloatingPointSettings::current();
-  }
+  if (message == WM_USER) inProcedure = FloatingPointSettings::current();
   return DefWindowProcW(window, message, first, second);
 }
 
@@ -143,9 +139,8 @@ TEST_F(Events, RunTheCodeOfTheHostWithItsOwnArithmetic) {
 }
 
 TEST_F(Events, AreFoundByHostsThatEnumerate) {
-  ComPointer<IConnectionPointContainer> container;
-  ASSERT_EQ(S_OK,
-            pdf_->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(container.out())));
+  const auto container = as<IConnectionPointContainer>(*pdf_.get(), IID_IConnectionPointContainer);
+  ASSERT_TRUE(container);
   ComPointer<IEnumConnectionPoints> points;
   ASSERT_EQ(S_OK, container->EnumConnectionPoints(points.out()));
   ComPointer<IConnectionPoint> point;
@@ -160,8 +155,7 @@ TEST_F(Events, AreFoundByHostsThatEnumerate) {
 
   RecordingSink sink;
   const Connection connection(*pdf_.get(), sink);
-  ComPointer<IEnumConnections> connections;
-  ComPointer<IEnumConnections> copy;
+  ComPointer<IEnumConnections> connections, copy;
   ASSERT_EQ(S_OK, point->EnumConnections(connections.out()));
   ASSERT_EQ(S_OK, connections->Clone(copy.out()));
   CONNECTDATA data = {};
@@ -174,8 +168,7 @@ TEST_F(Events, AreFoundByHostsThatEnumerate) {
   EXPECT_EQ(E_POINTER, point->Advise(nullptr, &cookie));
   EXPECT_EQ(CONNECT_E_NOCONNECTION, point->Unadvise(12345));
   EXPECT_EQ(CONNECT_E_NOCONNECTION, container->FindConnectionPoint(IID_IDispatch, none.out()));
-  ComPointer<IProvideClassInfo2> info;
-  ASSERT_EQ(S_OK, pdf_->QueryInterface(IID_IProvideClassInfo2, reinterpret_cast<void**>(info.out())));
+  const auto info = as<IProvideClassInfo2>(*pdf_.get(), IID_IProvideClassInfo2);
   EXPECT_EQ(S_OK, info->GetGUID(GUIDKIND_DEFAULT_SOURCE_DISP_IID, &iid));
   EXPECT_EQ(DIID___VeltranoPDF, iid);
 }

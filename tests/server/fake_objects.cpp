@@ -4,25 +4,17 @@
 
 namespace veltrano::tests {
 
-namespace {
-
 constexpr DISPID lengthId = 1000;
-
-}  // namespace
 
 STDMETHODIMP_(ULONG) DispatchFake::Release() {
   const ULONG left = --references;
-  if (left == 0 && onHeap) {
-    delete this;
-  }
+  if (left == 0 && onHeap) delete this;
   return left;
 }
 
 STDMETHODIMP FakeObject::GetIDsOfNames(REFIID, OLECHAR** names, UINT, LCID, DISPID* ids) {
   const std::wstring name = names[0];
-  if (elements_.empty()) {
-    return DISP_E_UNKNOWNNAME;
-  }
+  if (elements_.empty()) return DISP_E_UNKNOWNNAME;
   ids[0] = name == L"length" ? lengthId : static_cast<DISPID>(std::stoi(name)) + 1;
   return S_OK;
 }
@@ -30,12 +22,8 @@ STDMETHODIMP FakeObject::GetIDsOfNames(REFIID, OLECHAR** names, UINT, LCID, DISP
 STDMETHODIMP FakeObject::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
                                 UINT*) {
   inInvoke();
-  if (id == DISPID_VALUE) {
-    return VariantCopy(result, value_.get());
-  }
-  if (id == lengthId) {
-    return VariantCopy(result, Argument(static_cast<int>(elements_.size())).get());
-  }
+  if (id == DISPID_VALUE) return VariantCopy(result, value_.get());
+  if (id == lengthId) return VariantCopy(result, Argument(static_cast<int>(elements_.size())).get());
   return VariantCopy(result, elements_.at(static_cast<std::size_t>(id) - 1).get());
 }
 
@@ -55,12 +43,9 @@ STDMETHODIMP RecordingSink::Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* ar
 }
 
 Connection::Connection(IUnknown& object, IUnknown& sink) {
-  ComPointer<IConnectionPointContainer> container;
-  if (SUCCEEDED(
-          object.QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(container.out()))) &&
-      SUCCEEDED(container->FindConnectionPoint(DIID___VeltranoPDF, point_.out()))) {
+  const auto container = as<IConnectionPointContainer>(object, IID_IConnectionPointContainer);
+  if (container && SUCCEEDED(container->FindConnectionPoint(DIID___VeltranoPDF, point_.out())))
     point_->Advise(&sink, &cookie_);
-  }
 }
 
 void Connection::disconnect() {
@@ -72,12 +57,9 @@ void Connection::disconnect() {
 }
 
 void writeGreyJpeg(const std::filesystem::path& file, int width, int height) {
-  std::string bytes = "\xFF\xD8\xFF\xC0";
-  bytes += std::string("\0\x0B\x08", 3);
-  for (const int size : {height, width}) {
-    bytes += static_cast<char>(size / 256);
-    bytes += static_cast<char>(size % 256);
-  }
+  std::string bytes("\xFF\xD8\xFF\xC0\0\x0B\x08", 7);
+  for (const int part : {height / 256, height % 256, width / 256, width % 256})
+    bytes += static_cast<char>(part);
   bytes += std::string("\x01\x01\x11\0", 4);
   // A comment segment that fills the file up to a size that is looked at.
   bytes += std::string("\xFF\xFE\x01\0", 4) + std::string(254, ' ') + "\xFF\xD9";

@@ -27,9 +27,7 @@ std::string readFile(const std::filesystem::path& file) {
 Dll::Dll(const std::filesystem::path& file) : file_(file), module_(LoadLibraryW(file.c_str())) {}
 
 Dll::~Dll() {
-  if (module_ != nullptr) {
-    FreeLibrary(module_);
-  }
+  if (module_ != nullptr) FreeLibrary(module_);
 }
 
 HRESULT Dll::classObject(REFCLSID clsid, REFIID iid, void** object) const {
@@ -59,9 +57,7 @@ ComPointer<ITypeLib> Dll::typeLibrary() const {
 Argument::Argument(std::initializer_list<Argument> elements) : Argument() {
   set(VT_ARRAY | VT_VARIANT, SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(elements.size())));
   auto* slot = static_cast<VARIANT*>(value_.parray->pvData);
-  for (const Argument& element : elements) {
-    VariantCopy(slot++, const_cast<VARIANT*>(&element.value_));
-  }
+  for (const Argument& element : elements) VariantCopy(slot++, const_cast<VARIANT*>(&element.value_));
 }
 
 Argument Argument::doubles(std::initializer_list<double> numbers) {
@@ -72,21 +68,18 @@ Argument Argument::doubles(std::initializer_list<double> numbers) {
 
 std::wstring Argument::text() const {
   OwnedVariant converted;
-  if (FAILED(VariantChangeType(converted.get(), const_cast<VARIANT*>(&value_), VARIANT_ALPHABOOL, VT_BSTR))) {
-    return L"<" + std::to_wstring(value_.vt) + L">";
-  }
-  return {converted->bstrVal, SysStringLen(converted->bstrVal)};
+  const HRESULT status =
+      VariantChangeType(converted.get(), const_cast<VARIANT*>(&value_), VARIANT_ALPHABOOL, VT_BSTR);
+  return FAILED(status) ? L"<" + std::to_wstring(value_.vt) + L">"
+                        : std::wstring(converted->bstrVal, SysStringLen(converted->bstrVal));
 }
 
 Outcome callMember(IDispatch& object, DISPID id, const std::vector<Argument>& arguments, WORD flags,
                    std::vector<DISPID> named) {
-  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) {
-    named = {DISPID_PROPERTYPUT};
-  }
+  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) named = {DISPID_PROPERTYPUT};
   std::vector<VARIANT> reversed;
-  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
+  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
     reversed.push_back(*argument->operator->());
-  }
   DISPPARAMS parameters = {reversed.data(), named.data(), static_cast<UINT>(reversed.size()),
                            static_cast<UINT>(named.size())};
   Outcome outcome;

@@ -43,9 +43,8 @@ class Dll {
   ComPointer<Interface> create(REFCLSID clsid, REFIID iid = IID_IDispatch) const {
     ComPointer<IClassFactory> factory;
     ComPointer<Interface> object;
-    if (SUCCEEDED(classObject(clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.out())))) {
+    if (SUCCEEDED(classObject(clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.out()))))
       factory->CreateInstance(nullptr, iid, reinterpret_cast<void**>(object.out()));
-    }
     return object;
   }
   [[nodiscard]] ComPointer<_VeltranoPDF> createPdf() const {
@@ -135,6 +134,14 @@ class Text {
 };
 
 std::wstring nameOf(ITypeInfo& type);
+
+/// The object's interface of that kind; null without it.
+template <class Interface>
+ComPointer<Interface> as(IUnknown& object, REFIID iid) {
+  ComPointer<Interface> found;
+  object.QueryInterface(iid, reinterpret_cast<void**>(found.out()));
+  return found;
+}
 
 }  // namespace veltrano::tests
 

@@ -44,9 +44,8 @@ TEST_F(DllFile, ImportsWindowsAlone) {
 TEST_F(DllFile, ExportsWhatHostsAskFor) {
   const auto* table = directory<IMAGE_EXPORT_DIRECTORY>(IMAGE_DIRECTORY_ENTRY_EXPORT);
   std::string names;
-  for (DWORD i = 0; i < table->NumberOfNames; ++i) {
+  for (DWORD i = 0; i < table->NumberOfNames; ++i)
     names += at<char>(at<DWORD>(table->AddressOfNames)[i]) + std::string(" ");
-  }
   EXPECT_EQ("DllCanUnloadNow DllGetClassObject DllInstall DllRegisterServer DllUnregisterServer ", names);
 }
 

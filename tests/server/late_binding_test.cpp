@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <span>
 
 #include "fake_objects.h"
 
@@ -10,9 +11,10 @@ namespace veltrano::tests {
 
 namespace {
 
-struct Coercion {
-  Argument given;
+/// Values of all kinds, and how a member sees them.
+struct Coercions {
   const wchar_t* arrives;
+  std::vector<Argument> given;
 };
 
 class LateBinding : public testing::Test {
@@ -26,13 +28,11 @@ class LateBinding : public testing::Test {
   static std::wstring told(const Outcome& outcome) {
     return outcome.status == S_OK ? outcome.result.text() : L"error " + std::to_wstring(outcome.wrong);
   }
-  /// Shows the double that arrives.
-  std::wstring altitude(const Argument& value) {
-    return told(callMethod(*kml_.get(), L"CreatePathString", {0, 0, value}));
-  }
-  /// Shows the text that arrives.
-  std::wstring text(const Argument& value) {
-    return told(callMethod(*ini_.get(), L"ChangeValue", {L"k=0", L"k", value}));
+  template <class Seen>
+  static void expect(std::span<const Coercions> rows, Seen seen) {
+    for (const auto& [arrives, given] : rows)
+      for (const Argument& value : given)
+        EXPECT_EQ(arrives, std::wstring(seen(value))) << "type " << value->vt << ": " << value.text();
   }
   /// What one call writes between the header of a KML file and its end. "refused" if it is.
   std::string kml(const wchar_t* member, const std::vector<Argument>& arguments) {
@@ -57,39 +57,38 @@ TEST_F(LateBinding, CoercesEveryKindToANumber) {
   // A host's mistake: the reference of a variable to itself.
   VARIANT circle = *handedOn.get();
   circle.pvarVal = &circle;
-  const Coercion coercions[] = {{3, L"0,0,3\r\n"},
-                                {0.5, L"0,0,0.5\r\n"},
-                                {true, L"0,0,-1\r\n"},
-                                {L"12", L"0,0,12\r\n"},
-                                {Argument(), L"0,0,0\r\n"},
-                                {Argument::of(VT_DATE, 2.5), L"0,0,2.5\r\n"},
-                                {Argument::of(VT_CY, LONGLONG{15000}), L"0,0,1.5\r\n"},
-                                {Argument::reference(*seven.get()), L"0,0,7\r\n"},
-                                {Argument::of(VT_BYREF | VT_I2, &seven->iVal), L"0,0,7\r\n"},
-                                {Argument::reference(*handedOn.get()), L"0,0,7\r\n"},
-                                {Argument::reference(circle), L"error 0"},
-                                {L"no number", L"error 0"},
-                                {Argument::of(VT_NULL), L"error 0"},
-                                {Argument{1, 2}, L"error 0"},
-                                {static_cast<IUnknown*>(nullptr), L"error 0"}};
-  for (const Coercion& coercion : coercions) {
-    EXPECT_EQ(coercion.arrives, altitude(coercion.given)) << "type " << coercion.given->vt;
-  }
+  const Coercions coercions[] = {
+      {L"0,0,3\r\n", {3}},
+      {L"0,0,0.5\r\n", {0.5}},
+      {L"0,0,-1\r\n", {true}},
+      {L"0,0,12\r\n", {L"12"}},
+      {L"0,0,0\r\n", {Argument()}},
+      {L"0,0,2.5\r\n", {Argument::of(VT_DATE, 2.5)}},
+      {L"0,0,1.5\r\n", {Argument::of(VT_CY, LONGLONG{15000})}},
+      {L"0,0,7\r\n",
+       {Argument::reference(*seven.get()), Argument::of(VT_BYREF | VT_I2, &seven->iVal),
+        Argument::reference(*handedOn.get())}},
+      {L"error 0",
+       {Argument::reference(circle), L"no number", Argument::of(VT_NULL), Argument{1, 2},
+        static_cast<IUnknown*>(nullptr)}}};
+  expect(coercions, [this](const Argument& value) {
+    return told(callMethod(*kml_.get(), L"CreatePathString", {0, 0, value}));
+  });
   EXPECT_EQ(VT_I2, seven->vt) << "a variable that the member left alone must keep its type";
 }
 
 TEST_F(LateBinding, CoercesEveryKindToAText) {
   SAFEARRAY* bytes = SafeArrayCreateVector(VT_UI1, 0, 2);
   std::memcpy(bytes->pvData, "a\xE9", 2);
-  const Coercion coercions[] = {{5, L"k=5"},
-                                {true, L"k=True"},
-                                {Argument(), L"k="},
-                                {Argument::of(VT_ARRAY | VT_UI1, bytes), L"k=a\u00e9"},
-                                {new FakeObject(L"value"), L"k=value"},
-                                {Argument::of(VT_NULL), L"error 0"}};
-  for (const Coercion& coercion : coercions) {
-    EXPECT_EQ(coercion.arrives, text(coercion.given)) << "type " << coercion.given->vt;
-  }
+  const Coercions coercions[] = {{L"k=5", {5}},
+                                 {L"k=True", {true}},
+                                 {L"k=", {Argument()}},
+                                 {L"k=a\u00e9", {Argument::of(VT_ARRAY | VT_UI1, bytes)}},
+                                 {L"k=value", {new FakeObject(L"value")}},
+                                 {L"error 0", {Argument::of(VT_NULL)}}};
+  expect(coercions, [this](const Argument& value) {
+    return told(callMethod(*ini_.get(), L"ChangeValue", {L"k=0", L"k", value}));
+  });
 }
 
 TEST_F(LateBinding, ChecksArguments) {
@@ -157,34 +156,15 @@ TEST_F(LateBinding, TellsEmptyTextsFromOmittedOnes) {
 
 TEST_F(LateBinding, TakesMinusOneAndTheWordTrueForATrueFlag) {
   SHORT number = -32768;
-  const Coercion flags[] = {{true, L"true"},
-                            {false, L"false"},
-                            {-1, L"true"},
-                            {-1.0, L"true"},
-                            {Argument::of(VT_I8, LONGLONG{-1}), L"true"},
-                            {1, L"false"},
-                            {Argument::of(VT_BYREF | VT_I2, &number), L"false"},
-                            {40000, L"false"},
-                            {65535, L"false"},
-                            {0.5, L"false"},
-                            {-0.6, L"false"},
-                            {1e300, L"false"},
-                            {std::nan(""), L"false"},
-                            {Argument(), L"false"},
-                            {L"tRUE", L"true"},
-                            {L"-1", L"true"},
-                            {L"FALSE", L"false"},
-                            {L"1", L"false"},
-                            {L"yes?", L"refused"},
-                            {L"", L"refused"}};
-  for (const Coercion& flag : flags) {
-    const std::string file = kml(L"CreatePathFromString", {1, L"ff", L"1,2,3\r\n", L"n", flag.given});
-    const bool isTrue = file.find("<extrude>") != std::string::npos;
-    EXPECT_STREQ(flag.arrives, file == "refused" ? L"refused"
-                               : isTrue          ? L"true"
-                                                 : L"false")
-        << "row " << &flag - flags;
-  }
+  const Coercions flags[] = {{L"true", {true, -1, -1.0, Argument::of(VT_I8, LONGLONG{-1}), L"tRUE", L"-1"}},
+                             {L"false",
+                              {false, 1, Argument::of(VT_BYREF | VT_I2, &number), 40000, 65535, 0.5, -0.6,
+                               1e300, std::nan(""), Argument(), L"FALSE", L"1"}},
+                             {L"refused", {L"yes?", L""}}};
+  expect(flags, [this](const Argument& value) {
+    const std::string file = kml(L"CreatePathFromString", {1, L"ff", L"1,2,3\r\n", L"n", value});
+    return file == "refused" ? L"refused" : file.find("<extrude>") != std::string::npos ? L"true" : L"false";
+  });
 }
 
 TEST_F(LateBinding, FindsMembersInAnyCaseAndOnlyThose) {
@@ -199,9 +179,8 @@ TEST_F(LateBinding, FindsMembersInAnyCaseAndOnlyThose) {
   const auto invoke = [&](DISPID member, REFIID iid, DISPPARAMS* arguments) {
     return pdf_->Invoke(member, iid, 0, DISPATCH_METHOD, arguments, nullptr, nullptr, nullptr);
   };
-  for (const DISPID wrong : {DISPID{DISPID_VALUE}, DISPID{-4}, DISPID{80}, DISPID{0x7FFFFFFF}}) {
+  for (const DISPID wrong : {DISPID{DISPID_VALUE}, DISPID{-4}, DISPID{80}, DISPID{0x7FFFFFFF}})
     EXPECT_EQ(DISP_E_MEMBERNOTFOUND, invoke(wrong, IID_NULL, &none));
-  }
   EXPECT_EQ(DISP_E_UNKNOWNINTERFACE, invoke(1, IID_IUnknown, &none));
   EXPECT_EQ(E_INVALIDARG, invoke(47, IID_NULL, nullptr));
   // Only set; set to an object.

@@ -13,11 +13,6 @@ namespace veltrano::tests {
 
 namespace {
 
-template <class Interface>
-HRESULT query(IUnknown& object, REFIID iid, ComPointer<Interface>& result) {
-  return object.QueryInterface(iid, reinterpret_cast<void**>(result.out()));
-}
-
 TEST(Objects, HaveOneIdentityAndTheRightInterfaces) {
   const Dll dll;
   EXPECT_EQ(9U, server::classTable().size());
@@ -28,15 +23,11 @@ TEST(Objects, HaveOneIdentityAndTheRightInterfaces) {
     EXPECT_EQ(S_FALSE, dll.canUnloadNow());
     for (const IID* iid : {&IID_IUnknown, &IID_IDispatch, entry.dispatchInterface, &IID_IProvideClassInfo,
                            &IID_IProvideClassInfo2, &IID_ISupportErrorInfo, &IID_IConnectionPointContainer}) {
-      ComPointer<IUnknown> asked;
-      ComPointer<IUnknown> identity;
-      if (iid == &IID_IConnectionPointContainer && entry.eventInterface == nullptr) {
-        EXPECT_EQ(E_NOINTERFACE, query(*object.get(), *iid, asked));
-        continue;
+      const auto asked = as<IUnknown>(*object.get(), *iid);
+      ASSERT_EQ(iid != &IID_IConnectionPointContainer || entry.eventInterface != nullptr, bool{asked});
+      if (asked) {
+        EXPECT_EQ(object.get(), as<IUnknown>(*asked.get(), IID_IUnknown).get());
       }
-      ASSERT_EQ(S_OK, query(*object.get(), *iid, asked));
-      query(*asked.get(), IID_IUnknown, identity);
-      EXPECT_EQ(object.get(), identity.get());
     }
     void* denied = &denied;
     EXPECT_EQ(E_NOINTERFACE, object->QueryInterface(IID_IPersist, &denied));
@@ -59,9 +50,7 @@ TEST(Objects, DescribeThemselves) {
     ASSERT_EQ(S_OK, object->GetTypeInfo(0, 0, type.out()));
     EXPECT_EQ(L"_" + std::wstring(entry.name), nameOf(*type.get()));
     EXPECT_EQ(DISP_E_BADINDEX, object->GetTypeInfo(1, 0, type.out()));
-    ComPointer<IProvideClassInfo2> info;
-    query(*object.get(), IID_IProvideClassInfo2, info);
-    ASSERT_EQ(S_OK, info->GetClassInfo(type.out()));
+    ASSERT_EQ(S_OK, as<IProvideClassInfo2>(*object.get(), IID_IProvideClassInfo2)->GetClassInfo(type.out()));
     EXPECT_EQ(entry.name, nameOf(*type.get()));
   }
 }
@@ -123,12 +112,8 @@ TEST(Objects, LiveInSeveralThreadsWhileTheSystemAsksToUnload) {
       --busy;
     });
   }
-  while (busy > 0) {
-    EXPECT_TRUE(SUCCEEDED(dll.canUnloadNow()));
-  }
-  for (std::thread& thread : threads) {
-    thread.join();
-  }
+  while (busy > 0) EXPECT_TRUE(SUCCEEDED(dll.canUnloadNow()));
+  for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(S_OK, dll.canUnloadNow());
 }
 

@@ -13,12 +13,7 @@ constexpr int height = 30;
 
 /// A red picture, as LoadPicture gives hosts one.
 ComPointer<IPictureDisp> redPicture() {
-  BITMAPINFO info = {};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = width;
-  info.bmiHeader.biHeight = height;
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 32;
+  const BITMAPINFO info = {{sizeof info.bmiHeader, width, height, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};
   void* bits = nullptr;
   PICTDESC description = {};
   description.cbSizeofstruct = sizeof description;

@@ -6,7 +6,6 @@
 #include <map>
 #include <thread>
 
-#include "fake_objects.h"
 #include "host.h"
 #include "server/com/class_table.h"
 
@@ -27,20 +26,15 @@ using Snapshot = std::map<std::wstring, std::wstring>;
 
 void addKey(Snapshot& snapshot, HKEY parent, const std::wstring& name, const std::wstring& path) {
   HKEY key = nullptr;
-  if (RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS) {
-    return;
-  }
+  if (RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS) return;
   snapshot[path] = L"";
-  wchar_t text[1024];
-  wchar_t data[1024];
+  wchar_t text[1024], data[1024];
   for (DWORD i = 0;; ++i) {
     DWORD length = 1024;
     DWORD size = sizeof data - 2;
     const LSTATUS status =
         RegEnumValueW(key, i, text, &length, nullptr, nullptr, reinterpret_cast<BYTE*>(data), &size);
-    if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) {
-      break;
-    }
+    if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) break;
     snapshot[path + L"@" + text] = status == ERROR_SUCCESS ? std::wstring(data, size / 2) : L"long";
   }
   for (DWORD i = 0, length = 1024;
@@ -63,14 +57,10 @@ std::vector<std::wstring> differences(const Snapshot& before, const Snapshot& af
   std::vector<std::wstring> found;
   for (const auto& [key, data] : after) {
     const auto old = before.find(key);
-    if (old == before.end() || old->second != data) {
-      found.push_back(L"+ " + key + L" = " + data);
-    }
+    if (old == before.end() || old->second != data) found.push_back(L"+ " + key + L" = " + data);
   }
   for (const auto& [key, data] : before) {
-    if (after.find(key) == after.end()) {
-      found.push_back(L"- " + key);
-    }
+    if (!after.contains(key)) found.push_back(L"- " + key);
   }
   return found;
 }
@@ -94,18 +84,32 @@ std::filesystem::path copyDll(const TemporaryFolder& folder) {
   return copy;
 }
 
-TEST(Registered, LeavesNothingBehindAndMovesWithItsFolder) {
-  const ComApartment apartment;
-  const TemporaryFolder folder;
-  const Dll here;
-  const std::filesystem::path copy = copyDll(folder);
+/// The DLL unregistered while a test runs, and registered again for the next one.
+class Registered : public testing::Test {
+ protected:
+  void SetUp() override { dll_.call("DllUnregisterServer"); }
+  void TearDown() override { EXPECT_EQ(S_OK, dll_.call("DllRegisterServer")); }
+  static void expectNoChangeSince(const Snapshot& before) {
+    EXPECT_EQ(std::vector<std::wstring>(), differences(before, registrySnapshot()));
+  }
+  static void createAll(const wchar_t* version) {
+    for (const server::ClassEntry& entry : server::classTable())
+      EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name + version));
+  }
+
+  const ComApartment apartment_;
+  const TemporaryFolder folder_;
+  const Dll dll_;
+};
+
+TEST_F(Registered, LeavesNothingBehindAndMovesWithItsFolder) {
+  const std::filesystem::path copy = copyDll(folder_);
   const Dll there(copy);
   ASSERT_TRUE(there.loaded());
-  here.call("DllUnregisterServer");
   const Snapshot before = registrySnapshot();
   EXPECT_FALSE(createByName(L"VeltranoFrameWorkDLL.VeltranoPDF"));
 
-  ASSERT_EQ(S_OK, here.call("DllRegisterServer"));
+  ASSERT_EQ(S_OK, dll_.call("DllRegisterServer"));
   ASSERT_EQ(S_OK, there.call("DllRegisterServer"));
   std::wstring registered(MAX_PATH, L'\0');
   DWORD size = MAX_PATH * 2;
@@ -113,40 +117,31 @@ TEST(Registered, LeavesNothingBehindAndMovesWithItsFolder) {
   ASSERT_EQ(ERROR_SUCCESS, RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr,
                                         registered.data(), &size));
   EXPECT_EQ(copy.wstring(), registered.c_str());
-  for (const server::ClassEntry& entry : server::classTable()) {
-    EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name));
-    EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name + L".1"));
-  }
+  createAll(L"");
+  createAll(L".1");
   CoFreeUnusedLibrariesEx(0, 0);
 
   ASSERT_EQ(S_OK, there.call("DllUnregisterServer"));
-  EXPECT_EQ(std::vector<std::wstring>(), differences(before, registrySnapshot()));
-  ASSERT_EQ(S_OK, here.call("DllRegisterServer"));
+  expectNoChangeSince(before);
 }
 
-TEST(Registered, ForOneUserTouchesThatUserAlone) {
-  const Dll dll;
-  dll.call("DllUnregisterServer");
+TEST_F(Registered, ForOneUserTouchesThatUserAlone) {
   // Windows has this key for every user.
   HKEY classes = nullptr;
   RegCreateKeyExW(HKEY_CURRENT_USER, L"Software\\Classes", 0, nullptr, 0, KEY_READ, nullptr, &classes,
                   nullptr);
   RegCloseKey(classes);
   const Snapshot before = registrySnapshot();
-  ASSERT_EQ(S_OK, dll.install(true, L"User"));
+  ASSERT_EQ(S_OK, dll_.install(true, L"User"));
   const auto added = differences(before, registrySnapshot());
   EXPECT_FALSE(added.empty());
-  for (const std::wstring& difference : added) {
+  for (const std::wstring& difference : added)
     EXPECT_NE(std::wstring::npos, difference.find(L":user")) << "a key for all users was touched";
-  }
-  ASSERT_EQ(S_OK, dll.install(false, L"user"));
-  EXPECT_EQ(std::vector<std::wstring>(), differences(before, registrySnapshot()));
-  ASSERT_EQ(S_OK, dll.call("DllRegisterServer"));
+  ASSERT_EQ(S_OK, dll_.install(false, L"user"));
+  expectNoChangeSince(before);
 }
 
-TEST(Registered, LeavesWhatTheOtherBitnessNeeds) {
-  const Dll dll;
-  dll.call("DllUnregisterServer");
+TEST_F(Registered, LeavesWhatTheOtherBitnessNeeds) {
   const Snapshot before = registrySnapshot();
   // What the DLL of the other bitness has registered for itself, as far as it matters here.
   const REGSAM otherView = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
@@ -156,16 +151,15 @@ TEST(Registered, LeavesWhatTheOtherBitnessNeeds) {
   RegCreateKeyExW(HKEY_LOCAL_MACHINE, (classes + L"\\" + clsid + L"\\InprocServer32").c_str(), 0, nullptr, 0,
                   KEY_WRITE | otherView, nullptr, &key, nullptr);
   RegCloseKey(key);
-  dll.call("DllRegisterServer");
-  ASSERT_EQ(S_OK, dll.call("DllUnregisterServer"));
+  dll_.call("DllRegisterServer");
+  ASSERT_EQ(S_OK, dll_.call("DllUnregisterServer"));
   CLSID found = {};
   EXPECT_EQ(S_OK, CLSIDFromProgID(L"VeltranoFrameWorkDLL.VeltranoPDF", &found));
   RegOpenKeyExW(HKEY_LOCAL_MACHINE, classes.c_str(), 0, KEY_ALL_ACCESS | otherView, &key);
   RegDeleteTreeW(key, clsid.c_str());
   RegCloseKey(key);
-  ASSERT_EQ(S_OK, dll.call("DllUnregisterServer"));
-  EXPECT_EQ(std::vector<std::wstring>(), differences(before, registrySnapshot()));
-  ASSERT_EQ(S_OK, dll.call("DllRegisterServer"));
+  ASSERT_EQ(S_OK, dll_.call("DllUnregisterServer"));
+  expectNoChangeSince(before);
 }
 
 /// The class that carries calls of an interface to other apartments.
@@ -179,15 +173,16 @@ std::wstring marshallerOf(REFIID iid) {
   return marshaller;
 }
 
-TEST(Registered, OffersItsTypeLibraryAndTheSystemsMarshallers) {
+TEST_F(Registered, OffersItsTypeLibraryAndTheSystemsMarshallers) {
+  dll_.call("DllRegisterServer");
   EXPECT_EQ(L"{00020424-0000-0000-C000-000000000046}", marshallerOf(IID__VeltranoPDF));
   EXPECT_EQ(L"{00020420-0000-0000-C000-000000000046}", marshallerOf(DIID___VeltranoPDF)) << "plain dispatch";
   ComPointer<ITypeLib> library;
   EXPECT_EQ(S_OK, LoadRegTypeLib(LIBID_VeltranoFrameWorkDLL, 1, 0, 0, library.out()));
 }
 
-TEST(Registered, IsCalledFromAnotherApartment) {
-  const ComApartment apartment;
+TEST_F(Registered, IsCalledFromAnotherApartment) {
+  dll_.call("DllRegisterServer");
   const ComPointer<IDispatch> object = createByName(L"VeltranoFrameWorkDLL.VeltranoPDF");
   ASSERT_TRUE(object);
   IStream* stream = nullptr;
@@ -202,23 +197,18 @@ TEST(Registered, IsCalledFromAnotherApartment) {
     early = CoGetInterfaceAndReleaseStream(stream, IID__VeltranoPDF, reinterpret_cast<void**>(pdf.out()));
     if (pdf) {
       // Early bound through the type library's marshaller, then late bound.
-      short left = 7;
-      short top = 8;
-      short same = -1;
+      short left = 7, top = 8, same = -1;
       early = pdf->PDFSetMargins(&left, &top, &same, &same);
-      BSTR text = nullptr;
+      Text text;
       pdf->get_PDFGetUnit(&text);
-      unit.assign(text, SysStringLen(text));
-      SysFreeString(text);
+      unit = text.view();
       late = getProperty(*pdf.get(), L"PDFGetRightMargin");
     }
     pdf = {};
     PostThreadMessageW(worker, WM_QUIT, 0, 0);
   });
   worker = GetCurrentThreadId();
-  for (MSG message = {}; GetMessageW(&message, nullptr, 0, 0) > 0;) {
-    DispatchMessageW(&message);
-  }
+  for (MSG message = {}; GetMessageW(&message, nullptr, 0, 0) > 0;) DispatchMessageW(&message);
   other.join();
   EXPECT_EQ(S_OK, early);
   EXPECT_EQ(L"cm", unit);
@@ -226,12 +216,8 @@ TEST(Registered, IsCalledFromAnotherApartment) {
   EXPECT_EQ(L"7", late.result.text());
 }
 
-TEST(Registered, IsNotNeededWithTheManifest) {
-  const ComApartment apartment;
-  const Dll registered;
-  registered.call("DllUnregisterServer");
-  const TemporaryFolder folder;
-  const std::wstring source = copyDll(folder).replace_filename(L"VeltranoFrameWorkDLL.X.manifest");
+TEST_F(Registered, IsNotNeededWithTheManifest) {
+  const std::wstring source = copyDll(folder_).replace_filename(L"VeltranoFrameWorkDLL.X.manifest");
   std::filesystem::copy_file(dllFile().replace_filename(L"VeltranoFrameWorkDLL.X.manifest"), source);
   ACTCTXW description = {};
   description.cbSize = sizeof description;
@@ -240,13 +226,10 @@ TEST(Registered, IsNotNeededWithTheManifest) {
   ASSERT_NE(INVALID_HANDLE_VALUE, context);
   ULONG_PTR cookie = 0;
   ASSERT_TRUE(ActivateActCtx(context, &cookie));
-  for (const server::ClassEntry& entry : server::classTable()) {
-    EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name));
-  }
+  createAll(L"");
   DeactivateActCtx(0, cookie);
   ReleaseActCtx(context);
   CoFreeUnusedLibrariesEx(0, 0);
-  registered.call("DllRegisterServer");
 }
 
 }  // namespace

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
 #include "database/access/authoring/create_database.h"
 #include "host.h"
 #include "veltrano/pdf.h"
@@ -12,44 +16,23 @@ namespace {
 
 /// The last line that a script prints under cscript. A script that fails prints none.
 std::string runScript(const std::string& script, const TemporaryFolder& folder) {
-  // Of this program's own bitness: Windows sends a 32-bit program to the 32-bit one.
   // Wine's drive Z is the root of the machine that the sources lie on.
-  const std::filesystem::path file = std::filesystem::path(L"Z:" SCRIPTS_FOLDER) / script;
-  std::wstring command = L"cscript.exe //nologo \"" + std::filesystem::path(file).make_preferred().wstring() +
-                         L"\" \"" + folder.path().wstring() + L"\"";
-  SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-  const std::filesystem::path output = folder / L"output.txt";
-  const HANDLE handle =
-      CreateFileW(output.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
-  STARTUPINFOW startup = {};
-  startup.cb = sizeof startup;
-  startup.dwFlags = STARTF_USESTDHANDLES;
-  startup.hStdOutput = handle;
-  startup.hStdError = handle;
-  PROCESS_INFORMATION process = {};
-  const BOOL started = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                                      &startup, &process);
-  EXPECT_TRUE(started);
-  if (started) {
-    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(process.hProcess, 60000));
-    TerminateProcess(process.hProcess, 1);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
+  std::filesystem::path file = std::filesystem::path(L"Z:" SCRIPTS_FOLDER) / script;
+  const std::wstring command = L"cscript.exe //nologo \"" + file.make_preferred().wstring() + L"\" \"" +
+                               folder.path().wstring() + L"\"";
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(_wpopen(command.c_str(), L"rt"), _pclose);
+  std::string last;
+  for (char line[1000]; std::fgets(line, sizeof line, pipe.get()) != nullptr;) {
+    const std::string_view text(line, std::strcspn(line, "\r\n"));
+    if (!text.empty()) last = text;
   }
-  CloseHandle(handle);
-  std::string text = readFile(output);
-  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
-    text.pop_back();
-  }
-  return text.substr(text.find_last_of('\n') + 1);
+  return last;
 }
 
 /// The file with the moment of its making blanked out.
 std::string withoutDate(std::string file) {
   const std::size_t date = file.find("/CreationDate (D:");
-  if (date != std::string::npos) {
-    file.replace(date + 17, 14, "YYYYMMDDHHmmSS");
-  }
+  if (date != std::string::npos) file.replace(date + 17, 14, "YYYYMMDDHHmmSS");
   return file;
 }
 
@@ -132,16 +115,15 @@ TEST_F(Scripts, TraceWhereTheRegistrySays) {
   EXPECT_EQ("rejected", runScript("rejected.js", folder_));
   EXPECT_EQ(ERROR_SUCCESS, RegDeleteKeyW(HKEY_CURRENT_USER, key));
   const std::string lines = readFile(trace);
-  for (const char* line : {"cscript.exe VeltranoFrameWorkDLL: Version ",
-                           "cscript.exe VeltranoPDF.PDFSetUnit: An argument is rejected (\"Incorrect "
-                           "Unit\"): centimetres are used.\r\n",
-                           "cscript.exe VeltranoPDF.PDFTitle: The code page windows-1252 lacks characters of "
-                           "a text; others stand in "
-                           "their place.\r\n",
-                           "cscript.exe VeltranoPDF.PDFEndDoc: No document is open; nothing is done.\r\n",
-                           "cscript.exe VeltranoPDF.PDFSetFont: The host gets the error 0x80020005: 2 "
-                           "arguments were passed; if one of "
-                           "them is wrong, it is number 1.\r\n"}) {
+  for (const char* line :
+       {"cscript.exe VeltranoFrameWorkDLL: Version ",
+        "cscript.exe VeltranoPDF.PDFSetUnit: An argument is rejected (\"Incorrect Unit\"): "
+        "centimetres are used.\r\n",
+        "cscript.exe VeltranoPDF.PDFTitle: The code page windows-1252 lacks characters of a text; "
+        "others stand in their place.\r\n",
+        "cscript.exe VeltranoPDF.PDFEndDoc: No document is open; nothing is done.\r\n",
+        "cscript.exe VeltranoPDF.PDFSetFont: The host gets the error 0x80020005: 2 "
+        "arguments were passed; if one of them is wrong, it is number 1.\r\n"}) {
     EXPECT_NE(std::string::npos, lines.find(line)) << lines;
   }
 }

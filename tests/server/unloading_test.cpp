@@ -29,9 +29,8 @@ Holdings holdings() {
   EXPECT_LE(count, heaps.size());
   for (DWORD i = 0; i < std::min<std::size_t>(count, heaps.size()); ++i) {
     PROCESS_HEAP_ENTRY entry = {};
-    while (HeapWalk(heaps[i], &entry) != FALSE) {
+    while (HeapWalk(heaps[i], &entry) != FALSE)
       held.bytes += (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0 ? entry.cbData : 0;
-    }
   }
   constexpr ULONG_PTR highest = 0x10000;
   for (ULONG_PTR handle = 4; handle < highest; handle += 4) {
@@ -54,13 +53,9 @@ void useObjects(const Dll& dll) {
 
 /// What `rounds` rounds leave in the process, after some that fill what is kept once.
 Holdings leftBy(int rounds, const std::function<void()>& round) {
-  for (int i = 0; i < 5; ++i) {
-    round();
-  }
+  for (int i = 0; i < 5; ++i) round();
   const Holdings before = holdings();
-  for (int i = 0; i < rounds; ++i) {
-    round();
-  }
+  for (int i = 0; i < rounds; ++i) round();
   const Holdings after = holdings();
   return {after.bytes - before.bytes, after.handles - before.handles};
 }
