@@ -1,8 +1,8 @@
-// Kills, power failures and, as often as kills, full disks from every call of the file system on, on a simulated disk
-// (storm.h):
+// Kills, power failures and, as often as kills, full disks from every call of the file system on, on a
+// simulated disk (storm.h):
 //   crash_storm [kills [power failures [first seed]]]
-// for a plain file, and a third as many for each way to encrypt one. Prints the seed of each run that did harm, between
-// which calls the runs ended, and the totals; exits 1 if a run did harm.
+// for a plain file, and a third as many for each way to encrypt one. Prints the seed of each run that did
+// harm, between which calls the runs ended, and the totals; exits 1 if a run did harm.
 
 #include "storm.h"
 

@@ -1,5 +1,5 @@
-// Damages a good database (damaged_file.h), plain or encrypted as the first byte says, and only reads it: all that
-// there is, and by a search in each column. The rest of the input is taken as stored text, too.
+// Damages a good database (damaged_file.h), plain or encrypted as the first byte says, and only reads it: all
+// that there is, and by a search in each column. The rest of the input is taken as stored text, too.
 
 #include "damaged_file.h"
 #include "database/access/storage/text_codec.h"

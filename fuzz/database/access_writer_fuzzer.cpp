@@ -1,5 +1,5 @@
-// Damages a good database (damaged_file.h), plain or encrypted as the first byte says, and reads and changes it as a
-// host would.
+// Damages a good database (damaged_file.h), plain or encrypted as the first byte says, and reads and changes
+// it as a host would.
 
 #include "damaged_file.h"
 #include "hostile.h"

@@ -1,6 +1,6 @@
-// Opens a database whose header page says something else of its encryption. The first byte chooses one of the known
-// descriptions (encrypted_files.h); the others change the file, four bytes each: u24 offset, u8 value, most of them
-// in the header page. If there is no such description, the rest of the input is the description.
+// Opens a database whose header page says something else of its encryption. The first byte chooses one of the
+// known descriptions (encrypted_files.h); the others change the file, four bytes each: u24 offset, u8 value,
+// most of them in the header page. If there is no such description, the rest of the input is the description.
 
 #include <cstdlib>
 #include <string>

@@ -14,8 +14,8 @@
 
 namespace veltrano::tests {
 
-/// A folder in which nobody may make a file; `files` is what may be done with those that are there. The superuser may
-/// do anything, so he becomes somebody else for so long. Under Windows it does nothing.
+/// A folder in which nobody may make a file; `files` is what may be done with those that are there. The
+/// superuser may do anything, so he becomes somebody else for so long. Under Windows it does nothing.
 class NoNewFilesIn {
  public:
   explicit NoNewFilesIn(const std::filesystem::path& folder,

@@ -143,11 +143,9 @@ bool PageFile::read(PageNumber page, MutableBytes target) {
 }
 
 bool PageFile::write(PageNumber page, Bytes bytes) {
-  if (!file_->writeAt(offsetOf(page), encoded(page, bytes, space_))) {
-    return false;
-  }
+  // A write that fails on a full disk may have made the file longer by a part of the page.
   length_ = std::max(length_, offsetOf(page) + pageSize());
-  return true;
+  return file_->writeAt(offsetOf(page), encoded(page, bytes, space_));
 }
 
 bool PageFile::setLength(std::uint64_t length) {

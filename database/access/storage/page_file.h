@@ -31,7 +31,7 @@ class PageFile {
   [[nodiscard]] const Status& writable() const { return writable_; }
   [[nodiscard]] std::uint32_t pageSize() const { return pageSizeOf(header_.version); }
   [[nodiscard]] std::uint64_t offsetOf(PageNumber page) const { return std::uint64_t{page} * pageSize(); }
-  /// In bytes, as far as this process has found or made it.
+  /// In bytes, as far as this process has found it or tried to make it.
   [[nodiscard]] std::uint64_t length() const { return length_; }
 
   /// Reads a page and decodes it. What comes after the end of the file is zero.

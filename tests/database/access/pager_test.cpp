@@ -130,6 +130,23 @@ TEST_F(PagerTest, LargeTransactionsAreWhole) {
   EXPECT_EQ(got(pages + 399), (pages + 399) % 251 + 1);
 }
 
+// The first page that a transaction writes early has room for its half, which makes the file longer.
+TEST_F(PagerTest, AFullDiskLeavesNoPartOfAPage) {
+  for (int pages = 20; pages < 60; ++pages) {
+    pager_.reset();
+    disk_.put("a.mdb", base_);
+    open(16);
+    const PageNumber before = pager_->pageCount();
+    disk_.fillAfter(2);
+    const bool done = append(pages);
+    pager_.reset();
+    disk_.revive();
+    open();
+    EXPECT_EQ(pager_->pageCount(), before + static_cast<PageNumber>(done ? pages : 0)) << pages;
+    EXPECT_FALSE(pager_->readOnly()) << pages;
+  }
+}
+
 TEST_F(PagerTest, ADamagedRecordDoesNotCount) {
   put(1);
   const std::string first = disk_.content("a.mdb-journal");
