@@ -26,6 +26,15 @@ struct Target {
   std::filesystem::path file;
 };
 
+/// Without blanks around it: `set VELTRANO_TRACE=stderr & cscript ...` leaves one.
+std::filesystem::path trimmed(const std::filesystem::path& setting) {
+  std::filesystem::path::string_type text = setting.native();
+  const auto isBlank = [](auto c) { return c == ' '; };
+  text.erase(std::find_if_not(text.rbegin(), text.rend(), isBlank).base(), text.end());
+  text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), isBlank));
+  return text;
+}
+
 Target targetOf(const std::filesystem::path& setting) {
   if (setting.empty() || setting == "off") {
     return {};
@@ -44,7 +53,7 @@ Target targetOf(const std::filesystem::path& setting) {
 
 const Target& target() {
   // Never destroyed: objects that the host destroys at its end may still have something to say.
-  static const Target& found = *new Target(targetOf(traceSetting()));
+  static const Target& found = *new Target(targetOf(trimmed(traceSetting())));
   return found;
 }
 

@@ -95,8 +95,12 @@ void VeltranoKML::Impl::line(const Pieces&... pieces) {
 }
 
 void VeltranoKML::Impl::remember(const CoordinateTriple& point) {
+  const std::string_view line = point.withLineEnd();
+  if (line.empty()) {
+    trace("A coordinate is not finite; the point is left out of the path.");
+  }
   try {
-    pathBuffer.append(point.withLineEnd());
+    pathBuffer.append(line);
   } catch (const std::bad_alloc&) {
     trace("Memory is short; a point of the path is left out.");
   }

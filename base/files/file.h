@@ -10,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "base/os/owned.h"
 #include "base/status.h"
@@ -90,6 +91,10 @@ Status renameOver(const std::filesystem::path& file, const std::filesystem::path
 Status syncName(const std::filesystem::path& file);
 
 Status removeFile(const std::filesystem::path& file);
+
+/// The names of the regular files in a folder, in no order. (The standard library's own iterator ends the process when
+/// memory is short.)
+Result<std::vector<std::filesystem::path>> namesOfFiles(const std::filesystem::path& folder);
 
 /// True if another program or object has the file open, as far as the system can tell: also if it cannot.
 bool isHeldOpen(const std::filesystem::path& file);

@@ -1,3 +1,4 @@
+#include <dirent.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
@@ -7,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "base/files/calls.h"
@@ -277,6 +279,21 @@ Status syncName(const std::filesystem::path& file) {
 Status removeFile(const std::filesystem::path& file) {
   Status watched = beforeFileCall(FileCall::remove, file);
   return watched ? answerOf(::unlink(file.c_str())) : watched;
+}
+
+Result<std::vector<std::filesystem::path>> namesOfFiles(const std::filesystem::path& folder) {
+  const std::unique_ptr<DIR, decltype([](DIR* open) { ::closedir(open); })> entries(
+      ::opendir(folder.c_str()));
+  if (!entries) {
+    return failureOf(errno);
+  }
+  std::vector<std::filesystem::path> names;
+  while (const dirent* entry = ::readdir(entries.get())) {
+    if (std::filesystem::path name = entry->d_name; kindOf(folder / name) == FileKind::regular) {
+      names.push_back(std::move(name));
+    }
+  }
+  return names;
 }
 
 bool isHeldOpen(const std::filesystem::path& file) {

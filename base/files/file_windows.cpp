@@ -283,6 +283,23 @@ Status removeFile(const std::filesystem::path& file) {
   return watched ? answerOf(DeleteFileW(file.c_str())) : watched;
 }
 
+Result<std::vector<std::filesystem::path>> namesOfFiles(const std::filesystem::path& folder) {
+  using Search = Owned<HANDLE, [](HANDLE search) { FindClose(search); }>;
+  WIN32_FIND_DATAW entry = {};
+  const HANDLE found = FindFirstFileW((folder / "*").c_str(), &entry);
+  if (found == INVALID_HANDLE_VALUE) {
+    return failureOf(GetLastError());
+  }
+  const Search search(found);
+  std::vector<std::filesystem::path> names;
+  do {
+    if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+      names.emplace_back(entry.cFileName);
+    }
+  } while (FindNextFileW(search.get(), &entry) != 0);
+  return names;
+}
+
 bool isHeldOpen(const std::filesystem::path& file) {
   // A file that opens for us alone is open nowhere else.
   if (openHandle(file, GENERIC_READ, 0, OPEN_EXISTING)) {

@@ -88,7 +88,8 @@ class SystemFiles final : public FileSystem {
 }  // namespace
 
 FileSystem& systemFiles() {
-  static SystemFiles files;
+  // Never destroyed: databases that are global objects of the host close after this library's own.
+  static SystemFiles& files = *new SystemFiles;
   return files;
 }
 

@@ -66,22 +66,14 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& file) {
 }
 
 std::optional<std::vector<std::filesystem::path>> listFiles(const std::filesystem::path& folder) {
-  std::error_code error;
-  std::filesystem::directory_iterator entry(folder, error);
-  if (error) {
-    trace("The folder ", folder, " cannot be listed: ", error.message(), ".");
+  auto names = namesOfFiles(folder);
+  if (!names) {
+    trace("The folder ", folder, " cannot be listed: ", names.status(), ".");
     return std::nullopt;
   }
-  std::vector<std::filesystem::path> names;
-  while (!error && entry != std::filesystem::directory_iterator()) {
-    std::error_code ignored;  // an entry that vanished meanwhile is not listed
-    if (entry->is_regular_file(ignored)) {
-      names.push_back(entry->path().filename());
-    }
-    entry.increment(error);
-  }
-  std::sort(names.begin(), names.end(), [](const auto& a, const auto& b) { return a.native() < b.native(); });
-  return names;
+  std::sort(names->begin(), names->end(),
+            [](const auto& a, const auto& b) { return a.native() < b.native(); });
+  return *std::move(names);
 }
 
 }  // namespace veltrano

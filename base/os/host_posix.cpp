@@ -25,7 +25,8 @@ bool holdsMetrics(const std::filesystem::path& folder) {
 
 /// What veltrano/installed.h says; empty if the program was built without it.
 std::filesystem::path& metricsOfHeaders() {
-  static std::filesystem::path folder;
+  static std::filesystem::path& folder =
+      *new std::filesystem::path;  // outlives global objects, as all here do
   return folder;
 }
 
@@ -37,7 +38,7 @@ std::filesystem::path metricsByEnvironment() {
 }  // namespace
 
 std::filesystem::path libraryFolder() {
-  static const std::filesystem::path folder = [] {
+  static const std::filesystem::path& folder = *new std::filesystem::path([] {
     Dl_info info = {};
     std::filesystem::path file;
     if (dladdr(reinterpret_cast<const void*>(&libraryFolder), &info) != 0 && info.dli_fname != nullptr) {
@@ -50,7 +51,7 @@ std::filesystem::path libraryFolder() {
     }
     const auto real = std::filesystem::canonical(file, error);
     return (error ? file : real).parent_path();
-  }();
+  }());
   return folder;
 }
 

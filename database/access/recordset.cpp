@@ -66,12 +66,19 @@ AccessRecordset::~AccessRecordset() {
   AccessRecordset::close();
 }
 
+void AccessRecordset::dropEdit() {
+  if (edit_ != Edit::none) {
+    trace("What ", edit_ == Edit::adding ? "AddNew" : "Edit", " began is dropped: Update was not called.");
+  }
+  edit_ = Edit::none;
+}
+
 Status AccessRecordset::close() {
   if (state_ == State::closed) {
     return closedRecordset();
   }
   state_ = State::closed;
-  edit_ = Edit::none;
+  dropEdit();
   drafts_.clear();
   current_.release();
   cursor_.reset();
@@ -127,7 +134,7 @@ Status AccessRecordset::moveFirst() {
   if (state_ == State::closed) {
     return closedRecordset();
   }
-  edit_ = Edit::none;
+  dropEdit();
   changedKeys_.clear();
   std::optional<RowPointer> first;
   if (!cursor_) {
@@ -142,7 +149,7 @@ Status AccessRecordset::moveLast() {
   if (state_ == State::closed) {
     return closedRecordset();
   }
-  edit_ = Edit::none;
+  dropEdit();
   changedKeys_.clear();
   std::optional<RowPointer> last;
   if (cursor_) {
@@ -158,7 +165,7 @@ Status AccessRecordset::moveLast() {
 }
 
 Status AccessRecordset::moveNext() {
-  edit_ = Edit::none;
+  dropEdit();
   if (state_ != State::onRecord) {
     return {Failure::missing, "no record follows"};
   }
@@ -246,7 +253,7 @@ bool AccessRecordset::find(std::string_view field, const TextMatcher& matcher) {
   if (state_ == State::closed) {
     return false;
   }
-  edit_ = Edit::none;
+  dropEdit();
   const auto index = columnIndex(field);
   if (!index) {
     trace("There is no field \"", field, "\" to look in.");
@@ -273,6 +280,7 @@ Status AccessRecordset::edit() {
   if (Status current = refresh(); !current || !writer_) {
     return current ? writable_ : current;
   }
+  dropEdit();
   drafts_.assign(table_.definition().columns.size(), Draft());
   edit_ = Edit::changing;
   return {};
@@ -319,6 +327,7 @@ Status AccessRecordset::addNew() {
   if (!writer_) {
     return writable_;
   }
+  dropEdit();
   prepareNewRecord();
   edit_ = Edit::adding;
   return {};
@@ -388,7 +397,7 @@ void AccessRecordset::noteChangedKey() {
 }
 
 Status AccessRecordset::remove() {
-  edit_ = Edit::none;
+  dropEdit();
   if (Status current = refresh(); !current || !writer_) {
     return current ? writable_ : current;
   }

@@ -81,6 +81,7 @@ class AccessRecordset final : public Recordset {
   enum class Edit { none, changing, adding };
 
   bool settle(std::optional<RowPointer> place);
+  void dropEdit();
   bool standOn(const SearchAnswer& answer);
   std::optional<RowPointer> following();
   Status refresh();

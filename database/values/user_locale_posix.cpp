@@ -16,7 +16,7 @@ struct UserFormats {
 };
 
 const UserFormats& userFormats() {
-  static const UserFormats formats = [] {
+  static const UserFormats& formats = *new UserFormats([] {  // outlives global objects of the host
     UserFormats read;
     if (const locale_t user = ::newlocale(LC_NUMERIC_MASK | LC_TIME_MASK, "", nullptr); user != nullptr) {
       read.decimalPoint = ::nl_langinfo_l(RADIXCHAR, user);
@@ -26,7 +26,7 @@ const UserFormats& userFormats() {
       ::freelocale(user);
     }
     return read;
-  }();
+  }());
   return formats;
 }
 

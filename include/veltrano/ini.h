@@ -8,7 +8,8 @@
 // belongs to a key if it begins with the key, in any case, and "=" follows at once. There are no sections and
 // no comments, and no blanks are trimmed.
 //
-// Texts are UTF-16; files are in the ANSI code page. Members never report a failure.
+// Texts are UTF-16; files are in the ANSI code page. Members never report a failure; only
+// memory exhaustion leaves them as an exception (std::bad_alloc).
 
 #include <filesystem>
 #include <string>

@@ -10,7 +10,8 @@
 //
 // Only the path buffer is kept in memory. The lines of a member are in the file when it returns. A line whose
 // number is not finite or for whose text memory runs out is left out, and so is everything written while no
-// file is open. Members never report a failure. Not to be used by two threads at once.
+// file is open. Members never report a failure; only memory exhaustion leaves CreateKML as an
+// exception (std::bad_alloc). Not to be used by two threads at once.
 
 #include <cstdint>
 #include <filesystem>

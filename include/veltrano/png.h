@@ -1,7 +1,8 @@
 #ifndef VELTRANO_PNG_H
 #define VELTRANO_PNG_H
 
-// Saves pictures as PNG files: 8-bit RGB, not interlaced, libpng's own choice of compression and filters.
+// Saves pictures as PNG files: 8-bit RGB, not interlaced, libpng's own choice of compression and filters. Members
+// never report more than their result; only memory exhaustion leaves them as an exception (std::bad_alloc).
 
 #include <filesystem>
 #include <memory>

@@ -7,7 +7,7 @@
 //
 // Texts are UTF-8. Folder and key names are XPath expressions when they are looked up and element names when
 // they are created; what is not a valid element name creates nothing. Changes live in memory until XML_Save.
-// Members never report a failure.
+// Members never report a failure; only memory exhaustion leaves them as an exception (std::bad_alloc).
 
 #include <filesystem>
 #include <memory>

@@ -15,7 +15,8 @@ constexpr std::size_t longestUnchecked =
 }  // namespace
 
 std::shared_ptr<const FontMetrics> FontMetrics::none() {
-  static const auto nothing = std::make_shared<const FontMetrics>();
+  // Never destroyed: global objects of the host may still make documents at its end.
+  static const auto& nothing = *new std::shared_ptr<const FontMetrics>(std::make_shared<const FontMetrics>());
   return nothing;
 }
 

@@ -27,13 +27,13 @@ std::size_t FontTable::load(const std::filesystem::path& folder) {
   }
   // The whole path counts: in a folder "fonts.afm" every file is a font. Kept because hosts rely on it.
   std::error_code ignored;
-  const bool anyFile = namesMetrics(pathToAnsi(std::filesystem::absolute(folder, ignored)));
+  const bool anyFile = namesMetrics(pathToUtf8(std::filesystem::absolute(folder, ignored)));
   std::size_t count = 0;
   for (const std::filesystem::path& file : *files) {
-    const std::string name = pathToAnsi(file);
-    if (!anyFile && !namesMetrics(name)) {
+    if (!anyFile && !namesMetrics(pathToUtf8(file))) {
       continue;
     }
+    const std::string name = pathToAnsi(file);
     ++count;
     if (names_.size() < count) {
       names_.resize(count);

@@ -11,7 +11,8 @@ namespace veltrano {
 
 std::optional<std::string> dashOperator(std::int32_t style, double scaleFactor) {
   // By PDFStyleLgn: lengths in user units of which whole points are kept.
-  static const std::array<std::vector<int>, 4> patterns{{{}, {16, 8}, {8, 7, 2, 7}, {8, 4, 2, 4, 2, 4}}};
+  static const auto& patterns =
+      *new std::array<std::vector<int>, 4>{{{}, {16, 8}, {8, 7, 2, 7}, {8, 4, 2, 4, 2, 4}}};
   if (style < 0 || static_cast<std::size_t>(style) >= patterns.size()) {
     return std::nullopt;
   }

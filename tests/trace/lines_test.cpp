@@ -96,6 +96,8 @@ TEST(TraceLines, OfFiles) {
        [&] { kml.CreatePlaceMark(1, 2, 3, "name", "", "", ""); }},
       {"VeltranoKML.CreateKML: No file is open",
        [&] { kml.CreateKML(folder / "none" / "a.kml", "", "", 0); }},
+      {"VeltranoKML.CreatePathPoint: A coordinate is not finite; the point is left out of the path.",
+       [&] { kml.CreatePathPoint(nan, 1, 2); }},
       {"VeltranoXML.XML_Open: The settings start empty: there is no such file: \"",
        [&] { xml.XML_Open(folder / "none.xml"); }},
       {"VeltranoXML.XML_Open: The settings start empty: the file is not well-formed XML",
@@ -142,15 +144,18 @@ TEST(TraceLines, OfTheEmbeddedEngine) {
       file, {{.name = "Orders", .columns = {{.name = "Number", .type = access::ColumnType::longInteger}}}}));
   VeltranoMDB mdb;
   check({
-      {"VeltranoMDB.FindRecord: There is no field \"Numbr\" to look in.",
+      {"VeltranoMDB.MoveFirst: What AddNew began is dropped: Update was not called.",
        [&] {
          mdb.OpenDB(file.string(), "", "");
          mdb.OpenTable("Orders");
          mdb.AddNew();
          mdb.WriteRecord("Number", Value(1));
          mdb.Update();
-         mdb.FindRecord("Numbr", "x", 0);
+         mdb.AddNew();
+         mdb.MoveFirst();
        }},
+      {"VeltranoMDB.FindRecord: There is no field \"Numbr\" to look in.",
+       [&] { mdb.FindRecord("Numbr", "x", 0); }},
       {"VeltranoMDB.OpenTable: The table \"Orders\" can only be read: the last page of the file is not "
        "whole.",
        [&] {

@@ -2,14 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
 #include <thread>
 #include <vector>
 
 #include "base/files/whole.h"
 #include "base/text/code_page.h"
+#include "database/access/authoring/create_database.h"
+#include "tests/temporary_folder.h"
+#include "tests/trace/short_memory.h"
 #include "tests/trace/trace_lines.h"
+#include "veltrano/mdb.h"
 
 #ifndef _WIN32
 #include <fcntl.h>
@@ -17,23 +19,11 @@
 #include <unistd.h>
 #endif
 
-namespace {
-bool memoryIsShort = false;
-}
-
-void* operator new(std::size_t size) {
-  void* const block = memoryIsShort ? nullptr : std::malloc(size);
-  return block != nullptr ? block : throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept {
-  std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-  std::free(block);
-}
-
 namespace veltrano {
 namespace {
+
+const tests::TemporaryFolder folderUntilExit;
+VeltranoMDB closedAtExit;
 
 using tests::newTraceLines;
 using Lines = std::vector<std::string>;
@@ -103,14 +93,26 @@ TEST(Trace, SaysWhichCharactersAreLost) {
 
 TEST(Trace, AShortMemoryLosesTheLineAndNotTheCall) {
   const std::string longName(100, 'n');
-  memoryIsShort = true;
+  tests::memoryIsShort = true;
   {
     const TracedMember member("VeltranoMDB", "AMemberOfALongName");
     trace("There is no table \"", longName, "\".");
   }
-  memoryIsShort = false;
+  tests::memoryIsShort = false;
   trace("after");
   EXPECT_EQ(newTraceLines(), (Lines{"VeltranoFrameWorkDLL: after"}));
+}
+
+// The program's end is a part of it: then the object closes, and something is said, after all that the library has made.
+TEST(Trace, OutlivesTheGlobalObjectsOfTheHost) {
+  const auto file = folderUntilExit / "a.mdb";
+  ASSERT_TRUE(access::createDatabase(file, {{.name = "T", .columns = {{.name = "Number"}}}}));
+  EXPECT_TRUE(closedAtExit.OpenDB(file.string(), "", "") && closedAtExit.OpenTable("T"));
+  closedAtExit.AddNew();
+  closedAtExit.WriteRecord("Number", Value(1));
+  closedAtExit.Update();
+  closedAtExit.AddNew();
+  newTraceLines();
 }
 
 #ifndef _WIN32

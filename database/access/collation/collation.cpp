@@ -346,8 +346,9 @@ StrayCapitals findStrayCapitals(TextOrder order) {
 }
 
 const StrayCapitals& strayCapitals(TextOrder order) {
-  static const StrayCapitals ofGeneral = findStrayCapitals(TextOrder::general);
-  static const StrayCapitals ofGeneralLegacy = findStrayCapitals(TextOrder::generalLegacy);
+  // Never destroyed: databases may be global objects of the host.
+  static const auto& ofGeneral = *new StrayCapitals(findStrayCapitals(TextOrder::general));
+  static const auto& ofGeneralLegacy = *new StrayCapitals(findStrayCapitals(TextOrder::generalLegacy));
   return order == TextOrder::general ? ofGeneral : ofGeneralLegacy;
 }
 

@@ -29,9 +29,13 @@ void traceRefused(const ClassEntry& entry, const Member& member, const DISPPARAM
     const TracedMember traced(entry.name, name.c_str());
     std::array<char, 11> code{};
     std::snprintf(code.data(), code.size(), "0x%08lX", static_cast<unsigned long>(reason));
-    // Hosts pass arguments from the last to the first.
-    trace("The host gets the error ", code.data(), ": ", passed.cArgs,
-          " arguments were passed; if one of them is wrong, it is number ", passed.cArgs - wrong, ".");
+    if (wrong < passed.cArgs && (reason == DISP_E_TYPEMISMATCH || reason == DISP_E_OVERFLOW)) {
+      // Hosts pass arguments from the last to the first.
+      trace("The host gets the error ", code.data(), ": argument ", passed.cArgs - wrong,
+            " cannot be what the member takes there.");
+    } else {
+      trace("The host gets the error ", code.data(), "; number of arguments passed: ", passed.cArgs, ".");
+    }
   }
 }
 

@@ -1,0 +1,22 @@
+#include "tests/trace/short_memory.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace veltrano::tests {
+
+bool memoryIsShort = false;
+
+}  // namespace veltrano::tests
+
+// The allocation functions of this program; in a file of their own, since the compiler looks through them otherwise.
+void* operator new(std::size_t size) {
+  void* const block = veltrano::tests::memoryIsShort ? nullptr : std::malloc(size);
+  return block != nullptr ? block : throw std::bad_alloc();
+}
+void operator delete(void* block) noexcept {
+  std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+  std::free(block);
+}
