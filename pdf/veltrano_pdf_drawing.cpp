@@ -1,6 +1,8 @@
 #include <cmath>
 #include <optional>
+#include <string>
 
+#include "base/files/file.h"
 #include "pdf/graphics/color.h"
 #include "pdf/graphics/shapes.h"
 #include "pdf/veltrano_pdf.h"
@@ -105,7 +107,10 @@ std::optional<Image> imageOf(const VeltranoPDF& pdf, const std::filesystem::path
   }
   ImageFile read = readImage(file);
   if (!read.image) {
-    raise(pdf, read.refusal, "the picture is left out");
+    std::string instead =
+        kindOf(file) == FileKind::missing ? "there is no file " : "no picture can be read from ";
+    appendTraced(instead, file);
+    raise(pdf, read.refusal, instead);
   }
   return std::move(read.image);
 }

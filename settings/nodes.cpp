@@ -168,6 +168,10 @@ std::string textOf(const pugi::xpath_node& node) {
 
 void setText(const pugi::xpath_node& node, std::string_view text) {
   const std::string allowed = withoutForbiddenCharacters(text);
+  if (allowed.size() != text.size()) {
+    trace("Characters that XML cannot hold are left out of the value of \"",
+          node.attribute() ? node.attribute().name() : node.node().name(), "\".");
+  }
   if (node.attribute()) {
     node.attribute().set_value(allowed.c_str());
   } else {

@@ -48,6 +48,8 @@ class File {
   Result<std::size_t> readAt(std::uint64_t offset, std::span<char> target);
   Status writeAt(std::uint64_t offset, std::string_view bytes);
 
+  /// As it was given to `open`.
+  [[nodiscard]] const std::filesystem::path& name() const { return name_; }
   Result<std::uint64_t> size();
   /// Cuts the file, or extends it by zeros.
   Status resize(std::uint64_t size);

@@ -22,7 +22,7 @@ std::optional<OutputFile> OutputFile::create(const std::filesystem::path& file) 
 bool OutputFile::write(std::string_view text) {
   const Status status = file_.write(text);
   if (!status) {
-    trace("Nothing more could be written to the file: ", status, ".");
+    trace("The file ", file_.name(), " cannot take what is to be written: ", status, ".");
   }
   return static_cast<bool>(status);
 }

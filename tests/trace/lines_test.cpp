@@ -75,7 +75,8 @@ TEST(TraceLines, OfPdf) {
        [&] { pdf.PDFDrawRectangle(1, 1, 1, 1, Value(5)); }},
       {"PDFImageWidth: An argument is rejected (\"Error format not supported\"): the name does not end in",
        [&] { width = pdf.PDFImageWidth("a.png"); }},
-      {"PDFImage: An argument is rejected (\"", [&] { pdf.PDFImage("none.jpg", 1, 1, width, height); }},
+      {"PDFImage: An argument is rejected (\"JPEG format invalid\"): there is no file \"none.jpg\".",
+       [&] { pdf.PDFImage("none.jpg", 1, 1, width, height); }},
       {"PDFEndDoc: The file \"no such folder/a.pdf\" was not written: ",
        [&] {
          pdf.PDFFileName("no such folder/a.pdf");
@@ -104,6 +105,8 @@ TEST(TraceLines, OfFiles) {
        [&] { xml.XML_Open(folder / "bad.xml"); }},
       {"VeltranoXML.XML_SaveSetting: The key \"1\" in the folder \"a\" cannot be made: a name is not allowed",
        [&] { xml.XML_SaveSetting("a", "1", "x"); }},
+      {"VeltranoXML.XML_SaveSetting: Characters that XML cannot hold are left out of the value of \"Key\".",
+       [&] { xml.XML_SaveSetting("Folder", "Key", "a\x01z"); }},
       {"VeltranoXML.XML_Save: Nothing is saved to \"",
        [&] {
          VeltranoXML empty;
