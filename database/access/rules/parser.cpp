@@ -397,7 +397,7 @@ RuleNode Parser::function(const std::string& name) {
 RuleNode Parser::fieldNamed(std::string name) {
   if (takeSign(".") || takeSign("!")) {
     const bool ownTable = sameName(name, table_.name);
-    name = std::move(token_.text);
+    name = token_.text;
     const bool named = token_.kind == Token::Kind::name || token_.kind == Token::Kind::word;
     if (!ownTable || !named) {
       return fail("it is about another table");
