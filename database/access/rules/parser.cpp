@@ -331,7 +331,7 @@ RuleNode Parser::primary() {
     case Token::Kind::date:
       return date();
     case Token::Kind::name: {
-      std::string name = std::move(token_.text);
+      std::string name = token_.text;
       step();
       return fieldNamed(std::move(name));
     }
@@ -364,7 +364,7 @@ RuleNode Parser::wordAsValue() {
   if (takeWord("Null")) {
     return constantOf(RuleType::null, {});
   }
-  std::string word = std::move(token_.text);
+  std::string word = token_.text;
   step();
   return takeSign("(") ? function(word) : fieldNamed(std::move(word));
 }
