@@ -90,8 +90,7 @@ void writeTraceLine(std::string_view sentence);
 
 /// Writes a line with the sentence that the parts make up: text, paths, whole numbers, a Status for its reason.
 /// Callable at any time and from any thread. Failures are ignored: a host whose memory or disk is short loses a line,
-/// not its call. Parts that take work to compute
-/// belong under `if (traceEnabled())`.
+/// not its call. Parts that take work to compute belong under `if (traceEnabled())`.
 template <typename... Parts>
 void trace(const Parts&... parts) noexcept {
   if (traceEnabled()) [[unlikely]] {
