@@ -3,9 +3,8 @@
 
     scripts/lint.py [--since COMMIT] BUILD_FOLDER [WINDOWS_BUILD_FOLDER]
 
-BUILD_FOLDER is a configured and built native preset: its compile commands say how each file is compiled, its
-dependencies which headers it sees. WINDOWS_BUILD_FOLDER is one for Windows, for the sources that are compiled only
-there. A file that was clean is not checked again until it, one of these headers or the checks themselves change. With
+BUILD_FOLDER is a configured native preset that compiles each file alone, WINDOWS_BUILD_FOLDER one for Windows with the
+generated headers, for the sources that are compiled only there. Their compile commands say how and with which headers. A file that was clean is not checked again until it, one of these headers or the checks themselves change. With
 --since only files are searched for faults that changed after that commit, or whose headers did.
 """
 
@@ -16,6 +15,7 @@ import json
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 
@@ -86,22 +86,21 @@ def badly_formatted():
     return result.returncode != 0
 
 
-def dependencies(build):
-    """Object file -> the project's own files that its compilation read."""
-    output = subprocess.run(["ninja", "-C", build, "-t", "deps"], check=True, capture_output=True, text=True).stdout
-    table = {}
-    current = None
-    for line in output.splitlines():
-        if line and not line.startswith(" "):
-            current = table.setdefault(line.split(":")[0], [])
-        elif current is not None and line.strip().startswith(str(ROOT)):
-            current.append(line.strip())
-    return table
+def read_files(entry):
+    """The project's own files that the compilation of an entry of the compile commands reads."""
+    command = shlex.split(entry["command"])
+    place = command.index("-o")
+    output = subprocess.run([*command[:place], *command[place + 2:], "-MM"], cwd=entry["directory"], check=True,
+                            capture_output=True, text=True).stdout
+    # A rule of a makefile: blanks inside names are escaped, lines end in a backslash.
+    names = shlex.split(output.replace("\\\n", " "))[1:]
+    return {str(path) for path in (pathlib.Path(entry["directory"], name).resolve() for name in names)
+            if path.is_relative_to(ROOT)}
 
 
-def fingerprint(source, headers):
+def fingerprint(names):
     digest = hashlib.sha256((ROOT / ".clang-tidy").read_bytes())
-    for name in sorted({str(source), *headers}):
+    for name in sorted(names):
         digest.update(name.encode())
         digest.update(pathlib.Path(name).read_bytes())
     return digest.hexdigest()
@@ -152,18 +151,16 @@ def faulty(build, changed):
     arguments = windows_arguments(build)
     cache_file = build / "lint-clean.json"
     clean = set(json.loads(cache_file.read_text())) if cache_file.exists() else set()
-    known = dependencies(build)
+    entries = [entry for entry in json.loads((build / "compile_commands.json").read_text())
+               if is_tidied(pathlib.Path(entry["file"]), for_windows=bool(arguments))]
     todo = []
     still_clean = set() if changed is None else set(clean)
-    for entry in json.loads((build / "compile_commands.json").read_text()):
-        source = pathlib.Path(entry["file"])
-        if not is_tidied(source, for_windows=bool(arguments)):
-            continue
-        headers = known.get(entry.get("output", ""), [])
-        if changed is not None and changed.isdisjoint({str(source), *headers}):
-            continue
-        mark = fingerprint(source, headers)
-        (still_clean.add(mark) if mark in clean else todo.append((source, mark)))
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        for entry, names in zip(entries, pool.map(read_files, entries)):
+            if changed is not None and changed.isdisjoint(names):
+                continue
+            mark = fingerprint(names)
+            (still_clean.add(mark) if mark in clean else todo.append((entry["file"], mark)))
     failed = False
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         for (source, mark), (good, text) in zip(todo, pool.map(lambda item: tidy(build, arguments, item[0]), todo)):

@@ -13,8 +13,8 @@ namespace veltrano {
 namespace {
 
 /// Names the member in the trace.
-struct Member : TracedMember {
-  explicit Member(const char* name) : TracedMember("VeltranoINI", name) {}
+struct IniMember : TracedMember {
+  explicit IniMember(const char* name) : TracedMember("VeltranoINI", name) {}
 };
 
 std::u16string keyLine(std::u16string_view key, std::u16string_view value) {
@@ -35,7 +35,7 @@ void writeText(const std::filesystem::path& file, std::string_view text) {
 
 std::u16string VeltranoINI::GetIniValue(const std::filesystem::path& filename, std::u16string_view Key,
                                         std::u16string_view Default) {
-  const Member member("GetIniValue");
+  const IniMember member("GetIniValue");
   // Bytes, not converted text: only the one value need be converted.
   const std::string text = readWholeFile(filename).value_or(std::string());
   const auto line = findLine(std::string_view(text), IniKey(Key));
@@ -45,7 +45,7 @@ std::u16string VeltranoINI::GetIniValue(const std::filesystem::path& filename, s
 
 void VeltranoINI::SetIniValue(const std::filesystem::path& filename, std::u16string_view Key,
                               std::u16string_view Value) {
-  const Member member("SetIniValue");
+  const IniMember member("SetIniValue");
   const auto text = readWholeFile(filename);
   std::error_code ignored;
   if (!text && std::filesystem::exists(filename, ignored)) {
@@ -70,12 +70,12 @@ std::u16string VeltranoINI::GetValue(std::u16string_view xFileBuffer, std::u16st
 }
 
 std::u16string VeltranoINI::OpenFile(const std::filesystem::path& xFilename) {
-  const Member member("OpenFile");
+  const IniMember member("OpenFile");
   return ansiToUtf16(readWholeFile(xFilename).value_or(std::string()));
 }
 
 void VeltranoINI::CloseFile(const std::filesystem::path& filename, std::u16string_view xText) {
-  const Member member("CloseFile");
+  const IniMember member("CloseFile");
   writeText(filename, utf16ToAnsi(xText));
 }
 

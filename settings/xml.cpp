@@ -9,8 +9,8 @@ namespace veltrano {
 namespace {
 
 /// Names the member in the trace.
-struct Member : TracedMember {
-  explicit Member(const char* name) : TracedMember("VeltranoXML", name) {}
+struct XmlMember : TracedMember {
+  explicit XmlMember(const char* name) : TracedMember("VeltranoXML", name) {}
 };
 
 SettingNames unallocatedArray() {
@@ -57,21 +57,21 @@ VeltranoXML& VeltranoXML::operator=(VeltranoXML&&) noexcept = default;
 VeltranoXML::~VeltranoXML() = default;
 
 void VeltranoXML::XML_Open(const std::filesystem::path& xFilename) {
-  const Member member("XML_Open");
+  const XmlMember member("XML_Open");
   impl_->fileName = xFilename;
   // A later success does not reset the flag: only a saved setting does.
   impl_->loadFailed |= impl_->document.load(xFilename) == SettingsDocument::LoadResult::outOfMemory;
 }
 
 void VeltranoXML::XML_Save() {
-  const Member member("XML_Save");
+  const XmlMember member("XML_Save");
   if (impl_->fileName.empty() || !impl_->document.save(impl_->fileName)) {
     trace("Nothing is saved to ", impl_->fileName, ".");
   }
 }
 
 void VeltranoXML::XML_SaveSetting(std::string_view Folder, std::string_view Key, std::string_view Value) {
-  const Member member("XML_SaveSetting");
+  const XmlMember member("XML_SaveSetting");
   impl_->loadFailed = false;
   pugi::xml_node root = impl_->document.root();
   const pugi::xpath_node folder = impl_->folder(Folder);
@@ -102,27 +102,27 @@ void VeltranoXML::XML_SaveSetting(std::string_view Folder, std::string_view Key,
 
 std::string VeltranoXML::XML_GetSetting(std::string_view Folder, std::string_view Key,
                                         std::string_view Default) {
-  const Member member("XML_GetSetting");
+  const XmlMember member("XML_GetSetting");
   const pugi::xpath_node key =
       impl_->loadFailed ? pugi::xpath_node() : impl_->key(impl_->folder(Folder), Key);
   return key ? textOf(key) : std::string(Default);
 }
 
 SettingNames VeltranoXML::XML_EnumFolders() {
-  const Member member("XML_EnumFolders");
+  const XmlMember member("XML_EnumFolders");
   const pugi::xml_node root = impl_->document.root();
   return impl_->loadFailed || !root ? unallocatedArray() : namesOfChildren(root);
 }
 
 SettingNames VeltranoXML::XML_EnumKeys(std::string_view Folder) {
-  const Member member("XML_EnumKeys");
+  const XmlMember member("XML_EnumKeys");
   const pugi::xpath_node folder = impl_->loadFailed ? pugi::xpath_node() : impl_->folder(Folder);
   return folder ? namesOfChildren(folder.node()) : unallocatedArray();
 }
 
 void VeltranoXML::XML_DeleteSetting(const std::filesystem::path& /*xFilename*/, std::string_view Folder,
                                     std::string_view Key) {
-  const Member member("XML_DeleteSetting");
+  const XmlMember member("XML_DeleteSetting");
   const pugi::xml_node root = impl_->document.root();
   if (impl_->loadFailed || !root) {
     return;

@@ -11,9 +11,9 @@ namespace {
 // Scale and product are both rounded to single precision: for some sizes that moves a sample to the next
 // pixel, and the pixels are part of the contract. Double arithmetic in between is exact enough not to change
 // the rounding.
-class Axis {
+class SampledAxis {
  public:
-  Axis(std::int32_t sourceSize, std::int32_t newSize)
+  SampledAxis(std::int32_t sourceSize, std::int32_t newSize)
       : last_(sourceSize - 1), scale_(static_cast<float>(static_cast<double>(last_) / newSize)) {}
 
   [[nodiscard]] std::int32_t at(std::int32_t i) const {
@@ -44,8 +44,8 @@ void sampleRow(std::uint8_t* target, const std::uint8_t* source, const std::vect
 }  // namespace
 
 void samplePoints(const PixelSurface& target, const PixelSurface& source) {
-  const Axis columns(source.width, target.width);
-  const Axis rows(source.height, target.height);
+  const SampledAxis columns(source.width, target.width);
+  const SampledAxis rows(source.height, target.height);
 
   std::vector<std::uint32_t> offsets(static_cast<std::size_t>(target.width));
   for (std::int32_t x = 0; x < target.width; ++x) {

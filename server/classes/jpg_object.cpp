@@ -8,8 +8,8 @@ namespace veltrano::server {
 namespace {
 
 // JPEG bytes are one character a byte, by the ANSI conversion.
-void answer(BSTR* result, const std::string& bytes) {
-  server::answer(result, bytes, TextForm::ansi);
+void answerBytes(BSTR* result, const std::string& bytes) {
+  answer(result, bytes, TextForm::ansi);
 }
 
 std::uintptr_t address(const AddressNumber* value) {
@@ -48,8 +48,8 @@ STDMETHODIMP JpgObject::SaveJPEG(IPictureDisp** ImageToSave, BSTR* xFilename, lo
 STDMETHODIMP JpgObject::SaveJPEGToMemory(IPictureDisp** ImageToSave, long* JPEGQuality, long* FixWidth,
                                          long* FixHeight, BSTR* result) {
   return run("SaveJPEGToMemory", result, [&] {
-    answer(result, jpg_.SaveJPEGToMemory(picture(ImageToSave), quality(JPEGQuality), number(FixWidth),
-                                         number(FixHeight)));
+    answerBytes(result, jpg_.SaveJPEGToMemory(picture(ImageToSave), quality(JPEGQuality), number(FixWidth),
+                                              number(FixHeight)));
   });
 }
 
@@ -83,16 +83,16 @@ STDMETHODIMP JpgObject::LoadJPEGFromRAM2PictureXY(AddressNumber* Dest_hDC, Addre
 STDMETHODIMP JpgObject::SaveJPEGFromRAMToMemoryResampled(BSTR* ImageToSave, long* JPEGQuality, long* FixWidth,
                                                          long* FixHeight, BSTR* result) {
   return run("SaveJPEGFromRAMToMemoryResampled", result, [&] {
-    answer(result, jpg_.SaveJPEGFromRAMToMemoryResampled(ansi(ImageToSave), quality(JPEGQuality),
-                                                         number(FixWidth), number(FixHeight)));
+    answerBytes(result, jpg_.SaveJPEGFromRAMToMemoryResampled(ansi(ImageToSave), quality(JPEGQuality),
+                                                              number(FixWidth), number(FixHeight)));
   });
 }
 
 STDMETHODIMP JpgObject::SaveJPEGToMemoryResampled(BSTR* ImageToSave, long* JPEGQuality, long* FixWidth,
                                                   long* FixHeight, BSTR* result) {
   return run("SaveJPEGToMemoryResampled", result, [&] {
-    answer(result, jpg_.SaveJPEGToMemoryResampled(path(ImageToSave), quality(JPEGQuality), number(FixWidth),
-                                                  number(FixHeight)));
+    answerBytes(result, jpg_.SaveJPEGToMemoryResampled(path(ImageToSave), quality(JPEGQuality),
+                                                       number(FixWidth), number(FixHeight)));
   });
 }
 
@@ -101,7 +101,7 @@ STDMETHODIMP JpgObject::SaveJPEGResampled(BSTR* ImageToSave, BSTR* TargetFile, l
   return run("SaveJPEGResampled", result, [&] {
     jpg_.SaveJPEGResampled(path(ImageToSave), path(TargetFile), quality(JPEGQuality), number(FixWidth),
                            number(FixHeight));
-    server::answer(result, Value(), TextForm::ansi);
+    answer(result, Value(), TextForm::ansi);
   });
 }
 

@@ -6,11 +6,6 @@ namespace veltrano::server {
 
 namespace {
 
-// The texts of this class end in an ANSI file.
-void answer(BSTR* result, const std::string& text) {
-  server::answer(result, text, TextForm::ansi);
-}
-
 constexpr const char* defaultVisibility = "0";
 constexpr const char* defaultShape = "rectangle";
 
@@ -76,8 +71,9 @@ STDMETHODIMP KmlObject::CreatePathPoint(double* X, double* y, double* Altitude) 
 }
 
 STDMETHODIMP KmlObject::CreatePathString(double* X, double* y, double* Altitude, BSTR* result) {
-  return run("CreatePathString", result,
-             [&] { answer(result, kml_.CreatePathString(number(X), number(y), number(Altitude))); });
+  return run("CreatePathString", result, [&] {
+    answer(result, kml_.CreatePathString(number(X), number(y), number(Altitude)), TextForm::ansi);
+  });
 }
 
 STDMETHODIMP KmlObject::CloseKML() {

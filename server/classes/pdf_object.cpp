@@ -24,16 +24,16 @@ Value::List list(SAFEARRAY* const* array) {
 }
 
 constexpr const wchar_t* link = L"URLLink";
-const KeptKind kept[] = {{L"PDFSetZoomMode", L""},
-                         {L"PDFDrawRectangle", link},
-                         {L"PDFDrawEllipse", link},
-                         {L"PDFCell", link},
-                         {L"PDFImage", link}};
+const KeptKind keptParameters[] = {{L"PDFSetZoomMode", L""},
+                                   {L"PDFDrawRectangle", link},
+                                   {L"PDFDrawEllipse", link},
+                                   {L"PDFCell", link},
+                                   {L"PDFImage", link}};
 
 }  // namespace
 
 std::span<const KeptKind> PdfObject::keptKinds() {
-  return kept;
+  return keptParameters;
 }
 
 PdfObject::PdfObject(const ClassEntry& entry)

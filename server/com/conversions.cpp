@@ -15,7 +15,7 @@ namespace veltrano::server {
 namespace {
 
 /// Deeper nesting than any list has; a variant that refers to itself ends here.
-constexpr int deepest = 32;
+constexpr int deepestList = 32;
 /// Objects that one value may open: a list object may contain itself many times over.
 constexpr int mostObjects = 2000;
 
@@ -186,7 +186,7 @@ Value objectAt(IUnknown* object, Reading& how, int depth) {
 }
 
 Value valueAt(const VARIANT& variant, Reading& how, int depth) {
-  if (depth > deepest) {
+  if (depth > deepestList) {
     return Opaque{};
   }
   const bool reference = (variant.vt & VT_BYREF) != 0;

@@ -8,9 +8,9 @@ namespace veltrano::access {
 
 namespace {
 
-class Checker {
+class IndexChecker {
  public:
-  Checker(Pager& pager, PageNumber table, const Index& index, std::vector<OwnedEntry>& entries)
+  IndexChecker(Pager& pager, PageNumber table, const Index& index, std::vector<OwnedEntry>& entries)
       : pager_(pager), tree_(pager, table, index), owned_(pager, index.ownedPages), entries_(entries) {}
 
   std::string run() {
@@ -145,7 +145,7 @@ class Checker {
 
 std::string checkIndex(Pager& pager, PageNumber table, const Index& index, std::vector<OwnedEntry>& entries) {
   entries.clear();
-  return Checker(pager, table, index, entries).run();
+  return IndexChecker(pager, table, index, entries).run();
 }
 
 }  // namespace veltrano::access

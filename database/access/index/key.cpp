@@ -26,7 +26,7 @@ namespace {
 
 using Key = std::vector<std::uint8_t>;
 
-constexpr std::size_t blockSize = 8;
+constexpr std::size_t binaryBlock = 8;
 constexpr std::uint8_t blockContinues = 0x09;
 
 /// Big-endian from little-endian, each byte XORed with `mask`, the first one with `firstMask`.
@@ -60,11 +60,11 @@ void appendFloat(Key& key, Bytes value, bool ascending) {
 void appendBlocks(Key& key, Bytes value, bool ascending) {
   const std::uint8_t mask = ascending ? 0x00 : 0xFF;
   while (!value.empty()) {
-    const Bytes block = value.first(std::min(blockSize, value.size()));
+    const Bytes block = value.first(std::min(binaryBlock, value.size()));
     for (const std::uint8_t byte : block) {
       key.push_back(byte ^ mask);
     }
-    key.insert(key.end(), blockSize - block.size(), mask);
+    key.insert(key.end(), binaryBlock - block.size(), mask);
     value = value.subspan(block.size());
     key.push_back(value.empty() ? static_cast<std::uint8_t>(block.size() ^ mask) : blockContinues);
   }

@@ -89,6 +89,10 @@ std::optional<Bytes> readLongValue(Pager& pager, Bytes cell, std::vector<std::ui
   return buffer;
 }
 
+bool liesInRow(Bytes cell) {
+  return cell.size() > longValueHead && (load32(cell.data()) & kindMask) == kindInline;
+}
+
 void makeInlineCell(Bytes value, std::vector<std::uint8_t>& cell) {
   cell.assign(longValueHead, 0);
   store32(cell.data(), static_cast<std::uint32_t>(value.size()) | kindInline);

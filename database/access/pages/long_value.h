@@ -20,6 +20,8 @@ inline constexpr std::size_t longValueHead = 12;
 /// Values up to this length may lie in the row.
 inline constexpr std::size_t mostInlineBytes = 64;
 
+/// Of a cell: the value follows in the row instead of lying on other pages.
+bool liesInRow(Bytes cell);
 /// Makes the cell of a value that lies in the row.
 void makeInlineCell(Bytes value, std::vector<std::uint8_t>& cell);
 /// Stores a value in the column's pages and makes the cell that points to it. In a transaction; false: roll

@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t littleRoom = 256;
 
 // Pages of the map that are searched before the owner gets a new one.
-constexpr int mostLooks = 32;
+constexpr int mostPagesSearched = 32;
 
 }  // namespace
 
@@ -63,7 +63,7 @@ std::optional<PageNumber> RowSpace::knownPage(std::size_t size) {
 
 std::optional<PageNumber> RowSpace::searchPage(std::size_t size) {
   RoomHints& known = hints();
-  for (int i = 0; i < mostLooks && known.searchBelow != 0; ++i) {
+  for (int i = 0; i < mostPagesSearched && known.searchBelow != 0; ++i) {
     const auto page = UsageMap(*pager_, freePages_).previous(known.searchBelow - 1);
     known.searchBelow = page.value_or(0);
     if (!page) {

@@ -28,13 +28,6 @@ constexpr std::size_t rowsAt = 16;  // in the definition's first page
 constexpr std::size_t autoNumberAt = 20;
 constexpr std::size_t pointerRowSize = 4;
 
-// Of a long value's cell: the value follows in the row instead of lying on other pages.
-bool liesInRow(Bytes cell) {
-  constexpr std::uint32_t kindMask = 0xC0000000;
-  constexpr std::uint32_t kindInline = 0x80000000;
-  return cell.size() > longValueHead && (load32(cell.data()) & kindMask) == kindInline;
-}
-
 bool holdsData(const Column& column) {
   return column.type != ColumnType::complex && !column.calculated;
 }

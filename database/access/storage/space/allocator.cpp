@@ -13,7 +13,7 @@ namespace veltrano::access {
 namespace {
 
 // Free pages that one allocation looks at before it makes the file longer.
-constexpr int mostLooks = 16;
+constexpr int mostFreePagesSeen = 16;
 
 // Gives the global map, a reference, a bitmap page for `page` if it has none: what is inside the file counts as
 // used, what comes after it as free. The bitmap page is itself one of the file.
@@ -96,7 +96,7 @@ std::optional<PageNumber> reusablePage(Pager& pager) {
       return page;
     }
   }
-  for (int i = 0; i < mostLooks; ++i) {
+  for (int i = 0; i < mostFreePagesSeen; ++i) {
     const auto page = UsageMap(pager, globalMap).next(hints.searchFrom);
     if (!page || *page >= pager.pageCount()) {
       break;
