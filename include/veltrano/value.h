@@ -5,9 +5,12 @@
 
 #include <array>
 #include <compare>
+#include <concepts>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -55,6 +58,16 @@ class VELTRANO_API Value {
   Value(bool flag) : data_(flag) {}
   Value(int number) : data_(std::int64_t{number}) {}
   Value(std::int64_t number) : data_(number) {}
+  /// A whole number of another width. One above 2^63 - 1 is kept as a decimal, so it is exact, too.
+  template <std::integral T>
+  Value(T number) : data_(static_cast<std::int64_t>(number)) {
+    if constexpr (std::unsigned_integral<T> && sizeof(T) == sizeof(std::uint64_t)) {
+      if (number > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) {
+        data_ = Decimal{
+            .magnitude = {static_cast<std::uint32_t>(number), static_cast<std::uint32_t>(number >> 32)}};
+      }
+    }
+  }
   Value(double number) : data_(number) {}
   /// Keeps its precision: as text it has at most 7 significant digits.
   Value(float number) : data_(number) {}
@@ -64,6 +77,7 @@ class VELTRANO_API Value {
   /// In the encoding of the class that takes it: ANSI for VeltranoPDF and VeltranoKML, UTF-8 for the settings
   /// and database classes (veltrano/text.h converts).
   Value(std::string text) : data_(std::move(text)) {}
+  Value(std::string_view text) : data_(std::string(text)) {}
   Value(const char* text) : data_(std::string(text)) {}
   /// A list of values of any kind (a variant array).
   Value(List list) : data_(std::move(list)) {}
