@@ -174,10 +174,8 @@ TEST_F(Fonts, Measuring) {
 }
 
 TEST_F(Fonts, LoadingAFolder) {
-  for (const char* name :
-       {"Zebra.afm", "Alpha.AFM", "notes.txt", "Middle.afm.bak", "Zebra #2 (1)[{%}].afm"}) {
+  for (const char* name : {"Zebra.afm", "Alpha.AFM", "notes.txt", "Middle.afm.bak", "Zebra #2 (1)[{%}].afm"})
     replaceFile(folder / name, afmWithWidth(100));
-  }
   pdf.PDFSetFont(FONT_COURIER, 9);
   pdf.PDFLoadAfm(folder / "missing");
   EXPECT_DOUBLE_EQ(pdf.PDFGetStringWidth("A", "Courier", 10), 6) << "the previous folder stays";

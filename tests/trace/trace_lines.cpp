@@ -42,9 +42,7 @@ std::vector<std::string> newTraceLines() {
   static const std::regex form(
       R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} \d+/\d+ [^ ]*trace_test[^ ]* ([A-Za-z_.]+: [^\r\n]*)\r?)");
   std::vector<std::string> lines;
-  if (!std::filesystem::exists(file)) {
-    return lines;
-  }
+  if (!std::filesystem::exists(file)) return lines;
   std::istringstream text(readWholeFile(file).value_or(""));
   std::filesystem::remove(file);
   for (std::string line; std::getline(text, line);) {

@@ -8,8 +8,8 @@
 #include "base/files/whole.h"
 #include "base/text/code_page.h"
 #include "database/access/authoring/create_database.h"
+#include "tests/short_memory.h"
 #include "tests/temporary_folder.h"
-#include "tests/trace/short_memory.h"
 #include "tests/trace/trace_lines.h"
 #include "veltrano/mdb.h"
 
@@ -68,19 +68,13 @@ TEST(Trace, LinesOfSeveralWritersNeverMix) {
   std::vector<std::thread> writers;
   for (char c = 'a'; c < 'e'; ++c) {
     writers.emplace_back([c] {
-      for (int i = 0; i < 200; ++i) {
-        trace(std::string(300, c));
-      }
+      for (int i = 0; i < 200; ++i) trace(std::string(300, c));
     });
   }
-  for (auto& writer : writers) {
-    writer.join();
-  }
+  for (auto& writer : writers) writer.join();
   const auto lines = newTraceLines();
   EXPECT_EQ(lines.size(), 800U);
-  for (const auto& line : lines) {
-    EXPECT_EQ(line, "VeltranoFrameWorkDLL: " + std::string(300, line.back()));
-  }
+  for (const auto& line : lines) EXPECT_EQ(line, "VeltranoFrameWorkDLL: " + std::string(300, line.back()));
 }
 
 TEST(Trace, SaysWhichCharactersAreLost) {
@@ -93,12 +87,12 @@ TEST(Trace, SaysWhichCharactersAreLost) {
 
 TEST(Trace, AShortMemoryLosesTheLineAndNotTheCall) {
   const std::string longName(100, 'n');
-  tests::memoryIsShort = true;
+  tests::largestBlock = 0;
   {
     const TracedMember member("VeltranoMDB", "AMemberOfALongName");
     trace("There is no table \"", longName, "\".");
   }
-  tests::memoryIsShort = false;
+  tests::largestBlock = tests::memoryEnough;
   trace("after");
   EXPECT_EQ(newTraceLines(), (Lines{"VeltranoFrameWorkDLL: after"}));
 }
