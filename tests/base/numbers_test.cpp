@@ -22,8 +22,8 @@ double numberOf(const std::string& text) {
 }
 
 TEST(PdfNumber, RoundsHalvesAwayFromZeroOnTheDecimalDigits) {
-  // A number, its decimals and its text. 1.005 and 2.675 lie below their decimal text in binary; the decimal digits must
-  // decide.
+  // A number, its decimals and its text. 1.005 and 2.675 lie below their decimal text in binary; the decimal
+  // digits must decide.
   for (const auto& row :
        tests::table("1234.5 2 1234.50; 0 2 0.00; -0.0 2 0.00; -0.004 2 0.00; 1.005 2 1.01; 2.675 2 2.68;"
                     "-1.005 2 -1.01; 0.125 2 0.13; 0.135 2 0.14; -0.005 2 -0.01; 0.0049999 2 0.00;"
@@ -51,7 +51,7 @@ TEST(PdfNumber, AgreesWithFifteenDigitsEverywhere) {
   for (int i = 0; i < 200000; ++i) {
     double value = spread(random);
     if (i % 2 == 0) value = std::round(value * 1000) / 1000;  // many of these are ties at two decimals
-    // The 15 digits decide with the digit after the hundredths, which are counted as an integer then.
+    // Rounds up if the digit after the hundredths is at least 5.
     const std::string text = printed("%.10f", std::fabs(numberOf(printed("%.15g", value))));
     const std::size_t point = text.find('.');
     const long long hundredths =

@@ -13,8 +13,8 @@
 namespace veltrano {
 namespace {
 
-/// What a program has a file open for, what it lets others do, and whether the file is replaced and emptied then.
-constexpr std::tuple<const char*, DWORD, DWORD, bool, bool> cases[] = {
+/// What a program has a file open for, what it shares, and whether the file can be replaced and emptied.
+constexpr std::tuple<const char*, DWORD, DWORD, bool, bool> openings[] = {
     {"a reader", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, true, true},
     {"a reader that allows anything", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
      true, true},
@@ -23,7 +23,7 @@ constexpr std::tuple<const char*, DWORD, DWORD, bool, bool> cases[] = {
     {"one that wants it for itself", GENERIC_READ, 0, false, false}};
 
 TEST(SharedFiles, AreReplacedUnlessTheOtherForbidsIt) {
-  for (const auto& [label, access, share, replaced, emptied] : cases) {
+  for (const auto& [label, access, share, replaced, emptied] : openings) {
     const tests::TemporaryFolder folder;
     for (const bool asOutput : {false, true}) {
       const auto file = folder / (asOutput ? "output" : "replaced");

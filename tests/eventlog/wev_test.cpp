@@ -24,8 +24,8 @@ class RecordingSink final : public EventSink {
   std::string& calls_;
 };
 
-// The type goes on as it stands, where it has 16 bits. The test program has no product name, so its file name stands for
-// the source.
+// The type goes on as it stands if it fits 16 bits. The test program has no product name, so its file name stands
+// for the source.
 TEST(EventLog, WritesOneEntryACall) {
   const std::tuple<const char*, std::int32_t, std::int32_t, const char*, const char*> rows[] = {
       {"Disk full", 1, 1234, "Backup", "open Backup, report 1 1234 'Disk full', close"},

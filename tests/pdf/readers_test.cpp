@@ -60,19 +60,6 @@ TEST_F(Readers, PaintEveryLineWholeHoweverCloseTheLinesAre) {
   EXPECT_EQ(drawn(true), ink) << "no fill hides any of the ink";
 }
 
-TEST_F(Readers, PaintTheFillOfACellAndItsBorder) {
-  // A box is stroked with the line that was stroked last: 4 points wide.
-  pdf.PDFSetLineWidth(4);
-  pdf.PDFDrawLine(500, 500, 510, 500);
-  pdf.PDFSetFill(true);
-  pdf.PDFSetDrawColor("#FFFF00");
-  pdf.PDFSetBorder(BORDER_ALL);
-  pdf.PDFCell("gjpq\r\ngjpq\r\ngjpq", 100, 100, 100, 60);
-  finish();
-  EXPECT_EQ(inkIn("104x64+98+98"), 104 * 64);
-  EXPECT_EQ(inkIn("124x84+88+88"), 104 * 64) << "nothing beside it";
-}
-
 TEST_F(Readers, PaintPhotosOfARealEncoder) {
   constexpr std::pair<const char*, const char*> encodings[] = {
       {"", "RGB"}, {"-interlace JPEG", "RGB"}, {"-colorspace Gray", "Gray"}, {"-colorspace CMYK", "CMYK"}};

@@ -31,8 +31,8 @@ using Lines = std::vector<std::string>;
 TEST(Trace, BeginsWithWhatRunsWhere) {
   trace("A sentence.");
   EXPECT_EQ(newTraceLines(), (Lines{"VeltranoFrameWorkDLL: A sentence."}));
-  EXPECT_TRUE(tests::traceIntroduction().starts_with("VeltranoFrameWorkDLL: Version 1.0.0, "))
-      << tests::traceIntroduction();
+  EXPECT_TRUE(tests::traceIntroduction.starts_with("VeltranoFrameWorkDLL: Version 1.0.0, "))
+      << tests::traceIntroduction;
 }
 
 TEST(Trace, NamesTheInnermostMember) {
@@ -111,22 +111,22 @@ TEST(Trace, OutlivesTheGlobalObjectsOfTheHost) {
 
 #ifndef _WIN32
 TEST(Trace, DoesNotWaitForThePipeItIsSentTo) {
-  const int pipe = ::mkfifo(tests::traceFile().c_str(), 0600);
+  const int pipe = ::mkfifo(tests::traceFile.c_str(), 0600);
   ASSERT_EQ(pipe, 0);
-  const int reader = ::open(tests::traceFile().c_str(), O_RDONLY | O_NONBLOCK);
+  const int reader = ::open(tests::traceFile.c_str(), O_RDONLY | O_NONBLOCK);
   for (int i = 0; i < 1000; ++i) {
     trace(std::string(1000, 'x'));  // more than a pipe holds
   }
   ::close(reader);
   trace("Nobody reads this either.");
-  EXPECT_TRUE(std::filesystem::remove(tests::traceFile()));
+  EXPECT_TRUE(std::filesystem::remove(tests::traceFile));
 }
 #endif
 
 TEST(Trace, AnUnwritableFileIsNoErrorForTheHost) {
-  std::filesystem::create_directory(tests::traceFile());
+  std::filesystem::create_directory(tests::traceFile);
   trace("lost");
-  EXPECT_TRUE(std::filesystem::remove(tests::traceFile()));
+  EXPECT_TRUE(std::filesystem::remove(tests::traceFile));
 }
 
 }  // namespace
