@@ -125,7 +125,7 @@ TEST_F(Registered, LeavesNothingBehindAndMovesWithItsFolder) {
   ASSERT_EQ(S_OK, dll_.call("DllRegisterServer"));
   ASSERT_EQ(S_OK, there.call("DllRegisterServer"));
   EXPECT_EQ(copy.wstring(), registeredAt(L"CLSID", CLSID_VeltranoPDF, L"InprocServer32"));
-  // Events are carried to other apartments as plain dispatch. A test below shows the same of the classes.
+  // Events are carried to other apartments as plain dispatch; a test below calls a class from one.
   EXPECT_EQ(L"{00020420-0000-0000-C000-000000000046}",
             registeredAt(L"Interface", DIID___VeltranoPDF, L"ProxyStubClsid32"));
   createAll(L"");
