@@ -8,18 +8,18 @@
 #include "base/os/clock.h"
 #include "tests/temporary_folder.h"
 #include "veltrano/installed.h"
+#include "veltrano/version.h"
 
 namespace veltrano {
 namespace {
 
 using tests::TemporaryFolder;
 
-TEST(Host, NamesThisProgram) {
-  EXPECT_EQ(hostApplicationName(), "base_test");
-  const auto files = listFiles(libraryFolder());
-  ASSERT_TRUE(files);
-  EXPECT_NE(
-      std::count_if(files->begin(), files->end(), [](const auto& f) { return f.stem() == "base_test"; }), 0);
+TEST(Version, IsTheProjects) {
+  EXPECT_STREQ(versionText, VELTRANO_PROJECT_VERSION);
+  const std::string parts =
+      std::to_string(versionMajor) + "." + std::to_string(versionMinor) + "." + std::to_string(versionPatch);
+  EXPECT_EQ(parts, VELTRANO_PROJECT_VERSION);
 }
 
 TEST(Host, FindsMetricsOfAnInstallationWhereNoneLieBesideTheProgram) {

@@ -5,8 +5,11 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <limits>
 #include <random>
+
+#include "tests/split.h"
 
 namespace veltrano {
 namespace {
@@ -14,46 +17,31 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 
+double numberOf(const std::string& text) {
+  return std::strtod(text.c_str(), nullptr);
+}
+
 TEST(PdfNumber, RoundsHalvesAwayFromZeroOnTheDecimalDigits) {
-  struct Case {
-    double value;
-    int decimals;
-    const char* text;
-  };
-  // 1.005 and 2.675 lie below their decimal text in binary; the decimal digits must decide.
-  const Case cases[] = {
-      {1234.5, 2, "1234.50"},
-      {0, 2, "0.00"},
-      {-0.0, 2, "0.00"},
-      {-0.004, 2, "0.00"},
-      {1.005, 2, "1.01"},
-      {2.675, 2, "2.68"},
-      {-1.005, 2, "-1.01"},
-      {0.125, 2, "0.13"},
-      {0.135, 2, "0.14"},
-      {-0.005, 2, "-0.01"},
-      {0.0049999, 2, "0.00"},
-      {999.995, 2, "1000.00"},
-      {0.5, 0, "1."},
-      {12, 0, "12."},
-      {128.0 / 255, 3, "0.502"},
-      {1, 3, "1.000"},
-      {841.89, 2, "841.89"},
-      {1e9, 2, "1000000000.00"},
-      {1e20, 2, "100000000000000000000.00"},
-      {123456789012.345, 2, "123456789012.35"},
-      {1e-300, 2, "0.00"},
-      {0.1 + 0.2, 15, "0.300000000000000"},
-      {9999999.995, 2, "10000000.00"},
-      {10000000.005, 2, "10000000.01"},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(formatPdfNumber(c.value, c.decimals).view(), c.text) << c.value;
-  }
-  for (const double value : {infinity, -infinity, notANumber}) {
+  // A number, its decimals and its text. 1.005 and 2.675 lie below their decimal text in binary; the decimal
+  // digits must decide.
+  for (const auto& row :
+       tests::table("1234.5 2 1234.50; 0 2 0.00; -0.0 2 0.00; -0.004 2 0.00; 1.005 2 1.01; 2.675 2 2.68;"
+                    "-1.005 2 -1.01; 0.125 2 0.13; 0.135 2 0.14; -0.005 2 -0.01; 0.0049999 2 0.00;"
+                    "999.995 2 1000.00; 0.5 0 1.; 12 0 12.; 0.50196078431372548 3 0.502; 1 3 1.000;"
+                    "841.89 2 841.89; 1e9 2 1000000000.00; 1e20 2 100000000000000000000.00;"
+                    "123456789012.345 2 123456789012.35; 1e-300 2 0.00;"
+                    "0.30000000000000004 15 0.300000000000000; 9999999.995 2 10000000.00;"
+                    "10000000.005 2 10000000.01"))
+    EXPECT_EQ(formatPdfNumber(numberOf(row[0]), std::stoi(row[1])).view(), row[2]) << row[0];
+  for (const double value : {infinity, -infinity, notANumber})
     EXPECT_TRUE(formatPdfNumber(value, 2).view().empty());
-  }
   EXPECT_EQ(formatPdfNumber(-std::numeric_limits<double>::max(), 15).view().size(), 1U + 309 + 1 + 15);
+}
+
+std::string printed(const char* format, double value) {
+  std::array<char, 64> text;
+  std::snprintf(text.data(), text.size(), format, value);
+  return text.data();
 }
 
 // The quick path must never differ from rounding the 15 significant digits, which printf gives independently.
@@ -62,57 +50,28 @@ TEST(PdfNumber, AgreesWithFifteenDigitsEverywhere) {
   std::uniform_real_distribution<double> spread(-2000, 2000);
   for (int i = 0; i < 200000; ++i) {
     double value = spread(random);
-    if (i % 2 == 0) {
-      value = std::round(value * 1000) / 1000;  // many of these are ties at two decimals
-    }
-    std::array<char, 64> digits;
-    std::snprintf(digits.data(), digits.size(), "%.10f", std::stod([&] {
-                    std::array<char, 64> fifteen;
-                    std::snprintf(fifteen.data(), fifteen.size(), "%.15g", value);
-                    return std::string(fifteen.data());
-                  }()));
-    const std::string text(digits.data());
+    if (i % 2 == 0) value = std::round(value * 1000) / 1000;  // many of these are ties at two decimals
+    // Rounds up if the digit after the hundredths is at least 5.
+    const std::string text = printed("%.10f", std::fabs(numberOf(printed("%.15g", value))));
     const std::size_t point = text.find('.');
-    const bool up = text[point + 3] >= '5';
-    long long hundredths = std::stoll(text.substr(text[0] == '-' ? 1 : 0, point - (text[0] == '-' ? 1 : 0)) +
-                                      text.substr(point + 1, 2)) +
-                           (up ? 1 : 0);
-    std::snprintf(digits.data(), digits.size(), "%s%lld.%02lld", value < 0 && hundredths != 0 ? "-" : "",
-                  hundredths / 100, hundredths % 100);
-    ASSERT_EQ(formatPdfNumber(value, 2).view(), digits.data()) << value;
+    const long long hundredths =
+        std::stoll(text.substr(0, point) + text.substr(point + 1, 2)) + (text[point + 3] >= '5' ? 1 : 0);
+    const std::string whole =
+        std::to_string(hundredths / 100) + "." + std::to_string(100 + hundredths % 100).substr(1);
+    ASSERT_EQ(formatPdfNumber(value, 2).view(), (value < 0 && hundredths != 0 ? "-" : "") + whole) << value;
   }
 }
 
 TEST(GeneralNumber, FollowsTheRuntimesText) {
-  struct Case {
-    double value;
-    const char* text;
-  };
-  const Case cases[] = {
-      {0, "0"},
-      {-0.0, "0"},
-      {51.5, "51.5"},
-      {0.1 + 0.2, "0.3"},
-      {0.00001, "1E-05"},
-      {0.0001, "0.0001"},
-      {0.00012, "0.00012"},
-      {-0.000012, "-1.2E-05"},
-      {1e15, "1E+15"},
-      {999999999999999, "999999999999999"},
-      {1.5e100, "1.5E+100"},
-      {123456.789, "123456.789"},
-      {-2.2945, "-2.2945"},
-      {1.0 / 3, "0.333333333333333"},
-      {100, "100"},
-      {0.5, "0.5"},
-      {999999999999999.9, "1E+15"},
-      {5e-324, "4.94065645841247E-324"},
-      {1e-310, "9.99999999999997E-311"},
-      {2.2250738585072014e-308, "2.2250738585072E-308"},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(generalNumberText(c.value).view(), c.text);
-  }
+  for (const auto& row : tests::table(
+           "0 0; -0.0 0; 51.5 51.5; 0.30000000000000004 0.3; 0.00001 1E-05; 0.0001 0.0001; 0.00012 0.00012;"
+           "-0.000012 -1.2E-05; 1e15 1E+15; 999999999999999 999999999999999; 1.5e100 1.5E+100; 123456.789 "
+           "123456.789;"
+           "-2.2945 -2.2945; 0.33333333333333331 0.333333333333333; 100 100; 0.5 0.5; 999999999999999.9 "
+           "1E+15;"
+           "5e-324 4.94065645841247E-324; 1e-310 9.99999999999997E-311; 2.2250738585072014e-308 "
+           "2.2250738585072E-308"))
+    EXPECT_EQ(generalNumberText(numberOf(row[0])).view(), row[1]);
   EXPECT_TRUE(generalNumberText(notANumber).view().empty());
 }
 
@@ -126,43 +85,31 @@ TEST(GeneralNumber, AgreesWithFifteenDigitsEverywhere) {
       const double unit = std::pow(10, i % 10);
       value = std::round(value * unit) / unit;
     }
-    if (std::fabs(value) < 0.0001) {
-      continue;
-    }
-    std::array<char, 64> digits;
-    std::snprintf(digits.data(), digits.size(), "%.15g", value);
-    ASSERT_EQ(generalNumberText(value).view(), digits.data());
+    if (std::fabs(value) < 0.0001) continue;
+    ASSERT_EQ(generalNumberText(value).view(), printed("%.15g", value));
   }
 }
 
 TEST(SingleNumber, HasSevenDigits) {
-  EXPECT_EQ(singleNumberText(4320050.0F).view(), "4320050");
-  EXPECT_EQ(singleNumberText(0.1F).view(), "0.1");
-  EXPECT_EQ(singleNumberText(8639999.5F).view(), "8640000");
-  EXPECT_EQ(singleNumberText(1e7F).view(), "1E+07");
-  EXPECT_EQ(singleNumberText(1e-45F).view(), "1.401298E-45");
+  for (const auto& [value, text] : {std::pair{4320050.0F, "4320050"},
+                                    {0.1F, "0.1"},
+                                    {8639999.5F, "8640000"},
+                                    {1e7F, "1E+07"},
+                                    {1e-45F, "1.401298E-45"}})
+    EXPECT_EQ(singleNumberText(value).view(), text);
 }
 
 TEST(IntegerText, CoversTheWholeRange) {
-  EXPECT_EQ(integerText(0).view(), "0");
-  EXPECT_EQ(integerText(-105).view(), "-105");
-  EXPECT_EQ(integerText(INT64_MIN).view(), "-9223372036854775808");
-  EXPECT_EQ(integerText(INT64_MAX).view(), "9223372036854775807");
+  for (const std::int64_t value : {std::int64_t{0}, std::int64_t{-105}, INT64_MIN, INT64_MAX})
+    EXPECT_EQ(integerText(value).view(), std::to_string(value));
 }
 
 TEST(Rounding, TiesGoToEvenAndOverflowIsNothing) {
-  struct Case {
-    double value;
-    std::optional<std::int16_t> rounded;
-  };
-  const Case cases[] = {
-      {2.5, std::int16_t{2}},         {3.5, std::int16_t{4}},   {1.5, std::int16_t{2}},
-      {-2.5, std::int16_t{-2}},       {-0.5, std::int16_t{0}},  {0.49999999999999994, std::int16_t{0}},
-      {32767.4, std::int16_t{32767}}, {32767.5, std::nullopt},  {-32768.5, std::int16_t{-32768}},
-      {-32769, std::nullopt},         {infinity, std::nullopt}, {notANumber, std::nullopt},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(roundToInt16(c.value), c.rounded) << c.value;
+  for (const auto& row :
+       tests::table("2.5 2; 3.5 4; 1.5 2; -2.5 -2; -0.5 0; 0.49999999999999994 0; 32767.4 32767;"
+                    "32767.5 none; -32768.5 -32768; -32769 none; inf none; nan none")) {
+    const auto rounded = roundToInt16(numberOf(row[0]));
+    EXPECT_EQ(rounded ? std::to_string(*rounded) : "none", row[1]) << row[0];
   }
   EXPECT_EQ(roundToInt32(2147483647.5), std::nullopt);
   EXPECT_EQ(roundToInt32(-2147483648.5), INT32_MIN);
@@ -172,9 +119,8 @@ TEST(ParseNumber, TakesOneInvariantNumber) {
   EXPECT_EQ(parseNumber(" -12.5e3 "), -12500.0);
   EXPECT_EQ(parseNumber("+.5"), 0.5);
   for (const char* text :
-       {"", " ", "abc", "1,5", "1 2", "inf", "nan", "-inf", "--1", "+-1", "0x10", "1e", "-"}) {
+       {"", " ", "abc", "1,5", "1 2", "inf", "nan", "-inf", "--1", "+-1", "0x10", "1e", "-"})
     EXPECT_EQ(parseNumber(text), std::nullopt) << text;
-  }
 }
 
 }  // namespace

@@ -44,19 +44,16 @@ TEST(RandomAccessFile, KeepsUsersApart) {
   const TemporaryFolder folder;
   const auto file = folder / "a";
   ASSERT_TRUE(replaceFile(file, "text"));
-  const struct {
-    OpenMode first;
-    OpenMode second;
-    bool together;
-  } cases[] = {{OpenMode::read, OpenMode::read, true},
-               {OpenMode::read, OpenMode::write, false},
-               {OpenMode::write, OpenMode::read, false},
-               {OpenMode::write, OpenMode::write, false},
-               {OpenMode::create, OpenMode::create, false}};
-  for (const auto& c : cases) {
-    const auto first = systemFiles().open(file, c.first);
+  constexpr auto reader = OpenMode::read, writer = OpenMode::write, creator = OpenMode::create;
+  for (const auto& [one, other] : {std::pair{reader, reader},
+                                   {reader, writer},
+                                   {writer, reader},
+                                   {writer, writer},
+                                   {creator, creator}}) {
+    const auto first = systemFiles().open(file, one);
     ASSERT_TRUE(first);
-    EXPECT_EQ(systemFiles().open(file, c.second).failure(), c.together ? Failure::none : Failure::inUse);
+    const bool together = one == reader && other == reader;
+    EXPECT_EQ(systemFiles().open(file, other).failure(), together ? Failure::none : Failure::inUse);
   }
 }
 
@@ -64,9 +61,8 @@ TEST(RandomAccessFile, SaysWhyItDoesNotOpen) {
   const TemporaryFolder folder;
   EXPECT_EQ(systemFiles().open(folder / "missing", OpenMode::write).failure(), Failure::missing);
   EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
-  for (const OpenMode mode : {OpenMode::read, OpenMode::write}) {
+  for (const OpenMode mode : {OpenMode::read, OpenMode::write})
     EXPECT_FALSE(systemFiles().open(folder.path(), mode)) << "a folder";
-  }
   ASSERT_TRUE(replaceFile(folder / "b", ""));
   EXPECT_TRUE(systemFiles().remove(folder / "b"));
   EXPECT_FALSE(systemFiles().remove(folder / "b"));

@@ -81,16 +81,12 @@ TEST(ReplaceFile, RefusalsKeepWhatWasThere) {
 }
 
 TEST(ReplaceFile, WritesInPlaceWhereItCannotRename) {
-  const struct {
-    const char* label;
-    FileCallLog::Answer answer;
-  } obstacles[] = {
+  const std::pair<const char*, FileCallLog::Answer> obstacles[] = {
       {"the user may make no file there", refusing(FileCall::create, Failure::notAllowed)},
       {"another program holds the file", refusing(FileCall::rename, Failure::inUse)},
       {"the folder's files belong to others", refusing(FileCall::rename, Failure::notAllowed)},
-      {"every name is taken", refusing(FileCall::create, Failure::exists)},
-  };
-  for (const auto& obstacle : obstacles) {
+      {"every name is taken", refusing(FileCall::create, Failure::exists)}};
+  for (const auto& [label, answer] : obstacles) {
     const TemporaryFolder folder;
     ASSERT_TRUE(replaceFile(folder / "a", "old content"));
     fs::create_hard_link(folder / "a", folder / "the same file");
@@ -98,12 +94,12 @@ TEST(ReplaceFile, WritesInPlaceWhereItCannotRename) {
       const std::string_view pieces[] = {content.substr(0, content.size() / 3),
                                          content.substr(content.size() / 3)};
       {
-        const FileCallLog log(obstacle.answer);
-        EXPECT_TRUE(replaceFile(folder / "a", pieces)) << obstacle.label;
+        const FileCallLog log(answer);
+        EXPECT_TRUE(replaceFile(folder / "a", pieces)) << label;
       }
-      EXPECT_EQ(readWholeFile(folder / "the same file"), content) << obstacle.label;
+      EXPECT_EQ(readWholeFile(folder / "the same file"), content) << label;
     }
-    EXPECT_EQ(entriesOf(folder.path()), 2U) << obstacle.label;
+    EXPECT_EQ(entriesOf(folder.path()), 2U) << label;
   }
 }
 
@@ -209,9 +205,7 @@ TEST(ReplaceFile, WritersAtTheSameTimeAllSucceed) {
   const std::string contents[] = {std::string(5000, 'a'), std::string(9000, 'b')};
   ASSERT_TRUE(replaceFile(file, contents[0]));
   const auto write = [&](const std::string& content) {
-    for (int i = 0; i < 100; ++i) {
-      EXPECT_TRUE(replaceFile(file, content));
-    }
+    for (int i = 0; i < 100; ++i) EXPECT_TRUE(replaceFile(file, content));
   };
   std::thread other(write, contents[1]);
   write(contents[0]);
@@ -222,31 +216,19 @@ TEST(ReplaceFile, WritersAtTheSameTimeAllSucceed) {
 }
 
 #ifndef _WIN32
-TEST(ReplaceFile, WritesWhereTheUserMayNotMakeFiles) {
-  const TemporaryFolder folder;
-  ASSERT_TRUE(replaceFile(folder / "a", "old"));
-  const tests::NoNewFilesIn unwritable(folder.path());
-  if (!unwritable.enforced()) {
-    GTEST_SKIP() << "the superuser cannot become another user";
-  }
-  EXPECT_TRUE(replaceFile(folder / "a", "new content"));
-  EXPECT_EQ(readWholeFile(folder / "a"), "new content");
-  EXPECT_FALSE(replaceFile(folder / "b", "new content"));
-  EXPECT_EQ(entriesOf(folder.path()), 1U);
-}
-
-TEST(ReplaceFile, WritersInPlaceTakeTurns) {
+TEST(ReplaceFile, WhereTheUserMayNotMakeFilesWritersTakeTurns) {
   const TemporaryFolder folder;
   const auto file = folder / "a";
   ASSERT_TRUE(replaceFile(file, "old"));
   const tests::NoNewFilesIn unwritable(folder.path());
-  if (!unwritable.enforced()) {
-    GTEST_SKIP() << "the superuser cannot become another user";
-  }
+  if (!unwritable.enforced()) GTEST_SKIP() << "the superuser cannot become another user";
+  EXPECT_TRUE(replaceFile(file, "new content"));
+  EXPECT_EQ(readWholeFile(file), "new content");
+  EXPECT_FALSE(replaceFile(folder / "b", "new content"));
+  EXPECT_EQ(entriesOf(folder.path()), 1U);
   const auto write = [&](char letter) {
-    for (std::size_t round = 0; round < 400; ++round) {
+    for (std::size_t round = 0; round < 400; ++round)
       replaceFile(file, std::string(1 + round * 37 % 5000, letter));
-    }
   };
   std::thread other(write, 'o');
   write('m');
@@ -263,9 +245,8 @@ TEST(ReplaceFile, TheFileOfSomebodyElseStaysHis) {
   ASSERT_TRUE(replaceFile(file, "old"));
   fs::permissions(file, fs::perms(0666));
   fs::permissions(folder.path(), fs::perms(0777));
-  if (::geteuid() != 0 || ::chown(file.c_str(), somebody, somebody) != 0) {
+  if (::geteuid() != 0 || ::chown(file.c_str(), somebody, somebody) != 0)
     GTEST_SKIP() << "only the superuser can give files away";
-  }
   ASSERT_EQ(::seteuid(nobody), 0);
   const bool replaced = static_cast<bool>(replaceFile(file, "new content"));
   ASSERT_EQ(::seteuid(0), 0);
@@ -277,7 +258,10 @@ TEST(ReplaceFile, TheFileOfSomebodyElseStaysHis) {
   EXPECT_EQ(entriesOf(folder.path()), 1U);
 }
 
-TEST(ReplaceFile, APipeWithoutAnotherEndHangsNobody) {
+TEST(ReplaceFile, DevicesAreWrittenToAndAPipeWithoutAnotherEndHangsNobody) {
+  EXPECT_FALSE(replaceFile("/dev/full", "text"));
+  EXPECT_TRUE(replaceFile("/dev/null", "text"));
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
   const TemporaryFolder folder;
   ASSERT_EQ(::mkfifo((folder / "pipe").c_str(), 0600), 0);
   EXPECT_FALSE(replaceFile(folder / "pipe", "text"));
@@ -312,11 +296,6 @@ TEST(ReplaceFile, AFullDiskLosesNothing) {
   EXPECT_EQ(entriesOf(folder.path()), 1U);
 }
 
-TEST(ReplaceFile, DevicesAreWrittenTo) {
-  EXPECT_FALSE(replaceFile("/dev/full", "text"));
-  EXPECT_TRUE(replaceFile("/dev/null", "text"));
-  EXPECT_TRUE(fs::is_character_file("/dev/null"));
-}
 #endif
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "base/files/output.h"
 #include "base/files/whole.h"
 #include "tests/temporary_folder.h"
@@ -11,31 +13,23 @@
 namespace veltrano {
 namespace {
 
-struct Case {
-  const char* label;
-  DWORD access;
-  DWORD share;
-  bool replaced;
-  bool emptied;
-};
-
-constexpr Case cases[] = {
+/// What a program has a file open for, what it shares, and whether the file can be replaced and emptied.
+constexpr std::tuple<const char*, DWORD, DWORD, bool, bool> openings[] = {
     {"a reader", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, true, true},
     {"a reader that allows anything", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
      true, true},
     {"an editor", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, true, false},
     {"a reader that allows readers", GENERIC_READ, FILE_SHARE_READ, false, false},
-    {"one that wants it for itself", GENERIC_READ, 0, false, false},
-};
+    {"one that wants it for itself", GENERIC_READ, 0, false, false}};
 
 TEST(SharedFiles, AreReplacedUnlessTheOtherForbidsIt) {
-  for (const Case& c : cases) {
+  for (const auto& [label, access, share, replaced, emptied] : openings) {
     const tests::TemporaryFolder folder;
     for (const bool asOutput : {false, true}) {
       const auto file = folder / (asOutput ? "output" : "replaced");
       ASSERT_TRUE(replaceFile(file, "the old content"));
-      const HANDLE other = CreateFileW(file.c_str(), c.access, c.share, nullptr, OPEN_EXISTING, 0, nullptr);
-      ASSERT_NE(other, INVALID_HANDLE_VALUE) << c.label;
+      const HANDLE other = CreateFileW(file.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
+      ASSERT_NE(other, INVALID_HANDLE_VALUE) << label;
       bool done = false;
       if (asOutput) {
         auto output = OutputFile::create(file);
@@ -44,13 +38,13 @@ TEST(SharedFiles, AreReplacedUnlessTheOtherForbidsIt) {
         done = static_cast<bool>(replaceFile(file, "new", Durability::power));
       }
       CloseHandle(other);
-      EXPECT_EQ(done, asOutput ? c.emptied : c.replaced) << c.label;
-      EXPECT_EQ(readWholeFile(file), done ? "new" : "the old content") << c.label;
+      EXPECT_EQ(done, asOutput ? emptied : replaced) << label;
+      EXPECT_EQ(readWholeFile(file), done ? "new" : "the old content") << label;
     }
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path()),
                             std::filesystem::directory_iterator()),
               2)
-        << c.label;
+        << label;
   }
 }
 

@@ -6,6 +6,7 @@
 #include "base/text/lower_case.h"
 #include "base/text/utf.h"
 #include "base/text/wtf8.h"
+#include "tests/split.h"
 
 namespace veltrano {
 namespace {
@@ -57,21 +58,13 @@ TEST(Excerpt, IsShortAndPrintable) {
 }
 
 TEST(Unicode, MalformedTextBecomesReplacementCharacters) {
-  struct Case {
-    const char* label;
-    std::string utf8;
-    std::u16string utf16;
-  };
-  const Case cases[] = {
-      {"lone continuation", "a\x80z", u"a\uFFFDz"},
-      {"overlong slash", "\xC0\xAF", u"\uFFFD\uFFFD"},
-      {"surrogate", "\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},
-      {"cut at the end", "\xE2\x82", u"\uFFFD"},
-      {"above U+10FFFF", "\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(utf8ToUtf16(c.utf8), c.utf16) << c.label;
-  }
+  const std::pair<std::string, std::u16string> cases[] = {
+      {"a\x80z", u"a\uFFFDz"},                  // a lone continuation
+      {"\xC0\xAF", u"\uFFFD\uFFFD"},            // an overlong slash
+      {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},  // a surrogate
+      {"\xE2\x82", u"\uFFFD"},
+      {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}};
+  for (const auto& [utf8, utf16] : cases) EXPECT_EQ(utf8ToUtf16(utf8), utf16) << utf8;
   EXPECT_EQ(utf16ToUtf8(std::u16string({0xD800, u'a', 0xDC00})),
             "\xEF\xBF\xBD"
             "a\xEF\xBF\xBD");
@@ -91,9 +84,7 @@ TEST(LowerCase, NamesAreComparedByCharacters) {
 
 TEST(CodePage, EveryByteSurvivesTheTripThroughUnicode) {
   std::string bytes;
-  for (int i = 0; i < 256; ++i) {
-    bytes.push_back(static_cast<char>(i));
-  }
+  for (int i = 0; i < 256; ++i) bytes.push_back(static_cast<char>(i));
   EXPECT_EQ(utf16ToAnsi(ansiToUtf16(bytes)), bytes);
   EXPECT_EQ(utf8ToAnsi(ansiToUtf8(bytes)), bytes);
 }
@@ -117,39 +108,27 @@ TEST(CodePage, MayTakeSeveralBytesACharacter) {
 #endif
 
 TEST(Encodings, AreFoundByTheNamesThatFilesUse) {
-  const struct {
-    const char* name;
-    std::string bytes;
-    std::u16string text;
-  } cases[] = {{"ISO-8859-15", "\xA4", u"\u20AC"},
-               {"iso-8859-2", "\xA1", u"\u0104"},
-               {"Windows-1252", "\x80\x81", u"\u20AC\u0081"},
-               {"Windows-1253", "\xC1", u"\u0391"},
-               {"windows-1254", "\xFD", u"\u0131"},
-               {"koi8-r", "\xD0", u"\u043F"},
-               {"IBM850", "\x82", u"\u00E9"},
-               {"Shift_JIS", "\\~\x83\x41\x81\x60", u"\\~\u30A2\uFF5E"},
-               {"windows-932", "\x83\x5C", u"\u30BD"},
-               {"Big5", "\xA4\xA4", u"\u4E2D"},
-               {"GBK", "\xD6\xD0", u"\u4E2D"},
-               {"euc-kr", "\xC7\xD1", u"\uD55C"},
+  // A name, bytes, and the same in UTF-8.
+  std::string rows =
+      "ISO-8859-15 \xA4 €; iso-8859-2 \xA1 Ą; Windows-1252 \x80\x81 €\u0081; Windows-1253 \xC1 Α; "
+      "windows-1254 \xFD ı;"
+      "koi8-r \xD0 п; IBM850 \x82 é; Shift_JIS \\~\x83\x41\x81\x60 \\~ア～; windows-932 \x83\x5C ソ; Big5 "
+      "\xA4\xA4 中;"
+      "GBK \xD6\xD0 中; euc-kr \xC7\xD1 한; us-ascii abc abc";
 #ifndef _WIN32
-               // Of these Windows has tables and Wine does not.
-               {"EUC-JP", "\xA5\xA2", u"\u30A2"},
-               {"GB18030", "\x81\x30\x84\x36\xD6\xD0", u"\u00A5\u4E2D"},
-               {"ISO-2022-JP", "a\x1B$B%\"\x1B(B", u"a\u30A2"},
+  // Of these Windows has tables and Wine does not.
+  rows += "; EUC-JP \xA5\xA2 ア; GB18030 \x81\x30\x84\x36\xD6\xD0 ¥中; ISO-2022-JP a\x1B$B%\"\x1B(B aア";
 #endif
-               {"us-ascii", "abc", u"abc"}};
-  for (const auto& c : cases) {
-    EXPECT_TRUE(isKnownEncoding(c.name)) << c.name;
-    EXPECT_EQ(decodeText(c.name, c.bytes), c.text) << c.name;
-    EXPECT_EQ(encodeText(c.name, c.text), c.bytes) << c.name;
+  for (const auto& row : tests::table(rows)) {
+    const std::u16string text = utf8ToUtf16(row[2]);
+    EXPECT_TRUE(isKnownEncoding(row[0])) << row[0];
+    EXPECT_EQ(decodeText(row[0], row[1]), text) << row[0];
+    EXPECT_EQ(encodeText(row[0], text), row[1]) << row[0];
   }
   // No ASCII below, no such thing, more than a name.
   for (const char* name :
-       {"UTF-16", "IBM037", "UTF-7", "ISO-8859-99", "windows-", "", "ISO-8859-15//TRANSLIT"}) {
+       {"UTF-16", "IBM037", "UTF-7", "ISO-8859-99", "windows-", "", "ISO-8859-15//TRANSLIT"})
     EXPECT_FALSE(isKnownEncoding(name)) << name;
-  }
 }
 
 TEST(Encodings, RefuseWhatTheyCannotSay) {

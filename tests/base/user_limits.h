@@ -22,9 +22,8 @@ class NoNewFilesIn {
                         [[maybe_unused]] std::filesystem::perms files = std::filesystem::perms(0666))
       : folder_(folder) {
 #ifndef _WIN32
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
       std::filesystem::permissions(entry.path(), files);
-    }
     std::filesystem::permissions(folder, std::filesystem::perms(0555));
     constexpr uid_t nobody = 65534;
     superuser_ = ::geteuid() == 0;
@@ -35,9 +34,7 @@ class NoNewFilesIn {
   NoNewFilesIn& operator=(const NoNewFilesIn&) = delete;
   ~NoNewFilesIn() {
 #ifndef _WIN32
-    if (superuser_ && ::seteuid(0) != 0) {
-      std::abort();
-    }
+    if (superuser_ && ::seteuid(0) != 0) std::abort();
     std::filesystem::permissions(folder_, std::filesystem::perms(0755));
 #endif
   }

@@ -2,17 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace veltrano {
 namespace {
 
 TEST(Value, ConvertsAsAutomationDoes) {
-  struct Case {
-    const char* label;
-    Value value;
-    std::optional<double> number;
-    std::optional<std::string> text;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, Value, std::optional<double>, std::optional<std::string>> cases[] = {
       {"empty", Value(), 0.0, ""},
       {"null", Value(Null{}), std::nullopt, std::nullopt},
       {"true", Value(true), -1.0, "True"},
@@ -32,9 +28,9 @@ TEST(Value, ConvertsAsAutomationDoes) {
       {"list", Value(Value::List{Value(1)}), std::nullopt, std::nullopt},
       {"object", Value(Opaque{}), std::nullopt, std::nullopt},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(c.value.toDouble(), c.number) << c.label;
-    EXPECT_EQ(c.value.toText(), c.text) << c.label;
+  for (const auto& [label, value, number, text] : cases) {
+    EXPECT_EQ(value.toDouble(), number) << label;
+    EXPECT_EQ(value.toText(), text) << label;
   }
 }
 

@@ -24,9 +24,7 @@ std::string noise(std::size_t size) {
   std::string block(10'007, '\0');
   std::generate(block.begin(), block.end(), [&random] { return static_cast<char>(random()); });
   std::string text;
-  while (text.size() < size) {
-    text += block;
-  }
+  while (text.size() < size) text += block;
   text.resize(size);
   return text;
 }
@@ -42,9 +40,8 @@ TEST(ReadFile, TakesAsManyReadsAsItNeeds) {
 
 TEST(ReadFile, OnlyFilesThatAreThere) {
   const TemporaryFolder folder;
-  for (const auto& name : {folder.path(), folder / "missing", folder / "missing/a", fs::path()}) {
+  for (const auto& name : {folder.path(), folder / "missing", folder / "missing/a", fs::path()})
     EXPECT_FALSE(readWholeFile(name)) << name;
-  }
 }
 
 #ifndef _WIN32
@@ -79,9 +76,7 @@ TEST(ReadIdentified, StopsAtTheLimitOrTheEnd) {
 
 TEST(ListFiles, IsSortedAndLeavesFoldersOut) {
   const TemporaryFolder folder;
-  for (const char* name : {"b.afm", "A.afm", "a.afm"}) {
-    ASSERT_TRUE(replaceFile(folder / name, name));
-  }
+  for (const char* name : {"b.afm", "A.afm", "a.afm"}) ASSERT_TRUE(replaceFile(folder / name, name));
   fs::create_directory(folder / "aa");
   const auto files = listFiles(folder.path());
   ASSERT_TRUE(files);

@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
+#include <tuple>
 
-#include "base/os/host.h"
 #include "eventlog/event_sink.h"
 
 namespace veltrano {
@@ -14,49 +13,33 @@ namespace {
 /// Writes down what a sink is told.
 class RecordingSink final : public EventSink {
  public:
-  explicit RecordingSink(std::vector<std::string>& calls) : calls_(calls) {}
-  void open(const std::string& source) override { calls_.push_back("open " + source); }
+  explicit RecordingSink(std::string& calls) : calls_(calls) {}
+  void open(const std::string& source) override { calls_ += "open " + source; }
   void report(std::uint16_t type, std::int32_t id, const std::string& message) override {
-    calls_.push_back("report " + std::to_string(type) + " " + std::to_string(id) + " '" + message + "'");
+    calls_ += ", report " + std::to_string(type) + " " + std::to_string(id) + " '" + message + "'";
   }
-  void close() override { calls_.push_back("close"); }
+  void close() override { calls_ += ", close"; }
 
  private:
-  std::vector<std::string>& calls_;
+  std::string& calls_;
 };
 
-class EventLog : public testing::Test {
- protected:
-  using Calls = std::vector<std::string>;
-  Calls calls_;
-  VeltranoWEV log_{std::make_unique<RecordingSink>(calls_)};
-};
-
-TEST_F(EventLog, WritesOneEntryUnderTheNamedSource) {
-  log_.LogNTEvent("Disk full", 1, 1234, "Backup");
-  EXPECT_EQ((Calls{"open Backup", "report 1 1234 'Disk full'", "close"}), calls_);
-}
-
-TEST_F(EventLog, NamesTheHostWhenNoSourceIsGiven) {
-  log_.LogNTEvent("", 4, -1);
-  // The test program has no product name, so its file name stands for it.
-  EXPECT_EQ((Calls{"open eventlog_test", "report 4 -1 ''", "close"}), calls_);
-  EXPECT_EQ("eventlog_test", hostApplicationName());
-}
-
-TEST_F(EventLog, HandsTheTypeOnAsItStands) {
-  log_.LogNTEvent("a", static_cast<std::int32_t>(EventType::auditFailure), 1, "s");
-  log_.LogNTEvent("b", 32767, 1, "s");
-  log_.LogNTEvent("c", -1, 1, "s");
-  EXPECT_EQ((Calls{"open s", "report 10 1 'a'", "close", "open s", "report 32767 1 'b'", "close", "open s",
-                   "report 65535 1 'c'", "close"}),
-            calls_);
-}
-
-TEST_F(EventLog, WritesNothingForATypeBeyond16Bits) {
-  log_.LogNTEvent("a", 32768, 1, "s");
-  log_.LogNTEvent("b", -32769, 1, "s");
-  EXPECT_EQ((Calls{"open s", "close", "open s", "close"}), calls_);
+// The type goes on as it stands if it fits 16 bits. The test program has no product name, so its file name stands
+// for the source.
+TEST(EventLog, WritesOneEntryACall) {
+  const std::tuple<const char*, std::int32_t, std::int32_t, const char*, const char*> rows[] = {
+      {"Disk full", 1, 1234, "Backup", "open Backup, report 1 1234 'Disk full', close"},
+      {"", 4, -1, "", "open eventlog_test, report 4 -1 '', close"},
+      {"a", static_cast<std::int32_t>(EventType::auditFailure), 1, "s", "open s, report 10 1 'a', close"},
+      {"b", 32767, 1, "s", "open s, report 32767 1 'b', close"},
+      {"c", -1, 1, "s", "open s, report 65535 1 'c', close"},
+      {"d", 32768, 1, "s", "open s, close"},
+      {"e", -32769, 1, "s", "open s, close"}};
+  for (const auto& [text, type, id, source, expected] : rows) {
+    std::string calls;
+    VeltranoWEV(std::make_unique<RecordingSink>(calls)).LogNTEvent(text, type, id, source);
+    EXPECT_EQ(calls, expected);
+  }
 }
 
 TEST(SystemEventLog, TakesAnyTextWithoutALeak) {

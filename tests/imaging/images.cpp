@@ -15,9 +15,8 @@ namespace veltrano::tests {
 
 Image paint(int width, int height, const Painter& painter) {
   Image image{width, height, {}};
-  for (int y = 0; y < height; ++y) {
+  for (int y = 0; y < height; ++y)
     for (int x = 0; x < width; ++x) image.pixels.push_back(painter(x, y));
-  }
   return image;
 }
 

@@ -77,9 +77,8 @@ TEST(JpegModule, ReadsFourChannels) {
     cDIBSection dib;
     ASSERT_TRUE(decode(dib, flatInksJpeg(c.samples, c.adobe, c.ycck))) << c.label;
     const Rgb pixel = contents(dib).at(7, 9);
-    EXPECT_NEAR(pixel.red, c.seen.red, 2) << c.label;
-    EXPECT_NEAR(pixel.green, c.seen.green, 2) << c.label;
-    EXPECT_NEAR(pixel.blue, c.seen.blue, 2) << c.label;
+    for (const int distance : {pixel.red - c.seen.red, pixel.green - c.seen.green, pixel.blue - c.seen.blue})
+      EXPECT_LE(std::abs(distance), 2) << c.label;
   }
 }
 
@@ -104,12 +103,9 @@ TEST(JpegModule, UsesABufferToItsLastByte) {
 
 TEST(JpegModule, HasABudgetOfAQuarterByteAPixel) {
   // Too small to hold even the tables: n + 1 characters, n = pixels / 4 with halves to even.
-  for (const auto& [width, height, characters] :
-       {std::tuple{1, 1, 1}, {2, 1, 1}, {3, 1, 2}, {6, 1, 3}, {10, 1, 3}, {7, 1, 3}, {9, 1, 3}, {14, 1, 5}}) {
-    EXPECT_EQ(saveDibToJpegString(section(noise(width, height)), 50).size(),
-              static_cast<std::size_t>(characters))
-        << width;
-  }
+  for (const auto& [width, characters] :
+       {std::pair{1, 1U}, {2, 1U}, {3, 2U}, {6, 3U}, {10, 3U}, {7, 3U}, {9, 3U}, {14, 5U}})
+    EXPECT_EQ(saveDibToJpegString(section(noise(width, 1)), 50).size(), characters) << width;
   EXPECT_EQ(saveDibToJpegString(section(noise(100, 100)), 50).size(), 2501U);
   EXPECT_EQ(saveDibToJpegString(cDIBSection(), 50), std::string(1, '\0'));
 
@@ -133,11 +129,7 @@ TEST(JpegModule, RefusesDamage) {
   const auto patched = [&](std::size_t at, const std::string& with) {
     return std::string(good).replace(at, with.size(), with);
   };
-  struct {
-    const char* label;
-    std::string bytes;
-    bool loads, hasPixels;
-  } const cases[] = {
+  const std::tuple<const char*, std::string, bool, bool> cases[] = {
       {"good", good, true, true},
       {"without end marker", good.substr(0, good.size() - 2), true, true},
       {"text after the end", good + "tail", true, true},
@@ -150,10 +142,10 @@ TEST(JpegModule, RefusesDamage) {
       {"two channels", patched(frame + 9, "\x02"), false, false},
       {"12 bits", patched(frame + 4, "\x0C"), false, false},
       {"no Huffman tables, so the standard ones", patched(good.find("\xFF\xC4"), "\xFF\xFE"), true, true}};
-  for (const auto& c : cases) {
+  for (const auto& [label, bytes, loads, hasPixels] : cases) {
     cDIBSection dib;
-    EXPECT_EQ(decode(dib, c.bytes), c.loads) << c.label;
-    EXPECT_EQ(dib.hDC() != 0, c.hasPixels) << c.label;
+    EXPECT_EQ(decode(dib, bytes), loads) << label;
+    EXPECT_EQ(dib.hDC() != 0, hasPixels) << label;
   }
   cDIBSection dib;
   EXPECT_FALSE(loadJpegBufferToDib(dib, nullptr, 100));
@@ -171,7 +163,6 @@ TEST(JpegModule, WritesWholeFilesOrNone) {
   EXPECT_GT(psnr(contents(back), image), 35.0);
   EXPECT_FALSE(saveDibToJpegFile(dib, folder / "missing" / "a.jpg", 50));
   EXPECT_FALSE(saveDibToJpegFile(cDIBSection(), folder / "empty.jpg", 50));
-  EXPECT_FALSE(loadJpegFileToDib(back, folder / "missing.jpg"));
   EXPECT_EQ(filesIn(folder), 1);
 }
 

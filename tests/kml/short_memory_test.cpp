@@ -1,31 +1,14 @@
-// What the writer does with a text that the memory cannot hold. The allocation functions are this program's.
+// What the writer does with a text that the memory cannot hold.
+
+#include "tests/short_memory.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <limits>
-#include <new>
 
 #include "base/files/whole.h"
 #include "kml/markup.h"
 #include "tests/temporary_folder.h"
 #include "veltrano/kml.h"
-
-namespace {
-std::size_t largestBlock = std::numeric_limits<std::size_t>::max();
-}
-
-void* operator new(std::size_t size) {
-  void* const block = size > largestBlock ? nullptr : std::malloc(size);
-  return block != nullptr ? block : throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept {
-  std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-  std::free(block);
-}
 
 namespace veltrano::tests {
 namespace {
@@ -42,7 +25,7 @@ TEST(KmlInShortMemory, LosesTheLineAndNoOther) {
   // The path buffer grows as far as it can.
   for (int i = 0; i < 20'000; ++i) kml.CreatePathPoint(48.123456, 2.123456, 100);
   kml.CreatePlaceMark(1, 2, 3, "last", "");
-  largestBlock = std::numeric_limits<std::size_t>::max();
+  largestBlock = memoryEnough;
   kml.CreatePathFromPlaceMarks(1, "");
   kml.CloseKML();
   const std::string text = readWholeFile(folder / "a.kml").value_or("");

@@ -14,39 +14,40 @@ namespace {
 
 using Fonts = PdfTest;
 
-const std::string start = "StartCharMetrics 3\n";
-const std::string end = "EndCharMetrics\n";
+const std::string afmStart = "StartCharMetrics 3\n";
+const std::string afmEnd = "EndCharMetrics\n";
 
 TEST(Afm, ReadsByThePositionsOfTheFields) {
   const struct {
     const char* what;
     std::string afm;
     std::array<std::int32_t, 3> widths;  ///< of "A", "B" and "C", codes 65 to 67
-  } rows[] = {{"plain", start + "C 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;\n" + end, {1, 2, 4}},
-              {"CR LF", "StartCharMetrics\r\nC 65 ; WX 12\r\nC 66 ; WX 2\r\nEndCharMetrics\r\n", {12, 2, 0}},
-              {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", {1, 2, 0}},
-              {"an unencoded character", start + "C 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2\n" + end, {1, 0, 0}},
-              {"the keywords do not count", start + "x 65 ; y 1 ;\n" + end, {1, 0, 0}},
-              {"blanks around fields and words", start + "  C   65  ;   WX   7  ; N\n" + end, {7, 0, 0}},
-              {"fractions are cut off", start + "C 65 ; WX 1.9\nC 66 ; WX -1.9\n" + end, {1, -1, 0}},
-              {"no end: the last code stays 0", start + "C 65 ; WX 1\nC 66 ; WX 2\n", {0, 0, 0}},
-              {"no start", "C 65 ; WX 1\n" + end, {0, 0, 0}},
-              {"the end before the start", end + start + "C 65 ; WX 1\n" + end, {0, 0, 0}},
-              {"a minus one before the start", "Comment -1 ;\n" + start + "C 65 ; WX 1\n" + end, {0, 0, 0}},
-              {"above the last code", start + "C 67 ; WX 4\nC 65 ; WX 1\n" + end, {0, 0, 0}},
-              {"below the first code", start + "C 66 ; WX 2\nC 65 ; WX 1\nC 67 ; WX 4\n" + end, {0, 2, 4}},
-              {"malformed lines leave the others alone",
-               start + "C 65 ; WX 1\n\n;;;\nC x ; WX 9\nC 66 ; WX x\nC 66\nC ; WX 5\nC 67 ; WX 4\n" + end,
-               {1, 0, 4}},
-              {"codes and widths out of range",
-               start + "C 65 ; WX 99999999999\nC 66 ; WX 2\nC 99999999999 ; WX 3\nC 300 ; WX 3\n" + end,
-               {0, 2, 0}},
-              {"a short line long before the next",
-               start + "C 65 ; WX 1\n" + std::string(500, ' ') + "C 66 ; WX 2\n" + end,
-               {1, 2, 0}},
-              {"the line after a second start is taken as it is",
-               start + "C 65 ; WX 1\n" + start + "C 66 ; WX 2\nC 67 ; WX 4\n" + end,
-               {1, 2, 4}}};
+  } rows[] = {
+      {"plain", afmStart + "C 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;\n" + afmEnd, {1, 2, 4}},
+      {"CR LF", "StartCharMetrics\r\nC 65 ; WX 12\r\nC 66 ; WX 2\r\nEndCharMetrics\r\n", {12, 2, 0}},
+      {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", {1, 2, 0}},
+      {"an unencoded character", afmStart + "C 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2\n" + afmEnd, {1, 0, 0}},
+      {"the keywords do not count", afmStart + "x 65 ; y 1 ;\n" + afmEnd, {1, 0, 0}},
+      {"blanks around fields and words", afmStart + "  C   65  ;   WX   7  ; N\n" + afmEnd, {7, 0, 0}},
+      {"fractions are cut off", afmStart + "C 65 ; WX 1.9\nC 66 ; WX -1.9\n" + afmEnd, {1, -1, 0}},
+      {"no end: the last code stays 0", afmStart + "C 65 ; WX 1\nC 66 ; WX 2\n", {0, 0, 0}},
+      {"no start", "C 65 ; WX 1\n" + afmEnd, {0, 0, 0}},
+      {"the end before the start", afmEnd + afmStart + "C 65 ; WX 1\n" + afmEnd, {0, 0, 0}},
+      {"a minus one before the start", "Comment -1 ;\n" + afmStart + "C 65 ; WX 1\n" + afmEnd, {0, 0, 0}},
+      {"above the last code", afmStart + "C 67 ; WX 4\nC 65 ; WX 1\n" + afmEnd, {0, 0, 0}},
+      {"below the first code", afmStart + "C 66 ; WX 2\nC 65 ; WX 1\nC 67 ; WX 4\n" + afmEnd, {0, 2, 4}},
+      {"malformed lines leave the others alone",
+       afmStart + "C 65 ; WX 1\n\n;;;\nC x ; WX 9\nC 66 ; WX x\nC 66\nC ; WX 5\nC 67 ; WX 4\n" + afmEnd,
+       {1, 0, 4}},
+      {"codes and widths out of range",
+       afmStart + "C 65 ; WX 99999999999\nC 66 ; WX 2\nC 99999999999 ; WX 3\nC 300 ; WX 3\n" + afmEnd,
+       {0, 2, 0}},
+      {"a short line long before the next",
+       afmStart + "C 65 ; WX 1\n" + std::string(500, ' ') + "C 66 ; WX 2\n" + afmEnd,
+       {1, 2, 0}},
+      {"the line after a second start is taken as it is",
+       afmStart + "C 65 ; WX 1\n" + afmStart + "C 66 ; WX 2\nC 67 ; WX 4\n" + afmEnd,
+       {1, 2, 4}}};
   for (const auto& row : rows) {
     const auto metrics = parseAfm(row.afm, true);
     for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(metrics->widths[65 + i], row.widths[i]) << row.what;
@@ -73,9 +74,9 @@ TEST(Afm, AFileCutOffAnywhereMeasuresNothingOrTheSame) {
 }
 
 TEST(Afm, SumStaysWithin32Bits) {
-  const auto wide = parseAfm(start + "C 65 ; WX 2000000000\nC 66 ; WX 7\n" + end, true);
+  const auto wide = parseAfm(afmStart + "C 65 ; WX 2000000000\nC 66 ; WX 7\n" + afmEnd, true);
   EXPECT_EQ(wide->sum("AAB"), 2000000007);
-  const auto many = parseAfm(start + "C 65 ; WX 1000\n" + end, true);
+  const auto many = parseAfm(afmStart + "C 65 ; WX 1000\n" + afmEnd, true);
   EXPECT_EQ(many->sum(std::string(3'000'000, 'A')), 2147483000);
 }
 
@@ -97,7 +98,7 @@ TEST(MetricsFolder, ShippedFontsMeasureByTheCodesOfWindows1252) {
 }
 
 std::string afmWithWidth(int width) {
-  return start + "C 65 ; WX " + std::to_string(width) + "\n" + end;
+  return afmStart + "C 65 ; WX " + std::to_string(width) + "\n" + afmEnd;
 }
 
 TEST(MetricsFolder, SeesEachEditAtOnce) {
@@ -174,10 +175,8 @@ TEST_F(Fonts, Measuring) {
 }
 
 TEST_F(Fonts, LoadingAFolder) {
-  for (const char* name :
-       {"Zebra.afm", "Alpha.AFM", "notes.txt", "Middle.afm.bak", "Zebra #2 (1)[{%}].afm"}) {
+  for (const char* name : {"Zebra.afm", "Alpha.AFM", "notes.txt", "Middle.afm.bak", "Zebra #2 (1)[{%}].afm"})
     replaceFile(folder / name, afmWithWidth(100));
-  }
   pdf.PDFSetFont(FONT_COURIER, 9);
   pdf.PDFLoadAfm(folder / "missing");
   EXPECT_DOUBLE_EQ(pdf.PDFGetStringWidth("A", "Courier", 10), 6) << "the previous folder stays";

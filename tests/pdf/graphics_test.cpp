@@ -68,22 +68,6 @@ TEST_F(GraphicsState, GettersAnswerAsHostsKnowThem) {
   EXPECT_EQ(names, "Left Center Left Right Left Left");
 }
 
-TEST_F(GraphicsState, EveryRefusalHasItsMessage) {
-  const std::pair<const char*, Draw> rows[] = {
-      {"Invalid Text Color", [](auto& doc) { doc.PDFSetTextColor("FF0000"); }},
-      {"Invalid Line Color", [](auto& doc) { doc.PDFSetLineColor(""); }},
-      {"Invalide Draw Color", [](auto& doc) { doc.PDFSetDrawColor("255"); }},
-      {"Incorrect Line Style", [](auto& doc) { doc.PDFSetLineStyle(4); }},
-      {"Incorrect Draw line", [](auto& doc) { doc.PDFSetDrawMode(3); }},
-      {"Invalid Alignment Code", [](auto& doc) { doc.PDFSetAlignement(4); }},
-      {"Invalid Fort ", [](auto& doc) { doc.PDFSetFont(5, 10); }},
-      {"Incorrect Page Orientation", [](auto& doc) { doc.PDFOrientation(2); }}};
-  for (const auto& [message, call] : rows) {
-    call(pdf);
-    EXPECT_EQ(takeErrors(), message + std::string("|"));
-  }
-}
-
 TEST_F(GraphicsState, HandlerMayUseTheObjectAndReplaceItself) {
   std::string seen;
   pdf.onError = [&](std::string_view message) {

@@ -44,9 +44,8 @@ TEST_F(Images, RefusedFilesPlaceNothing) {
   for (const auto& file :
        {folder / "folder.jpg", folder / "missing.jpg", photo("short.jpg", jpeg({frame(0xC0, 1, 1, 1)}, 249)),
         photo("leading.jpg", "x" + picture), photo("trailing.jpg", picture + "\n"),
-        photo("unit.jpg", jpeg({app0(3)}))}) {
+        photo("unit.jpg", jpeg({app0(3)}))})
     pdf.PDFImage(file, 1, 1);
-  }
   EXPECT_EQ(takeErrors(),
             "JPEG format invalid|JPEG format invalid|JPEG format invalid|JPEG format invalid. Pass 2|"
             "JPEG format invalid. Pass 2|JPEG format invalid. Pass 3|");

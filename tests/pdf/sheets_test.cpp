@@ -54,13 +54,11 @@ TEST(Sheets, HoldEveryCell) {
     rows[7].resize(columns / 2);
     const std::string file = made(label, rows);
     std::set<std::string> drawn;
-    for (std::size_t at = file.find('('); at != std::string::npos; at = file.find('(', at + 1)) {
+    for (std::size_t at = file.find('('); at != std::string::npos; at = file.find('(', at + 1))
       drawn.insert(file.substr(at + 1, file.find_first_of("x)", at) - at - 1));
-    }
     for (const auto& row : rows) {
-      for (const std::string& cell : row) {
+      for (const std::string& cell : row)
         ASSERT_TRUE(drawn.contains(cell.substr(0, cell.find('x')))) << label << " " << cell;
-      }
     }
   }
 }
@@ -72,17 +70,14 @@ TEST(Sheets, StartPagesAtFormFeeds) {
   ASSERT_TRUE(makeTextSheets(book, "T", "a\fb\f\tc\n\f\fd\x01", FONT_COURIER, noTick));
   const std::string file = readWholeFile(folder / "a.pdf").value_or("");
   EXPECT_EQ(tests::countOf(file, "/Type /Page\r\n"), 5U);
-  for (const char* line : {"(a)", "(b)", "(        c)", "(d )"}) {
+  for (const char* line : {"(a)", "(b)", "(        c)", "(d )"})
     EXPECT_EQ(tests::countOf(file, line), 1U) << line;
-  }
 }
 
 TEST(Sheets, KeepLongHeadsAndShortenLongTitles) {
   const std::string words = "word word word word ";
   std::string head;
-  for (int i = 0; i < 300; ++i) {
-    head += words;
-  }
+  for (int i = 0; i < 300; ++i) head += words;
   const std::string file = made(std::string(5000, 'T') + "\n", {{head + "END", "b"}, {"1", "2"}});
   EXPECT_EQ(tests::countOf(file, "END) Tj"), 1U) << "on the first page in full";
   EXPECT_LT(tests::countOf(file, "(TTTT"), 20U);

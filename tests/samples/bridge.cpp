@@ -11,6 +11,7 @@
 #include <memory>
 
 #include "../server/fake_objects.h"
+#include "../split.h"
 
 using namespace veltrano::tests;
 
@@ -29,63 +30,34 @@ std::wstring decoded(const std::string& field) {
     bytes += escaped ? static_cast<char>(std::stoi(field.substr(i + 1, 2), nullptr, 16)) : field[i];
     i += escaped ? 2 : 0;
   }
-  std::wstring text(bytes.size(), L'\0');
-  text.resize(static_cast<std::size_t>(MultiByteToWideChar(
-      CP_UTF8, 0, bytes.data(), static_cast<int>(bytes.size()), text.data(), static_cast<int>(text.size()))));
-  return text;
+  return std::filesystem::path(std::u8string(bytes.begin(), bytes.end())).wstring();
 }
 
 std::string encoded(const std::wstring& text) {
-  std::string bytes(3 * text.size(), '\0');
-  bytes.resize(static_cast<std::size_t>(
-      WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
-                          static_cast<int>(bytes.size()), nullptr, nullptr)));
   std::string field;
-  for (const char byte : bytes) {
+  for (const char8_t byte : std::filesystem::path(text).u8string()) {
     char escape[4];
-    std::snprintf(escape, sizeof escape, "%%%02x", static_cast<unsigned char>(byte));
+    std::snprintf(escape, sizeof escape, "%%%02x", unsigned{byte});
     field += escape;
   }
   return field;
 }
 
-Argument argumentOf(const std::string& field);
-
-/// Elements, each followed by a comma.
-Argument listOf(const std::string& elements) {
-  SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, 0);
-  SAFEARRAYBOUND bound = {};
-  for (std::size_t start = 0; start < elements.size(); ++bound.cElements) {
-    const std::size_t end = elements.find(',', start);
-    Argument element = argumentOf(elements.substr(start, end - start));
-    SAFEARRAYBOUND wider = {bound.cElements + 1, 0};
-    SafeArrayRedim(array, &wider);
-    LONG index = static_cast<LONG>(bound.cElements);
-    SafeArrayPutElement(array, &index, element.get());
-    start = end + 1;
-  }
-  return Argument::of(VT_ARRAY | VT_VARIANT, array);
-}
-
 Argument argumentOf(const std::string& field) {
-  if (field[0] == 'l') {
-    return listOf(field.substr(1));
+  if (field[0] == 'l') {  // elements, each followed by a comma
+    std::vector<Argument> elements;
+    for (const std::string& element : split(field.substr(1), ','))
+      if (!element.empty()) elements.push_back(argumentOf(element));
+    return Argument::list(elements);
   }
   const std::wstring text = decoded(field.substr(1));
-  switch (field[0] | 0x20) {
-    case 's':
-      return text.c_str();
-    case 'd':
-      return std::stod(text);
-    case 'i':
-      return std::stoi(text);
-    case 'h':
-      return Argument::of<short>(VT_I2, static_cast<short>(std::stoi(text)));
-    case 'b':
-      return text == L"True";
-    default:
-      return {};
-  }
+  const char kind = static_cast<char>(field[0] | 0x20);
+  if (kind == 's') return text.c_str();
+  if (kind == 'd') return std::stod(text);
+  if (kind == 'i') return std::stoi(text);
+  if (kind == 'h') return Argument::of<short>(VT_I2, static_cast<short>(std::stoi(text)));
+  if (kind == 'b') return text == L"True";
+  return {};
 }
 
 std::string fieldOf(const Argument& value) {
@@ -115,16 +87,10 @@ std::string call(Created& created, const std::vector<std::string>& fields) {
   created.sink.messages.clear();
   const Outcome outcome = callMethod(*created.object.get(), decoded(fields[2]).c_str(), arguments, {},
                                      static_cast<WORD>(std::stoi(fields[3])));
-  for (const std::wstring& message : created.sink.messages) {
-    std::cout << "!\t" << encoded(message) << '\n';
-  }
-  if (FAILED(outcome.status)) {
-    return "?\t" + std::to_string(outcome.status);
-  }
+  for (const std::wstring& message : created.sink.messages) std::cout << "!\t" << encoded(message) << '\n';
+  if (FAILED(outcome.status)) return "?\t" + std::to_string(outcome.status);
   std::string answer = "=\t" + fieldOf(outcome.result);
-  for (const Argument& variable : variables) {
-    answer += '\t' + fieldOf(variable);
-  }
+  for (const Argument& variable : variables) answer += '\t' + fieldOf(variable);
   return answer;
 }
 
@@ -134,21 +100,15 @@ int main() {
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   std::list<Created> objects;
   for (std::string line; std::getline(std::cin, line);) {
-    std::vector<std::string> fields;
-    for (std::size_t start = 0; start <= line.size();) {
-      const std::size_t end = std::min(line.find_first_of("\t\r", start), line.size());
-      fields.push_back(line.substr(start, end - start));
-      start = end + 1;
-    }
+    const std::vector<std::string> fields = split(line.substr(0, line.find('\r')), '\t');
     if (fields[0] == "new") {
       Created& created = objects.emplace_back();
       CLSID clsid = {};
       CLSIDFromProgID(decoded(fields[1]).c_str(), &clsid);
       CoCreateInstance(clsid, nullptr, CLSCTX_INPROC_SERVER, IID_IDispatch,
                        reinterpret_cast<void**>(created.object.out()));
-      if (created.object.get() != nullptr && clsid == CLSID_VeltranoPDF) {
+      if (created.object.get() != nullptr && clsid == CLSID_VeltranoPDF)
         created.connection = std::make_unique<Connection>(*created.object.get(), created.sink);
-      }
       std::cout << (created.object.get() != nullptr ? "=\t" + std::to_string(objects.size() - 1) : "?\t0")
                 << std::endl;
     } else {

@@ -58,18 +58,6 @@ TEST(Conversions, ReadArraysOfAnyTypeAndDimension) {
   EXPECT_EQ(Value(Value::List{Value::List{0, 1, 2}, Value::List{10, 11, 12}}), valueOf(matrix));
 }
 
-TEST(Conversions, AnswerListsThatScriptsCanTakeApart) {
-  Argument result;
-  server::answer(result.get(), Value(Value::List{"a", Value()}), TextForm::ansi);
-  ASSERT_EQ(VT_ARRAY | VT_VARIANT, result->vt);
-  EXPECT_EQ(Value(Value::List{"a", Value()}), valueOf(result));
-  Argument none;
-  server::answer(none.get(), Value(Value::List{}), TextForm::ansi);
-  LONG upper = 5;
-  EXPECT_EQ(S_OK, SafeArrayGetUBound(none->parray, 1, &upper));
-  EXPECT_EQ(-1, upper);
-}
-
 TEST(Conversions, CarryEveryByteAndEmbeddedZeros) {
   std::string bytes;
   for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);

@@ -16,10 +16,13 @@ namespace veltrano::tests {
 namespace {
 
 bool isExpected(HRESULT status) {
-  for (const HRESULT expected : {S_OK, DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, DISP_E_BADPARAMCOUNT,
-                                 DISP_E_PARAMNOTOPTIONAL, DISP_E_MEMBERNOTFOUND})
-    if (status == expected) return true;
-  return false;
+  constexpr HRESULT expected[] = {S_OK,
+                                  DISP_E_TYPEMISMATCH,
+                                  DISP_E_OVERFLOW,
+                                  DISP_E_BADPARAMCOUNT,
+                                  DISP_E_PARAMNOTOPTIONAL,
+                                  DISP_E_MEMBERNOTFOUND};
+  return std::ranges::count(expected, status) != 0;
 }
 
 /// Values that no member waits for.

@@ -3,11 +3,9 @@
 
 // What a host hands to the server: objects made for one test, pictures.
 
-#include <filesystem>
 #include <functional>
-#include <string>
-#include <vector>
 
+#include "base/files/whole.h"
 #include "host.h"
 #include "server/com/com_object.h"
 
@@ -17,7 +15,11 @@ namespace veltrano::tests {
 class DispatchFake : public server::Unknown<IDispatch> {
  public:
   STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-  STDMETHODIMP_(ULONG) Release() override;
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references;
+    if (left == 0 && onHeap) delete this;
+    return left;
+  }
   STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   STDMETHODIMP GetIDsOfNames(REFIID, OLECHAR**, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
@@ -32,11 +34,22 @@ class FakeObject final : public DispatchFake {
  public:
   explicit FakeObject(Argument value, std::vector<Argument> elements = {})
       : value_(std::move(value)), elements_(std::move(elements)) {}
-  STDMETHODIMP GetIDsOfNames(REFIID, OLECHAR** names, UINT count, LCID, DISPID* ids) override;
+  STDMETHODIMP GetIDsOfNames(REFIID, OLECHAR** names, UINT, LCID, DISPID* ids) override {
+    const std::wstring name = names[0];
+    if (elements_.empty()) return DISP_E_UNKNOWNNAME;
+    ids[0] = name == L"length" ? lengthId : static_cast<DISPID>(std::stoi(name)) + 1;
+    return S_OK;
+  }
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result, EXCEPINFO*,
-                      UINT*) override;
+                      UINT*) override {
+    inInvoke();
+    if (id == DISPID_VALUE) return VariantCopy(result, value_.get());
+    if (id == lengthId) return VariantCopy(result, Argument(static_cast<int>(elements_.size())).get());
+    return VariantCopy(result, elements_.at(static_cast<std::size_t>(id) - 1).get());
+  }
 
  private:
+  static constexpr DISPID lengthId = 1000;
   Argument value_;
   std::vector<Argument> elements_;
 };
@@ -46,8 +59,15 @@ class RecordingSink final : public DispatchFake {
  public:
   RecordingSink() { onHeap = false; }
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
-                      UINT*) override;
-  [[nodiscard]] std::wstring last() const { return messages.empty() ? std::wstring() : messages.back(); }
+                      UINT*) override {
+    if (id == 1 && arguments->cArgs == 1 && arguments->rgvarg[0].vt == (VT_BYREF | VT_BSTR)) {
+      messages.emplace_back(*arguments->rgvarg[0].pbstrVal);
+      // Hosts may assign to a parameter by reference.
+      SysReAllocString(arguments->rgvarg[0].pbstrVal, L"assigned by the host");
+    }
+    inInvoke();
+    return answer;
+  }
 
   std::vector<std::wstring> messages;
   /// What the sink answers to the event.
@@ -56,25 +76,38 @@ class RecordingSink final : public DispatchFake {
   bool knowsEventInterface = true;
 
  protected:
-  void* find(REFIID iid) override;
+  void* find(REFIID iid) override {
+    return DispatchFake::find(knowsEventInterface && iid == DIID___VeltranoPDF ? IID_IDispatch : iid);
+  }
 };
 
 /// A sink connected to an object.
 class Connection {
  public:
-  Connection(IUnknown& object, IUnknown& sink);
+  Connection(IUnknown& object, IUnknown& sink) {
+    const auto container = as<IConnectionPointContainer>(object, IID_IConnectionPointContainer);
+    if (container && SUCCEEDED(container->FindConnectionPoint(DIID___VeltranoPDF, point_.out())))
+      point_->Advise(&sink, &cookie_);
+  }
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   ~Connection() { disconnect(); }
-  void disconnect();
+  void disconnect() {
+    if (const DWORD cookie = std::exchange(cookie_, 0)) point_->Unadvise(cookie);
+    point_ = {};
+  }
 
  private:
   ComPointer<IConnectionPoint> point_;
   DWORD cookie_ = 0;
 };
 
-/// The smallest file that the PDF writer takes for a grey JPEG of that size.
-void writeGreyJpeg(const std::filesystem::path& file, int width, int height);
+/// The smallest file that the PDF writer takes for a grey JPEG of that size, up to 127 pixels a side. A comment
+/// fills it up to the least size that is examined.
+inline void writeGreyJpeg(const std::filesystem::path& file, char width, char height) {
+  replaceFile(file, std::string("\xFF\xD8\xFF\xC0\0\x0B\x08\0", 8) + height + '\0' + width +
+                        std::string("\x01\x01\x11\0\xFF\xFE\x01\0", 8) + std::string(254, ' ') + "\xFF\xD9");
+}
 
 }  // namespace veltrano::tests
 

@@ -54,10 +54,11 @@ ComPointer<ITypeLib> Dll::typeLibrary() const {
   return library;
 }
 
-Argument::Argument(std::initializer_list<Argument> elements) : Argument() {
-  set(VT_ARRAY | VT_VARIANT, SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(elements.size())));
-  auto* slot = static_cast<VARIANT*>(value_.parray->pvData);
-  for (const Argument& element : elements) VariantCopy(slot++, const_cast<VARIANT*>(&element.value_));
+Argument Argument::list(const std::vector<Argument>& elements) {
+  SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(elements.size()));
+  auto* slot = static_cast<VARIANT*>(array->pvData);
+  for (const Argument& element : elements) VariantCopy(slot++, const_cast<VARIANT*>(element.operator->()));
+  return of(VT_ARRAY | VT_VARIANT, array);
 }
 
 Argument Argument::doubles(std::initializer_list<double> numbers) {

@@ -65,8 +65,7 @@ class Argument {
   Argument(bool flag) : Argument() { set(VT_BOOL, flag ? VARIANT_TRUE : VARIANT_FALSE); }
   Argument(const wchar_t* text) : Argument() { set(VT_BSTR, SysAllocString(text)); }
   Argument(IUnknown* object) : Argument() { set(VT_UNKNOWN, ComPointer(object).detach()); }
-  /// An array of variants.
-  Argument(std::initializer_list<Argument> elements);
+  Argument(std::initializer_list<Argument> elements) : Argument(list(elements)) {}
   Argument(const Argument& other) : Argument() { *this = other; }
   Argument& operator=(const Argument& other) {
     VariantCopy(&value_, const_cast<VARIANT*>(&other.value_));
@@ -82,6 +81,8 @@ class Argument {
     return argument;
   }
   static Argument omitted() { return of(VT_ERROR, DISP_E_PARAMNOTFOUND); }
+  /// An array of variants.
+  static Argument list(const std::vector<Argument>& elements);
   static Argument doubles(std::initializer_list<double> numbers);
   /// As script hosts pass their variables.
   static Argument reference(VARIANT& variable) { return of(VT_BYREF | VT_VARIANT, &variable); }

@@ -25,9 +25,7 @@ TEST(Objects, HaveOneIdentityAndTheRightInterfaces) {
                            &IID_IProvideClassInfo2, &IID_ISupportErrorInfo, &IID_IConnectionPointContainer}) {
       const auto asked = as<IUnknown>(*object.get(), *iid);
       ASSERT_EQ(iid != &IID_IConnectionPointContainer || entry.eventInterface != nullptr, bool{asked});
-      if (asked) {
-        EXPECT_EQ(object.get(), as<IUnknown>(*asked.get(), IID_IUnknown).get());
-      }
+      EXPECT_TRUE(!asked || object.get() == as<IUnknown>(*asked.get(), IID_IUnknown).get());
     }
     void* denied = &denied;
     EXPECT_EQ(E_NOINTERFACE, object->QueryInterface(IID_IPersist, &denied));

@@ -40,10 +40,8 @@ TEST_F(Pictures, AreSavedAsFiles) {
   EXPECT_EQ(L"True", callMethod(*png_.get(), L"SavePNG", {picture_.get(), file.c_str()}).result.text());
   const std::string png = readFile(file);
   EXPECT_EQ(std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR\0\0\0\x28\0\0\0\x1e", 24), png.substr(0, 24));
-  for (const Argument& none :
-       {Argument(), Argument::of(VT_NULL), Argument(static_cast<IUnknown*>(nullptr))}) {
+  for (const Argument& none : {Argument(), Argument::of(VT_NULL), Argument(static_cast<IUnknown*>(nullptr))})
     EXPECT_EQ(L"False", callMethod(*png_.get(), L"SavePNG", {none, file.c_str()}).result.text());
-  }
   EXPECT_EQ(DISP_E_TYPEMISMATCH, callMethod(*png_.get(), L"SavePNG", {L"text", file.c_str()}).status);
   EXPECT_EQ(png, readFile(file)) << "a refused picture must not touch the file";
   const std::filesystem::path jpeg = folder_ / L"a.jpg";

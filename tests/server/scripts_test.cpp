@@ -123,9 +123,8 @@ TEST_F(Scripts, TraceWhereTheRegistrySays) {
         "others stand in their place.\r\n",
         "cscript.exe VeltranoPDF.PDFEndDoc: No document is open; nothing is done.\r\n",
         "cscript.exe VeltranoPDF.PDFSetFont: The host gets the error 0x80020005: argument 1 "
-        "cannot be what the member takes there.\r\n"}) {
+        "cannot be what the member takes there.\r\n"})
     EXPECT_NE(std::string::npos, lines.find(line)) << lines;
-  }
 }
 
 TEST_F(Scripts, UseEveryClass) {

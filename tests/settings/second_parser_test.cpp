@@ -9,6 +9,7 @@
 #include <random>
 
 #include "tests/settings/xml_fixture.h"
+#include "tests/split.h"
 
 namespace veltrano::tests {
 namespace {
@@ -32,23 +33,15 @@ std::string read(const std::filesystem::path& file, const std::string& path) {
   return reinterpret_cast<const char*>(text.get());
 }
 
-/// The parts between the bars.
-std::vector<std::string> split(const std::string& text) {
-  std::vector<std::string> parts;
-  std::istringstream all(text);
-  for (std::string part; std::getline(all, part, '|');) parts.push_back(part);
-  return parts;
-}
-
 TEST_F(SecondParser, ReadsTheValuesThatWereSaved) {
-  const std::string frames[] = {"",
-                                "<XML/>",
-                                "<?xml version='1.0' encoding='ISO-8859-1'?><XML/>",
-                                "<XML>\r\n  <F>\r\n  </F>\r\n</XML>",
-                                "<?xml version='1.0' encoding='us-ascii'?>\n<XML>\n</XML>",
-                                std::string("\xFF\xFE<\0X\0M\0L\0/\0>\0", 14),
-                                std::string("\xFE\xFF\0<\0X\0M\0L\0/\0>", 14)};
-  const auto atoms = split("a| |\r|\n|\t|<|&|>|]]>|\"|\xC3\xA9|\xE2\x82\xAC|\xF0\x9F\x98\x80|&amp;|--|%");
+  auto frames = split(
+      "|<XML/>|<?xml version='1.0' encoding='ISO-8859-1'?><XML/>|<XML>\r\n  <F>\r\n  </F>\r\n</XML>|"
+      "<?xml version='1.0' encoding='us-ascii'?>\n<XML>\n</XML>",
+      '|');
+  frames.emplace_back("\xFF\xFE<\0X\0M\0L\0/\0>\0", 14);
+  frames.emplace_back("\xFE\xFF\0<\0X\0M\0L\0/\0>", 14);
+  const auto atoms =
+      split("a| |\r|\n|\t|<|&|>|]]>|\"|\xC3\xA9|\xE2\x82\xAC|\xF0\x9F\x98\x80|&amp;|--|%", '|');
   std::mt19937 random(7);
   for (int round = 0; round < 150; ++round) {
     std::string value;
@@ -75,15 +68,19 @@ TEST_F(SecondParser, TakesAndRefusesTheSameDocuments) {
   const auto plain = split(
       "<Key>|</Key>\n|<K>800</K>|<K />|&amp;|&#x20AC;|it's \"so\"|a > b|[x]|\x7F "
       "\t\r\n|\xC3\xA9|\xE2\x82\xAC|\xED\x9F\xBF|"
-      "\xF0\x9F\x98\x80|\xF4\x8F\xBF\xBF|long text, long text, long text, long text");
+      "\xF0\x9F\x98\x80|\xF4\x8F\xBF\xBF|long text, long text, long text, long text",
+      '|');
   const auto rich = split(
       "<!-- ' -->|<![CDATA[<&]]>|<?p i?>|<A a='\xC3\xA9' "
-      "b=\"'>]]>\"/>|<\xC3\xA9>1</\xC3\xA9>|<K\xCC\x81\xE2\x82\xAC/>|<\xF0\x9F\x98\x80/>");
+      "b=\"'>]]>\"/>|<\xC3\xA9>1</\xC3\xA9>|<K\xCC\x81\xE2\x82\xAC/>|<\xF0\x9F\x98\x80/>",
+      '|');
   const auto badMarkup = split(
-      "&|&amp|&nbsp;|&#0;|&#xFFFE;|&#-1;|&#32;|]]>|<|</Key>|<Key>|<1/>|<K a=1/>|<K\xC3\x97/>|<!-- -- -->");
+      "&|&amp|&nbsp;|&#0;|&#xFFFE;|&#-1;|&#32;|]]>|<|</Key>|<Key>|<1/>|<K a=1/>|<K\xC3\x97/>|<!-- -- -->",
+      '|');
   const auto badBytes = split(
       "\x01|\x0B|\x80|\xC3|\xE2\x82|\xF0\x9F\x98|\xC1\xBF|\xE0\x9F\xBF|\xF0\x8F\xBF\xBF|\xED\xA0\x80|"
-      "\xF4\x90\x80\x80|\xF5\x80\x80\x80|\xEF\xBF\xBE|\xEF\xBF\xBF");
+      "\xF4\x90\x80\x80|\xF5\x80\x80\x80|\xEF\xBF\xBE|\xEF\xBF\xBF",
+      '|');
   std::mt19937 random(11);
   const auto pick = [&](const auto& from) { return from[random() % std::size(from)]; };
   int taken = 0;

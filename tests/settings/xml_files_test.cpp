@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/settings/xml_fixture.h"
+#include "tests/split.h"
 
 namespace veltrano::tests {
 namespace {
@@ -33,27 +34,31 @@ TEST_F(XmlFiles, UntouchedFilesAreSavedAsTheyWere) {
   for (const char c : pretty) crlf += c == '\n' ? "\r\n"s : std::string(1, c);
   const std::u16string wide =
       u"<?xml version=\"1.0\" encoding=\"UTF-16\"?>\r\n<XML><\u00E9>\u20AC\U0001F600</\u00E9></XML>";
-  const std::string files[] = {
-      "<XML/>", pretty, crlf, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone='yes' ?>\n" + pretty,
-      "\xEF\xBB\xBF<?xml version=\"1.0\"?><XML><K>\xE2\x82\xAC</K></XML>", "\xFF\xFE" + utf16(wide, false),
-      "\xFE\xFF" + utf16(wide, true), utf16(wide, false), utf16(wide, true),
-      "<?xml version='1.0' encoding='ISO-8859-1'?><XML><\xE9>\x80\xFF</\xE9></XML>",
-      "<?xml version='1.0' encoding=\"Windows-1252\"?><XML><!-- \x80 --><K>\x93\xE9\x94</K></XML>",
-      "<?xml version='1.0' encoding='us-ascii'?><XML><K>&#233;</K></XML>",
+  auto files = split(
+      "<XML/>|<?xml version='1.0' encoding=\"Windows-1252\"?><XML><!-- \x80 --><K>\x93\xE9\x94</K></XML>|"
+      "\xEF\xBB\xBF<?xml version=\"1.0\"?><XML><K>\xE2\x82\xAC</K></XML>|"
       "<?xml version=\"1.0\" encoding=\"UTF-16\"?><XML>\xC3\xA9</XML>",
-      "<?xml version='1.0' encoding='iso-8859-15'?><XML><K>\xA4 \xE9</K></XML>",
-      "<?xml version='1.0' encoding='KOI8-R'?><XML><\xD0>\xD2</\xD0></XML>",
-      "<?xml version='1.0' encoding='Shift_JIS'?><XML><\x83\x5C>\\ \x95\\ \xB1</\x83\x5C></XML>",
-      "<?xml version='1.0' encoding='Big5'?><XML><K>\xA4\xA4 \xB3\\</K></XML>",
-      "<?xml version='1.0' encoding='GBK'?><XML><K>\xD6\xD0</K></XML>",
-      "<?xml version='1.0' encoding='euc-kr'?><XML><K>\xC7\xD1</K></XML>",
+      '|');
+  files.push_back(pretty);
+  files.push_back(crlf);
+  files.push_back("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone='yes' ?>\n" + pretty);
+  for (const bool big : {false, true}) {
+    files.push_back(utf16(wide, big));
+    files.push_back((big ? "\xFE\xFF" : "\xFF\xFE") + utf16(wide, big));
+  }
+  files.push_back("\xFF\xFE" + utf16(u"<?xml version='1.0' encoding='utf-16le'?><XML>\u4E2D</XML>", false));
+  std::string encodings =
+      "ISO-8859-1=<\xE9>\x80\xFF</\xE9>|us-ascii=&#233;|iso-8859-15=\xA4 \xE9|KOI8-R=<\xD0>\xD2</\xD0>|"
+      "Shift_JIS=<\x83\x5C>\\ \x95\\ \xB1</\x83\x5C>|Big5=\xA4\xA4 \xB3\\|GBK=\xD6\xD0|euc-kr=\xC7\xD1|"
+      "utf-16le=\xC3\xA9";
 #ifndef _WIN32
-      // Wine lacks these tables.
-      "<?xml version='1.0' encoding='EUC-JP'?><XML><K>\xA5\xA2</K></XML>",
-      "<?xml version='1.0' encoding='GB18030'?><XML><K>\x81\x30\x84\x36\xD6\xD0</K></XML>",
+  encodings += "|EUC-JP=\xA5\xA2|GB18030=\x81\x30\x84\x36\xD6\xD0";  // Wine lacks these tables
 #endif
-      "<?xml version='1.0' encoding='utf-16le'?><XML>\xC3\xA9</XML>",
-      "\xFF\xFE" + utf16(u"<?xml version='1.0' encoding='utf-16le'?><XML>\u4E2D</XML>", false)};
+  for (const std::string& row : split(encodings, '|')) {
+    const auto equals = row.find('=');
+    files.push_back("<?xml version='1.0' encoding='" + row.substr(0, equals) + "'?><XML>" +
+                    row.substr(equals + 1) + "</XML>");
+  }
   for (const auto& content : files) {
     open(content);
     EXPECT_EQ(saved(), content);
@@ -90,26 +95,18 @@ std::string nested(std::size_t depth) {
 }
 
 TEST_F(XmlFiles, WhatIsNotWellFormedLoadsAsEmptyAndStays) {
-  const std::string files[] = {"",
-                               "text",
-                               "<XML/>text",
-                               "&#32;<XML/>",
-                               "<!-- only -->",
-                               "<XML a='1' b='2' a='3'/>",
-                               "<XML><?xml version='1.0'?></XML>",
-                               " <?xml version='1.0'?><XML/>",
-                               "<?xml version='1.0'?><?xml version='1.0'?><XML/>",
-                               "<?xml encoding='UTF-8'?><XML/>",
-                               "<?xml version='1.0' encoding='no such encoding'?><XML/>",
-                               "<?xml version='1.0' encoding='Shift_JIS'?><XML>\x83</XML>",
-                               "<XML/>\0"s,
-                               "\xFF\xFE<\0X\0M\0L\0/\0>"s,
-                               "\xFF\xFE" + utf16(u"<XML>\xD800</XML>", false),
-                               "<!DOCTYPE XML><XML/>",
-                               "<!DOCTYPE XML [<!ENTITY a 'b'>]><XML>&a;</XML>",
-                               "<!DOCTYPE XML SYSTEM 'file:///etc/passwd'><XML/>",
-                               nested(257),
-                               nested(1'000'000)};
+  auto files = split(
+      "|text|<XML/>text|&#32;<XML/>|<!-- only -->|<XML a='1' b='2' a='3'/>|<XML><?xml version='1.0'?></XML>|"
+      " <?xml version='1.0'?><XML/>|<?xml version='1.0'?><?xml version='1.0'?><XML/>|<?xml "
+      "encoding='UTF-8'?><XML/>|"
+      "<?xml version='1.0' encoding='no such encoding'?><XML/>|"
+      "<?xml version='1.0' encoding='Shift_JIS'?><XML>\x83</XML>|"
+      "<!DOCTYPE XML><XML/>|<!DOCTYPE XML [<!ENTITY a 'b'>]><XML>&a;</XML>|<!DOCTYPE XML SYSTEM "
+      "'file:///etc/passwd'><XML/>",
+      '|');
+  files.insert(files.end(),
+               {"<XML/>\0"s, "\xFF\xFE<\0X\0M\0L\0/\0>"s, "\xFF\xFE" + utf16(u"<XML>\xD800</XML>", false),
+                nested(257), nested(1'000'000)});
   for (const auto& content : files) {
     open(content);
     EXPECT_THAT(xml.XML_EnumFolders(), Optional(IsEmpty())) << content.substr(0, 60);

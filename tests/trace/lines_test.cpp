@@ -3,9 +3,11 @@
 
 #include <functional>
 #include <limits>
+#include <tuple>
 
 #include "base/files/whole.h"
 #include "database/access/authoring/create_database.h"
+#include "tests/split.h"
 #include "tests/temporary_folder.h"
 #include "tests/trace/trace_lines.h"
 #include "veltrano/ini.h"
@@ -23,45 +25,69 @@ using tests::newTraceLines;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-struct Row {
-  const char* line;  ///< a part of the last line that the call writes
-  std::function<void()> call;
-};
+/// A part of the last line that a call writes, and the call.
+using Row = std::pair<const char*, std::function<void()>>;
+
+/// What the trace says since the last call; the last line of it.
+std::string lastLine() {
+  const auto lines = newTraceLines();
+  return lines.empty() ? "(nothing)" : lines.back();
+}
 
 void check(const std::vector<Row>& rows) {
-  for (const Row& row : rows) {
+  for (const auto& [expected, call] : rows) {
     newTraceLines();
-    row.call();
-    const auto lines = newTraceLines();
-    ASSERT_FALSE(lines.empty()) << row.line;
-    EXPECT_NE(lines.back().find(row.line), std::string::npos) << lines.back() << "\ninstead of\n" << row.line;
+    call();
+    const std::string line = lastLine();
+    EXPECT_NE(line.find(expected), std::string::npos) << line << "\ninstead of\n" << expected;
+  }
+}
+
+// Each has its message, which the host gets as an event, too. What is used instead may follow after "|".
+TEST(TraceLines, OfArgumentsThatThePdfRejects) {
+  VeltranoPDF pdf;
+  std::string raised;
+  pdf.onError = [&](std::string_view message) { raised = message; };
+  double size = 0;
+  const Value word = "red";
+  const std::tuple<const char*, const char*, std::function<void()>> rows[] = {
+      {"PDFSetUnit", "Incorrect Unit|centimetres are used.", [&] { pdf.PDFSetUnit(9); }},
+      {"PDFOrientation", "Incorrect Page Orientation", [&] { pdf.PDFOrientation(2); }},
+      {"PDFFormatPage", "Invalid Page Code Format", [&] { pdf.PDFFormatPage(99); }},
+      {"PDFSetZoomMode", "Zoom mode incorrect.", [&] { pdf.PDFSetZoomMode(word); }},
+      {"PDFSetLayoutMode", "Incorrect Layout", [&] { pdf.PDFSetLayoutMode(9); }},
+      {"PDFSetTextColor", "Invalid Text Color|the colour is black.", [&] { pdf.PDFSetTextColor("FF0000"); }},
+      {"PDFSetLineColor", "Invalid Line Color", [&] { pdf.PDFSetLineColor(""); }},
+      {"PDFSetDrawColor", "Invalide Draw Color", [&] { pdf.PDFSetDrawColor("255"); }},
+      {"PDFSetLineStyle", "Incorrect Line Style", [&] { pdf.PDFSetLineStyle(4); }},
+      {"PDFSetDrawMode", "Incorrect Draw line", [&] { pdf.PDFSetDrawMode(3); }},
+      {"PDFSetAlignement", "Invalid Alignment Code", [&] { pdf.PDFSetAlignement(4); }},
+      {"PDFSetFont", "Invalid Fort |the font is TimesRoman.", [&] { pdf.PDFSetFont(5, 12); }},
+      {"PDFDrawRectangle", "Unable to include this link",
+       [&] { pdf.PDFDrawRectangle(1, 1, 1, 1, Value(5)); }},
+      {"PDFImageWidth", "Error format not supported|the name does not end in",
+       [&] { size = pdf.PDFImageWidth("a.png"); }},
+      {"PDFImage", "JPEG format invalid|there is no file \"none.jpg\".",
+       [&] { pdf.PDFImage("none.jpg", 1, 1, size, size); }}};
+  for (const auto& [member, messages, call] : rows) {
+    raised.clear();
+    newTraceLines();
+    call();
+    const auto parts = tests::split(messages, '|');
+    EXPECT_EQ(raised, parts[0]);
+    const auto expected =
+        std::string("VeltranoPDF.") + member + ": An argument is rejected (\"" + parts[0] + "\"): ";
+    EXPECT_TRUE(lastLine().starts_with(expected + (parts.size() > 1 ? parts[1] : ""))) << expected;
   }
 }
 
 TEST(TraceLines, OfPdf) {
   VeltranoPDF pdf;
   double width = 0;
-  double height = 0;
   check({
       {"PDFEndDoc: No document is open; nothing is done.", [&] { pdf.PDFEndDoc(); }},
       {"PDFNewPage: No document is open", [&] { pdf.PDFNewPage(); }},
-      {"PDFSetUnit: An argument is rejected (\"Incorrect Unit\"): centimetres are used.",
-       [&] { pdf.PDFSetUnit(9); }},
-      {"PDFOrientation: An argument is rejected", [&] { pdf.PDFOrientation(9); }},
-      {"PDFFormatPage: An argument is rejected (\"Invalid Page Code Format\")",
-       [&] { pdf.PDFFormatPage(99); }},
-      {"PDFSetZoomMode: An argument is rejected", [&] { pdf.PDFSetZoomMode(Value(std::string("x"))); }},
-      {"PDFSetLayoutMode: An argument is rejected", [&] { pdf.PDFSetLayoutMode(9); }},
       {"PDFSetLeftMargin: The margin does not fit 16 bits", [&] { pdf.PDFSetLeftMargin(1e6); }},
-      {"PDFSetTextColor: An argument is rejected (\"Invalid Text Color\"): the colour is black.",
-       [&] { pdf.PDFSetTextColor(Value(std::string("red"))); }},
-      {"PDFSetLineColor: An argument is rejected", [&] { pdf.PDFSetLineColor(Value(std::string("red"))); }},
-      {"PDFSetDrawColor: An argument is rejected", [&] { pdf.PDFSetDrawColor(Value(std::string("red"))); }},
-      {"PDFSetLineStyle: An argument is rejected", [&] { pdf.PDFSetLineStyle(99); }},
-      {"PDFSetDrawMode: An argument is rejected", [&] { pdf.PDFSetDrawMode(99); }},
-      {"PDFSetAlignement: An argument is rejected", [&] { pdf.PDFSetAlignement(99); }},
-      {"PDFSetFont: An argument is rejected (\"Invalid Fort \"): the font is TimesRoman.",
-       [&] { pdf.PDFSetFont(99, 12); }},
       {"PDFGetStringWidth: There are no metrics of the font \"None\": ",
        [&] { width = pdf.PDFGetStringWidth("a", "None", 10); }},
       {"PDFLoadAfm: The folder \"", [&] { pdf.PDFLoadAfm("no such folder"); }},
@@ -69,14 +95,8 @@ TEST(TraceLines, OfPdf) {
        [&] { pdf.PDFDrawLine(nan, 1, 2, 3); }},
       {"PDFDrawPolygon: Point 2 is not a pair of numbers",
        [&] {
-         pdf.PDFDrawPolygon({Value::List{Value(1), Value(2)}, Value(std::string("x"))});
+         pdf.PDFDrawPolygon({Value::List{1, 2}, "x"});
        }},
-      {"PDFDrawRectangle: An argument is rejected (\"Unable to include this link\")",
-       [&] { pdf.PDFDrawRectangle(1, 1, 1, 1, Value(5)); }},
-      {"PDFImageWidth: An argument is rejected (\"Error format not supported\"): the name does not end in",
-       [&] { width = pdf.PDFImageWidth("a.png"); }},
-      {"PDFImage: An argument is rejected (\"JPEG format invalid\"): there is no file \"none.jpg\".",
-       [&] { pdf.PDFImage("none.jpg", 1, 1, width, height); }},
       {"PDFEndDoc: The file \"no such folder/a.pdf\" was not written: ",
        [&] {
          pdf.PDFFileName("no such folder/a.pdf");

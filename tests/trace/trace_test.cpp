@@ -8,8 +8,8 @@
 #include "base/files/whole.h"
 #include "base/text/code_page.h"
 #include "database/access/authoring/create_database.h"
+#include "tests/short_memory.h"
 #include "tests/temporary_folder.h"
-#include "tests/trace/short_memory.h"
 #include "tests/trace/trace_lines.h"
 #include "veltrano/mdb.h"
 
@@ -31,8 +31,8 @@ using Lines = std::vector<std::string>;
 TEST(Trace, BeginsWithWhatRunsWhere) {
   trace("A sentence.");
   EXPECT_EQ(newTraceLines(), (Lines{"VeltranoFrameWorkDLL: A sentence."}));
-  EXPECT_TRUE(tests::traceIntroduction().starts_with("VeltranoFrameWorkDLL: Version 1.0.0, "))
-      << tests::traceIntroduction();
+  EXPECT_TRUE(tests::traceIntroduction.starts_with("VeltranoFrameWorkDLL: Version 1.0.0, "))
+      << tests::traceIntroduction;
 }
 
 TEST(Trace, NamesTheInnermostMember) {
@@ -68,19 +68,13 @@ TEST(Trace, LinesOfSeveralWritersNeverMix) {
   std::vector<std::thread> writers;
   for (char c = 'a'; c < 'e'; ++c) {
     writers.emplace_back([c] {
-      for (int i = 0; i < 200; ++i) {
-        trace(std::string(300, c));
-      }
+      for (int i = 0; i < 200; ++i) trace(std::string(300, c));
     });
   }
-  for (auto& writer : writers) {
-    writer.join();
-  }
+  for (auto& writer : writers) writer.join();
   const auto lines = newTraceLines();
   EXPECT_EQ(lines.size(), 800U);
-  for (const auto& line : lines) {
-    EXPECT_EQ(line, "VeltranoFrameWorkDLL: " + std::string(300, line.back()));
-  }
+  for (const auto& line : lines) EXPECT_EQ(line, "VeltranoFrameWorkDLL: " + std::string(300, line.back()));
 }
 
 TEST(Trace, SaysWhichCharactersAreLost) {
@@ -93,12 +87,12 @@ TEST(Trace, SaysWhichCharactersAreLost) {
 
 TEST(Trace, AShortMemoryLosesTheLineAndNotTheCall) {
   const std::string longName(100, 'n');
-  tests::memoryIsShort = true;
+  tests::largestBlock = 0;
   {
     const TracedMember member("VeltranoMDB", "AMemberOfALongName");
     trace("There is no table \"", longName, "\".");
   }
-  tests::memoryIsShort = false;
+  tests::largestBlock = tests::memoryEnough;
   trace("after");
   EXPECT_EQ(newTraceLines(), (Lines{"VeltranoFrameWorkDLL: after"}));
 }
@@ -117,22 +111,22 @@ TEST(Trace, OutlivesTheGlobalObjectsOfTheHost) {
 
 #ifndef _WIN32
 TEST(Trace, DoesNotWaitForThePipeItIsSentTo) {
-  const int pipe = ::mkfifo(tests::traceFile().c_str(), 0600);
+  const int pipe = ::mkfifo(tests::traceFile.c_str(), 0600);
   ASSERT_EQ(pipe, 0);
-  const int reader = ::open(tests::traceFile().c_str(), O_RDONLY | O_NONBLOCK);
+  const int reader = ::open(tests::traceFile.c_str(), O_RDONLY | O_NONBLOCK);
   for (int i = 0; i < 1000; ++i) {
     trace(std::string(1000, 'x'));  // more than a pipe holds
   }
   ::close(reader);
   trace("Nobody reads this either.");
-  EXPECT_TRUE(std::filesystem::remove(tests::traceFile()));
+  EXPECT_TRUE(std::filesystem::remove(tests::traceFile));
 }
 #endif
 
 TEST(Trace, AnUnwritableFileIsNoErrorForTheHost) {
-  std::filesystem::create_directory(tests::traceFile());
+  std::filesystem::create_directory(tests::traceFile);
   trace("lost");
-  EXPECT_TRUE(std::filesystem::remove(tests::traceFile()));
+  EXPECT_TRUE(std::filesystem::remove(tests::traceFile));
 }
 
 }  // namespace
