@@ -4,8 +4,8 @@
 
 #include "tests/pdf/pdf_testing.h"
 
-// A document that uses nearly every member, against a file that was worked out apart from this code, with
-// decimal arithmetic: every object, position, operator and number of it.
+// A document that uses nearly every member, against a file that tests/golden/pdf/whole_document.py works out
+// apart from this code, with decimal arithmetic: every object, position, operator and number of it.
 
 namespace veltrano::tests {
 namespace {
