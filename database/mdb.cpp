@@ -25,10 +25,11 @@ Status noTable() {
 
 /// Whether a step succeeded; the trace says why not, and for which table or field.
 bool succeeded(const Status& done, std::string_view name = {}) {
-  if (!done) {
-    trace("Refused", name.empty() ? "" : " for \"", name, name.empty() ? "" : "\"", ": ", done, ".");
+  if (done) {
+    return true;
   }
-  return static_cast<bool>(done);
+  trace("Refused", name.empty() ? "" : " for \"", name, name.empty() ? "" : "\"", ": ", done, ".");
+  return false;
 }
 
 /// Runs one operation of the current recordset, or does nothing without one.

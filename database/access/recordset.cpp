@@ -17,14 +17,23 @@ namespace {
 Status closedRecordset() {
   return {Failure::missing, "the recordset is closed"};
 }
-Status noCurrentRecord() {
-  return {Failure::missing, "no current record"};
-}
 Status noRecords() {
   return {Failure::missing, "the table has no records"};
 }
 Status noEdit() {
   return {Failure::missing, "no edit is under way"};
+}
+Status noSuchField() {
+  return {Failure::missing, "no such field"};
+}
+
+// The cell of a value that is assigned, but not stored; `buffer` holds it then.
+std::optional<Bytes> draftedCell(const Column& column, const Cell& draft, std::vector<std::uint8_t>& buffer) {
+  if (draft.null || !column.isLongValue()) {
+    return draft.null ? std::nullopt : std::optional(draft.view());
+  }
+  makeInlineCell(draft.bytes, buffer);
+  return buffer;
 }
 
 }  // namespace
@@ -114,13 +123,8 @@ std::optional<RowPointer> AccessRecordset::following() {
   return found ? std::optional(cursor_->row()) : std::nullopt;
 }
 
-// Reads the current record as it is in the file now. Fails without a current record.
-Status AccessRecordset::refresh() {
-  if (state_ != State::onRecord) {
-    return noCurrentRecord();
-  }
-  return current_.refresh(file_->generation) ? Status()
-                                             : Status(Failure::missing, "the record has been deleted");
+Status AccessRecordset::whyNoRecord() const {
+  return {Failure::missing, state_ == State::onRecord ? "the record has been deleted" : "no current record"};
 }
 
 void AccessRecordset::rowDeleted(RowPointer place) {
@@ -179,7 +183,7 @@ std::optional<bool> AccessRecordset::atEnd() {
 
 // --- Reading
 
-Result<std::size_t> AccessRecordset::columnIndex(std::string_view field) {
+std::optional<std::size_t> AccessRecordset::columnIndex(std::string_view field) {
   constexpr std::size_t mostNames = 512;
   for (std::size_t i = 0; i < namesAsked_.size(); ++i) {
     if (nextName_ >= namesAsked_.size()) {
@@ -192,7 +196,7 @@ Result<std::size_t> AccessRecordset::columnIndex(std::string_view field) {
   }
   const Column* column = table_.definition().find(field);
   if (column == nullptr) {
-    return {Failure::missing, "no such field"};
+    return std::nullopt;
   }
   const auto index = static_cast<std::size_t>(column - table_.definition().columns.data());
   if (namesAsked_.size() < mostNames) {
@@ -204,29 +208,18 @@ Result<std::size_t> AccessRecordset::columnIndex(std::string_view field) {
 
 Status AccessRecordset::readText(std::string_view field, std::string& text) {
   text.clear();
-  if (edit_ != Edit::adding) {
-    if (Status current = refresh(); !current) {
-      return current;
-    }
+  if (edit_ != Edit::adding && !refresh()) {
+    return whyNoRecord();
   }
   const auto index = columnIndex(field);
   if (!index) {
-    return index.status();
+    return noSuchField();
   }
   const Column& column = table_.definition().columns[*index];
-  std::optional<Bytes> cell;
-  std::vector<std::uint8_t> inlineCell;
-  if (edit_ == Edit::adding || (edit_ == Edit::changing && drafts_[*index].assigned)) {
-    const Cell& draft = drafts_[*index].cell;
-    if (column.isLongValue()) {
-      makeInlineCell(draft.bytes, inlineCell);
-    }
-    if (!draft.null) {
-      cell = column.isLongValue() ? Bytes(inlineCell) : draft.view();
-    }
-  } else {
-    cell = current_.view().cell(column);
-  }
+  const bool drafted = edit_ == Edit::adding || (edit_ == Edit::changing && drafts_[*index].assigned);
+  std::vector<std::uint8_t> buffer;
+  const auto cell =
+      drafted ? draftedCell(column, drafts_[*index].cell, buffer) : current_.view().cell(column);
   if (!cell) {
     return {Failure::missing, "the field is null"};
   }
@@ -277,8 +270,9 @@ bool AccessRecordset::find(std::string_view field, const TextMatcher& matcher) {
 // --- Writing
 
 Status AccessRecordset::edit() {
-  if (Status current = refresh(); !current || !writer_) {
-    return current ? writable_ : current;
+  const bool current = refresh();
+  if (!current || !writer_) {
+    return current ? writable_ : whyNoRecord();
   }
   dropEdit();
   drafts_.assign(table_.definition().columns.size(), Draft());
@@ -339,7 +333,7 @@ Status AccessRecordset::write(std::string_view field, const Value& value) {
   }
   const auto index = columnIndex(field);
   if (!index) {
-    return index.status();
+    return noSuchField();
   }
   const Column& column = table_.definition().columns[*index];
   if (column.autoNumber || column.autoGuid) {
@@ -371,8 +365,8 @@ Status AccessRecordset::update() {
 }
 
 Status AccessRecordset::updateCurrent() {
-  if (Status current = refresh(); !current) {
-    return current;
+  if (!refresh()) {
+    return whyNoRecord();
   }
   if (std::none_of(drafts_.begin(), drafts_.end(), [](const Draft& draft) { return draft.assigned; })) {
     return {};
@@ -398,8 +392,9 @@ void AccessRecordset::noteChangedKey() {
 
 Status AccessRecordset::remove() {
   dropEdit();
-  if (Status current = refresh(); !current || !writer_) {
-    return current ? writable_ : current;
+  const bool current = refresh();
+  if (!current || !writer_) {
+    return current ? writable_ : whyNoRecord();
   }
   const auto gone = writer_->remove(current_.place());
   if (gone) {

@@ -84,9 +84,11 @@ class AccessRecordset final : public Recordset {
   void dropEdit();
   bool standOn(const SearchAnswer& answer);
   std::optional<RowPointer> following();
-  Status refresh();
+  /// Reads the current record as it is in the file now. False without a current record.
+  bool refresh() { return state_ == State::onRecord && current_.refresh(file_->generation); }
+  [[nodiscard]] Status whyNoRecord() const;
   void rowDeleted(RowPointer place);
-  Result<std::size_t> columnIndex(std::string_view field);
+  std::optional<std::size_t> columnIndex(std::string_view field);
   void prepareNewRecord();
   std::optional<std::int32_t> handOutAutoNumber();
   void keepAutoNumbers();

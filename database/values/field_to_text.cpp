@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <chrono>
+#include <iterator>
 
 #include "base/numbers/numbers.h"
 #include "base/numbers/scaled_numbers.h"
@@ -12,18 +13,30 @@ namespace veltrano {
 
 namespace {
 
-void appendTwoDigits(std::string& text, unsigned value) {
-  text.push_back(static_cast<char>('0' + value / 10 % 10));
-  text.push_back(static_cast<char>('0' + value % 10));
+char* writeTwoDigits(char* to, unsigned value) {
+  to[0] = static_cast<char>('0' + value / 10 % 10);
+  to[1] = static_cast<char>('0' + value % 10);
+  return to + 2;
 }
 
-void appendTime(std::string& text, std::int32_t seconds) {
+char* writeTime(char* to, std::int32_t seconds) {
   const auto time = static_cast<unsigned>(seconds);
-  appendTwoDigits(text, time / 3600);
-  text.push_back(':');
-  appendTwoDigits(text, time / 60 % 60);
-  text.push_back(':');
-  appendTwoDigits(text, time % 60);
+  to = writeTwoDigits(to, time / 3600);
+  *to++ = ':';
+  to = writeTwoDigits(to, time / 60 % 60);
+  *to++ = ':';
+  return writeTwoDigits(to, time % 60);
+}
+
+char* writeDay(char* to, std::int32_t days) {
+  const std::chrono::year_month_day date(dateOrigin + std::chrono::days(days));
+  const auto year = static_cast<unsigned>(static_cast<int>(date.year()));
+  to = writeTwoDigits(to, year / 100);
+  to = writeTwoDigits(to, year % 100);
+  *to++ = '-';
+  to = writeTwoDigits(to, static_cast<unsigned>(date.month()));
+  *to++ = '-';
+  return writeTwoDigits(to, static_cast<unsigned>(date.day()));
 }
 
 }  // namespace
@@ -60,22 +73,18 @@ bool dateToText(Date value, std::string& text) {
   if (!moment) {
     return false;
   }
-  if (moment->day == 0) {
-    appendTime(text, moment->second);
-    return true;
+  char written[std::size("9999-12-31 23:59:59")];
+  char* end = written;
+  if (moment->day != 0) {
+    end = writeDay(end, moment->day);
   }
-  const std::chrono::year_month_day date(dateOrigin + std::chrono::days(moment->day));
-  const auto year = static_cast<unsigned>(static_cast<int>(date.year()));
-  appendTwoDigits(text, year / 100);
-  appendTwoDigits(text, year % 100);
-  text.push_back('-');
-  appendTwoDigits(text, static_cast<unsigned>(date.month()));
-  text.push_back('-');
-  appendTwoDigits(text, static_cast<unsigned>(date.day()));
-  if (moment->second != 0) {
-    text.push_back(' ');
-    appendTime(text, moment->second);
+  if (moment->day != 0 && moment->second != 0) {
+    *end++ = ' ';
   }
+  if (moment->day == 0 || moment->second != 0) {
+    end = writeTime(end, moment->second);
+  }
+  text.assign(written, end);
   return true;
 }
 

@@ -13,8 +13,8 @@ bool RowHandle::moveTo(RowPointer place, std::uint64_t generation) {
   return row_ && view_.valid();
 }
 
-bool RowHandle::refresh(std::uint64_t generation) {
-  if (!deleted_ && generation_ != generation && !moveTo(place_, generation)) {
+bool RowHandle::readAgain(std::uint64_t generation) {
+  if (!deleted_ && !moveTo(place_, generation)) {
     markDeleted();
   }
   return !deleted_;

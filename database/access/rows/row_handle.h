@@ -23,7 +23,9 @@ class RowHandle {
   /// a walk to go on from. `generation` is the file's (OpenFile::generation).
   bool moveTo(RowPointer place, std::uint64_t generation);
   /// Reads the record again if the file has changed since. False if the record is gone.
-  bool refresh(std::uint64_t generation);
+  bool refresh(std::uint64_t generation) {
+    return generation_ == generation ? !deleted_ : readAgain(generation);
+  }
   /// The record was deleted.
   void markDeleted();
   /// Stands on nothing.
@@ -35,6 +37,8 @@ class RowHandle {
   [[nodiscard]] const RowView& view() const { return view_; }
 
  private:
+  bool readAgain(std::uint64_t generation);
+
   const Table* table_;
   RowPointer place_;
   bool deleted_ = false;
