@@ -119,40 +119,45 @@ struct Change {
   std::vector<std::string> content;
 };
 
-const std::string same = "1 2 3: 10>1 11>1 12>2 13>-";
+constexpr const char* atFirst = "1 2 3: 10>1 11>1 12>2 13>-";
 
-const std::vector<Change> changes = {
-    {"add a child", [](Family& f) { return f.addChild(14, 2); }, {same + " 14>2"}},
-    {"add a child of nobody", [](Family& f) { return f.addChild(14, {}); }, {same + " 14>-"}},
-    {"add a child without its parent", [](Family& f) { return f.addChild(14, 9); }, {"!" + same + " 14>3"}},
-    {"add a parent", [](Family& f) { return f.addParent(9); }, {"1 2 3 9: 10>1 11>1 12>2 13>-"}},
-    {"move a child", [](Family& f) { return f.changeChild(12, 1); }, {"1 2 3: 10>1 11>1 12>1 13>-"}},
-    {"free a child", [](Family& f) { return f.changeChild(12, {}); }, {"1 2 3: 10>1 11>1 12>- 13>-"}},
-    {"move a child away", [](Family& f) { return f.changeChild(12, 9); }, {"!1 2 3: 10>1 11>1 12>3 13>-"}},
-    {"change a parent's key",
-     [](Family& f) { return f.changeParent(1, 7); },
-     {"!" + same, "2 3 7: 10>7 11>7 12>2 13>-", "!" + same}},
-    {"change a parent's key to one in use", [](Family& f) { return f.changeParent(1, 2); }, {"!" + same}},
-    {"change a childless parent's key",
-     [](Family& f) { return f.changeParent(3, 7); },
-     {"1 2 7: 10>1 11>1 12>2 13>-"}},
-    {"change another field of a parent", [](Family& f) { return f.renameParent(1); }, {same}},
-    {"delete a parent",
-     [](Family& f) { return f.removeParent(1); },
-     {"!" + same, "2 3: 12>2 13>-", "2 3: 10>- 11>- 12>2 13>-"}},
-    {"delete a childless parent", [](Family& f) { return f.removeParent(3); }, {"1 2: 10>1 11>1 12>2 13>-"}},
-    {"delete a child", [](Family& f) { return f.removeChild(10); }, {"1 2 3: 11>1 12>2 13>-"}},
-};
+std::vector<Change> changes() {
+  const std::string same = atFirst;
+  return {
+      {"add a child", [](Family& f) { return f.addChild(14, 2); }, {same + " 14>2"}},
+      {"add a child of nobody", [](Family& f) { return f.addChild(14, {}); }, {same + " 14>-"}},
+      {"add a child without its parent", [](Family& f) { return f.addChild(14, 9); }, {"!" + same + " 14>3"}},
+      {"add a parent", [](Family& f) { return f.addParent(9); }, {"1 2 3 9: 10>1 11>1 12>2 13>-"}},
+      {"move a child", [](Family& f) { return f.changeChild(12, 1); }, {"1 2 3: 10>1 11>1 12>1 13>-"}},
+      {"free a child", [](Family& f) { return f.changeChild(12, {}); }, {"1 2 3: 10>1 11>1 12>- 13>-"}},
+      {"move a child away", [](Family& f) { return f.changeChild(12, 9); }, {"!1 2 3: 10>1 11>1 12>3 13>-"}},
+      {"change a parent's key",
+       [](Family& f) { return f.changeParent(1, 7); },
+       {"!" + same, "2 3 7: 10>7 11>7 12>2 13>-", "!" + same}},
+      {"change a parent's key to one in use", [](Family& f) { return f.changeParent(1, 2); }, {"!" + same}},
+      {"change a childless parent's key",
+       [](Family& f) { return f.changeParent(3, 7); },
+       {"1 2 7: 10>1 11>1 12>2 13>-"}},
+      {"change another field of a parent", [](Family& f) { return f.renameParent(1); }, {same}},
+      {"delete a parent",
+       [](Family& f) { return f.removeParent(1); },
+       {"!" + same, "2 3: 12>2 13>-", "2 3: 10>- 11>- 12>2 13>-"}},
+      {"delete a childless parent",
+       [](Family& f) { return f.removeParent(3); },
+       {"1 2: 10>1 11>1 12>2 13>-"}},
+      {"delete a child", [](Family& f) { return f.removeChild(10); }, {"1 2 3: 11>1 12>2 13>-"}},
+  };
+}
 
 class RelationMatrix : public testing::TestWithParam<std::tuple<Shape, OnDelete>> {};
 
 TEST_P(RelationMatrix, IsEnforced) {
   const auto [shape, rule] = GetParam();
   const Folder folder;
-  for (const auto& [what, make, content] : changes) {
+  for (const auto& [what, make, content] : changes()) {
     SCOPED_TRACE(what);
     Family family(folder / (std::string(what) + ".mdb"), shape, rule);
-    ASSERT_EQ(family.content(), same);
+    ASSERT_EQ(family.content(), atFirst);
     const Status done = make(family);
     EXPECT_EQ((done ? "" : "!") + family.content(),
               content[content.size() > 1 ? static_cast<std::size_t>(rule) : 0]);

@@ -106,8 +106,9 @@ NewTable layoutTable(const Layout& layout) {
   std::string text = columnsOfRows;
   text += layout.primaryKey.empty() ? "" : "; primary P (" + layout.primaryKey + ")";
   for (const auto& [field, pool] : pools()) {
-    text += (layout.severalColumns ? "; unique By" : "; index By") + field + " (" + field +
-            (layout.ascending ? "" : " desc") + (layout.severalColumns ? ", ID desc) ignorenulls" : ")");
+    text += layout.severalColumns ? "; unique By" : "; index By";
+    text.append(field).append(" (").append(field).append(layout.ascending ? "" : " desc");
+    text += layout.severalColumns ? ", ID desc) ignorenulls" : ")";
   }
   NewTable table = tableOf(text);
   table.columns[3].compressed = false;

@@ -162,20 +162,6 @@ TEST_F(Space, OfDeletedRowsIsUsedAgain) {
   }
 }
 
-TEST_F(Space, OfAShortenedRowIsUsedAgain) {
-  toMemory();
-  RowsOfFile rows("a.mdb", &disk_);
-  const auto first = rows.add(1900, 0);
-  const auto second = rows.add(1900, 0);
-  ASSERT_TRUE(first && second);
-  ASSERT_EQ(first->page, second->page);
-  ASSERT_TRUE(rows.update(*first, 20, 0));
-  const auto third = rows.add(1500, 0);
-  ASSERT_TRUE(third);
-  EXPECT_EQ(third->page, first->page);
-  EXPECT_EQ(rows.check(), "");
-}
-
 // The map of free pages stops being inline in a file that needs bitmap pages beyond the range of the first.
 TEST_F(Space, BitmapPagesOfTheGlobalMapAreInUse) {
   std::filesystem::resize_file(folder_ / "a.mdb", std::uintmax_t{70000} * pageSize);
