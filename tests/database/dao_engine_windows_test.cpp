@@ -10,9 +10,11 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
+#include <cwchar>
 #include <map>
 #include <thread>
+#include <tuple>
 
 #include "base/text/code_page.h"
 #include "database/shared_engine.h"
@@ -33,7 +35,6 @@ struct Script {
   int liveObjects = 0;
   int refuseFrom = -1;  ///< the calls from this one on are answered with an exception
   int calls = 0;
-  std::map<std::string, Value> fields;  ///< what reading a field answers
   bool atEnd = false;
 };
 Script script;
@@ -41,39 +42,82 @@ Script script;
 std::string narrow(const wchar_t* text, std::size_t length) {
   return utf16ToUtf8(std::u16string(text, text + length));
 }
+std::string narrow(BSTR text) {
+  return narrow(text, SysStringLen(text));
+}
 
-std::string describe(const VARIANT& value) {
+/// The variant as one of this kind; numbers as anybody reads and writes them.
+VARIANT converted(VARIANT value, VARTYPE kind) {
+  VARIANT made{};
+  EXPECT_EQ(VariantChangeTypeEx(&made, &value, LOCALE_INVARIANT, VARIANT_NOUSEROVERRIDE, kind), S_OK);
+  return made;
+}
+
+std::string describe(VARIANT value) {
+  static const std::map<VARTYPE, const char*> kinds = {{VT_I4, "long "},     {VT_R8, "double "},
+                                                       {VT_R4, "single "},   {VT_DATE, "date "},
+                                                       {VT_CY, "currency "}, {VT_DECIMAL, "decimal "}};
   switch (value.vt) {
     case VT_EMPTY:
       return "empty";
     case VT_NULL:
       return "null";
-    case VT_BSTR:
-      return "'" + narrow(value.bstrVal, SysStringLen(value.bstrVal)) + "'";
-    case VT_BOOL:
-      return value.boolVal == VARIANT_TRUE ? "true" : value.boolVal == VARIANT_FALSE ? "false" : "odd flag";
-    case VT_I4:
-      return "long " + std::to_string(value.lVal);
-    case VT_R8:
-      return "double " + std::to_string(value.dblVal);
-    case VT_R4:
-      return "single " + std::to_string(value.fltVal);
-    case VT_DATE:
-      return "date " + std::to_string(value.date);
-    case VT_CY:
-      return "currency " + std::to_string(value.cyVal.int64);
-    case VT_DECIMAL:
-      return "decimal " + std::to_string(value.decVal.Lo64) + "/" + std::to_string(value.decVal.scale);
-    case VT_ARRAY | VT_UI1: {
-      LONG last = -1;
-      SafeArrayGetUBound(value.parray, 1, &last);
-      return std::to_string(last + 1) + " bytes";
-    }
     case VT_ERROR:
       return value.scode == DISP_E_PARAMNOTFOUND ? "missing" : "error";
+    case VT_BSTR:
+      return "'" + narrow(value.bstrVal) + "'";
+    case VT_BOOL:
+      return value.boolVal == VARIANT_TRUE ? "true" : value.boolVal == VARIANT_FALSE ? "false" : "odd flag";
+    case VT_ARRAY | VT_UI1:
+      return std::to_string(value.parray->rgsabound[0].cElements) + " bytes";
     default:
-      return "kind " + std::to_string(value.vt);
+      break;
   }
+  const std::string kind = kinds.contains(value.vt) ? kinds.at(value.vt) : "unknown ";
+  value.vt = value.vt == VT_DATE ? VARTYPE{VT_R8} : value.vt;
+  VARIANT text = converted(value, VT_BSTR);
+  const std::string described = kind + narrow(text.bstrVal);
+  VariantClear(&text);
+  return described;
+}
+
+/// A field of the table: its DAO type, and what reading it answers.
+struct Field {
+  SHORT type;
+  VARTYPE kind;
+  const wchar_t* text;
+};
+const std::map<std::string, Field> fields = {
+    {"Null", {4, VT_NULL, L""}},
+    {"Age", {4, VT_NULL, L""}},
+    {"Long", {4, VT_I4, L"-7"}},
+    {"Byte", {4, VT_UI1, L"200"}},
+    {"Object", {4, VT_DISPATCH, L""}},
+    {"Bytes", {4, VT_ARRAY | VT_UI1, L"a\u00e9z"}},
+    {"Flag", {1, VT_BOOL, L"-1"}},
+    {"Cash", {5, VT_CY, L"1.25"}},
+    {"Single", {6, VT_R4, L"0.1"}},
+    {"Double", {7, VT_R8, L"0.1"}},
+    {"Moment", {8, VT_DATE, L"2000-01-01 12:00:00"}},
+    {"Text", {10, VT_BSTR, L"Zo\u00eb"}},
+    {"Decimal", {20, VT_DECIMAL, L"-10.50"}},
+};
+
+VARIANT valueOf(const Field& field) {
+  VARIANT value{};
+  value.vt = field.kind;
+  const std::size_t size = std::wcslen(field.text);
+  if (field.kind == (VT_ARRAY | VT_UI1)) {
+    value.parray = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(size));
+    std::copy_n(field.text, size, static_cast<unsigned char*>(value.parray->pvData));
+  } else if (size != 0) {
+    VARIANT text{};
+    text.vt = VT_BSTR;
+    text.bstrVal = SysAllocString(field.text);
+    value = converted(text, field.kind);
+    VariantClear(&text);
+  }
+  return value;
 }
 
 /// One object of the model: DBEngine, Database, Recordset, Fields or Field, told apart by what they are
@@ -137,68 +181,21 @@ class Recorder final : public IDispatch {
   void answer(const std::string& member, const DISPPARAMS& parameters, VARIANT& result) const {
     static const std::map<std::string, std::string> children = {
         {"OpenDatabase", "Database"}, {"OpenRecordset", "Recordset"}, {"Fields", "Fields"}};
-    const auto child = children.find(member);
-    if (child != children.end() || member.empty()) {
+    if (member.empty() || children.contains(member)) {
       result.vt = VT_DISPATCH;
-      result.pdispVal = new Recorder(
-          member.empty() ? narrow(parameters.rgvarg[0].bstrVal, SysStringLen(parameters.rgvarg[0].bstrVal))
-                         : child->second);
+      result.pdispVal =
+          new Recorder(member.empty() ? narrow(parameters.rgvarg[0].bstrVal) : children.at(member));
     } else if (member == "EOF") {
       result.vt = VT_BOOL;
       result.boolVal = script.atEnd ? VARIANT_TRUE : VARIANT_FALSE;
     } else if (member == "MoveNext") {
       script.atEnd = true;
     } else if (member == "Type") {
-      const std::map<std::string, int> types = {{"Flag", 1},   {"Cash", 5},  {"Single", 6},  {"Double", 7},
-                                                {"Moment", 8}, {"Text", 10}, {"Decimal", 20}};
-      const auto type = types.find(name_);
       result.vt = VT_I2;
-      result.iVal = static_cast<SHORT>(type != types.end() ? type->second : 4);
+      result.iVal = fields.at(name_).type;
     } else if (member == "Value") {
-      auto held = values();
-      VariantCopy(&result, &held.at(name_));
-      for (auto& [name, value] : held) {
-        VariantClear(&value);
-      }
+      result = valueOf(fields.at(name_));
     }
-  }
-
-  /// What the fields hold, each by its name.
-  static std::map<std::string, VARIANT> values() {
-    std::map<std::string, VARIANT> held;
-    const auto add = [&held](const char* name, VARTYPE kind) -> VARIANT& {
-      VARIANT& value = held[name];
-      VariantInit(&value);
-      value.vt = kind;
-      return value;
-    };
-    add("Null", VT_NULL);
-    add("Long", VT_I4).lVal = -7;
-    add("Byte", VT_UI1).bVal = 200;
-    add("Single", VT_R4).fltVal = 0.1F;
-    add("Double", VT_R8).dblVal = 0.1;
-    add("Flag", VT_BOOL).boolVal = VARIANT_TRUE;
-    add("Cash", VT_CY).cyVal.int64 = 12500;
-    add("Moment", VT_DATE).date = 36526.5;
-    add("Object", VT_DISPATCH).pdispVal = nullptr;
-    DECIMAL decimal{};
-    decimal.scale = 2;
-    decimal.sign = DECIMAL_NEG;
-    decimal.Lo64 = 1050;
-    VARIANT& number = add("Decimal", VT_DECIMAL);
-    number.decVal = decimal;
-    number.vt = VT_DECIMAL;  // shares its place with a part of the number
-    VARIANT& text = held["Text"];
-    text.vt = VT_BSTR;
-    text.bstrVal = SysAllocString(L"Zo\u00eb");
-    VARIANT& bytes = held["Bytes"];
-    bytes.vt = VT_ARRAY | VT_UI1;
-    bytes.parray = SafeArrayCreateVector(VT_UI1, 0, 3);
-    void* data = nullptr;
-    SafeArrayAccessData(bytes.parray, &data);
-    std::memcpy(data, "a\xE9z", 3);
-    SafeArrayUnaccessData(bytes.parray);
-    return held;
   }
 
   std::string name_;
@@ -225,26 +222,35 @@ class Factory final : public IClassFactory {
   HRESULT STDMETHODCALLTYPE LockServer(BOOL) override { return S_OK; }
 };
 
-class DaoEngine : public testing::Test {
- protected:
-  void SetUp() override {
-    script = Script();
-    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    ASSERT_EQ(
-        CoRegisterClassObject(daoClass, &factory_, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_),
-        S_OK);
+/// DAO's class, in a thread that may use it.
+class Registration {
+ public:
+  Registration() {
+    EXPECT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
+    EXPECT_EQ(CoRegisterClassObject(daoClass, &factory_, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &number_),
+              S_OK);
   }
-  void TearDown() override {
-    CoRevokeClassObject(registration_);
-    EXPECT_EQ(script.liveObjects, 0) << "references were kept";
+  Registration(const Registration&) = delete;
+  Registration& operator=(const Registration&) = delete;
+  ~Registration() {
+    CoRevokeClassObject(number_);
     CoUninitialize();
   }
+
+ private:
+  Factory factory_;
+  DWORD number_ = 0;
+};
+
+class DaoEngine : public testing::Test {
+ protected:
+  void SetUp() override { script = Script(); }
+  void TearDown() override { EXPECT_EQ(script.liveObjects, 0) << "references were kept"; }
   /// The calls since the last time.
   static std::string takeLog() { return std::exchange(script.log, {}); }
 
  private:
-  Factory factory_;
-  DWORD registration_ = 0;
+  Registration registration_;
 };
 
 TEST_F(DaoEngine, IsChosenAndCalledAsDocumented) {
@@ -259,18 +265,18 @@ TEST_F(DaoEngine, IsChosenAndCalledAsDocumented) {
     mdb.AddNew();
     EXPECT_FALSE(mdb.WriteRecord("Age", 41));
     mdb.Update();
+    EXPECT_EQ(takeLog(),
+              "Recordset.AddNew()\nRecordset.Fields\nFields('Age')\nAge.Type\nAge.Value = long 41\n"
+              "Recordset.Update()\n");
     mdb.Edit();
     mdb.Delete();
     mdb.MoveFirst();
     mdb.MoveLast();
     EXPECT_FALSE(mdb.Eof());
     EXPECT_EQ(mdb.ReadRecord_String("Text"), "Zo\u00eb");
-    EXPECT_EQ(
-        takeLog(),
-        "Recordset.AddNew()\nRecordset.Fields\nFields('Age')\nAge.Type\nAge.Value = long "
-        "41\nRecordset.Update()\n"
-        "Recordset.Edit()\nRecordset.Delete()\nRecordset.MoveFirst()\nRecordset.MoveLast()\nRecordset.EOF\n"
-        "Recordset.Fields\nFields('Text')\nText.Value\n");
+    EXPECT_EQ(takeLog(),
+              "Recordset.Edit()\nRecordset.Delete()\nRecordset.MoveFirst()\nRecordset.MoveLast()\n"
+              "Recordset.EOF\nRecordset.Fields\nFields('Text')\nText.Value\n");
     mdb.MoveNext();
     EXPECT_TRUE(mdb.Eof());
     takeLog();
@@ -295,28 +301,31 @@ TEST_F(DaoEngine, ReadsAndAssignsEveryKind) {
   for (const auto& [field, text] : texts) {
     EXPECT_EQ(mdb.ReadRecord_String(field), text) << field;
   }
-  const struct {
-    const char* field;
-    Value value;
-    const char* assigned;
-  } values[] = {
-      {"Long", Value(), "empty"},
-      {"Long", Null(), "null"},
-      {"Long", true, "true"},
-      {"Long", "x", "'x'"},
-      {"Long", 1.5, "double 1.500000"},
-      {"Long", 0.5F, "single 0.500000"},
-      {"Long", std::int64_t{2147483648}, "decimal 2147483648/0"},
-      {"Long", Date{2.5}, "date 2.500000"},
-      {"Long", Currency{3}, "currency 3"},
-      {"Long", Value::Bytes{1, 2}, "2 bytes"},
-      // Texts reach DAO in the terms of the field, numbers and dates as texts where the field is one.
-      {"Cash", "12345678901234.5678", "decimal 123456789012345678/4"},
-      {"Decimal", Decimal{false, {5, 0, 0, 0}, 1}, "decimal 5/1"},
-      {"Single", "0.1", "single 0.100000"},
-      {"Double", " -1e3", "double -1000.000000"},
-      {"Double", 0.5F, "double 0.500000"},
-      {"Moment", "1900-01-01 12:00:00", "date 2.500000"},
+  const std::pair<Value, const char*> kinds[] = {{Value(), "empty"},
+                                                 {Null(), "null"},
+                                                 {true, "true"},
+                                                 {"x", "'x'"},
+                                                 {1.5, "double 1.5"},
+                                                 {0.5F, "single 0.5"},
+                                                 {Date{2.5}, "date 2.5"},
+                                                 {Currency{3}, "currency 0.0003"},
+                                                 {std::int64_t{2147483648}, "decimal 2147483648"},
+                                                 {Value::Bytes{1, 2}, "2 bytes"}};
+  for (const auto& [value, text] : kinds) {
+    takeLog();
+    mdb.WriteRecord("Long", value);
+    const char* const asked = value.isEmpty() || value.isNull() ? "" : "Long.Type\n";
+    EXPECT_EQ(takeLog(),
+              std::string("Recordset.Fields\nFields('Long')\n") + asked + "Long.Value = " + text + "\n");
+  }
+  // Texts reach DAO in the terms of the field, numbers and dates as texts where the field is one.
+  const std::tuple<const char*, Value, const char*> values[] = {
+      {"Cash", "12345678901234.5678", "decimal 12345678901234.5678"},
+      {"Decimal", Decimal{false, {5, 0, 0, 0}, 1}, "decimal 0.5"},
+      {"Single", "0.1", "single 0.1"},
+      {"Double", " -1e3", "double -1000"},
+      {"Double", 0.5F, "double 0.5"},
+      {"Moment", "1900-01-01 12:00:00", "date 2.5"},
       {"Flag", "TRUE", "true"},
       {"Text", 0.1F, "'0.1'"},
       {"Text", 12.5, "'12.5'"},
@@ -326,9 +335,7 @@ TEST_F(DaoEngine, ReadsAndAssignsEveryKind) {
   for (const auto& [field, value, assigned] : values) {
     takeLog();
     mdb.WriteRecord(field, value);
-    const std::string asked = value.isEmpty() || value.isNull() ? "" : std::string(field) + ".Type\n";
-    EXPECT_EQ(takeLog(), "Recordset.Fields\nFields('" + std::string(field) + "')\n" + asked + field +
-                             ".Value = " + assigned + "\n");
+    EXPECT_TRUE(takeLog().ends_with(std::string(".Value = ") + assigned + "\n")) << field << ' ' << assigned;
   }
   takeLog();
   mdb.WriteRecord("Long", Opaque());
@@ -363,16 +370,9 @@ TEST_F(DaoEngine, SurvivesRefusalsAtEveryStep) {
 
 TEST_F(DaoEngine, OutlivesTheApartmentThatMadeIt) {
   std::thread([] {
-    ASSERT_EQ(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED), S_OK);
-    Factory factory;
-    DWORD registration = 0;
-    CoRegisterClassObject(daoClass, &factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration);
-    {
-      VeltranoMDB mdb;
-      EXPECT_TRUE(mdb.OpenDB("a.mdb"));
-    }
-    CoRevokeClassObject(registration);
-    CoUninitialize();
+    const Registration registration;
+    VeltranoMDB mdb;
+    EXPECT_TRUE(mdb.OpenDB("a.mdb"));
   }).join();
   {
     VeltranoMDB mdb;
@@ -381,27 +381,9 @@ TEST_F(DaoEngine, OutlivesTheApartmentThatMadeIt) {
   releaseSharedDatabaseEngine();
 }
 
-/// The user's settings, changed for a while.
-class UserSetting {
- public:
-  UserSetting(LCTYPE type, const wchar_t* value) : type_(type) {
-    GetLocaleInfoW(LOCALE_USER_DEFAULT, type, before_, ARRAYSIZE(before_));
-    set(value);
-  }
-  UserSetting(const UserSetting&) = delete;
-  UserSetting& operator=(const UserSetting&) = delete;
-  ~UserSetting() { set(before_); }
-
- private:
-  void set(const wchar_t* value) const { EXPECT_TRUE(SetLocaleInfoW(LOCALE_USER_DEFAULT, type_, value)); }
-
-  LCTYPE type_;
-  wchar_t before_[80] = {};
-};
-
 TEST_F(DaoEngine, ReadsTextsAsTheUserWritesThem) {
-  constexpr unsigned long german =
-      0x407;  // Wine reads numbers by the locale alone, not by the user's own settings
+  // Wine reads numbers by the locale alone, not by the user's own settings.
+  constexpr unsigned long german = 0x407;
   const std::pair<const char*, std::optional<std::string>> numbers[] = {
       {"12,75", "12.75"},       {"-12.345.678.901.234,5678", "-12345678901234.5678"},
       {"1,5E-300", "1.5e-300"}, {"0,0", "0"},
@@ -411,17 +393,19 @@ TEST_F(DaoEngine, ReadsTextsAsTheUserWritesThem) {
     EXPECT_EQ(ownFormOfNumber(text, german), expected) << text;
   }
   EXPECT_EQ(toReal("1,234.5"), 1234.5) << "in the locale of these tests";
-  const UserSetting date(LOCALE_SSHORTDATE, L"dd/MM/yyyy");
+  wchar_t before[80] = {};
+  GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, before, ARRAYSIZE(before));
+  EXPECT_TRUE(SetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, L"dd/MM/yyyy"));
   EXPECT_EQ(toDate("3/4/2026"), Date{46115}) << "the third of April";
   EXPECT_EQ(toDate("2026-04-03"), Date{46115});
   // What was read back goes in again as it is, through either engine.
   const auto engine = makeDaoEngine();
   VeltranoMDB mdb(*engine);
-  ASSERT_TRUE(mdb.OpenDB("a.mdb") && mdb.OpenTable("T"));
-  for (const auto& [field, assigned] : {std::pair{"Double", "double 0.100000"},
-                                        {"Single", "single 0.100000"},
-                                        {"Cash", "decimal 125/2"},
-                                        {"Moment", "date 36526.500000"},
+  EXPECT_TRUE(mdb.OpenDB("a.mdb") && mdb.OpenTable("T"));
+  for (const auto& [field, assigned] : {std::pair{"Double", "double 0.1"},
+                                        {"Single", "single 0.1"},
+                                        {"Cash", "decimal 1.25"},
+                                        {"Moment", "date 36526.5"},
                                         {"Flag", "true"}}) {
     const std::string text = mdb.ReadRecord_String(field);
     takeLog();
@@ -429,6 +413,7 @@ TEST_F(DaoEngine, ReadsTextsAsTheUserWritesThem) {
     EXPECT_NE(takeLog().find(std::string("Value = ") + assigned + "\n"), std::string::npos)
         << field << ' ' << text;
   }
+  EXPECT_TRUE(SetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SSHORTDATE, before));
 }
 
 }  // namespace

@@ -6,40 +6,30 @@
 
 #include <thread>
 
+#include "base/files/paths.h"
 #include "database/access/authoring/create_database.h"
+#include "database/access/authoring/schema_text.h"
 #include "tests/temporary_folder.h"
 
 namespace veltrano {
 namespace {
 
-using access::ColumnType;
-
 /// A database with a password and two tables: "People" (key and name) and "Kinds" (a field of each type).
 class VeltranoMdb : public testing::Test {
  protected:
   void SetUp() override {
-    const access::NewTable people{
-        .name = "People",
-        .columns = {{.name = "N", .type = ColumnType::longInteger}, {.name = "Name"}},
-        .indexes = {{.name = "Key", .columns = {{.name = "N"}}, .primary = true}}};
-    const access::NewTable kinds{
-        .name = "Kinds",
-        .columns = {{.name = "Numeric", .type = ColumnType::numeric, .precision = 18, .scale = 4},
-                    {.name = "Cash", .type = ColumnType::currency},
-                    {.name = "Single", .type = ColumnType::single},
-                    {.name = "Double", .type = ColumnType::real},
-                    {.name = "Moment", .type = ColumnType::dateTime},
-                    {.name = "Words"},
-                    {.name = "Long words", .type = ColumnType::memo}}};
-    const Status made = access::createDatabase(file_, {people, kinds}, {.password = "secret"});
+    const auto tables = access::parseSchema(
+        "table People\n N long\n Name text\n primary Key (N)\n"
+        "table Kinds\n Numeric decimal(18,4)\n Cash currency\n Single single\n Double double\n Moment "
+        "datetime\n"
+        " Words text\n [Long words] memo");
+    ASSERT_TRUE(tables) << tables.status().reason();
+    const Status made = access::createDatabase(file_, *tables, {.password = "secret"});
     ASSERT_TRUE(made) << made.reason();
     ASSERT_TRUE(first_.OpenDB(name(), "somebody", "secret") && first_.OpenTable("People"));
   }
 
-  [[nodiscard]] std::string name() const {
-    const auto text = file_.u8string();
-    return {text.begin(), text.end()};
-  }
+  [[nodiscard]] std::string name() const { return pathToUtf8(file_); }
   static void add(VeltranoMDB& mdb, int number, const Value& name = Null()) {
     mdb.AddNew();
     mdb.WriteRecord("N", number);

@@ -21,8 +21,8 @@ class Crash : public testing::Test {
 
 TEST_F(Crash, LeavesAStateThatTheFileHad) {
   Storm storm;
-  strike(storm, 40);
-  EXPECT_GT(storm.diedTwice, 10);
+  strike(storm, 12);
+  EXPECT_GT(storm.diedTwice, 3);
 }
 
 // With pages of which all bytes after a changed one change, and with pages of which only blocks do.
@@ -30,7 +30,7 @@ TEST_F(Crash, LeavesEncryptedFilesWholeAndSecret) {
   for (const char* label : {"agile, AES-192, SHA-1, 2 rounds", "AES-256, no rounds", "RC4, 40 bits"}) {
     SCOPED_TRACE(label);
     Storm storm(&encryptedSample(label));
-    strike(storm, 10);
+    strike(storm, 4);
   }
 }
 

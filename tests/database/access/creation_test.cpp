@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "base/files/whole.h"
 #include "harness.h"
 
@@ -63,26 +61,22 @@ TEST(Creation, RefusesWhatIsNotValid) {
   makeDatabase(folder / "a.mdb", {smallTable()});
   EXPECT_EQ(createDatabase(folder / "a.mdb", {}).failure(), Failure::exists);
   EXPECT_FALSE(createDatabase(folder / "missing" / "b.mdb", {}));
-  const NewColumn id = {.name = "ID", .type = ColumnType::longInteger};
-  const std::vector<NewTable> bad = {
-      smallTable(),
-      {.name = "", .columns = {id}},
-      {.name = "a.b", .columns = {id}},
-      {.name = "T"},
-      {.name = "T", .columns = {id, id}},
-      {.name = "T", .columns = std::vector<NewColumn>(256, id)},
-      {.name = "T", .columns = {{.name = "t", .size = 256}}},
-      {.name = "T", .columns = {{.name = "d", .type = ColumnType::numeric, .precision = 29}}},
-      {.name = "T", .columns = {{.name = "c", .type = ColumnType::complex}}},
-      {.name = "T", .columns = {id}, .indexes = {{.name = "i", .columns = {{"other"}}}}},
-      {.name = "T", .columns = {id}, .indexes = {{.name = "i"}}},
-      {.name = "T",
-       .columns = {id},
-       .indexes = std::vector<NewIndex>(33, {.name = "i", .columns = {{"ID"}}})},
-      {.name = "T",
-       .columns = {{.name = "o", .type = ColumnType::ole}},
-       .indexes = {{.name = "i", .columns = {{"o"}}}}},
-  };
+  std::vector<NewTable> bad = tablesOf(
+      "table Peo\u017cle; ID long\n"
+      "table a.b; ID long\n"
+      "table T\n"
+      "table T; ID long; ID long\n"
+      "table T; t text(256)\n"
+      "table T; d decimal(29)\n"
+      "table T; c complex\n"
+      "table T; ID long; index i (other)\n"
+      "table T; o ole; index i (o)\n");
+  const NewTable good = tableOf("table T; ID long; index i (ID)");
+  bad.insert(bad.end(), 4, good);
+  bad.end()[-1].name = "";
+  bad.end()[-2].columns.assign(256, good.columns[0]);
+  bad.end()[-3].indexes[0].columns.clear();
+  bad.end()[-4].indexes.assign(33, good.indexes[0]);
   const std::string before = readWholeFile(folder / "a.mdb").value();
   for (std::size_t i = 0; i < bad.size(); ++i) {
     EXPECT_FALSE(createTables(OpenedFile(folder / "a.mdb").pager(), {bad[i]})) << "table " << i;
@@ -133,30 +127,24 @@ TEST(Creation, LeavesNothingOnAFullDisk) {
 
 TEST(Creation, TakesAsManyColumnsAsTheFormatHas) {
   const Folder folder;
-  NewTable wide = {.name = "Wide"};
+  std::string schema = "table Wide";
   for (int i = 0; i < 255; ++i) {
-    const auto type = i % 3 == 0 ? ColumnType::memo : i % 3 == 1 ? ColumnType::boolean : ColumnType::text;
-    wide.columns.push_back({.name = "Column number " + std::to_string(i), .type = type});
+    constexpr const char* types[] = {" memo", " boolean", " text"};
+    schema += "; C" + std::to_string(i) + types[i % 3];
   }
   for (int i = 0; i < 32; ++i) {
-    wide.indexes.push_back(
-        {.name = "Index " + std::to_string(i), .columns = {{"column number " + std::to_string(i * 3 + 1)}}});
+    schema += "; index I" + std::to_string(i) + " (c" + std::to_string(i * 3 + 1) + ")";
   }
-  makeDatabase(folder / "a.mdb", {wide});
+  makeDatabase(folder / "a.mdb", tablesOf(schema));
   {
     const auto database = open(folder / "a.mdb");
     const auto table = openTable(*database, "wide");
     ASSERT_TRUE(table);
-    table->addNew();
-    EXPECT_TRUE(table->write("Column number 254", std::string(200, 'x')));
-    EXPECT_TRUE(table->write("Column number 252", std::string(3000, 'x')));
-    EXPECT_TRUE(table->write("Column number 253", true));
-    EXPECT_TRUE(table->update());
+    EXPECT_TRUE(
+        add(*table, {{"C254", std::string(200, 'x')}, {"C252", std::string(3000, 'x')}, {"C253", true}}));
     table->moveFirst();
-    EXPECT_EQ(read(*table, "Column number 252").size(), 3000U);
-    EXPECT_EQ(read(*table, "Column number 253"), "True");
-    EXPECT_EQ(read(*table, "Column number 1"), "False");
-    EXPECT_EQ(read(*table, "Column number 2"), "()");
+    EXPECT_EQ(read(*table, "C252").size(), 3000U);
+    EXPECT_EQ(read(*table, "C253") + read(*table, "C1") + read(*table, "C2"), "TrueFalse()");
   }
   EXPECT_EQ(OpenedFile(folder / "a.mdb").check(), "");
 }

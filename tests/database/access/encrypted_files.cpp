@@ -101,26 +101,26 @@ const EncryptedSample& encryptedSample(std::string_view label) {
 }
 
 std::string encrypted(std::string content, const EncryptedSample& sample) {
-  constexpr std::size_t pageSize = 4096;
+  constexpr std::size_t size = 4096;
   const MutableBytes all(reinterpret_cast<std::uint8_t*>(content.data()), content.size());
-  maskHeader(all.first(pageSize), Version::jet4);
+  maskHeader(all.first(size), Version::jet4);
   content.replace(0x3E, 4, sample.key);
-  maskHeader(all.first(pageSize), Version::ace12);
+  maskHeader(all.first(size), Version::ace12);
   content.replace(4, 17, std::string("Standard ACE DB\0\x02", 17));
   store16(&all[0x299], static_cast<std::uint32_t>(sample.information.size()));
   content.replace(0x29B, sample.information.size(), sample.information);
   const auto cipher =
       unlock(all.subspan(0x29B, sample.information.size()),
              load32(reinterpret_cast<const std::uint8_t*>(sample.key.data())), sample.password);
-  for (std::size_t page = 1; page * pageSize < content.size(); ++page) {
-    (*cipher)->encode(static_cast<PageNumber>(page), all.subspan(page * pageSize, pageSize));
+  for (std::size_t page = 1; page * size < content.size(); ++page) {
+    (*cipher)->encode(static_cast<PageNumber>(page), all.subspan(page * size, size));
   }
   return content;
 }
 
 std::string unhex(std::string_view digits) {
   std::string bytes;
-  for (std::size_t i = 0; i + 2 <= digits.size(); i += 2) {
+  for (std::size_t i = 0; i + 2 <= digits.size(); i += digits.substr(i + 2, 1) == " " ? 3 : 2) {
     bytes.push_back(static_cast<char>(std::stoi(std::string(digits.substr(i, 2)), nullptr, 16)));
   }
   return bytes;

@@ -27,7 +27,7 @@ const EncryptedSample& encryptedSample(std::string_view label);
 /// Encrypts the content of a file of Access 2000 to make one of Access 2007 of it. Its password is the sample's.
 std::string encrypted(std::string content, const EncryptedSample& sample);
 
-/// The bytes that hexadecimal digits stand for.
+/// The bytes that hexadecimal digits stand for, two by two, with a blank between them or none.
 std::string unhex(std::string_view digits);
 
 /// The information of agile encryption, as Access writes it.

@@ -1,6 +1,5 @@
-#include <gtest/gtest.h>
-
 #include <set>
+#include <tuple>
 
 #include "database/access/pages/long_value.h"
 #include "database/access/pages/row.h"
@@ -12,12 +11,6 @@
 
 namespace veltrano::access {
 namespace {
-
-using ByteList = std::vector<std::uint8_t>;
-
-ByteList bytesOf(std::string_view text) {
-  return {text.begin(), text.end()};
-}
 
 TEST(Header, MaskIsTheKnownKeyStream) {
   const ByteList known = {0xB5, 0x6F, 0x03, 0x62, 0x61, 0x08, 0xC2, 0x55, 0xEB, 0xA9, 0x67, 0x72};
@@ -32,47 +25,37 @@ TEST(Header, MaskIsTheKnownKeyStream) {
   }
 }
 
-struct TextCase {
-  const char* label;
-  ByteList stored;
-  std::string utf8;
-};
-
 TEST(StoredText, IsDecoded) {
-  const std::vector<TextCase> cases = {
+  const std::tuple<const char*, ByteList, const char*> cases[] = {
       {"empty", {}, ""},
-      {"UTF-16", {0x41, 0, 0xE9, 0, 0xAC, 0x20}, "A\xC3\xA9\xE2\x82\xAC"},
-      {"surrogates", {0x3D, 0xD8, 0x00, 0xDE}, "\xF0\x9F\x98\x80"},
-      {"lone surrogates",
-       {0x3D, 0xD8, 0x41, 0, 0x00, 0xDE},
-       "\xED\xA0\xBD"
-       "A\xED\xB8\x80"},
+      {"UTF-16", {0x41, 0, 0xE9, 0, 0xAC, 0x20}, "A\u00e9\u20ac"},
+      {"surrogates", {0x3D, 0xD8, 0x00, 0xDE}, "\U0001F600"},
+      {"lone surrogates", {0x3D, 0xD8, 0x40, 0, 0x00, 0xDE}, "\xED\xA0\xBD@\xED\xB8\x80"},
       {"odd byte at the end", {0x41, 0, 0x42}, "A"},
       {"compressed, nothing", {0xFF, 0xFE}, ""},
-      {"compressed Latin-1, not 1252", {0xFF, 0xFE, 0x41, 0xE9, 0x80}, "A\xC3\xA9\xC2\x80"},
-      {"two modes",
-       {0xFF, 0xFE, 0x41, 0, 0xAC, 0x20, 0, 0x42},
-       "A\xE2\x82\xAC"
-       "B"},
-      {"ends in two-byte mode", {0xFF, 0xFE, 0x41, 0, 0xAC, 0x20}, "A\xE2\x82\xAC"},
-      {"half a unit", {0xFF, 0xFE, 0x41, 0, 0xAC}, "A"}};
-  for (const TextCase& one : cases) {
+      {"compressed Latin-1, not 1252", {0xFF, 0xFE, 0x41, 0xE9, 0x80}, "A\u00e9\xC2\x80"},
+      {"two modes", {0xFF, 0xFE, 0x41, 0, 0xAC, 0x20, 0, 0x42}, "A\u20acB"},
+      {"ends in two-byte mode", {0xFF, 0xFE, 0x41, 0, 0xAC, 0x20}, "A\u20ac"},
+      {"half a unit", {0xFF, 0xFE, 0x41, 0, 0xAC}, "A"},
+  };
+  for (const auto& [label, stored, utf8] : cases) {
     std::string text;
-    storedTextToUtf8(one.stored, text);
-    EXPECT_EQ(text, one.utf8) << one.label;
+    storedTextToUtf8(stored, text);
+    EXPECT_EQ(text, utf8) << label;
   }
 }
 
 TEST(CodePages, AreThoseThatTheSystemKnows) {
-  const std::vector<std::tuple<std::uint16_t, std::string, std::optional<std::string>>> cases = {
-      {1252, "\x80\x81", "\xE2\x82\xAC\xC2\x81"},
-      {1250, "\xB3", "\xC5\x82"},
-      {1251, "\xE6", "\xD0\xB6"},
-      {1253, "\xE1", "\xCE\xB1"},
-      {932, "a\x83\x41\\", "a\xE3\x82\xA2\\"},
-      {932, "\x83", "\xEF\xBF\xBD"},
-      {7, "a", std::nullopt},
-      {0, "", std::nullopt}};
+  const std::tuple<std::uint16_t, std::string, std::optional<std::string>> cases[] = {
+      {1252, "\x80\x81", "\u20ac\xC2\x81"},
+      {1250, "\xB3", "\u0142"},
+      {1251, "\xE6", "\u0436"},
+      {1253, "\xE1", "\u03b1"},
+      {932, "a\x83\x41\\", "a\u30a2\\"},
+      {932, "\x83", "\ufffd"},
+      {7, "a", {}},
+      {0, "", {}},
+  };
   for (const auto& [codePage, bytes, utf8] : cases) {
     EXPECT_EQ(codePageToUtf8(codePage, bytesOf(bytes)), utf8) << codePage;
     EXPECT_EQ(isKnownCodePage(codePage), utf8.has_value()) << codePage;
@@ -99,7 +82,8 @@ TEST(StoredText, IsCompressedWhereThatIsAllowed) {
   EXPECT_EQ(stored.size(), 2050U) << "too long to be compressed";
 }
 
-Column column(ColumnType type, std::uint16_t number, std::uint16_t place, std::uint16_t length, bool fixed) {
+Column columnAt(ColumnType type, std::uint16_t number, std::uint16_t place, std::uint16_t length,
+                bool fixed) {
   Column made;
   made.type = type;
   made.number = number;
@@ -130,12 +114,12 @@ TEST(Row, OfAccess97IsRead) {
   ASSERT_EQ(row.size(), 55U);
   const RowView view(row, Version::jet3, true);
   ASSERT_TRUE(view.valid());
-  EXPECT_EQ(cellOf(view, column(ColumnType::longInteger, 0, 0, 4, true)), ByteList({1, 0, 0, 0x0F}));
-  EXPECT_EQ(cellOf(view, column(ColumnType::text, 2, 0, 255, false)), bytesOf("Tables"));
-  EXPECT_EQ(cellOf(view, column(ColumnType::integer, 3, 8, 2, true)), ByteList({3, 0}));
-  EXPECT_EQ(cellOf(view, column(ColumnType::dateTime, 5, 18, 8, true)), date);
-  EXPECT_EQ(cellOf(view, column(ColumnType::binary, 6, 1, 255, false)), ByteList({2, 3}));
-  EXPECT_EQ(cellOf(view, column(ColumnType::memo, 8, 2, 0, false)), std::nullopt);
+  EXPECT_EQ(cellOf(view, columnAt(ColumnType::longInteger, 0, 0, 4, true)), ByteList({1, 0, 0, 0x0F}));
+  EXPECT_EQ(cellOf(view, columnAt(ColumnType::text, 2, 0, 255, false)), bytesOf("Tables"));
+  EXPECT_EQ(cellOf(view, columnAt(ColumnType::integer, 3, 8, 2, true)), ByteList({3, 0}));
+  EXPECT_EQ(cellOf(view, columnAt(ColumnType::dateTime, 5, 18, 8, true)), date);
+  EXPECT_EQ(cellOf(view, columnAt(ColumnType::binary, 6, 1, 255, false)), ByteList({2, 3}));
+  EXPECT_EQ(cellOf(view, columnAt(ColumnType::memo, 8, 2, 0, false)), std::nullopt);
 }
 
 // 300 and 5 bytes: the second offset and the end (306) are beyond 255, so the jump table says "from entry 1
@@ -148,16 +132,16 @@ TEST(Row, OfAccess97WithJumpTableIsRead) {
     row.push_back(static_cast<std::uint8_t>(byte));
   }
   const RowView view(row, Version::jet3, true);
-  EXPECT_EQ(cellOf(view, column(ColumnType::text, 0, 0, 0, false)), ByteList(300, 'x'));
-  EXPECT_EQ(cellOf(view, column(ColumnType::text, 1, 1, 0, false)), ByteList(5, 'y'));
+  EXPECT_EQ(cellOf(view, columnAt(ColumnType::text, 0, 0, 0, false)), ByteList(300, 'x'));
+  EXPECT_EQ(cellOf(view, columnAt(ColumnType::text, 1, 1, 0, false)), ByteList(5, 'y'));
 }
 
 TEST(Row, IsBuiltAndReadBack) {
   TableDefinition table;
   table.maxColumns = 3;
   table.variableColumns = 1;
-  table.columns = {column(ColumnType::longInteger, 0, 0, 4, true), column(ColumnType::text, 1, 0, 10, false),
-                   column(ColumnType::boolean, 2, 0, 1, true)};
+  table.columns = {columnAt(ColumnType::longInteger, 0, 0, 4, true),
+                   columnAt(ColumnType::text, 1, 0, 10, false), columnAt(ColumnType::boolean, 2, 0, 1, true)};
   ByteList row;
   buildRow(table.rowLayout(), {{false, {5, 0, 0, 0}}, {false, {'a', 0, 'b', 0}}, {false, {1}}}, row);
   EXPECT_EQ(row, ByteList({3, 0, 5, 0, 0, 0, 'a', 0, 'b', 0, 10, 0, 6, 0, 1, 0, 7}));
@@ -165,7 +149,7 @@ TEST(Row, IsBuiltAndReadBack) {
   EXPECT_EQ(cellOf(view, table.columns[1]), ByteList({'a', 0, 'b', 0}));
   EXPECT_EQ(cellOf(view, table.columns[2]), ByteList({1}));
   // A column that was added after the row was written.
-  EXPECT_EQ(cellOf(view, column(ColumnType::text, 3, 1, 10, false)), std::nullopt);
+  EXPECT_EQ(cellOf(view, columnAt(ColumnType::text, 3, 1, 10, false)), std::nullopt);
   for (std::size_t size = 0; size < row.size(); ++size) {
     const RowView cut(Bytes(row).first(size), Version::jet4, true);
     for (const Column& one : table.columns) {
@@ -176,34 +160,34 @@ TEST(Row, IsBuiltAndReadBack) {
   }
 }
 
-TEST(LongValue, InTheRowEndsWithItsCell) {
-  const Folder folder;
-  makeDatabase(folder / "a.mdb", {});
-  const OpenedFile file(folder / "a.mdb");
+using LongValue = DatabaseTest;
+
+TEST_F(LongValue, InTheRowEndsWithItsCell) {
+  make({});
   ByteList cell;
   makeInlineCell(bytesOf("abc"), cell);
   ByteList buffer;
   for (const std::uint32_t stated : {2U, 3U, 4U, 0x3FFFFFFFU}) {
     store32(cell.data(), stated | 0x80000000U);
-    const auto value = readLongValue(file.pager(), cell, buffer);
+    const auto value = readLongValue(pager(), cell, buffer);
     ASSERT_TRUE(value);
     EXPECT_EQ(value->size(), std::min(stated, 3U)) << stated;
   }
-  EXPECT_FALSE(readLongValue(file.pager(), Bytes(cell).first(11), buffer));
+  EXPECT_FALSE(readLongValue(pager(), Bytes(cell).first(11), buffer));
 }
 
+using UsageMapTest = DatabaseTest;
+
 // The edges of what the inline window and one bitmap page hold, and random pages between.
-TEST(UsageMap, HoldsAnySetOfPages) {
-  const Folder folder;
-  makeDatabase(folder / "a.mdb", {plainTable()});
-  const OpenedFile file(folder / "a.mdb");
-  const auto definition = findTable(file.pager(), "Plain");
-  const Transaction transaction(file.pager());
-  UsageMap map(file.pager(), definition->ownedPages);
+TEST_F(UsageMapTest, HoldsAnySetOfPages) {
+  make({plainTable()});
+  const auto definition = findTable(pager(), "Plain");
+  const Transaction transaction(pager());
+  UsageMap map(pager(), definition->ownedPages);
   std::set<PageNumber> expected;
   RandomWork work(3);
   std::vector<PageNumber> pages = {20, 531, 21, 19, 530, 0, 32735, 32736, 65471, 65472, 524287};
-  for (int i = 0; i < 200; ++i) {
+  for (int i = 0; i < 100; ++i) {
     pages.push_back(static_cast<PageNumber>(work.number(524288)));
   }
   for (std::size_t i = 0; i < pages.size(); ++i) {

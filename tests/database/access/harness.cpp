@@ -1,42 +1,48 @@
 #include "harness.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <array>
 
+#include "base/files/paths.h"
+#include "database/access/authoring/schema_text.h"
 #include "database/access/check/database_check.h"
 #include "database/access/engine.h"
 #include "database/access/schema/catalog.h"
+#include "database/access/storage/space/allocator.h"
+#include "database/access/storage/space/usage_map.h"
 #include "database/values/text_matcher.h"
 
 namespace veltrano::access {
 
-NewTable peopleTable() {
-  return {.name = "People",
-          .columns = {{.name = "ID", .type = ColumnType::longInteger},
-                      {.name = "Name", .type = ColumnType::text, .size = 60},
-                      {.name = "Plain", .type = ColumnType::text, .size = 60, .compressed = false},
-                      {.name = "Code", .type = ColumnType::text, .size = 12},
-                      {.name = "Notes", .type = ColumnType::memo},
-                      {.name = "Picture", .type = ColumnType::ole},
-                      {.name = "Raw", .type = ColumnType::binary, .size = 40},
-                      {.name = "Born", .type = ColumnType::dateTime},
-                      {.name = "Amount", .type = ColumnType::currency},
-                      {.name = "Ratio", .type = ColumnType::real},
-                      {.name = "Small", .type = ColumnType::single},
-                      {.name = "Price", .type = ColumnType::numeric, .precision = 12, .scale = 3},
-                      {.name = "Flag", .type = ColumnType::boolean},
-                      {.name = "Tiny", .type = ColumnType::byte},
-                      {.name = "Count", .type = ColumnType::integer},
-                      {.name = "Path"},
-                      {.name = "Mark", .type = ColumnType::guid}},
-          .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
-                      {.name = "ByName", .columns = {{"Name"}, {"Born", false}}},
-                      {.name = "ByCode", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true},
-                      {.name = "ByNotes", .columns = {{"Notes", false}}},
-                      {.name = "ByPath", .columns = {{"Path"}}},
-                      {.name = "ByAmount", .columns = {{"Amount", false}}, .ignoreNulls = true},
-                      {.name = "ByPrice", .columns = {{"Price"}, {"Flag"}, {"Mark"}, {"Raw"}}}}};
+ByteList bytesOf(std::string_view text) {
+  return {text.begin(), text.end()};
+}
+
+std::vector<NewTable> tablesOf(std::string_view schema) {
+  std::string text(schema);
+  std::replace(text.begin(), text.end(), ';', '\n');
+  auto tables = parseSchema(text);
+  EXPECT_TRUE(tables) << tables.status().reason();
+  return *std::move(tables);
+}
+
+NewTable tableOf(std::string_view schema) {
+  return tablesOf(schema).front();
+}
+
+const NewTable& peopleTable() {
+  static const NewTable people = [] {
+    NewTable table = tableOf(
+        "table People; ID long; Name text(60); Plain text(60); Code text(12); Notes memo; Picture ole;"
+        "Raw binary(40); Born datetime; Amount currency; Ratio double; Small single; Price decimal(12,3);"
+        "Flag boolean; Tiny byte; Count integer; Path text; Mark guid;"
+        "primary PrimaryKey (ID); index ByName (Name, Born desc); unique ByCode (Code) ignorenulls;"
+        "index ByNotes (Notes desc); index ByPath (Path); index ByAmount (Amount desc) ignorenulls;"
+        "index ByPrice (Price, Flag, Mark, Raw)");
+    table.columns[2].compressed = false;
+    return table;
+  }();
+  return people;
 }
 
 NewTable plainTable() {
@@ -46,20 +52,60 @@ NewTable plainTable() {
   return table;
 }
 
+NewTable smallTable() {
+  return tableOf(
+      "table Peo\u017cle; ID autonumber; Name text(5) required; Note memo nonempty default =\"new\";"
+      "Code text(10); Tiny byte; Flag boolean; Mark autoguid;"
+      "primary PrimaryKey (ID); unique Code (Code) ignorenulls");
+}
+
 namespace {
 
-std::string utf8Of(const std::filesystem::path& path) {
-  const auto text = path.u8string();
-  return {text.begin(), text.end()};
+Status finish(Recordset& recordset, const Values& values) {
+  for (const auto& [field, value] : values) {
+    EXPECT_TRUE(recordset.write(field, value)) << field;
+  }
+  return recordset.update();
 }
 
 }  // namespace
+
+Status add(Recordset& recordset, const Values& values) {
+  const Status begun = recordset.addNew();
+  return begun ? finish(recordset, values) : begun;
+}
+
+Status change(Recordset& recordset, const Values& values) {
+  const Status begun = recordset.edit();
+  return begun ? finish(recordset, values) : begun;
+}
+
+void stand(Recordset& recordset, std::string_view field, const std::string& text) {
+  recordset.moveFirst();
+  EXPECT_TRUE(recordset.find(field, TextMatcher(text, CaseRule::exact))) << field << " = " << text;
+}
+
+std::string read(Recordset& recordset, std::string_view field) {
+  std::string text = "not replaced";
+  return recordset.readText(field, text) ? text : "(" + text + ")";
+}
+
+std::string readAll(Recordset& recordset, std::initializer_list<const char*> fields) {
+  std::string all;
+  for (recordset.moveFirst(); recordset.atEnd() == false; recordset.moveNext()) {
+    for (const char* field : fields) {
+      all += read(recordset, field);
+    }
+    all += " ";
+  }
+  return all;
+}
 
 std::unique_ptr<Database> open(const std::filesystem::path& file,
                                const std::optional<std::string>& password) {
   const auto connect =
       password ? std::optional(std::string(passwordConnectPrefix) + *password) : std::nullopt;
-  auto database = makeAccessEngine()->openDatabase(utf8Of(file), connect);
+  auto database = makeAccessEngine()->openDatabase(pathToUtf8(file), connect);
   return database ? *std::move(database) : nullptr;
 }
 
@@ -68,31 +114,25 @@ std::unique_ptr<Recordset> openTable(Database& database, const std::string& name
   return table ? *std::move(table) : nullptr;
 }
 
-std::string read(Recordset& recordset, const std::string& field) {
-  std::string text = "not replaced";
-  return recordset.readText(field, text) ? text : "(" + text + ")";
-}
-
-NewTable smallTable() {
-  return {.name = "Peo\xC5\xBCle",
-          .columns = {{.name = "ID", .type = ColumnType::longInteger, .autoNumber = true},
-                      {.name = "Name", .type = ColumnType::text, .size = 5, .required = true},
-                      {.name = "Note",
-                       .type = ColumnType::memo,
-                       .allowZeroLength = false,
-                       .defaultValue = "=\"new\""},
-                      {.name = "Code", .type = ColumnType::text, .size = 10},
-                      {.name = "Tiny", .type = ColumnType::byte},
-                      {.name = "Flag", .type = ColumnType::boolean},
-                      {.name = "Mark", .type = ColumnType::guid, .autoNumber = true}},
-          .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
-                      {.name = "Code", .columns = {{"Code"}}, .unique = true, .ignoreNulls = true}}};
-}
-
 void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
                   const NewDatabase& options) {
   const Status made = createDatabase(file, tables, options);
   ASSERT_TRUE(made) << made.reason();
+}
+
+void useUp(Pager& pager, PageNumber end) {
+  UsageMap free(pager, globalMap);
+  for (PageNumber page = 0; page < end; ++page) {
+    free.remove(page);
+  }
+}
+
+void fillToTheEnd(const std::filesystem::path& file) {
+  std::filesystem::resize_file(file, maximumFileSize(Version::jet4));
+  const OpenedFile opened(file);
+  Transaction transaction(opened.pager());
+  useUp(opened.pager(), 32736);
+  ASSERT_TRUE(transaction.commit());
 }
 
 OpenedFile::OpenedFile(const std::filesystem::path& file, FileSystem* files, std::uint32_t cachePages,
@@ -122,6 +162,30 @@ std::unique_ptr<AccessRecordset> OpenedFile::table(TableDefinition definition) {
 
 std::string OpenedFile::check() const {
   return checkDatabase(pager(), CheckCounters::yes);
+}
+
+void DatabaseTest::make(const std::vector<NewTable>& tables, const NewDatabase& options,
+                        std::uint32_t cachePages) {
+  makeDatabase(file_, tables, options);
+  opened_.emplace(file_, nullptr, cachePages);
+}
+
+void DatabaseTest::close() {
+  tables_.clear();
+  opened_.reset();
+}
+
+void DatabaseTest::reopen() {
+  close();
+  opened_.emplace(file_);
+}
+
+AccessRecordset& DatabaseTest::table(const std::string& name) {
+  auto& known = tables_[name];
+  if (!known) {
+    known = opened_->table(name);
+  }
+  return *known;
 }
 
 std::vector<Record> readAll(AccessRecordset& recordset) {
@@ -167,24 +231,9 @@ std::string difference(std::vector<Record> found, const Model& model, bool order
 // Letters of one, two, three and four bytes in UTF-8; upper and lower case; the ends of what may be
 // compressed.
 std::string RandomWork::randomText(int most) {
-  static const char* const letters[] = {
-      "a",
-      "B",
-      "c",
-      "z",
-      "0",
-      "-",
-      " x",
-      "'",
-      "\xC3\xA9",
-      "\xC3\xBF",
-      "\xC3\x9F",
-      "\xC5\xBB",
-      "\xCE\xA9",
-      "\xE2\x82\xAC",
-      "\xE3\x81\x82",
-      "\xF0\x9F\x98\x80",
-  };
+  static const char* const letters[] = {"a",      "B",      "c",      "z",         "0",      "-",
+                                        " x",     "'",      "\u00e9", "\u00ff",    "\u00df", "\u017b",
+                                        "\u03a9", "\u20ac", "\u3042", "\U0001F600"};
   const int kinds = number(3) == 0 ? 16 : 8;
   std::string text;
   for (int length = number(most + 1); length > 0; --length) {
@@ -273,8 +322,7 @@ bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& af
     return static_cast<bool>(recordset.update());
   }
   const auto chosen = std::next(before.begin(), number(static_cast<int>(before.size())));
-  recordset.moveFirst();
-  EXPECT_TRUE(recordset.find("ID", TextMatcher(std::to_string(chosen->first), CaseRule::exact)));
+  stand(recordset, "ID", std::to_string(chosen->first));
   if (number(5) < 2) {
     after.erase(chosen->first);
     return static_cast<bool>(recordset.remove());

@@ -1,16 +1,20 @@
 #ifndef VELTRANO_TESTS_DATABASE_ACCESS_HARNESS_H
 #define VELTRANO_TESTS_DATABASE_ACCESS_HARNESS_H
 
-// What the engine's tests share: files that go away, a table with a column of every type, and random changes
-// to it next to a model in memory.
+// What the engine's tests share: files that go away, tables and records in short, a table with a column of
+// every type, and random changes to it next to a model in memory.
 
-#include <array>
+#include <gtest/gtest.h>
+
 #include <filesystem>
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <optional>
 #include <random>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/files/random_access.h"
@@ -22,28 +26,59 @@ namespace veltrano::access {
 
 using Folder = tests::TemporaryFolder;
 
+using ByteList = std::vector<std::uint8_t>;
+
+inline constexpr std::size_t pageSize = 4096;
+
+ByteList bytesOf(std::string_view text);
+
+// --- Tables
+
+/// The tables of a schema text (authoring/schema_text.h); a semicolon ends a line, too.
+std::vector<NewTable> tablesOf(std::string_view schema);
+/// The only one.
+NewTable tableOf(std::string_view schema);
+
 /// "People": a column of every type that files can be made with. ID is the primary key, Code unique, Name and
 /// Notes indexed.
-NewTable peopleTable();
+const NewTable& peopleTable();
 /// The same without any index: kept in storage order.
 NewTable plainTable();
-
 /// "Peo\u017Cle": ID counts, Name is required and short, Note has a default, Code is unique.
 NewTable smallTable();
 
-/// Opens a file as a host does; null if it is refused.
-std::unique_ptr<Database> open(const std::filesystem::path& file,
-                               const std::optional<std::string>& password = {});
+// --- Records, as a host writes and reads them
 
-/// Null if the table is refused.
-std::unique_ptr<Recordset> openTable(Database& database, const std::string& name);
+using Values = std::vector<std::pair<std::string, Value>>;
 
+/// Adds a record. Each field must take its value.
+Status add(Recordset& recordset, const Values& values);
+/// Changes the current record.
+Status change(Recordset& recordset, const Values& values);
+/// Stands on the first record with this text in a field; fails the test if there is none.
+void stand(Recordset& recordset, std::string_view field, const std::string& text);
 /// A field's text; in brackets if there is none.
-std::string read(Recordset& recordset, const std::string& field);
+std::string read(Recordset& recordset, std::string_view field);
+/// These fields of all records, one after the other: "1a 2b ".
+std::string readAll(Recordset& recordset, std::initializer_list<const char*> fields);
+
+// --- Files
 
 /// Makes a database with these tables; fails the test if that fails.
 void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
                   const NewDatabase& options = {});
+
+/// Makes a file as long as one may be, with no free page in it.
+void fillToTheEnd(const std::filesystem::path& file);
+
+/// Opens a file as a host does; null if it is refused.
+std::unique_ptr<Database> open(const std::filesystem::path& file,
+                               const std::optional<std::string>& password = {});
+/// Null if the table is refused.
+std::unique_ptr<Recordset> openTable(Database& database, const std::string& name);
+
+/// Takes the pages below `end` out of the map of free pages; inside a transaction.
+void useUp(Pager& pager, PageNumber end);
 
 /// An open file, and what its soundness is.
 class OpenedFile {
@@ -67,6 +102,29 @@ class OpenedFile {
   std::shared_ptr<OpenFile> file_;
   std::string reason_;
 };
+
+/// A database in a folder of the test's own.
+class DatabaseTest : public testing::Test {
+ protected:
+  /// Makes the file and opens it.
+  void make(const std::vector<NewTable>& tables, const NewDatabase& options = {},
+            std::uint32_t cachePages = 4096);
+  void close();
+  void reopen();
+  /// The same one each time, until the file is closed.
+  AccessRecordset& table(const std::string& name);
+  [[nodiscard]] Pager& pager() const { return opened_->pager(); }
+  [[nodiscard]] std::string check() const { return opened_->check(); }
+
+  Folder folder_;
+  std::filesystem::path file_ = folder_ / "a.mdb";
+  std::optional<OpenedFile> opened_;
+
+ private:
+  std::map<std::string, std::unique_ptr<AccessRecordset>> tables_;
+};
+
+// --- Random changes
 
 /// A record as a host reads it; nothing for a null.
 using Record = std::map<std::string, std::optional<std::string>>;

@@ -1,10 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <set>
 
 #include "base/files/replace.h"
 #include "base/files/whole.h"
-#include "database/values/text_matcher.h"
 #include "encrypted_files.h"
 #include "harness.h"
 
@@ -30,8 +27,7 @@ class Watcher {
 
   void standOn(int id) {
     id_ = id;
-    recordset_.moveFirst();
-    ASSERT_TRUE(recordset_.find("ID", TextMatcher(std::to_string(id), CaseRule::exact)));
+    stand(recordset_, "ID", std::to_string(id));
   }
   // After one change of the other: what is read is that record or nothing, and the walk goes on after it.
   void check(const Model& before, const Model& after) {
@@ -99,19 +95,18 @@ TEST_P(Oracle, FileAndModelAgree) {
         Watcher watcher(&acting == recordsets[0].get() ? *recordsets[1] : *recordsets[0], name == "People");
         const bool watched = !model.empty() && work.number(4) == 0;
         if (watched) {
-          ASSERT_NO_FATAL_FAILURE(
-              watcher.standOn(std::next(model.begin(), work.number(static_cast<int>(model.size())))->first));
+          watcher.standOn(std::next(model.begin(), work.number(static_cast<int>(model.size())))->first);
         }
-        const Model before = model;
-        Model after;
-        if (work.step(acting, model, after)) {
-          model = std::move(after);
+        Model other;  // what the table would be, or was
+        const bool done = work.step(acting, model, other);
+        if (done) {
+          std::swap(model, other);
         } else {
-          ASSERT_TRUE(name == "People" && breaksUniqueness(model, after, work.added()));
+          ASSERT_TRUE(name == "People" && breaksUniqueness(model, other, work.added()));
           ++refused;
         }
         if (watched) {
-          ASSERT_NO_FATAL_FAILURE(watcher.check(before, model))
+          ASSERT_NO_FATAL_FAILURE(watcher.check(done ? other : model, model))
               << name << ", round " << round << ", step " << i;
         }
       }
@@ -124,11 +119,11 @@ TEST_P(Oracle, FileAndModelAgree) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, Oracle,
-                         testing::Values(OracleCase{1, 2000, 4096, 0}, OracleCase{2, 1200, 16, 0},
-                                         OracleCase{3, 400, 16, 0xC0FFEE}, OracleCase{4, 1200, 64, 0},
+                         testing::Values(OracleCase{1, 1000, 4096, 0}, OracleCase{2, 600, 16, 0},
+                                         OracleCase{3, 400, 16, 0xC0FFEE}, OracleCase{4, 600, 64, 0},
                                          OracleCase{5, 400, 16, 0, "RC4, 128 bits"},
                                          OracleCase{6, 400, 16, 0, "AES-128, 50000 rounds"},
-                                         OracleCase{7, 800, 16, 0, "agile, AES-128, SHA-1"}),
+                                         OracleCase{7, 400, 16, 0, "agile, AES-128, SHA-1"}),
                          [](const auto& one) { return "seed" + std::to_string(one.param.seed); });
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include "database/access/storage/pager.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <tuple>
 
 #include "base/files/whole.h"
 #include "harness.h"
@@ -14,7 +14,6 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr std::size_t pageSize = 4096;
 constexpr PageNumber somePage = 3;
 
 class PagerTest : public testing::Test {
@@ -48,12 +47,18 @@ class PagerTest : public testing::Test {
     }
     return static_cast<bool>(transaction.commit());
   }
-  /// The process dies, and another one opens the file.
-  void dieAndOpen() {
+  /// The process dies.
+  void die() {
     disk_.dieAfter(-1);
     pager_.reset();
     disk_.revive();
     disk_.calls.clear();
+  }
+  /// Another process opens the file of one that has died.
+  void open(const std::string& database, const std::string& journal) {
+    die();
+    disk_.put("a.mdb", database);
+    disk_.put("a.mdb-journal", journal);
     open();
   }
 
@@ -80,7 +85,8 @@ TEST_F(PagerTest, WaitsForTheDiskAtCheckpointsOnly) {
 
 TEST_F(PagerTest, RecoveryWaitsForTheDisk) {
   put(1);
-  dieAndOpen();
+  die();
+  open();
   EXPECT_THAT(disk_.calls, ElementsAre("sync a.mdb-journal", "write a.mdb", "resize a.mdb", "sync a.mdb",
                                        "write a.mdb-journal", "sync a.mdb-journal", "remove a.mdb-journal",
                                        "create a.mdb-journal", "remove a.mdb-journal"))
@@ -102,7 +108,8 @@ TEST_F(PagerTest, RecoveryCutsOffWhatWasNotCommitted) {
     EXPECT_GT(disk_.content("a.mdb").size(), (pages + 800) * pageSize);
     disk_.dieAfter(-1);
   }
-  dieAndOpen();
+  die();
+  open();
   EXPECT_EQ(pager_->pageCount(), pages + 4);
   EXPECT_EQ(disk_.content("a.mdb").size(), (pages + 4) * pageSize);
   EXPECT_EQ(got(pages + 3), (pages + 3) % 251 + 1);
@@ -125,7 +132,8 @@ TEST_F(PagerTest, LargeTransactionsAreWhole) {
     ASSERT_EQ(got(page), page % 251 + 1);
   }
   ASSERT_TRUE(append(100));
-  dieAndOpen();
+  die();
+  open();
   EXPECT_EQ(pager_->pageCount(), pages + 400);
   EXPECT_EQ(got(pages + 399), (pages + 399) % 251 + 1);
 }
@@ -152,24 +160,13 @@ TEST_F(PagerTest, ADamagedRecordDoesNotCount) {
   const std::string first = disk_.content("a.mdb-journal");
   put(2);
   const std::string both = disk_.content("a.mdb-journal");
-  disk_.dieAfter(-1);
-  pager_.reset();
-  for (std::size_t at = 0; at <= both.size(); ++at) {
+  const auto before = static_cast<std::uint8_t>(base_[(somePage + 1) * pageSize - 1]);
+  for (std::size_t at = 0; at < both.size(); ++at) {
     std::string damaged = both;
-    if (at < both.size()) {
-      damaged[at] = static_cast<char>(damaged[at] ^ 1);
-    }
-    disk_.revive();
-    disk_.put("a.mdb", base_);
-    disk_.put("a.mdb-journal", damaged);
-    open();
+    damaged[at] = static_cast<char>(damaged[at] ^ 1);
+    open(base_, damaged);
     // The damaged record ends the journal.
-    const int expected = at == both.size() ? 2
-                         : at >= first.size()
-                             ? 1
-                             : static_cast<std::uint8_t>(base_[(somePage + 1) * pageSize - 1]);
-    ASSERT_EQ(got(), expected) << "byte " << at;
-    pager_.reset();
+    ASSERT_EQ(got(), at >= first.size() ? 1 : before) << "byte " << at;
   }
 }
 
@@ -182,15 +179,9 @@ TEST_F(PagerTest, TheNextRecordMayBeCutAnywhere) {
   const std::string database = disk_.content("a.mdb");
   ASSERT_TRUE(put(2));
   const std::string next = disk_.content("a.mdb-journal");
-  disk_.dieAfter(-1);
-  pager_.reset();
   for (std::size_t cut = 0; cut <= next.size(); ++cut) {
-    disk_.revive();
-    disk_.put("a.mdb", database);
-    disk_.put("a.mdb-journal", next.substr(0, cut) + voided.substr(std::min(cut, voided.size())));
-    open();
+    open(database, next.substr(0, cut) + voided.substr(std::min(cut, voided.size())));
     ASSERT_EQ(got(), cut == next.size() ? 2 : 1) << "cut after " << cut;
-    pager_.reset();
   }
 }
 
@@ -200,24 +191,18 @@ TEST_F(PagerTest, AJournalOfAnotherFileIsLeftOut) {
   const std::string appended = disk_.content("a.mdb-journal");
   ASSERT_TRUE(put(1));
   const std::string changed = disk_.content("a.mdb-journal");
-  disk_.dieAfter(-1);
-  pager_.reset();
   makeDatabase(folder_ / "b.mdb", {peopleTable()}, {.created = 40000});
   std::string edited = base_;
   edited[(somePage + 1) * pageSize - 1] = 77;
-  const std::vector<std::tuple<const char*, std::string, std::string>> cases = {
+  const std::tuple<const char*, std::string, std::string> cases[] = {
       {"longer", appended, base_ + std::string(50 * pageSize, 'x')},
       {"shorter", appended, base_.substr(0, base_.size() - pageSize)},
       {"edited", changed, edited},
       {"other header", changed, readWholeFile(folder_ / "b.mdb").value()}};
   for (const auto& [name, journal, database] : cases) {
-    disk_.revive();
-    disk_.put("a.mdb", database);
-    disk_.put("a.mdb-journal", journal);
-    open();
+    open(database, journal);
     EXPECT_EQ(disk_.content("a.mdb"), database) << name;
     EXPECT_FALSE(disk_.exists("a.mdb-journal")) << name;
-    pager_.reset();
   }
 }
 
@@ -231,9 +216,7 @@ TEST_F(PagerTest, AFolderThatTakesNoJournalMakesTheFileReadOnly) {
 
 TEST_F(PagerTest, AReaderRefusesWhatItCannotPutRight) {
   put(1);
-  disk_.dieAfter(-1);
-  pager_.reset();
-  disk_.revive();
+  die();
   EXPECT_FALSE(Pager::open("a.mdb", {.readOnly = true, .files = &disk_}));
   open();
   pager_.reset();

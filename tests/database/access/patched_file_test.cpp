@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "base/files/whole.h"
 #include "database/access/schema/catalog.h"
 #include "database/access/schema/field_codec.h"
@@ -8,43 +6,39 @@
 namespace veltrano::access {
 namespace {
 
-using ByteList = std::vector<std::uint8_t>;
-
 // Files as other programs make them, from ours by changing bytes.
-class PatchedFile : public testing::Test {
+class PatchedFile : public DatabaseTest {
  protected:
   void SetUp() override {
     // The day 0 masks the password with zeros, so that the header reads as that of any version.
-    makeDatabase(file_, {peopleTable()}, {.created = 0.5});
-    OpenedFile opened(file_);
-    const TableDefinition table = *findTable(opened.pager(), "People");
-    definition_ = table.page;
-    root_ = table.primaryKey()->root;
+    make({peopleTable()}, {.created = 0.5});
+    const TableDefinition people = *findTable(pager(), "People");
+    definition_ = people.page;
+    root_ = people.primaryKey()->root;
+    close();
   }
   void patch(std::size_t at, const std::string& bytes) {
     std::string content = readWholeFile(file_).value();
     replaceFile(file_, content.replace(at, bytes.size(), bytes));
   }
   void fill(int seed) {
-    OpenedFile opened(file_);
-    ASSERT_TRUE(opened.opened()) << opened.reason();
-    const auto people = opened.table("People");
+    reopen();
+    ASSERT_TRUE(opened_->opened()) << opened_->reason();
     RandomWork work(static_cast<unsigned>(seed));
     for (int i = 0; i < 40; ++i) {
       Model after;
-      if (work.step(*people, model_, after)) {
+      if (work.step(table("People"), model_, after)) {
         model_ = std::move(after);
       }
     }
+    close();
   }
   std::string whatIsWrong() {
-    OpenedFile opened(file_);
-    const std::string wrong = opened.check();
-    return wrong.empty() ? difference(readAll(*opened.table("People")), model_, false) : wrong;
+    reopen();
+    const std::string wrong = check();
+    return wrong.empty() ? difference(readAll(table("People")), model_, false) : wrong;
   }
 
-  Folder folder_;
-  std::filesystem::path file_ = folder_ / "a.mdb";
   std::size_t definition_ = 0;
   std::size_t root_ = 0;
   Model model_;
@@ -58,11 +52,11 @@ TEST_F(PatchedFile, OfAnyVersionIsOpened) {
     EXPECT_GT(model_.size(), 5U);
     EXPECT_EQ(whatIsWrong(), "") << version;
     // Emptied, for the keys of numeric columns differ between versions.
-    OpenedFile opened(file_);
-    const auto people = opened.table("People");
-    for (people->moveFirst(); people->atEnd() == false; people->moveNext()) {
-      EXPECT_TRUE(people->remove());
+    AccessRecordset& people = table("People");
+    for (people.moveFirst(); people.atEnd() == false; people.moveNext()) {
+      EXPECT_TRUE(people.remove());
     }
+    close();
     model_.clear();
   }
 }
@@ -109,9 +103,9 @@ TEST_F(PatchedFile, OfJet3IsReadInItsCodePages) {
 
 TEST_F(PatchedFile, WithADamagedPrimaryKeyIsRead) {
   fill(1);
-  patch(root_ * 4096, std::string(2, '\0'));
-  OpenedFile opened(file_);
-  EXPECT_EQ(difference(readAll(*opened.table("People")), model_, false), "");
+  patch(root_ * pageSize, std::string(2, '\0'));
+  reopen();
+  EXPECT_EQ(difference(readAll(table("People")), model_, false), "");
 }
 
 TEST_F(PatchedFile, CountsTheKeysOfEachIndex) {
@@ -120,49 +114,35 @@ TEST_F(PatchedFile, CountsTheKeysOfEachIndex) {
     std::vector<std::uint32_t> all;
     for (std::size_t i = 0; i < peopleTable().indexes.size(); ++i) {
       all.push_back(
-          load32(reinterpret_cast<const std::uint8_t*>(&content[definition_ * 4096 + 63 + 12 * i + 4])));
+          load32(reinterpret_cast<const std::uint8_t*>(&content[definition_ * pageSize + 63 + 12 * i + 4])));
     }
     return all;
   };
-  {
-    OpenedFile opened(file_);
-    const auto people = opened.table("People");
-    for (int id = 1; id <= 4; ++id) {
-      people->addNew();
-      people->write("ID", id);
-      people->write("Name", id < 3 ? "same" : "other");
-      people->write("Code", id < 3 ? Value(std::to_string(id)) : Value(Null{}));
-      EXPECT_TRUE(people->update());
-    }
+  reopen();
+  for (int id = 1; id <= 4; ++id) {
+    EXPECT_TRUE(add(table("People"), {{"ID", id},
+                                      {"Name", id < 3 ? "same" : "other"},
+                                      {"Code", id < 3 ? Value(std::to_string(id)) : Value(Null{})}}));
   }
+  close();
   // ID, Name, Code (null twice: left out), Notes and Path (null: one key), Amount (left out), Price.
   EXPECT_EQ(counts(), (std::vector<std::uint32_t>{4, 2, 2, 1, 1, 0, 1}));
-  {
-    OpenedFile opened(file_);
-    const auto people = opened.table("People");
-    people->moveFirst();
-    people->edit();
-    people->write("Code", "9");
-    EXPECT_TRUE(people->update() && people->remove());
-  }
+  reopen();
+  EXPECT_TRUE(change(table("People"), {{"Code", "9"}}) && table("People").remove());
+  close();
   EXPECT_EQ(counts(), (std::vector<std::uint32_t>{4, 2, 3, 1, 1, 0, 1})) << "they never go down";
 }
 
 TEST_F(PatchedFile, MayLackTheMapOfPagesWithRoom) {
   fill(1);
-  patch(definition_ * 4096 + 59, std::string(4, '\0'));
+  patch(definition_ * pageSize + 59, std::string(4, '\0'));
   EXPECT_EQ(whatIsWrong(), "");
 }
 
 TEST_F(PatchedFile, WithAChainThatLeadsOutOfItIsUnsound) {
-  {
-    OpenedFile opened(file_);
-    const auto people = opened.table("People");
-    people->addNew();
-    people->write("ID", 1);
-    people->write("Picture", std::string(5000, 'x'));
-    EXPECT_TRUE(people->update());
-  }
+  reopen();
+  EXPECT_TRUE(add(table("People"), {{"ID", 1}, {"Picture", std::string(5000, 'x')}}));
+  close();
   // The last piece is the shorter one; its pointer to the next is zero.
   const std::size_t piece =
       readWholeFile(file_).value().rfind(std::string(4, '\0') + std::string(5000 % 4072, 'x'));

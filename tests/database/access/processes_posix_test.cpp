@@ -1,6 +1,5 @@
 // What takes other programs: mdbtools as an independent reader, and a writer killed by the system.
 
-#include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,6 +8,7 @@
 #include <chrono>
 #include <cstdio>
 #include <thread>
+#include <utility>
 
 #include "harness.h"
 
@@ -26,66 +26,48 @@ std::string outputOf(const std::string& command) {
   return output;
 }
 
+using Mdbtools = DatabaseTest;
+
 // And encoded pages and relations.
-TEST(Mdbtools, ReadsEveryColumnType) {
+TEST_F(Mdbtools, ReadsEveryColumnType) {
   if (std::system("command -v mdb-export > /dev/null") != 0) {
     GTEST_SKIP() << "mdbtools is not installed";
   }
-  const Folder folder;
   NewTable people = peopleTable();
   people.columns[0].autoNumber = true;
-  const NewTable other = {.name = "Other", .columns = {{.name = "Of", .type = ColumnType::longInteger}}};
-  makeDatabase(folder / "a.mdb", {people, other},
-               {.pageKey = 0x12345678,
-                .relations = {{"R", "People", {"ID"}, "Other", {"Of"}, true, OnDelete::cascade}}});
+  make({people, tableOf("table Other; Of long")},
+       {.pageKey = 0x12345678,
+        .relations = {{"R", "People", {"ID"}, "Other", {"Of"}, true, OnDelete::cascade}}});
   const std::string longText(5000, 'n');
   const std::string longerText(12000, 'm');
-  {
-    OpenedFile file(folder / "a.mdb");
-    const auto recordset = file.table("People");
-    const std::vector<std::vector<std::pair<const char*, Value>>> records = {
-        {{"Name", "Zo\xC3\xAB \xC5\xBB\xC3\xB3\xC5\x82w"},
-         {"Plain", "plain"},
-         {"Code", "abc"},
-         {"Notes", "short"},
-         {"Picture", Value::Bytes{1, 2, 0xFF}},
-         {"Raw", Value::Bytes{0xAB, 0xCD}},
-         {"Born", "1999-12-31 23:59:58"},
-         {"Amount", "-12.3456"},
-         {"Ratio", 0.5},
-         {"Small", -2.25},
-         {"Price", "123456789.125"},
-         {"Flag", true},
-         {"Tiny", 255},
-         {"Count", -32768},
-         {"Mark", "{00112233-4455-6677-8899-AABBCCDDEEFF}"}},
-        {{"Notes", longText}, {"Born", "1950-01-02"}},
-        {{"Notes", longerText}, {"Name", "will be deleted"}},
-        {{"Name", "last"}}};
-    for (const auto& record : records) {
-      recordset->addNew();
-      for (const auto& [field, value] : record) {
-        EXPECT_TRUE(recordset->write(field, value)) << field;
-      }
-      EXPECT_TRUE(recordset->update());
-    }
-    const auto others = file.table("Other");
-    for (const int of : {3, 4}) {
-      others->addNew();
-      others->write("Of", of);
-      EXPECT_TRUE(others->update());
-    }
-    recordset->moveFirst();
-    recordset->moveNext();
-    recordset->moveNext();
-    recordset->remove();
-    recordset->moveFirst();
-    recordset->moveNext();
-    recordset->edit();
-    recordset->write("Notes", longerText);
-    recordset->update();
+  const Values entries[] = {{{"Name", "Zo\u00eb \u017b\u00f3\u0142w"},
+                             {"Plain", "plain"},
+                             {"Code", "abc"},
+                             {"Notes", "short"},
+                             {"Picture", Value::Bytes{1, 2, 0xFF}},
+                             {"Raw", Value::Bytes{0xAB, 0xCD}},
+                             {"Born", "1999-12-31 23:59:58"},
+                             {"Amount", "-12.3456"},
+                             {"Ratio", 0.5},
+                             {"Small", -2.25},
+                             {"Price", "123456789.125"},
+                             {"Flag", true},
+                             {"Tiny", 255},
+                             {"Count", -32768},
+                             {"Mark", "{00112233-4455-6677-8899-AABBCCDDEEFF}"}},
+                            {{"Notes", longText}, {"Born", "1950-01-02"}},
+                            {{"Notes", longerText}, {"Name", "will be deleted"}},
+                            {{"Name", "last"}}};
+  for (const Values& entry : entries) {
+    EXPECT_TRUE(add(table("People"), entry));
   }
-  const std::string file = "'" + (folder / "a.mdb").string() + "'";
+  EXPECT_TRUE(add(table("Other"), {{"Of", 3}}) && add(table("Other"), {{"Of", 4}}));
+  stand(table("People"), "ID", "3");
+  EXPECT_TRUE(table("People").remove());
+  stand(table("People"), "ID", "2");
+  EXPECT_TRUE(change(table("People"), {{"Notes", longerText}}));
+  close();
+  const std::string file = "'" + file_.string() + "'";
   EXPECT_EQ(outputOf("mdb-tables -1 " + file), "People\nOther\n");
   EXPECT_EQ(outputOf("mdb-count " + file + " People"), "3\n");
   EXPECT_EQ(outputOf("mdb-export -H " + file + " Other"), "4\n") << "what depended on record 3 went with it";
@@ -93,15 +75,52 @@ TEST(Mdbtools, ReadsEveryColumnType) {
       outputOf("mdb-schema " + file + " postgres")
           .find("FOREIGN KEY (\"of\") REFERENCES \"People\"(\"id\") ON UPDATE CASCADE ON DELETE CASCADE"),
       std::string::npos);
-  EXPECT_EQ(
-      outputOf("mdb-export -H -Q -d '|' -b hex -T '%Y-%m-%d %H:%M:%S' " + file + " People"),
-      "1|Zo\xC3\xAB \xC5\xBB\xC3\xB3\xC5\x82w|plain|abc|short|0102FF|ABCD|1999-12-31 23:59:58|-12.3456|0.5|"
-      "-2.25|123456789.125|1|255|-32768||"
-      "7B30303131323233332D343435352D363637372D383839394141424243434444454546467D\n"
-      "2||||" +
-          longerText +
-          "|||1950-01-02 00:00:00|||||0||||\n"
-          "4|last|||||||||||0||||\n");
+  EXPECT_EQ(outputOf("mdb-export -H -Q -d '|' -b hex -T '%Y-%m-%d %H:%M:%S' " + file + " People"),
+            "1|Zo\u00eb \u017b\u00f3\u0142w|plain|abc|short|0102FF|ABCD|1999-12-31 23:59:58|-12.3456|0.5|"
+            "-2.25|123456789.125|1|255|-32768||"
+            "7B30303131323233332D343435352D363637372D383839394141424243434444454546467D\n"
+            "2||||" +
+                longerText +
+                "|||1950-01-02 00:00:00|||||0||||\n"
+                "4|last|||||||||||0||||\n");
+}
+
+// Another process, killed at the latest with this object, and a pipe from it.
+class OtherProcess {
+ public:
+  /// `work` gets the end of the pipe to write to.
+  template <typename Work>
+  explicit OtherProcess(Work work) {
+    EXPECT_EQ(::pipe(pipe_.data()), 0);
+    id_ = ::fork();
+    if (id_ == 0) {
+      work(pipe_[1]);
+      ::_exit(1);
+    }
+    ::close(pipe_[1]);
+  }
+  OtherProcess(const OtherProcess&) = delete;
+  OtherProcess& operator=(const OtherProcess&) = delete;
+  ~OtherProcess() {
+    kill();
+    ::close(pipe_[0]);
+  }
+  void kill() {
+    if (id_ != 0) {
+      ::kill(id_, SIGKILL);
+      ::waitpid(std::exchange(id_, 0), nullptr, 0);
+    }
+  }
+  /// What it has written, if it has or will.
+  bool read(int& value) { return ::read(pipe_[0], &value, sizeof value) == ssize_t{sizeof value}; }
+
+ private:
+  std::array<int, 2> pipe_ = {};
+  pid_t id_ = 0;
+};
+
+bool tell(int pipe, int value) {
+  return ::write(pipe, &value, sizeof value) == ssize_t{sizeof value};
 }
 
 // The lock goes with the process, however that ends.
@@ -110,24 +129,17 @@ TEST(SecondProcess, IsToldNoWhileTheFirstHasTheFile) {
   const auto path = folder / "a.mdb";
   makeDatabase(path, {peopleTable()});
   for (const bool firstReads : {false, true}) {
-    std::array<int, 2> pipe = {};
-    ASSERT_EQ(::pipe(pipe.data()), 0);
-    const pid_t first = ::fork();
-    if (first == 0) {
+    OtherProcess first([&](int pipe) {
       const auto opened = Pager::open(path, {.readOnly = firstReads});
-      const char done = opened ? 'y' : 'n';
-      static_cast<void>(::write(pipe[1], &done, 1) == 1 && ::pause());
-      ::_exit(1);
-    }
-    char opened = 0;
-    ASSERT_EQ(::read(pipe[0], &opened, 1), 1);
-    EXPECT_EQ(opened, 'y');
+      if (tell(pipe, opened ? 1 : 0)) {
+        ::pause();
+      }
+    });
+    int opened = 0;
+    ASSERT_TRUE(first.read(opened) && opened == 1);
     EXPECT_EQ(Pager::open(path, {}).failure(), Failure::inUse);
     EXPECT_EQ(Pager::open(path, {.readOnly = true}).failure(), firstReads ? Failure::none : Failure::inUse);
-    ::kill(first, SIGKILL);
-    ::waitpid(first, nullptr, 0);
-    ::close(pipe[0]);
-    ::close(pipe[1]);
+    first.kill();
     EXPECT_TRUE(Pager::open(path, {}));
   }
 }
@@ -140,52 +152,35 @@ TEST(KilledWriter, KeepsWhatItPromised) {
   makeDatabase(path, {peopleTable()});
   RandomWork work(5);
   int promised = 0;
-  int recovered = 0;
-  for (int kill = 0; kill < 100; ++kill) {
-    std::array<int, 2> pipe = {};
-    ASSERT_EQ(::pipe(pipe.data()), 0);
-    const pid_t child = ::fork();
-    if (child == 0) {
+  for (int round = 1; round <= 50; ++round) {
+    OtherProcess writer([&](int pipe) {
       OpenedFile file(path);
       const auto recordset = file.opened() ? file.table("People") : nullptr;
       for (int id = promised + 1; recordset; ++id) {
-        recordset->addNew();
-        recordset->write("ID", id);
-        recordset->write("Name", "record " + std::to_string(id * 7919 % 1000));
-        recordset->write("Notes", std::string(static_cast<std::size_t>(id % 90), 'n'));
-        if (!recordset->update() || ::write(pipe[1], &id, sizeof id) != sizeof id) {
+        const Values record = {{"ID", id},
+                               {"Name", "record " + std::to_string(id * 7919 % 1000)},
+                               {"Notes", std::string(static_cast<std::size_t>(id % 90), 'n')}};
+        if (!add(*recordset, record) || !tell(pipe, id)) {
           break;
         }
       }
-      ::_exit(1);
-    }
-    ::close(pipe[1]);
-    int id = 0;
-    // Not before it has begun.
-    ASSERT_EQ(::read(pipe[0], &id, sizeof id), static_cast<ssize_t>(sizeof id));
-    promised = id;
+    });
+    ASSERT_TRUE(writer.read(promised)) << "not killed before it has begun";
     std::this_thread::sleep_for(std::chrono::microseconds(work.number(3000)));
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
-    while (::read(pipe[0], &id, sizeof id) == static_cast<ssize_t>(sizeof id)) {
-      promised = id;
+    writer.kill();
+    while (writer.read(promised)) {
     }
-    ::close(pipe[0]);
     OpenedFile file(path);
     ASSERT_TRUE(file.opened()) << file.reason();
     const auto recordset = file.table("People");
     recordset->moveLast();
-    std::string last;
-    ASSERT_TRUE(recordset->readText("ID", last));
-    ASSERT_TRUE(last == std::to_string(promised) || last == std::to_string(promised + 1))
-        << last << " " << promised;
-    recovered += last == std::to_string(promised) ? 0 : 1;
-    promised = std::stoi(last);
-    if (kill % 10 == 9) {
+    const int last = std::stoi(read(*recordset, "ID"));
+    ASSERT_TRUE(last == promised || last == promised + 1) << last << " " << promised;
+    promised = last;
+    if (round % 10 == 0) {
       ASSERT_EQ(file.check(), "");
     }
   }
-  RecordProperty("recordsMoreThanPromised", recovered);
 }
 
 }  // namespace

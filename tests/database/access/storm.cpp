@@ -6,6 +6,7 @@
 
 #include "base/files/whole.h"
 #include "database/access/authoring/create_database.h"
+#include "database/access/authoring/schema_text.h"
 #include "database/access/check/database_check.h"
 #include "database/access/recordset.h"
 #include "database/access/schema/catalog.h"
@@ -18,7 +19,7 @@ namespace {
 
 using Random = std::mt19937;
 
-constexpr std::size_t pageSize = 4096;
+constexpr std::size_t stormPageSize = 4096;
 const char* const fileName = "storm.mdb";
 const char* const journalName = "storm.mdb-journal";
 
@@ -27,39 +28,33 @@ std::string nameOf(int version) {
          std::string(static_cast<std::size_t>(version % 40), 'x');
 }
 std::string notesOf(int version) {
-  constexpr std::array<int, 8> most = {10, 60, 60, 500, 500, 3000, 9000, 400000};
+  constexpr std::array<int, 8> most = {10, 60, 60, 500, 500, 3000, 9000, 150000};
   const int length = 1 + version * 31 % most[static_cast<std::size_t>(version) % most.size()];
   return std::string(static_cast<std::size_t>(length), static_cast<char>('a' + version % 26));
 }
 
 std::vector<NewTable> stormTables() {
-  std::vector<NewTable> tables = {{.name = stormTableNames[records],
-                                   .columns = {{.name = "ID", .type = ColumnType::longInteger},
-                                               {.name = "Version", .type = ColumnType::longInteger},
-                                               {.name = "Name", .type = ColumnType::text, .size = 60},
-                                               {.name = "Notes", .type = ColumnType::memo}},
-                                   .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true},
-                                               {.name = "ByName", .columns = {{"Name", false}}}}}};
+  std::string schema =
+      "table T\n ID long\n Version long\n Name text(60)\n Notes memo\n"
+      " primary PrimaryKey (ID)\n index ByName (Name desc)\n";
   for (const StormTable table : {followers, loose, held}) {
-    tables.push_back({.name = stormTableNames[table],
-                      .columns = {{.name = "ID", .type = ColumnType::longInteger},
-                                  {.name = "Parent", .type = ColumnType::longInteger},
-                                  {.name = "Note", .type = ColumnType::memo}},
-                      .indexes = {{.name = "PrimaryKey", .columns = {{"ID"}}, .primary = true}}});
+    schema += std::string("table ") + stormTableNames[table] +
+              "\n ID long\n Parent long\n Note memo\n primary PrimaryKey (ID)\n";
   }
-  return tables;
+  return *parseSchema(schema);
 }
 
 std::vector<NewRelation> newRelations() {
   std::vector<NewRelation> made;
   for (const StormRelation& relation : stormRelations) {
-    made.push_back({.name = std::string("Of") + stormTableNames[relation.child],
-                    .parent = stormTableNames[relation.parent],
-                    .parentColumns = {"ID"},
-                    .child = stormTableNames[relation.child],
-                    .childColumns = {"Parent"},
-                    .cascadeUpdates = relation.cascadeUpdates,
-                    .onDelete = relation.onDelete});
+    const std::string child = stormTableNames[relation.child];
+    made.push_back({"Of" + child,
+                    stormTableNames[relation.parent],
+                    {"ID"},
+                    child,
+                    {"Parent"},
+                    relation.cascadeUpdates,
+                    relation.onDelete});
   }
   return made;
 }
@@ -132,7 +127,7 @@ class Session {
     for (const StormTable table : {records, followers, loose, held}) {
       AccessRecordset& from = *tables_[table];
       for (from.moveFirst(); from.atEnd() == false; from.moveNext()) {
-        const auto row = table == records ? readRecord(from) : readChild(from);
+        const auto row = table == records ? readRecord(from) : StormRow{0, number(from, "Parent")};
         if (!row || !model[table].emplace(number(from, "ID").value_or(-1), *row).second) {
           return std::nullopt;
         }
@@ -155,9 +150,6 @@ class Session {
     const bool whole = table.readText("Name", name) && name == nameOf(version) &&
                        table.readText("Notes", notes) && notes == notesOf(version);
     return whole ? std::optional(StormRow{version, {}}) : std::nullopt;
-  }
-  static std::optional<StormRow> readChild(AccessRecordset& table) {
-    return StormRow{0, number(table, "Parent")};
   }
 
   std::shared_ptr<OpenFile> file_;
@@ -276,7 +268,7 @@ std::string Storm::run(unsigned seed, Disaster disaster) {
   SimulatedDisk disk;
   disk.put(fileName, base_);
   History history;
-  history.states = {{baseModel_, static_cast<PageNumber>(base_.size() / pageSize)}};
+  history.states = {{baseModel_, static_cast<PageNumber>(base_.size() / stormPageSize)}};
   disaster == Disaster::fullDisk ? disk.fillAfter(below(random, 120)) : disk.dieAfter(below(random, 120));
   work(disk, password_, random, disaster, history);
   if (!history.wrong.empty()) {

@@ -1,6 +1,3 @@
-#include <gtest/gtest.h>
-
-#include "database/values/text_matcher.h"
 #include "harness.h"
 
 namespace veltrano::access {
@@ -10,40 +7,29 @@ namespace {
 class TakenPlaces : public testing::TestWithParam<bool> {
  protected:
   void SetUp() override {
-    NewTable table = {.name = "T",
-                      .columns = {{.name = "ID", .type = ColumnType::longInteger}, {.name = "Name"}}};
-    for (int i = 0; i < 7; ++i) {
-      table.columns.push_back({.name = "B" + std::to_string(i), .type = ColumnType::binary, .size = 510});
+    std::string schema = "table Parents; ID long; primary P (ID)\n table T; ID long; Name text; Up long";
+    for (const auto& [field, value] : filling_) {
+      schema += "; " + field + " binary(510)";
     }
-    if (GetParam()) {
-      table.indexes = {{.name = "P", .columns = {{"ID"}}, .primary = true}};
-    }
-    makeDatabase(folder_ / "a.mdb", {table});
+    makeDatabase(folder_ / "a.mdb", tablesOf(schema + (GetParam() ? "; primary P (ID)" : "")),
+                 {.relations = {{"R", "Parents", {"ID"}, "T", {"Up"}, true, OnDelete::cascade}}});
     database_ = open(folder_ / "a.mdb");
     a_ = openTable(*database_, "T");
     b_ = openTable(*database_, "T");
-    add(*a_, 1, "one");
-    add(*a_, 2, "two");
+    addLong(*a_, 1, "one");
+    addLong(*a_, 2, "two");
     a_->moveLast();
     b_->moveLast();
   }
-  static void add(Recordset& recordset, int id, const char* name) {
-    recordset.addNew();
-    recordset.write("ID", id);
-    recordset.write("Name", name);
-    for (int i = 0; i < 7; ++i) {
-      recordset.write("B" + std::to_string(i), std::string(500, 'x'));
-    }
-    EXPECT_TRUE(recordset.update());
-  }
-  std::string names() {
-    std::string all;
-    for (b_->moveFirst(); b_->atEnd() == false; b_->moveNext()) {
-      all += read(*b_, "Name") + " ";
-    }
-    return all;
+  void addLong(Recordset& recordset, int id, const char* name, const Value& up = Null{}) {
+    Values values = filling_;
+    values.insert(values.end(), {{"ID", id}, {"Name", name}, {"Up", up}});
+    EXPECT_TRUE(add(recordset, values));
   }
 
+  const std::string long_ = std::string(500, 'x');
+  const Values filling_ = {{"A", long_}, {"B", long_}, {"C", long_}, {"D", long_},
+                           {"E", long_}, {"F", long_}, {"G", long_}};
   Folder folder_;
   std::unique_ptr<Database> database_;
   std::unique_ptr<Recordset> a_, b_;
@@ -56,28 +42,39 @@ TEST_P(TakenPlaces, BelongToAnotherRecord) {
       a_->edit();
       a_->write("Name", "changed");
       EXPECT_TRUE(deleting->remove());
-      add(*deleting, id, "NEW");
+      addLong(*deleting, id, "NEW");
       EXPECT_FALSE(a_->update());
       EXPECT_EQ(read(*a_, "Name"), "()");
       EXPECT_FALSE(a_->edit() || a_->remove());
       EXPECT_EQ(a_->atEnd(), false);
       EXPECT_TRUE(a_->moveNext());
       EXPECT_EQ(read(*a_, "Name"), "NEW");
-      EXPECT_EQ(names(), "one NEW ");
+      EXPECT_EQ(readAll(*b_, {"Name"}), "one NEW ");
       b_->moveLast();
       a_->moveLast();
     }
   }
 }
 
+TEST_P(TakenPlaces, OfRecordsThatACascadeDeletedAreTold) {
+  const auto parents = openTable(*database_, "Parents");
+  EXPECT_TRUE(add(*parents, {{"ID", 1}}) && add(*parents, {{"ID", 2}}));
+  addLong(*a_, 3, "child", 1);
+  stand(*a_, "ID", "3");
+  EXPECT_TRUE(parents->moveFirst() && parents->remove());
+  addLong(*b_, 4, "NEW");
+  EXPECT_EQ(read(*a_, "Name"), "()");
+  stand(*a_, "ID", "4");
+  EXPECT_TRUE(parents->moveFirst() && parents->remove());
+  EXPECT_EQ(read(*a_, "Name"), "NEW") << "nothing of it was deleted this time";
+}
+
 TEST_P(TakenPlaces, AreMetInAWalkThatChangedKeys) {
   a_->moveFirst();
-  a_->edit();
-  a_->write("ID", 8);
-  EXPECT_TRUE(a_->update());
-  b_->moveFirst();
-  EXPECT_TRUE(b_->find("ID", TextMatcher("8", CaseRule::exact)) && b_->remove());
-  add(*b_, 9, "NEW");
+  EXPECT_TRUE(change(*a_, {{"ID", 8}}));
+  stand(*b_, "ID", "8");
+  EXPECT_TRUE(b_->remove());
+  addLong(*b_, 9, "NEW");
   std::string met;
   for (a_->moveNext(); a_->atEnd() == false; a_->moveNext()) {
     met += read(*a_, "Name") + " ";

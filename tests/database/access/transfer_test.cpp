@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "base/files/whole.h"
 #include "database/access/authoring/schema_text.h"
 #include "database/access/schema/catalog.h"
@@ -57,11 +55,6 @@ TEST(Csv, IsReadOrRefused) {
   EXPECT_EQ(CsvReader::open(folder.path()).status().reason(), "a folder has this name");
 }
 
-std::unique_ptr<Pager> opened(const std::filesystem::path& file) {
-  auto pager = Pager::open(file, {});
-  return pager ? *std::move(pager) : nullptr;
-}
-
 std::string exported(Pager& pager, const char* table, TextForm form) {
   const auto reader = TableReader::open(pager, table, Walk::keyOrder);
   std::string all;
@@ -87,35 +80,27 @@ std::string imported(Pager& pager, const char* table, std::string_view csv, doub
   }
 }
 
+using Transfer = DatabaseTest;
+
 // Nulls and empty texts in a table of one column, where a null is an empty line.
-TEST(Transfer, BringsOneColumnBack) {
-  const Folder folder;
-  makeDatabase(folder / "a.mdb",
-               {{.name = "A", .columns = {{.name = "V"}}}, {.name = "B", .columns = {{.name = "V"}}}});
-  const auto pager = opened(folder / "a.mdb");
+TEST_F(Transfer, BringsOneColumnBack) {
+  make(tablesOf("table A; V text\n table B; V text"));
   for (const std::string_view csv : {"V\n", "V\n\n", "V\n\"\"\n", "V\n\n\"\"\n\nx\n\" \"\n\"\n\"\n\n"}) {
-    const std::string before = exported(*pager, "A", TextForm::csv);
-    ASSERT_EQ(imported(*pager, "A", csv), "");
-    EXPECT_EQ(exported(*pager, "A", TextForm::csv), before + std::string(csv.substr(2)));
+    const std::string before = exported(pager(), "A", TextForm::csv);
+    ASSERT_EQ(imported(pager(), "A", csv), "");
+    EXPECT_EQ(exported(pager(), "A", TextForm::csv), before + std::string(csv.substr(2)));
   }
-  ASSERT_EQ(imported(*pager, "B", exported(*pager, "A", TextForm::csv)), "");
-  EXPECT_EQ(exported(*pager, "B", TextForm::jsonLines), exported(*pager, "A", TextForm::jsonLines));
-  EXPECT_NE(exported(*pager, "B", TextForm::jsonLines).find("{\"V\":null}\n{\"V\":\"\"}\n"),
+  ASSERT_EQ(imported(pager(), "B", exported(pager(), "A", TextForm::csv)), "");
+  EXPECT_EQ(exported(pager(), "B", TextForm::jsonLines), exported(pager(), "A", TextForm::jsonLines));
+  EXPECT_NE(exported(pager(), "B", TextForm::jsonLines).find("{\"V\":null}\n{\"V\":\"\"}\n"),
             std::string::npos);
 }
 
-TEST(Transfer, AddsAllRecordsOrNone) {
-  const Folder folder;
-  const auto keyed = [](const char* name) {
-    return NewTable{.name = name,
-                    .columns = {{.name = "ID", .type = ColumnType::longInteger},
-                                {.name = "Up", .type = ColumnType::longInteger}},
-                    .indexes = {{.name = "P", .columns = {{"ID"}}, .primary = true}}};
-  };
-  makeDatabase(folder / "a.mdb", {keyed("Parent"), keyed("Child")},
-               {.relations = {{"Families", "Parent", {"ID"}, "Child", {"Up"}}}});
-  const auto pager = opened(folder / "a.mdb");
-  ASSERT_EQ(imported(*pager, "Parent", "ID\n1\n2\n"), "");
+TEST_F(Transfer, AddsAllRecordsOrNone) {
+  make(tablesOf("table Parent; ID long; Up long; primary P (ID)\n"
+                "table Child; ID long; Up long; primary P (ID)"),
+       {.relations = {{"Families", "Parent", {"ID"}, "Child", {"Up"}}}});
+  ASSERT_EQ(imported(pager(), "Parent", "ID\n1\n2\n"), "");
   const std::pair<const char*, const char*> cases[] = {
       {"ID,Up\n1,1\n2,3\n", "line 3: the relation Families: no record of Parent has the key"},
       {"ID,Up\n1,1\n1,2\n", "line 3: a duplicate in the index P"},
@@ -127,17 +112,19 @@ TEST(Transfer, AddsAllRecordsOrNone) {
       {"Up\n1\n", "line 2: a field of the index P may not be null"},
   };
   for (const auto& [csv, reason] : cases) {
-    EXPECT_EQ(imported(*pager, "Child", csv), reason);
-    EXPECT_EQ(exported(*pager, "Child", TextForm::csv), "ID,Up\n") << csv;
+    EXPECT_EQ(imported(pager(), "Child", csv), reason);
+    EXPECT_EQ(exported(pager(), "Child", TextForm::csv), "ID,Up\n") << csv;
   }
-  EXPECT_EQ(imported(*pager, "Child", "ID,Up\n1,1\n2,\n", 1), "stopped")
+  EXPECT_EQ(imported(pager(), "Child", "ID,Up\n1,1\n2,\n", 1), "stopped")
       << "before the records become lasting";
-  EXPECT_EQ(exported(*pager, "Child", TextForm::csv), "ID,Up\n");
-  EXPECT_EQ(imported(*pager, "Child", "ID,Up\n1,1\n\n2,\n"), "");
-  EXPECT_EQ(exported(*pager, "Child", TextForm::csv), "ID,Up\n1,1\n2,\n");
+  EXPECT_EQ(exported(pager(), "Child", TextForm::csv), "ID,Up\n");
+  EXPECT_EQ(imported(pager(), "Child", "ID,Up\n1,1\n\n2,\n"), "");
+  EXPECT_EQ(exported(pager(), "Child", TextForm::csv), "ID,Up\n1,1\n2,\n");
 }
 
-TEST(SchemaText, SaysWhatIsWrongWhere) {
+using SchemaText = DatabaseTest;
+
+TEST_F(SchemaText, SaysWhatIsWrongWhere) {
   const std::string head = "table T\n  ID long\n";
   const std::pair<std::string, std::string> cases[] = {
       {"", "it describes no table"},
@@ -165,21 +152,17 @@ TEST(SchemaText, SaysWhatIsWrongWhere) {
   }
 }
 
-TEST(SchemaText, DescribesWhatItMade) {
+TEST_F(SchemaText, DescribesWhatItMade) {
   const std::string text =
       "table [My table]\n  ID autonumber\n  Key autoguid\n  [table] text(50) required nonempty default "
       "\"a\"\n"
-      "  [a,b] decimal(10,2) default 1.5\n  Z\xC3\xBCrich binary(7)\n  primary [P k] (ID)\n"
-      "  unique U ([a,b], [table] desc) required\n  index I (Z\xC3\xBCrich) ignorenulls\n"
+      "  [a,b] decimal(10,2) default 1.5\n  Z\u00fcrich binary(7)\n  primary [P k] (ID)\n"
+      "  unique U ([a,b], [table] desc) required\n  index I (Z\u00fcrich) ignorenulls\n"
       "table [primary]\n  A memo\n";
-  const Folder folder;
-  const auto tables = parseSchema(text);
-  ASSERT_TRUE(tables) << tables.status().reason();
-  makeDatabase(folder / "a.mdb", *tables);
-  const auto pager = opened(folder / "a.mdb");
+  make(tablesOf(text));
   std::string described;
   for (const char* name : {"My table", "primary"}) {
-    described += describeTable(*findTable(*pager, name), pager->version());
+    described += describeTable(*findTable(pager(), name), pager().version());
   }
   EXPECT_EQ(described, text);
 }
