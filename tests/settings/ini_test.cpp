@@ -42,7 +42,7 @@ TEST(IniBuffers, Table) {
 }
 
 // The rules said once more in the plainest way: cut at every CR LF, compare line by line.
-std::vector<std::u16string> split(const std::u16string& text) {
+std::vector<std::u16string> linesOf(const std::u16string& text) {
   std::vector<std::u16string> lines;
   std::size_t begin = 0;
   for (std::size_t end = 0; (end = text.find(u"\r\n", begin)) != std::string::npos; begin = end + 2)
@@ -83,13 +83,13 @@ TEST_F(IniFiles, RandomTextsObeyTheRules) {
     std::u16string text;
     for (std::size_t i = pick(40); i > 0; --i) text += atoms[pick(atoms.size())];
     const std::u16string& key = keys[pick(keys.size())];
-    const auto lines = split(text);
+    const auto lines = linesOf(text);
     const auto match =
         std::find_if(lines.begin(), lines.end(), [&](auto& line) { return belongsTo(line, key); });
     const std::u16string expected = match == lines.end() ? absent : match->substr(key.size() + 1);
     ASSERT_EQ(ini.GetValue(text, key, absent), expected) << round;
     const std::u16string changed = ini.ChangeValue(text, key, u"new");
-    const auto changedLines = split(changed);
+    const auto changedLines = linesOf(changed);
     ASSERT_EQ(changedLines.size(), lines.size() + (match == lines.end() ? 1 : 0)) << round;
     for (std::size_t i = 0; i < lines.size(); ++i)
       ASSERT_EQ(changedLines[i], belongsTo(lines[i], key) ? key + u"=new" : lines[i]) << round;

@@ -50,9 +50,9 @@ TEST_F(Relations, GoThroughLevelsAndTellOtherRecordsets) {
   EXPECT_EQ(check(), "");
 }
 
-// A thousand levels in one table, with a cache that holds a small part of what changes.
+// Thousands of levels in one table, with a cache that holds a small part of what changes.
 TEST_F(Relations, GoAsDeepAsThereAreRecords) {
-  constexpr int levels = 1000;
+  constexpr int levels = 3000;
   make(tablesOf("table T; ID long; Up long; Picture binary(200); primary P (ID)"),
        {.relations = {{"R", "T", {"ID"}, "T", {"Up"}, true, OnDelete::cascade}}}, 16);
   AccessRecordset& rows = table("T");

@@ -280,7 +280,9 @@ std::string Storm::run(unsigned seed, Disaster disaster) {
     ++cuts[(disk.calls.empty() ? "the open" : disk.calls.back()) + ", " + disk.notMade];
   }
   const auto strike = [&] { disaster == Disaster::powerFailure ? disk.losePower(random) : disk.revive(); };
-  strike();
+  // The power may also fail while the next opener brings in what a process left that died before.
+  const bool diedBefore = disaster == Disaster::powerFailure && below(random, 4) == 0;
+  diedBefore ? disk.revive() : strike();
   journalsApplied += disk.exists(journalName) ? 1 : 0;
   if (below(random, 3) == 0) {
     disk.dieAfter(below(random, 12));
