@@ -256,17 +256,19 @@ def check_limits(runner):
         for arguments in export, ["mdb", "import", "Zoë.mdb", "Everything", "defaults.csv"]:
             runner.check(arguments, 1, "", "Zoë.mdb.*: another program has the file open")
 
+
 def check_interruptions(runner):
     """A signal ends the program as it would any, but nothing unfinished is left."""
     (runner.folder / "large.txt").write_text("a line\n" * 300000)
     before = content(runner.folder)
+    windows = len(runner.command) > 1
 
     def interrupt(arguments, ready, *signals):
         with subprocess.Popen(runner.command + arguments, cwd=runner.folder, env=runner.environment) as process:
             keep = ready()
             for number in signals:
                 process.send_signal(number)
-            if process.wait(60) != -signals[0]:
+            if process.wait(60) != (130 if windows else -signals[0]):
                 fail(" ".join(arguments), f"exit code {process.returncode} after the signal {signals[0]}")
             del keep
         if content(runner.folder) != before:
@@ -282,7 +284,10 @@ def check_interruptions(runner):
         time.sleep(0.3)
         return pipe
 
-    for number in signal.SIGINT, signal.SIGTERM, signal.SIGHUP:
+    interrupt(["pdf", "large.txt", "-o", "x.pdf"], drawing, signal.SIGINT)  # Wine makes Ctrl-C of it
+    if windows:
+        return
+    for number in signal.SIGTERM, signal.SIGHUP:
         interrupt(["pdf", "large.txt", "-o", "x.pdf"], drawing, number)
     interrupt(["pdf", "large.txt", "-o", "x.pdf"], drawing, signal.SIGTERM, signal.SIGTERM)
     interrupt(["mdb", "import", "Zoë.mdb", "Code", PIPE], importing, signal.SIGTERM)
@@ -376,8 +381,9 @@ def main():
             runner.check_case(case)
         if (runner.folder / "copy.csv").read_bytes() != ROWS.encode():
             fail("the exported file differs from standard output")
+        check_interruptions(runner)
         if not options.wine:
-            for check in check_exports, check_damage, check_limits, check_interruptions, check_pages:
+            for check in check_exports, check_damage, check_limits, check_pages:
                 check(runner)
         check_doctor(runner, options)
     finally:
