@@ -30,7 +30,7 @@ check() {
 consume() {
   local way=$1
   shift
-  quietly cmake -G Ninja -S "$here" -B "$way" -DCONSUMER_WAY="$way" -DCMAKE_UNITY_BUILD=ON "$@"
+  quietly cmake -G Ninja -S "$here" -B "$way" -DCONSUMER_WAY="$way" "$@"
   quietly cmake --build "$way"
   check "$way" "$work/$way/consumer"
 }
@@ -49,7 +49,7 @@ install() {
   local prefix=$1
   shift
   quietly cmake -G Ninja -S "$sources" -B "$prefix-build" -DVELTRANO_TESTS=OFF -DVELTRANO_SAMPLES=OFF -DVELTRANO_TOOLS=OFF \
-    -DVELTRANO_WARNINGS_AS_ERRORS=OFF -DCMAKE_UNITY_BUILD=ON -DCMAKE_INSTALL_LIBDIR=lib "$@"
+    -DVELTRANO_WARNINGS_AS_ERRORS=OFF -DCMAKE_INSTALL_LIBDIR=lib "$@"
   quietly cmake --build "$prefix-build" --target VeltranoFrameWork
   quietly cmake --install "$prefix-build" --prefix "$work/$prefix-first" --component linux
   # What is installed may be moved.

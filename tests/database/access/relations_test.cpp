@@ -67,6 +67,11 @@ TEST_F(Relations, GoAsDeepAsThereAreRecords) {
   rows.moveFirst();
   ASSERT_TRUE(change(rows, {{"ID", 5}}));
   EXPECT_EQ(column(rows, "Up"), "5 ");
+  for (int id = 6; id < 50; ++id) {
+    rows.moveFirst();
+    ASSERT_TRUE(change(rows, {{"ID", id}})) << "changes of an Update before are no circle";
+  }
+  EXPECT_EQ(column(rows, "Up"), "49 ");
   EXPECT_EQ(check(), "");
   ASSERT_TRUE(rows.moveFirst() && rows.remove());
   EXPECT_EQ(column(rows, "ID"), "");
@@ -83,6 +88,16 @@ TEST_F(Relations, EndInACircle) {
   table("T").moveFirst();
   EXPECT_TRUE(table("T").remove());
   EXPECT_EQ(check(), "");
+}
+
+// The old key is free to go, but the new parent is missing: two keys of one relation are checked.
+TEST_F(Relations, CheckEveryKeyThatChanged) {
+  make(tablesOf("table T; ID long; Up long; primary P (ID)"),
+       {.relations = {{"R", "T", {"ID"}, "T", {"Up"}, false, OnDelete::refuse}}});
+  ASSERT_TRUE(add(table("T"), {{"ID", 1}}));
+  table("T").moveFirst();
+  EXPECT_FALSE(change(table("T"), {{"ID", 7}, {"Up", 99}}));
+  EXPECT_EQ(column(table("T"), "ID"), "1 ");
 }
 
 // One of a record's relations would leave a child alone that another one deletes.
