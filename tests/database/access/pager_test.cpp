@@ -94,6 +94,24 @@ TEST_F(PagerTest, RecoveryWaitsForTheDisk) {
   EXPECT_EQ(got(), 1);
 }
 
+// Pages that did not fit into memory are in the file already, and in memory again when they are read.
+TEST_F(PagerTest, ARollbackForgetsPagesThatWereWrittenEarly) {
+  pager_.reset();
+  open(16);
+  ASSERT_TRUE(append(300));
+  const PageNumber next = pager_->pageCount();
+  {
+    const Transaction transaction(*pager_);
+    for (int i = 0; i < 400; ++i) {
+      pager_->edit(pager_->append())[pageSize - 1] = 255;
+    }
+    ASSERT_EQ(got(next), 255);
+  }
+  ASSERT_TRUE(append(1));
+  ASSERT_EQ(got(next - 256), (next - 256) % 251 + 1);  // has the place of `next` among the pages found last
+  EXPECT_EQ(got(next), next % 251 + 1);
+}
+
 TEST_F(PagerTest, RecoveryCutsOffWhatWasNotCommitted) {
   pager_.reset();
   open(16);
