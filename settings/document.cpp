@@ -34,8 +34,7 @@ const char* reasonOf(SettingsDocument::LoadResult result) {
       return "the file cannot be read and will not be written";
     case SettingsDocument::LoadResult::malformed:
       return "the file is not well-formed XML, has a document type or is in an encoding that the system does "
-             "not know; "
-             "saving keeps a copy of it";
+             "not know; saving keeps a copy of it";
     case SettingsDocument::LoadResult::outOfMemory:
       return "memory is short, and nothing can be read or saved";
     default:

@@ -77,13 +77,13 @@ TEST_F(Relations, GoAsDeepAsThereAreRecords) {
   EXPECT_EQ(column(rows, "ID"), "");
 }
 
-// The columns of the key are exchanged on the way: each change would cause the next.
-TEST_F(Relations, EndInACircle) {
+// The record is its own parent with the columns exchanged: a change of one alone would leave it without.
+TEST_F(Relations, MayExchangeTheColumnsOfAKey) {
   make(tablesOf("table T; A long; B long; unique U (A, B)"),
-       {.relations = {{"Circle", "T", {"A", "B"}, "T", {"B", "A"}, true, OnDelete::cascade}}});
+       {.relations = {{"Exchange", "T", {"A", "B"}, "T", {"B", "A"}, true, OnDelete::cascade}}});
   ASSERT_TRUE(add(table("T"), {{"A", 1}, {"B", 1}}));
   table("T").moveFirst();
-  EXPECT_THAT(change(table("T"), {{"A", 2}}).reason(), testing::HasSubstr("the relation Circle: "));
+  EXPECT_THAT(change(table("T"), {{"A", 2}}).reason(), testing::HasSubstr("the relation Exchange: "));
   EXPECT_EQ(column(table("T"), "A"), "1 ");
   table("T").moveFirst();
   EXPECT_TRUE(table("T").remove());
