@@ -14,9 +14,11 @@ struct FreeBlock {
 };
 using MemoryBlock = std::unique_ptr<char[], FreeBlock>;
 
-/// `size` (not 0) bytes of undefined content. Blocks of some megabytes get large pages where the system offers
-/// them: fetching memory page by page costs more than filling it. Throws std::bad_alloc.
-MemoryBlock allocateBlock(std::size_t size);
+enum class Pages { small, large };
+
+/// `size` (not 0) bytes of undefined content. Large pages are a wish, for blocks of some megabytes: fetching memory
+/// in small pages costs more than filling it. Throws std::bad_alloc.
+MemoryBlock allocateBlock(std::size_t size, Pages pages);
 
 }  // namespace veltrano
 

@@ -17,7 +17,8 @@ void OutputText::appendInBlocks(std::string_view text) {
   while (!text.empty()) {
     if (next_ == end_) {
       closePiece();
-      blocks_.push_back(allocateBlock(blockSize_));
+      blocks_.push_back(
+          allocateBlock(blockSize_, blocks_.size() < mostLargeBlocks ? Pages::large : Pages::small));
       open_ = next_ = blocks_.back().get();
       end_ = next_ + blockSize_;
       blockSize_ = std::min(blockSize_ * blockGrowth, largestBlockSize);

@@ -57,6 +57,9 @@ class OutputText {
   static constexpr std::size_t firstBlockSize = std::size_t{64} << 10;
   static constexpr std::size_t blockGrowth = 4;
   static constexpr std::size_t largestBlockSize = std::size_t{16} << 20;
+  /// Some 130 MB. Large pages make documents of this size half again as fast, but a virtual machine has to ask its
+  /// host for many of them, which can double the time of larger ones.
+  static constexpr std::size_t mostLargeBlocks = 12;
 };
 
 }  // namespace veltrano
