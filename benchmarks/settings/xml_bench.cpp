@@ -105,11 +105,12 @@ struct Names {
   std::vector<std::string> keys;
 };
 
-Names randomNames() {
+/// Of keys in the first `folders` folders.
+Names randomNames(int folders) {
   std::mt19937 random(1);
   Names names;
   for (int i = 0; i < lookUps; ++i) {
-    names.folders.push_back(folderName(static_cast<int>(random() % folderCount)));
+    names.folders.push_back(folderName(static_cast<int>(random() % static_cast<unsigned>(folders))));
     names.keys.push_back(keyName(static_cast<int>(random() % keyCount)));
   }
   return names;
@@ -117,7 +118,7 @@ Names randomNames() {
 
 void getSetting(benchmark::State& state) {
   const Store store(valueKinds[0]);
-  const Names names = randomNames();
+  const Names names = randomNames(static_cast<int>(state.range(0)));
   veltrano::VeltranoXML xml;
   xml.XML_Open(store.file);
   for ([[maybe_unused]] auto round : state) {
@@ -130,7 +131,7 @@ void getSetting(benchmark::State& state) {
 
 void getSettingByPugixml(benchmark::State& state) {
   const Store store(valueKinds[0]);
-  const Names names = randomNames();
+  const Names names = randomNames(static_cast<int>(state.range(0)));
   pugi::xml_document document;
   document.load_file(store.file.c_str(), everything);
   for ([[maybe_unused]] auto round : state) {
@@ -149,7 +150,7 @@ BENCHMARK(loadByPugixml)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 BENCHMARK(save)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(saveByPugixml)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond)->UseRealTime();
 BENCHMARK(saveSafelyByPugixml)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond)->UseRealTime();
-BENCHMARK(getSetting)->Unit(benchmark::kMillisecond);
-BENCHMARK(getSettingByPugixml)->Unit(benchmark::kMillisecond);
+BENCHMARK(getSetting)->Arg(1)->Arg(folderCount)->Unit(benchmark::kMillisecond);
+BENCHMARK(getSettingByPugixml)->Arg(1)->Arg(folderCount)->Unit(benchmark::kMillisecond);
 
 }  // namespace
