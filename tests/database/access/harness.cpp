@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 
 #include "base/files/paths.h"
 #include "database/access/authoring/schema_text.h"
@@ -54,7 +55,7 @@ NewTable plainTable() {
 
 NewTable smallTable() {
   return tableOf(
-      "table Peo\u017cle; ID autonumber; Name text(5) required; Note memo nonempty default =\"new\";"
+      "table Small; ID autonumber; Name text(5) required; Note memo nonempty default =\"new\";"
       "Code text(10); Tiny byte; Flag boolean; Mark autoguid;"
       "primary PrimaryKey (ID); unique Code (Code) ignorenulls");
 }
@@ -90,13 +91,13 @@ std::string read(Recordset& recordset, std::string_view field) {
   return recordset.readText(field, text) ? text : "(" + text + ")";
 }
 
-std::string readAll(Recordset& recordset, std::initializer_list<const char*> fields) {
+std::string readAll(Recordset& recordset, const std::vector<std::string>& fields) {
   std::string all;
   for (recordset.moveFirst(); recordset.atEnd() == false; recordset.moveNext()) {
-    for (const char* field : fields) {
+    all += all.empty() ? "" : " ";
+    for (const std::string& field : fields) {
       all += read(recordset, field);
     }
-    all += " ";
   }
   return all;
 }
@@ -183,9 +184,72 @@ void DatabaseTest::reopen() {
 AccessRecordset& DatabaseTest::table(const std::string& name) {
   auto& known = tables_[name];
   if (!known) {
-    known = opened_->table(name);
+    known = opened_->table(name.substr(0, name.find('\'')));
   }
   return *known;
+}
+
+namespace {
+
+Status act(AccessRecordset& rows, const std::string& verb, const Values& values) {
+  const bool goes = verb == "stand" || verb == "change" || (verb == "delete" && !values.empty());
+  if (goes) {
+    stand(rows, values.at(0).first, *values.at(0).second.as<std::string>());
+  }
+  const Status begun = verb == "new" || verb == "add"       ? rows.addNew()
+                       : verb == "edit" || verb == "change" ? rows.edit()
+                                                            : Status();
+  for (std::size_t i = goes ? 1 : 0; i < values.size() && begun; ++i) {
+    const Status written = rows.write(values[i].first, values[i].second);
+    if (!written) {
+      return written;
+    }
+  }
+  return !begun                                                  ? begun
+         : verb == "add" || verb == "change" || verb == "update" ? rows.update()
+         : verb == "delete"                                      ? rows.remove()
+         : verb == "first"                                       ? rows.moveFirst()
+         : verb == "last"                                        ? rows.moveLast()
+         : verb == "next"                                        ? rows.moveNext()
+                                                                 : begun;
+}
+
+}  // namespace
+
+void DatabaseTest::play(const std::string& scene) {
+  std::istringstream lines(scene);
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t colon = std::min(line.find(':'), line.size());
+    const std::string expected = line.substr(std::min(colon + 2, line.size()));
+    std::istringstream words(line.substr(0, colon));
+    std::string verb;
+    std::string name;
+    words >> verb >> name;
+    std::vector<std::string> fields;
+    Values values;
+    for (std::string word; words >> word;) {
+      const std::size_t equals = word.find('=');
+      fields.push_back(word.substr(0, equals));
+      std::replace(word.begin(), word.end(), '_', ' ');
+      const std::string value = word.substr(equals + 1);
+      values.emplace_back(fields.back(), value == "-" ? Value(Null{}) : Value(value));
+    }
+    if (verb == "all") {
+      EXPECT_EQ(readAll(table(name), fields), expected) << line;
+    } else if (verb == "read") {
+      std::string found;
+      for (const std::string& field : fields) {
+        found += read(table(name), field);
+      }
+      EXPECT_EQ(found, expected) << line;
+    } else if (!verb.empty()) {
+      const bool refused = verb[0] == '!';
+      const Status done = act(table(name), verb.substr(refused ? 1 : 0), values);
+      EXPECT_EQ(static_cast<bool>(done), !refused) << line << ": " << done.reason();
+      EXPECT_NE(done.reason().find(expected), std::string::npos) << line << ": " << done.reason();
+    }
+  }
+  EXPECT_EQ(check(), "") << scene;
 }
 
 std::vector<Record> readAll(AccessRecordset& recordset) {
