@@ -39,8 +39,8 @@ struct Script {
 };
 Script script;
 
-std::string narrow(const wchar_t* text, std::size_t length) {
-  return utf16ToUtf8(std::u16string(text, text + length));
+std::string narrow(const wchar_t* text) {
+  return text == nullptr ? "" : utf16ToUtf8(std::u16string(text, text + std::wcslen(text)));
 }
 
 /// The variant as one of this kind, numbers as anybody reads and writes them. Empty if there is no such thing.
@@ -57,17 +57,15 @@ std::string describe(VARIANT value) {
       {VT_I4, "long"},     {VT_R8, "double"},     {VT_R4, "single"},       {VT_DATE, "date"},
       {VT_CY, "currency"}, {VT_ERROR, "missing"}, {VT_DECIMAL, "decimal"}, {VT_ARRAY | VT_UI1, "bytes"}};
   EXPECT_TRUE(value.vt != VT_ERROR || value.scode == DISP_E_PARAMNOTFOUND);
-  std::string described = kinds.contains(value.vt) ? kinds.at(value.vt) : "unknown";
+  const std::string described = kinds.contains(value.vt) ? kinds.at(value.vt) : "unknown";
   if (value.vt == (VT_ARRAY | VT_UI1)) {
     return described + " " + std::to_string(value.parray->rgsabound[0].cElements);
   }
   value.vt = value.vt == VT_DATE ? VARTYPE{VT_R8} : value.vt;
   VARIANT text = converted(value, VT_BSTR);
-  if (text.vt == VT_BSTR && SysStringLen(text.bstrVal) != 0) {
-    described += " " + narrow(text.bstrVal, SysStringLen(text.bstrVal));
-  }
+  const std::string shown = narrow(text.bstrVal);
   VariantClear(&text);
-  return described;
+  return shown.empty() ? described : described + " " + shown;
 }
 
 /// A field of the table: its DAO type, and what reading it answers.
@@ -78,7 +76,6 @@ struct Field {
 };
 const std::map<std::string, Field> fields = {
     {"Null", {4, VT_NULL, L""}},
-    {"Age", {4, VT_NULL, L""}},
     {"Long", {4, VT_I4, L"-7"}},
     {"Byte", {4, VT_UI1, L"200"}},
     {"Object", {4, VT_DISPATCH, L""}},
@@ -143,7 +140,7 @@ class Recorder final : public Counted<IDispatch> {
   HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override { return *count = 0, S_OK; }
   HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) override {
-    members_.emplace_back(narrow(*names, std::wcslen(*names)));
+    members_.emplace_back(narrow(*names));
     *ids = static_cast<DISPID>(members_.size());  // 0 is the default member
     return S_OK;
   }
@@ -179,10 +176,9 @@ class Recorder final : public Counted<IDispatch> {
         {"OpenDatabase", "Database"}, {"OpenRecordset", "Recordset"}, {"Fields", "Fields"}};
     VARIANT result{};
     if (member.empty() || children.contains(member)) {
-      const BSTR field = parameters.cArgs == 0 ? nullptr : parameters.rgvarg[0].bstrVal;
       result.vt = VT_DISPATCH;
       result.pdispVal =
-          new Recorder(member.empty() ? narrow(field, SysStringLen(field)) : children.at(member));
+          new Recorder(member.empty() ? narrow(parameters.rgvarg[0].bstrVal) : children.at(member));
     } else if (member == "EOF") {
       result.vt = VT_BOOL;
       result.boolVal = script.atEnd ? VARIANT_TRUE : VARIANT_FALSE;
@@ -252,7 +248,7 @@ TEST_F(DaoEngine, IsChosenAndCalledAsDocumented) {
     ASSERT_TRUE(mdb.OpenDB("b.mdb", "", "p;w\"d "));
     ASSERT_TRUE(mdb.OpenTable("People"));
     mdb.AddNew();
-    EXPECT_FALSE(mdb.WriteRecord("Age", 41));
+    EXPECT_FALSE(mdb.WriteRecord("Long", 41));
     mdb.Update();
     mdb.Edit();
     mdb.Delete();
@@ -269,8 +265,8 @@ TEST_F(DaoEngine, IsChosenAndCalledAsDocumented) {
       script.log,
       "DBEngine.OpenDatabase(text C:\\Donn\u00e9es.mdb, missing, missing, missing); "
       "DBEngine.OpenDatabase(text b.mdb, flag 0, flag 0, text MS Access;PWD=p;w\"d ); "
-      "Database.OpenRecordset(text People, long 2); Recordset.AddNew(); Recordset.Fields; Fields(text Age); "
-      "Age.Type; Age.Value = long 41; Recordset.Update(); Recordset.Edit(); Recordset.Delete(); "
+      "Database.OpenRecordset(text People, long 2); Recordset.AddNew(); Recordset.Fields; Fields(text Long); "
+      "Long.Type; Long.Value = long 41; Recordset.Update(); Recordset.Edit(); Recordset.Delete(); "
       "Recordset.MoveFirst(); Recordset.MoveLast(); Recordset.EOF; Recordset.Fields; Fields(text Text); "
       "Text.Value; Recordset.MoveNext(); Recordset.EOF; Recordset.Close(); Database.Close(); ");
   EXPECT_EQ(script.liveObjects, 1) << "the engine alone is kept";

@@ -52,9 +52,7 @@ TEST(Encryption, ByAnotherProviderIsRefusedWithAReason) {
   const std::tuple<const char*, std::size_t, const char*, const char*> lies[] = {
       {rc4, 0, "01000100", "version 1.1"},
       {rc4, 0, "04000300", "version 4.3"},
-      {rc4, 0, "04000400", "version 4.4"},
       {rc4, 4, "00", "provider"},
-      {rc4, 4, "14", "provider"},
       {rc4, 4, "24", "cipher"},
       {rc4, 8, "1f000000", "cut off"},
       {rc4, 8, "ffffffff", "cut off"},
@@ -62,7 +60,6 @@ TEST(Encryption, ByAnotherProviderIsRefusedWithAReason) {
       {rc4, 20, "0268", "cipher"},
       {rc4, 24, "0c80", "hash"},
       {rc4, 28, "27", "key length"},
-      {rc4, 28, "88", "key length"},
       {aes, 28, "00010000", "key length"},
       {aes, 12 + 0x8C, "11", "check"},
       {aes, 12 + 0x8C + 36, "20", "check"},
@@ -70,7 +67,6 @@ TEST(Encryption, ByAnotherProviderIsRefusedWithAReason) {
       {rc4, 20, "00000000", ""},
       {rc4, 24, "00000000", ""},
       {"RC4, 128 bits", 28, "00000000", ""},
-      {aes, 20, "00000000", ""},
       {aes, 28, "00000000", ""},
   };
   for (const auto& [name, at, bytes, why] : lies) {
@@ -88,11 +84,9 @@ TEST(Encryption, OfAgileFilesWithOtherAttributesIsRefusedWithAReason) {
   const std::tuple<const char*, std::string, std::string> lies[] = {
       {"damaged", "<encryption ", "<encryption"},
       {"damaged", "<encryption ", entities},
-      {"damaged", "keyData", "keyDatum"},
       {"damaged", "encryption\" xmlns:p", "other\" xmlns:p"},
       {"damaged", "password\"><k", "certificate\"><k"},
       {"spinCount", "100000", "10000001"},
-      {"spinCount", "100000", "-1"},
       {"spinCount", "100000", ""},
       {"hashAlgorithm", "SHA512", "SHA384"},
       {"cipherAlgorithm", "AES", "DES"},
@@ -101,7 +95,6 @@ TEST(Encryption, OfAgileFilesWithOtherAttributesIsRefusedWithAReason) {
       {"keyBits", "keyBits=\"256\"", "keyBits=\"160\""},
       {"encryptedKeyValue", "keyBits=\"256\"", "keyBits=\"128\""},
       {"saltSize", "saltSize=\"16\"", "saltSize=\"8\""},
-      {"saltValue", "3MF5qZLl/e0shTV0MAcVeg==", "3MF5"},
       {"saltValue", "3MF5qZLl/e0shTV0MAcVeg==", "3MF5qZLl/e0shTV0MAcVeg=!"},
       {"encryptedVerifierHashInput", "Hrg/aAeysxXJhTpEstAgJg==", ""},
       {"encryptedVerifierHashValue", "DwIg==", "DwIg"},
@@ -136,8 +129,8 @@ TEST_F(EncryptedFile, KeepsItsSecretThroughChanges) {
     EXPECT_FALSE(open(file_) || open(file_, "x"));
     EXPECT_EQ(readWholeFile(file_), start);
     const std::string note(6000, 'n');
-    for (const char* scene : {"add Small Name=Smith", "all Small ID Name: 1Smith\n change Small ID=1 Note=",
-                              "delete Small ID=1\n add Small Name=Smith Note="}) {
+    for (const char* scene : {"add Small Name=Smith", "all Small ID Name: 1Smith; change Small ID=1 Note=",
+                              "delete Small ID=1; add Small Name=Smith Note="}) {
       opened_.emplace(file_, nullptr, 16, sample.password);
       ASSERT_TRUE(opened_->opened()) << opened_->reason();
       play(scene + (std::string_view(scene).ends_with('=') ? note : ""));

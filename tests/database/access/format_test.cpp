@@ -52,23 +52,6 @@ TEST(StoredText, IsCompressedWhereThatIsAllowed) {
   EXPECT_EQ(stored.size(), 2050U) << "too long to be compressed";
 }
 
-TEST(CodePages, AreThoseThatTheSystemKnows) {
-  const std::tuple<std::uint16_t, std::string, std::optional<std::string>> cases[] = {
-      {1252, "\x80\x81", "\u20ac\xC2\x81"},
-      {1250, "\xB3", "\u0142"},
-      {1251, "\xE6", "\u0436"},
-      {1253, "\xE1", "\u03b1"},
-      {932, "a\x83\x41\\", "a\u30a2\\"},
-      {932, "\x83", "\ufffd"},
-      {7, "a", {}},
-      {0, "", {}},
-  };
-  for (const auto& [codePage, bytes, utf8] : cases) {
-    EXPECT_EQ(codePageToUtf8(codePage, bytesOf(bytes)), utf8) << codePage;
-    EXPECT_EQ(isKnownCodePage(codePage), utf8.has_value()) << codePage;
-  }
-}
-
 // Columns with their cells; "null" for one.
 struct CellCase {
   ColumnType type;

@@ -12,6 +12,7 @@
 #include "database/access/storage/space/allocator.h"
 #include "database/access/storage/space/usage_map.h"
 #include "database/values/text_matcher.h"
+#include "tests/split.h"
 
 namespace veltrano::access {
 
@@ -110,11 +111,6 @@ std::unique_ptr<Database> open(const std::filesystem::path& file,
   return database ? *std::move(database) : nullptr;
 }
 
-std::unique_ptr<Recordset> openTable(Database& database, const std::string& name) {
-  auto table = database.openTable(name);
-  return table ? *std::move(table) : nullptr;
-}
-
 void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
                   const NewDatabase& options) {
   const Status made = createDatabase(file, tables, options);
@@ -191,35 +187,40 @@ AccessRecordset& DatabaseTest::table(const std::string& name) {
 
 namespace {
 
-Status act(AccessRecordset& rows, const std::string& verb, const Values& values) {
-  const bool goes = verb == "stand" || verb == "change" || (verb == "delete" && !values.empty());
-  if (goes) {
-    stand(rows, values.at(0).first, *values.at(0).second.as<std::string>());
-  }
-  const Status begun = verb == "new" || verb == "add"       ? rows.addNew()
-                       : verb == "edit" || verb == "change" ? rows.edit()
-                                                            : Status();
-  for (std::size_t i = goes ? 1 : 0; i < values.size() && begun; ++i) {
-    const Status written = rows.write(values[i].first, values[i].second);
-    if (!written) {
-      return written;
+Status act(AccessRecordset& rows, const std::string& verb, Values values) {
+  Status done;
+  bool known = !values.empty();
+  const auto step = [&](std::string_view verbs, Status (AccessRecordset::*make)()) {
+    if (verbs.find(verb) != std::string_view::npos) {
+      known = true;
+      done = done ? (rows.*make)() : done;
     }
+  };
+  if (verb == "stand" || verb == "change" || (verb == "delete" && !values.empty())) {
+    stand(rows, values.at(0).first, *values.at(0).second.as<std::string>());
+    values.erase(values.begin());
   }
-  return !begun                                                  ? begun
-         : verb == "add" || verb == "change" || verb == "update" ? rows.update()
-         : verb == "delete"                                      ? rows.remove()
-         : verb == "first"                                       ? rows.moveFirst()
-         : verb == "last"                                        ? rows.moveLast()
-         : verb == "next"                                        ? rows.moveNext()
-                                                                 : begun;
+  step("add new", &AccessRecordset::addNew);
+  step("change edit", &AccessRecordset::edit);
+  for (std::size_t i = 0; i < values.size() && done; ++i) {
+    done = rows.write(values[i].first, values[i].second);
+  }
+  step("add change update", &AccessRecordset::update);
+  step("delete", &AccessRecordset::remove);
+  step("first", &AccessRecordset::moveFirst);
+  step("last", &AccessRecordset::moveLast);
+  step("next", &AccessRecordset::moveNext);
+  EXPECT_TRUE(known) << verb;
+  return done;
 }
 
 }  // namespace
 
 void DatabaseTest::play(const std::string& scene) {
-  std::istringstream lines(scene);
-  for (std::string line; std::getline(lines, line);) {
-    const std::size_t colon = std::min(line.find(':'), line.size());
+  std::string steps = scene;
+  std::ranges::replace(steps, ';', '\n');
+  for (const std::string& line : tests::split(steps, '\n')) {
+    const std::size_t colon = std::min((line + " ").find(": "), line.size());
     const std::string expected = line.substr(std::min(colon + 2, line.size()));
     std::istringstream words(line.substr(0, colon));
     std::string verb;
@@ -252,44 +253,28 @@ void DatabaseTest::play(const std::string& scene) {
   EXPECT_EQ(check(), "") << scene;
 }
 
-std::vector<Record> readAll(AccessRecordset& recordset) {
-  std::vector<Record> records;
-  std::string text;
-  recordset.moveFirst();
-  while (recordset.atEnd() == false) {
+std::string difference(AccessRecordset& recordset, const Model& model, bool ordered) {
+  Model found;
+  for (recordset.moveFirst(); recordset.atEnd() == false; recordset.moveNext()) {
     Record record;
     for (const NewColumn& column : peopleTable().columns) {
+      std::string text;
       record[column.name] = recordset.readText(column.name, text) ? std::optional(text) : std::nullopt;
     }
-    records.push_back(std::move(record));
-    recordset.moveNext();
+    const int id = std::stoi(*record["ID"]);
+    if (!found.emplace(id, std::move(record)).second || (ordered && found.rbegin()->first != id)) {
+      return std::to_string(id) + " is not where it belongs";
+    }
   }
-  return records;
-}
-
-std::string difference(std::vector<Record> found, const Model& model, bool ordered) {
-  if (!ordered) {
-    std::sort(found.begin(), found.end(), [](const Record& a, const Record& b) {
-      return std::stoi(*a.at("ID")) < std::stoi(*b.at("ID"));
-    });
-  }
-  if (found.size() != model.size()) {
-    return std::to_string(found.size()) + " records instead of " + std::to_string(model.size());
-  }
-  const auto shown = [](const std::optional<std::string>& value) {
-    return value ? "'" + value->substr(0, 60) + "' (" + std::to_string(value->size()) + ")"
-                 : std::string("null");
-  };
-  auto at = found.begin();
   for (const auto& [id, record] : model) {
     for (const auto& [name, value] : record) {
-      if (at->at(name) != value) {
-        return std::to_string(id) + "." + name + ": " + shown(at->at(name)) + " instead of " + shown(value);
+      if (found[id][name] != value) {
+        return std::to_string(id) + "." + name + ": '" + found[id][name].value_or("null").substr(0, 60) +
+               "' instead of '" + value.value_or("null").substr(0, 60) + "'";
       }
     }
-    ++at;
   }
-  return "";
+  return found.size() == model.size() ? "" : std::to_string(found.size()) + " records";
 }
 
 // Letters of one, two, three and four bytes in UTF-8; upper and lower case; the ends of what may be
@@ -308,45 +293,39 @@ std::string RandomWork::randomText(int most) {
 
 // A value as the text that is written, and that must be read again.
 std::optional<std::string> RandomWork::randomValue(const NewColumn& column) {
-  static const std::array<const char*, 4> fractions = {"", ".25", ".5", ".75"};
-  const auto fraction = [&] { return fractions[static_cast<std::size_t>(number(4))]; };
+  // A digit takes the place of each #; ~ is a random text of up to so many letters.
+  static const std::map<std::string, std::string> forms = {
+      {"Name", "~30"},
+      {"Plain", "~30"},
+      {"Notes", "~20|~60|~3000|~9000"},
+      {"Code", "c1##|c2##"},
+      {"Raw", "#|######|########################################"},
+      {"Born", "1###-02-1# 04:05:0#|2###-02-1# 04:05:00"},
+      {"Tiny", "1##|2#|0"},
+      {"Count", "1####|-1####|2#"},
+      {"Flag", "True|False"},
+      {"Mark", "{0011223#-4455-6677-8899-AABBCCDDEEF#}"},
+  };
   if (column.type != ColumnType::boolean && number(6) == 0) {
     return std::nullopt;
   }
-  switch (column.type) {
-    case ColumnType::text:
-      if (column.name == "Path") {
-        const int folder = number(12);
-        return std::string(20 + 17 * static_cast<std::size_t>(folder), static_cast<char>('a' + folder)) +
-               "/" + std::to_string(number(1000));
-      }
-      return column.name == "Code" ? "c" + std::to_string(number(400)) : randomText(column.size / 2);
-    case ColumnType::memo: {
-      const std::array<int, 4> lengths = {20, 60, 3000, 9000};
-      return randomText(lengths[static_cast<std::size_t>(number(4))]);
-    }
-    case ColumnType::ole:
-    case ColumnType::binary:
-      return std::string(static_cast<std::size_t>(number(column.type == ColumnType::ole ? 9000 : 40) + 1),
-                         static_cast<char>('a' + number(26)));
-    case ColumnType::dateTime:
-      return std::to_string(1000 + number(1900)) + "-02-1" + std::to_string(number(10)) + " 04:05:0" +
-             std::to_string(number(10));
-    case ColumnType::numeric:
-    case ColumnType::currency:
-    case ColumnType::real:
-    case ColumnType::single:
-      return (number(2) == 0 ? "-" : "") + std::to_string(1 + number(9999)) + fraction();
-    case ColumnType::boolean:
-      return number(2) == 0 ? "True" : "False";
-    case ColumnType::byte:
-      return std::to_string(number(256));
-    case ColumnType::guid:
-      return "{0011223" + std::to_string(number(10)) + "-4455-6677-8899-AABBCCDDEEF" +
-             std::to_string(number(10)) + "}";
-    default:
-      return std::to_string(number(20000) - 10000);
+  if (column.name == "Path" || column.name == "Picture") {
+    const int folder = number(12);
+    const int length = column.name == "Path" ? 20 + 17 * folder : number(9000);
+    return std::string(static_cast<std::size_t>(length), static_cast<char>('a' + folder)) + "/" +
+           std::to_string(number(1000));
   }
+  const auto known = forms.find(column.name);
+  const auto itsForms =
+      tests::split(known != forms.end() ? known->second : "1###|-2##.25|3#.5|-1|4###.75", '|');
+  std::string text = itsForms[random_() % itsForms.size()];
+  if (text[0] == '~') {
+    return randomText(std::stoi(text.substr(1)));
+  }
+  for (char& c : text) {
+    c = c == '#' ? static_cast<char>('0' + number(10)) : c;
+  }
+  return text;
 }
 
 void RandomWork::assignSome(AccessRecordset& recordset, Record& record) {
@@ -404,6 +383,15 @@ bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& af
     after[chosen->first] = std::move(record);
   }
   return static_cast<bool>(recordset.update());
+}
+
+void fillAtRandom(AccessRecordset& recordset, unsigned seed, int changes, Model& model) {
+  RandomWork work(seed);
+  for (Model after; changes > 0; --changes) {
+    if (work.step(recordset, model, after)) {
+      std::swap(model, after);
+    }
+  }
 }
 
 }  // namespace veltrano::access

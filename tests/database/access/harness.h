@@ -73,8 +73,6 @@ void fillToTheEnd(const std::filesystem::path& file);
 /// Opens a file as a host does; null if it is refused.
 std::unique_ptr<Database> open(const std::filesystem::path& file,
                                const std::optional<std::string>& password = {});
-/// Null if the table is refused.
-std::unique_ptr<Recordset> openTable(Database& database, const std::string& name);
 
 /// Takes the pages below `end` out of the map of free pages; inside a transaction.
 void useUp(Pager& pager, PageNumber end);
@@ -112,7 +110,7 @@ class DatabaseTest : public testing::Test {
   void reopen();
   /// The same one each time, until the file is closed. Quotes after the name ask for another one on that table.
   AccessRecordset& table(const std::string& name);
-  /// Plays a scene, a step a line, and checks the file at its end:
+  /// Plays a scene, steps separated by semicolons or lines, and checks the file at its end:
   ///   add T Field=value ...           delete T Field=value     change T Field=value Field=value ...
   ///   first|last|next|edit|new|update|delete T         stand T Field=value        write T Field=value ...
   ///   read T Field ...: of the current record          all T Field ...: of all records, 1a 2b
@@ -137,12 +135,9 @@ using Record = std::map<std::string, std::optional<std::string>>;
 /// Records by their ID.
 using Model = std::map<int, Record>;
 
-/// All records of a table as a host reads them, in the recordset's order.
-std::vector<Record> readAll(AccessRecordset& recordset);
-
-/// The first difference between what a recordset gave and a model, "" if there is none. `ordered`: also the
-/// order must be that of the model's keys.
-std::string difference(std::vector<Record> found, const Model& model, bool ordered);
+/// The first difference between a table and a model, "" if there is none. `ordered`: also the order must be that of
+/// the model's keys.
+std::string difference(AccessRecordset& recordset, const Model& model, bool ordered);
 
 /// Random changes to the table of peopleTable or plainTable, the same to the model.
 class RandomWork {
@@ -170,6 +165,9 @@ class RandomWork {
   std::mt19937 random_;
   bool added_ = false;
 };
+
+/// So many random changes, of which the model has those that worked.
+void fillAtRandom(AccessRecordset& recordset, unsigned seed, int changes, Model& model);
 
 }  // namespace veltrano::access
 

@@ -100,16 +100,4 @@ StormChange drawChange(std::mt19937& random, const StormModel& model) {
   return change;
 }
 
-std::string describe(const StormModel& model) {
-  std::string all;
-  for (std::size_t table = 0; table < model.size(); ++table) {
-    all += std::string("\n ") + stormTableNames[table];
-    for (const auto& [id, row] : model[table]) {
-      all += " " + std::to_string(id) + ":" + std::to_string(row.version);
-      all += row.parent ? "<" + std::to_string(*row.parent) : "";
-    }
-  }
-  return all;
-}
-
 }  // namespace veltrano::access

@@ -55,9 +55,6 @@ StormChange drawChange(std::mt19937& random, const StormModel& model);
 /// 0 to `limit` - 1.
 int below(std::mt19937& random, int limit);
 
-/// For messages.
-std::string describe(const StormModel& model);
-
 }  // namespace veltrano::access
 
 #endif
