@@ -282,7 +282,7 @@ TEST_F(DaoEngine, ReadsAndAssignsEveryKind) {
   for (const auto& [field, answer] : fields) {
     texts += mdb.ReadRecord_String(field) + "|";
   }
-  EXPECT_EQ(texts, "|200|a\u00e9z|1.25|-10.5|0.1|True|-7|2000-01-01 12:00:00|||0.1|Zo\u00eb|");
+  EXPECT_EQ(texts, "200|a\u00e9z|1.25|-10.5|0.1|True|-7|2000-01-01 12:00:00|||0.1|Zo\u00eb|");
   // Texts reach DAO in the terms of the field, numbers and dates as texts where the field is one.
   const std::tuple<const char*, Value, const char*> values[] = {
       {"Long", Value(), "empty"},
