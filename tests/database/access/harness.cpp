@@ -92,13 +92,18 @@ std::string read(Recordset& recordset, std::string_view field) {
   return recordset.readText(field, text) ? text : "(" + text + ")";
 }
 
+std::string readFields(Recordset& recordset, const std::vector<std::string>& fields) {
+  std::string all;
+  for (const std::string& field : fields) {
+    all += read(recordset, field);
+  }
+  return all;
+}
+
 std::string readAll(Recordset& recordset, const std::vector<std::string>& fields) {
   std::string all;
   for (recordset.moveFirst(); recordset.atEnd() == false; recordset.moveNext()) {
-    all += all.empty() ? "" : " ";
-    for (const std::string& field : fields) {
-      all += read(recordset, field);
-    }
+    all += (all.empty() ? "" : " ") + readFields(recordset, fields);
   }
   return all;
 }
@@ -235,14 +240,9 @@ void DatabaseTest::play(const std::string& scene) {
       const std::string value = word.substr(equals + 1);
       values.emplace_back(fields.back(), value == "-" ? Value(Null{}) : Value(value));
     }
-    if (verb == "all") {
-      EXPECT_EQ(readAll(table(name), fields), expected) << line;
-    } else if (verb == "read") {
-      std::string found;
-      for (const std::string& field : fields) {
-        found += read(table(name), field);
-      }
-      EXPECT_EQ(found, expected) << line;
+    if (verb == "all" || verb == "read") {
+      EXPECT_EQ(verb == "all" ? readAll(table(name), fields) : readFields(table(name), fields), expected)
+          << line;
     } else if (!verb.empty()) {
       const bool refused = verb[0] == '!';
       const Status done = act(table(name), verb.substr(refused ? 1 : 0), values);

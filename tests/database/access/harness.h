@@ -58,6 +58,8 @@ Status change(Recordset& recordset, const Values& values);
 void stand(Recordset& recordset, std::string_view field, const std::string& text);
 /// A field's text; in brackets if there is none.
 std::string read(Recordset& recordset, std::string_view field);
+/// The texts of these fields, one after the other.
+std::string readFields(Recordset& recordset, const std::vector<std::string>& fields);
 /// These fields of all records, one after the other: "1a 2b".
 std::string readAll(Recordset& recordset, const std::vector<std::string>& fields);
 

@@ -65,10 +65,8 @@ TEST(IndexKey, OrdersTextsAsAccessDoes) {
     const char* key;  // as Access itself writes it
   } cases[] = {
       {"", "", "7F 01 00"},
-      {"", "a", "7F 4A 01 00"},
       {"", "A b  ", "7F 4A 07 4C 01 00"},
       {"", "a-b", "7F 4A 4C 01 01 01 01 80 0B 06 82 00"},
-      {"", "-ab", "7F 4A 4C 01 01 01 01 80 07 06 82 00"},
       {"", "it's", "7F 59 6D 6B 01 01 01 01 80 0F 06 80 00"},
       {"", "r\u00e9sum\u00e9", "7F 69 51 6B 6F 60 51 01 02 0E 02 02 02 0E 00"},
       {"", "a-\u00e9-b", "7F 4A 51 4C 01 02 0E 01 01 01 80 0B 06 82 80 0F 06 82 00"},
@@ -127,7 +125,6 @@ TEST(IndexKey, OrdersEveryType) {
     const char* descending = nullptr;  // if it is not the same with all bits flipped
   } cases[] = {
       {ColumnType::boolean, "01", "7F 00"},
-      {ColumnType::boolean, "00", "7F FF"},
       {ColumnType::byte, "C8", "7F C8"},
       {ColumnType::integer, "FFFF", "7F 7F FF"},
       {ColumnType::longInteger, "01000000", "7F 80 00 00 01"},
@@ -138,7 +135,6 @@ TEST(IndexKey, OrdersEveryType) {
       {ColumnType::real, "000000000000F0BF", "7F 40 0F FF FF FF FF FF FF"},
       {ColumnType::real, "000000", "damaged", "damaged"},
       {ColumnType::dateTime, "0000000000000000", "7F 80 00 00 00 00 00 00 00"},
-      {ColumnType::binary, "", "7F"},
       {ColumnType::binary, "0102", "7F 01 02 00 00 00 00 00 00 02"},
       {ColumnType::binary, "0102030405060708", "7F 01 02 03 04 05 06 07 08 08"},
       // The mark that a block goes on stays.

@@ -95,7 +95,7 @@ TEST_F(PagerTest, RecoveryWaitsForTheDisk) {
 }
 
 // Pages that did not fit into memory are in the file already, and in memory again when they are read.
-TEST_F(PagerTest, ARollbackForgetsPagesThatWereWrittenEarly) {
+TEST_F(PagerTest, ARollbackForgetsPagesThatWereWrittenEarlyAndRecoveryCutsThemOff) {
   pager_.reset();
   open(16);
   ASSERT_TRUE(append(300));
@@ -109,6 +109,17 @@ TEST_F(PagerTest, ARollbackForgetsPagesThatWereWrittenEarly) {
   }
   ASSERT_TRUE(append(1));
   ASSERT_EQ(got(next - 256), (next - 256) % 251 + 1);  // has the place of `next` among the pages found last
+  EXPECT_EQ(got(next), next % 251 + 1);
+  {
+    const Transaction transaction(*pager_);
+    while (disk_.content("a.mdb").size() < (next + 100) * pageSize) {
+      ASSERT_NE(pager_->append(), noPage);
+    }
+    disk_.dieAfter(-1);
+  }
+  die();
+  open();
+  EXPECT_EQ(disk_.content("a.mdb").size(), (next + 1) * pageSize);
   EXPECT_EQ(got(next), next % 251 + 1);
 }
 
