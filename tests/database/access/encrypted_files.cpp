@@ -28,25 +28,29 @@ std::string provider(std::uint32_t flags, std::uint32_t cipher, std::uint32_t bi
          description + unhex(check);
 }
 
-std::string keyAttributes(const AgileText& text, const std::string& salt) {
-  return "saltSize=\"16\" blockSize=\"16\" keyBits=\"" + text.bits + "\" hashSize=\"" + text.hashSize +
-         "\" cipherAlgorithm=\"AES\" cipherChaining=\"ChainingModeCBC\" hashAlgorithm=\"" + text.hash +
-         "\" saltValue=\"" + salt + "\"";
-}
+// The information of agile encryption, as Access writes it.
+struct AgileText {
+  std::string hash, hashSize, bits, pagesSalt, rounds, salt, verifierInput, verifierHash, pagesKey;
+
+  [[nodiscard]] std::string attributes(const std::string& itsSalt) const {
+    return "saltSize=\"16\" blockSize=\"16\" keyBits=\"" + bits + "\" hashSize=\"" + hashSize +
+           "\" cipherAlgorithm=\"AES\" cipherChaining=\"ChainingModeCBC\" hashAlgorithm=\"" + hash +
+           "\" saltValue=\"" + itsSalt + "\"";
+  }
+  [[nodiscard]] std::string information() const {
+    const std::string office = "\"http://schemas.microsoft.com/office/2006/";
+    return unhex("0400040040000000") + "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n" +
+           "<encryption xmlns=" + office + "encryption\" xmlns:p=" + office +
+           "keyEncryptor/password\"><keyData " + attributes(pagesSalt) +
+           "/><keyEncryptors><keyEncryptor uri=" + office +
+           "keyEncryptor/password\"><p:encryptedKey spinCount=\"" + rounds + "\" " + attributes(salt) +
+           " encryptedVerifierHashInput=\"" + verifierInput + "\" encryptedVerifierHashValue=\"" +
+           verifierHash + "\" encryptedKeyValue=\"" + pagesKey +
+           "\"/></keyEncryptor></keyEncryptors></encryption>";
+  }
+};
 
 }  // namespace
-
-std::string AgileText::information() const {
-  const std::string office = "\"http://schemas.microsoft.com/office/2006/";
-  return unhex("0400040040000000") + "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n" +
-         "<encryption xmlns=" + office + "encryption\" xmlns:p=" + office +
-         "keyEncryptor/password\"><keyData " + keyAttributes(*this, pagesSalt) +
-         "/><keyEncryptors><keyEncryptor uri=" + office +
-         "keyEncryptor/password\"><p:encryptedKey spinCount=\"" + rounds + "\" " +
-         keyAttributes(*this, salt) + " encryptedVerifierHashInput=\"" + verifierInput +
-         "\" encryptedVerifierHashValue=\"" + verifierHash + "\" encryptedKeyValue=\"" + pagesKey +
-         "\"/></keyEncryptor></keyEncryptors></encryption>";
-}
 
 const std::vector<EncryptedSample>& encryptedSamples() {
   static const std::string aesProvider = "Microsoft Enhanced RSA and AES Cryptographic Provider";

@@ -30,12 +30,6 @@ std::string encrypted(std::string content, const EncryptedSample& sample);
 /// The bytes that hexadecimal digits stand for, two by two, with a blank between them or none.
 std::string unhex(std::string_view digits);
 
-/// The information of agile encryption, as Access writes it.
-struct AgileText {
-  std::string hash, hashSize, bits, pagesSalt, rounds, salt, verifierInput, verifierHash, pagesKey;
-  [[nodiscard]] std::string information() const;
-};
-
 }  // namespace veltrano::access
 
 #endif

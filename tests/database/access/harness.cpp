@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <sstream>
 
 #include "base/files/paths.h"
 #include "database/access/authoring/schema_text.h"
@@ -11,6 +12,7 @@
 #include "database/access/storage/space/allocator.h"
 #include "database/access/storage/space/usage_map.h"
 #include "database/values/text_matcher.h"
+#include "tests/split.h"
 
 namespace veltrano::access {
 
@@ -54,7 +56,7 @@ NewTable plainTable() {
 
 NewTable smallTable() {
   return tableOf(
-      "table Peo\u017cle; ID autonumber; Name text(5) required; Note memo nonempty default =\"new\";"
+      "table Small; ID autonumber; Name text(5) required; Note memo nonempty default =\"new\";"
       "Code text(10); Tiny byte; Flag boolean; Mark autoguid;"
       "primary PrimaryKey (ID); unique Code (Code) ignorenulls");
 }
@@ -90,13 +92,18 @@ std::string read(Recordset& recordset, std::string_view field) {
   return recordset.readText(field, text) ? text : "(" + text + ")";
 }
 
-std::string readAll(Recordset& recordset, std::initializer_list<const char*> fields) {
+std::string readFields(Recordset& recordset, const std::vector<std::string>& fields) {
+  std::string all;
+  for (const std::string& field : fields) {
+    all += read(recordset, field);
+  }
+  return all;
+}
+
+std::string readAll(Recordset& recordset, const std::vector<std::string>& fields) {
   std::string all;
   for (recordset.moveFirst(); recordset.atEnd() == false; recordset.moveNext()) {
-    for (const char* field : fields) {
-      all += read(recordset, field);
-    }
-    all += " ";
+    all += (all.empty() ? "" : " ") + readFields(recordset, fields);
   }
   return all;
 }
@@ -107,11 +114,6 @@ std::unique_ptr<Database> open(const std::filesystem::path& file,
       password ? std::optional(std::string(passwordConnectPrefix) + *password) : std::nullopt;
   auto database = makeAccessEngine()->openDatabase(pathToUtf8(file), connect);
   return database ? *std::move(database) : nullptr;
-}
-
-std::unique_ptr<Recordset> openTable(Database& database, const std::string& name) {
-  auto table = database.openTable(name);
-  return table ? *std::move(table) : nullptr;
 }
 
 void makeDatabase(const std::filesystem::path& file, const std::vector<NewTable>& tables,
@@ -183,49 +185,96 @@ void DatabaseTest::reopen() {
 AccessRecordset& DatabaseTest::table(const std::string& name) {
   auto& known = tables_[name];
   if (!known) {
-    known = opened_->table(name);
+    known = opened_->table(name.substr(0, name.find('\'')));
   }
   return *known;
 }
 
-std::vector<Record> readAll(AccessRecordset& recordset) {
-  std::vector<Record> records;
-  std::string text;
-  recordset.moveFirst();
-  while (recordset.atEnd() == false) {
-    Record record;
-    for (const NewColumn& column : peopleTable().columns) {
-      record[column.name] = recordset.readText(column.name, text) ? std::optional(text) : std::nullopt;
+namespace {
+
+Status act(AccessRecordset& rows, const std::string& verb, Values values) {
+  Status done;
+  bool known = !values.empty();
+  const auto step = [&](std::string_view verbs, Status (AccessRecordset::*make)()) {
+    if (verbs.find(verb) != std::string_view::npos) {
+      known = true;
+      done = done ? (rows.*make)() : done;
     }
-    records.push_back(std::move(record));
-    recordset.moveNext();
+  };
+  if (verb == "stand" || verb == "change" || (verb == "delete" && !values.empty())) {
+    stand(rows, values.at(0).first, *values.at(0).second.as<std::string>());
+    values.erase(values.begin());
   }
-  return records;
+  step("add new", &AccessRecordset::addNew);
+  step("change edit", &AccessRecordset::edit);
+  for (std::size_t i = 0; i < values.size() && done; ++i) {
+    done = rows.write(values[i].first, values[i].second);
+  }
+  step("add change update", &AccessRecordset::update);
+  step("delete", &AccessRecordset::remove);
+  step("first", &AccessRecordset::moveFirst);
+  step("last", &AccessRecordset::moveLast);
+  step("next", &AccessRecordset::moveNext);
+  EXPECT_TRUE(known) << verb;
+  return done;
 }
 
-std::string difference(std::vector<Record> found, const Model& model, bool ordered) {
-  if (!ordered) {
-    std::sort(found.begin(), found.end(), [](const Record& a, const Record& b) {
-      return std::stoi(*a.at("ID")) < std::stoi(*b.at("ID"));
-    });
+}  // namespace
+
+void DatabaseTest::play(const std::string& scene) {
+  std::string steps = scene;
+  std::ranges::replace(steps, ';', '\n');
+  for (const std::string& line : tests::split(steps, '\n')) {
+    const std::size_t colon = std::min((line + " ").find(": "), line.size());
+    const std::string expected = line.substr(std::min(colon + 2, line.size()));
+    std::istringstream words(line.substr(0, colon));
+    std::string verb;
+    std::string name;
+    words >> verb >> name;
+    std::vector<std::string> fields;
+    Values values;
+    for (std::string word; words >> word;) {
+      const std::size_t equals = word.find('=');
+      fields.push_back(word.substr(0, equals));
+      std::replace(word.begin(), word.end(), '_', ' ');
+      const std::string value = word.substr(equals + 1);
+      values.emplace_back(fields.back(), value == "-" ? Value(Null{}) : Value(value));
+    }
+    if (verb == "all" || verb == "read") {
+      EXPECT_EQ(verb == "all" ? readAll(table(name), fields) : readFields(table(name), fields), expected)
+          << line;
+    } else if (!verb.empty()) {
+      const bool refused = verb[0] == '!';
+      const Status done = act(table(name), verb.substr(refused ? 1 : 0), values);
+      EXPECT_EQ(static_cast<bool>(done), !refused) << line << ": " << done.reason();
+      EXPECT_NE(done.reason().find(expected), std::string::npos) << line << ": " << done.reason();
+    }
   }
-  if (found.size() != model.size()) {
-    return std::to_string(found.size()) + " records instead of " + std::to_string(model.size());
+  EXPECT_EQ(check(), "") << scene;
+}
+
+std::string difference(AccessRecordset& recordset, const Model& model, bool ordered) {
+  Model found;
+  for (recordset.moveFirst(); recordset.atEnd() == false; recordset.moveNext()) {
+    Record record;
+    for (const NewColumn& column : peopleTable().columns) {
+      std::string text;
+      record[column.name] = recordset.readText(column.name, text) ? std::optional(text) : std::nullopt;
+    }
+    const int id = std::stoi(*record["ID"]);
+    if (!found.emplace(id, std::move(record)).second || (ordered && found.rbegin()->first != id)) {
+      return std::to_string(id) + " is not where it belongs";
+    }
   }
-  const auto shown = [](const std::optional<std::string>& value) {
-    return value ? "'" + value->substr(0, 60) + "' (" + std::to_string(value->size()) + ")"
-                 : std::string("null");
-  };
-  auto at = found.begin();
   for (const auto& [id, record] : model) {
     for (const auto& [name, value] : record) {
-      if (at->at(name) != value) {
-        return std::to_string(id) + "." + name + ": " + shown(at->at(name)) + " instead of " + shown(value);
+      if (found[id][name] != value) {
+        return std::to_string(id) + "." + name + ": '" + found[id][name].value_or("null").substr(0, 60) +
+               "' instead of '" + value.value_or("null").substr(0, 60) + "'";
       }
     }
-    ++at;
   }
-  return "";
+  return found.size() == model.size() ? "" : std::to_string(found.size()) + " records";
 }
 
 // Letters of one, two, three and four bytes in UTF-8; upper and lower case; the ends of what may be
@@ -244,45 +293,39 @@ std::string RandomWork::randomText(int most) {
 
 // A value as the text that is written, and that must be read again.
 std::optional<std::string> RandomWork::randomValue(const NewColumn& column) {
-  static const std::array<const char*, 4> fractions = {"", ".25", ".5", ".75"};
-  const auto fraction = [&] { return fractions[static_cast<std::size_t>(number(4))]; };
+  // A digit takes the place of each #; ~ is a random text of up to so many letters.
+  static const std::map<std::string, std::string> forms = {
+      {"Name", "~30"},
+      {"Plain", "~30"},
+      {"Notes", "~20|~60|~3000|~9000"},
+      {"Code", "c1##|c2##"},
+      {"Raw", "#|######|########################################"},
+      {"Born", "1###-02-1# 04:05:0#|2###-02-1# 04:05:00"},
+      {"Tiny", "1##|2#|0"},
+      {"Count", "1####|-1####|2#"},
+      {"Flag", "True|False"},
+      {"Mark", "{0011223#-4455-6677-8899-AABBCCDDEEF#}"},
+  };
   if (column.type != ColumnType::boolean && number(6) == 0) {
     return std::nullopt;
   }
-  switch (column.type) {
-    case ColumnType::text:
-      if (column.name == "Path") {
-        const int folder = number(12);
-        return std::string(20 + 17 * static_cast<std::size_t>(folder), static_cast<char>('a' + folder)) +
-               "/" + std::to_string(number(1000));
-      }
-      return column.name == "Code" ? "c" + std::to_string(number(400)) : randomText(column.size / 2);
-    case ColumnType::memo: {
-      const std::array<int, 4> lengths = {20, 60, 3000, 9000};
-      return randomText(lengths[static_cast<std::size_t>(number(4))]);
-    }
-    case ColumnType::ole:
-    case ColumnType::binary:
-      return std::string(static_cast<std::size_t>(number(column.type == ColumnType::ole ? 9000 : 40) + 1),
-                         static_cast<char>('a' + number(26)));
-    case ColumnType::dateTime:
-      return std::to_string(1000 + number(1900)) + "-02-1" + std::to_string(number(10)) + " 04:05:0" +
-             std::to_string(number(10));
-    case ColumnType::numeric:
-    case ColumnType::currency:
-    case ColumnType::real:
-    case ColumnType::single:
-      return (number(2) == 0 ? "-" : "") + std::to_string(1 + number(9999)) + fraction();
-    case ColumnType::boolean:
-      return number(2) == 0 ? "True" : "False";
-    case ColumnType::byte:
-      return std::to_string(number(256));
-    case ColumnType::guid:
-      return "{0011223" + std::to_string(number(10)) + "-4455-6677-8899-AABBCCDDEEF" +
-             std::to_string(number(10)) + "}";
-    default:
-      return std::to_string(number(20000) - 10000);
+  if (column.name == "Path" || column.name == "Picture") {
+    const int folder = number(12);
+    const int length = column.name == "Path" ? 20 + 17 * folder : number(9000);
+    return std::string(static_cast<std::size_t>(length), static_cast<char>('a' + folder)) + "/" +
+           std::to_string(number(1000));
   }
+  const auto known = forms.find(column.name);
+  const auto itsForms =
+      tests::split(known != forms.end() ? known->second : "1###|-2##.25|3#.5|-1|4###.75", '|');
+  std::string text = itsForms[random_() % itsForms.size()];
+  if (text[0] == '~') {
+    return randomText(std::stoi(text.substr(1)));
+  }
+  for (char& c : text) {
+    c = c == '#' ? static_cast<char>('0' + number(10)) : c;
+  }
+  return text;
 }
 
 void RandomWork::assignSome(AccessRecordset& recordset, Record& record) {
@@ -340,6 +383,15 @@ bool RandomWork::step(AccessRecordset& recordset, const Model& before, Model& af
     after[chosen->first] = std::move(record);
   }
   return static_cast<bool>(recordset.update());
+}
+
+void fillAtRandom(AccessRecordset& recordset, unsigned seed, int changes, Model& model) {
+  RandomWork work(seed);
+  for (Model after; changes > 0; --changes) {
+    if (work.step(recordset, model, after)) {
+      std::swap(model, after);
+    }
+  }
 }
 
 }  // namespace veltrano::access

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <initializer_list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -44,7 +43,7 @@ NewTable tableOf(std::string_view schema);
 const NewTable& peopleTable();
 /// The same without any index: kept in storage order.
 NewTable plainTable();
-/// "Peo\u017Cle": ID counts, Name is required and short, Note has a default, Code is unique.
+/// "Small": ID counts, Name is required and short, Note has a default, Code is unique.
 NewTable smallTable();
 
 // --- Records, as a host writes and reads them
@@ -59,8 +58,10 @@ Status change(Recordset& recordset, const Values& values);
 void stand(Recordset& recordset, std::string_view field, const std::string& text);
 /// A field's text; in brackets if there is none.
 std::string read(Recordset& recordset, std::string_view field);
-/// These fields of all records, one after the other: "1a 2b ".
-std::string readAll(Recordset& recordset, std::initializer_list<const char*> fields);
+/// The texts of these fields, one after the other.
+std::string readFields(Recordset& recordset, const std::vector<std::string>& fields);
+/// These fields of all records, one after the other: "1a 2b".
+std::string readAll(Recordset& recordset, const std::vector<std::string>& fields);
 
 // --- Files
 
@@ -74,8 +75,6 @@ void fillToTheEnd(const std::filesystem::path& file);
 /// Opens a file as a host does; null if it is refused.
 std::unique_ptr<Database> open(const std::filesystem::path& file,
                                const std::optional<std::string>& password = {});
-/// Null if the table is refused.
-std::unique_ptr<Recordset> openTable(Database& database, const std::string& name);
 
 /// Takes the pages below `end` out of the map of free pages; inside a transaction.
 void useUp(Pager& pager, PageNumber end);
@@ -111,8 +110,15 @@ class DatabaseTest : public testing::Test {
             std::uint32_t cachePages = 4096);
   void close();
   void reopen();
-  /// The same one each time, until the file is closed.
+  /// The same one each time, until the file is closed. Quotes after the name ask for another one on that table.
   AccessRecordset& table(const std::string& name);
+  /// Plays a scene, steps separated by semicolons or lines, and checks the file at its end:
+  ///   add T Field=value ...           delete T Field=value     change T Field=value Field=value ...
+  ///   first|last|next|edit|new|update|delete T         stand T Field=value        write T Field=value ...
+  ///   read T Field ...: of the current record          all T Field ...: of all records, 1a 2b
+  /// The first value of delete, change and stand is that of the record to go to. In values - is a null, _ a blank.
+  /// After an exclamation mark a step must be refused; after a colon stands a part of the reason.
+  void play(const std::string& scene);
   [[nodiscard]] Pager& pager() const { return opened_->pager(); }
   [[nodiscard]] std::string check() const { return opened_->check(); }
 
@@ -131,12 +137,9 @@ using Record = std::map<std::string, std::optional<std::string>>;
 /// Records by their ID.
 using Model = std::map<int, Record>;
 
-/// All records of a table as a host reads them, in the recordset's order.
-std::vector<Record> readAll(AccessRecordset& recordset);
-
-/// The first difference between what a recordset gave and a model, "" if there is none. `ordered`: also the
-/// order must be that of the model's keys.
-std::string difference(std::vector<Record> found, const Model& model, bool ordered);
+/// The first difference between a table and a model, "" if there is none. `ordered`: also the order must be that of
+/// the model's keys.
+std::string difference(AccessRecordset& recordset, const Model& model, bool ordered);
 
 /// Random changes to the table of peopleTable or plainTable, the same to the model.
 class RandomWork {
@@ -164,6 +167,9 @@ class RandomWork {
   std::mt19937 random_;
   bool added_ = false;
 };
+
+/// So many random changes, of which the model has those that worked.
+void fillAtRandom(AccessRecordset& recordset, unsigned seed, int changes, Model& model);
 
 }  // namespace veltrano::access
 

@@ -25,12 +25,14 @@ inline void readHostileTable(AccessRecordset& recordset, const std::vector<Colum
     recordset.moveNext();
   }
   recordset.moveLast();
+  for (std::size_t i = 0; i < std::min<std::size_t>(columns.size(), 4); ++i) {
+    recordset.moveFirst();
+    recordset.find(columns[i].name, TextMatcher("1", CaseRule::lowered));
+  }
 }
 
 inline void changeHostileTable(AccessRecordset& recordset, const std::vector<Column>& columns) {
   for (int change = 0; change < 3 && !columns.empty(); ++change) {
-    recordset.moveFirst();
-    recordset.find(columns.front().name, TextMatcher("1", CaseRule::lowered));
     recordset.moveFirst();
     change == 0 ? recordset.addNew() : recordset.edit();
     for (const Column& column : columns) {
@@ -39,13 +41,6 @@ inline void changeHostileTable(AccessRecordset& recordset, const std::vector<Col
     }
     recordset.update();
     recordset.remove();
-  }
-}
-
-inline void findInHostileTable(AccessRecordset& recordset, const std::vector<Column>& columns) {
-  for (std::size_t i = 0; i < std::min<std::size_t>(columns.size(), 4); ++i) {
-    recordset.moveFirst();
-    recordset.find(columns[i].name, TextMatcher("1", CaseRule::lowered));
   }
 }
 
@@ -75,7 +70,7 @@ void withHostileFile(const std::filesystem::path& path, FileSystem& files, const
 /// Reads everything in the file that can be read.
 inline void readHostileFile(const std::filesystem::path& path, FileSystem& files,
                             const std::string& password = {}) {
-  withHostileFile(path, files, password, findInHostileTable);
+  withHostileFile(path, files, password, [](AccessRecordset&, const std::vector<Column>&) {});
 }
 
 /// The same; then changes what can be changed.

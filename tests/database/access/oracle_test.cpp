@@ -110,8 +110,7 @@ TEST_P(Oracle, FileAndModelAgree) {
               << name << ", round " << round << ", step " << i;
         }
       }
-      ASSERT_EQ(difference(readAll(*recordsets[0]), model, name == "People"), "")
-          << name << " in round " << round;
+      ASSERT_EQ(difference(*recordsets[0], model, name == "People"), "") << name << " in round " << round;
     }
     ASSERT_EQ(file.check(), "") << "round " << round;
   }

@@ -52,23 +52,17 @@ TEST_F(Rules, OfFieldsAreChecked) {
   } cases[] = {
       {"N", ">=0 And <150", {"0", "149", none}, {"-1", "150"}},
       {"N", "=5", {"5", none}, {"6"}},
-      {"N", "5", {"5", none}, {"6"}},
       {"N", "0 Or >100", {"0", "101"}, {"1", "100"}},
       {"N", "<>0", {"1", none}, {"0"}},
       {"N", "> 1e2", {"101"}, {"100"}},
-      {"N", ">-5", {"-4"}, {"-5"}},
       {"N", "<= -(2 + 3)", {"-5"}, {"-4"}},
       {"N", "Between 1 And 9", {"1", "9", none}, {"0", "10"}},
       {"N", "between 9 and 1", {"1", "9"}, {"0", "10"}},
       {"N", "Between 1 And 3 Or Between 7 And 9", {"3", "7"}, {"5"}},
       {"N", "Not Between 1 And 9", {"0", none}, {"5"}},
       {"N", "In (1, 3, 5)", {"3", none}, {"2"}},
-      {"N", "Not In (1,3)", {"2"}, {"3"}},
       {"N", "In (1, Null)", {"1", "2"}, {}},
-      {"N", "Is Not Null", {"0"}, {none}},
-      {"N", "Is Null Or >0", {none, "1"}, {"0"}},
       {"N", "Not (>5 Or <0)", {"0", "5", none}, {"6", "-1"}},
-      {"N", "Not Not >5", {"6"}, {"5"}},
       {"N", "[N]>5", {"6"}, {"5"}},
       {"N", "([N]+1)>5", {"5"}, {"4"}},
       {"N", "[Things].[N]>5 And [Things]![N]<9", {"6"}, {"5", "9"}},
@@ -81,7 +75,6 @@ TEST_F(Rules, OfFieldsAreChecked) {
       {"Other N", "Between 0.5 And .75", {"0.5", "0.75"}, {"0.8"}},
       {"T", "\"USA\" Or \"Canada\"", {"usa", "Canada  ", none}, {"UK", ""}},
       {"T", "In ('a','it''s')", {"A", "it's"}, {"b"}},
-      {"T", "<>\"\"", {"x", none}, {"", " "}},
       {"T", ">=\"b\" And <\"d\"", {"b", "C", "\u00e7a"}, {"a", "d"}},
       {"T", "Not \"x\"", {"y", none}, {"X"}},
       {"T", "Like \"A*\"", {"a", "Abc", none}, {"ba", ""}},
@@ -91,9 +84,7 @@ TEST_F(Rules, OfFieldsAreChecked) {
       {"T", "Like \"[!abc]*[*]\"", {"x*"}, {"a*", "x"}},
       {"T", "Like \"[]x[-]\"", {"x-"}, {"x"}},
       {"T", "Like \"*a*b*c*\"", {"abc", "xaxxbxbxcx"}, {"acb"}},
-      {"T", "Is Null Or Not Like \"* *\"", {none, "ab"}, {"a b"}},
-      {"T", "Len([T])=5", {"12345", none}, {"1234"}},
-      {"T", "Len(T)<=3", {"\u00e9\u00e9\u00e9"}, {"1234"}},
+      {"T", "Len(T)=4", {"\u00e9\u00e9\u00e9\u00e9", none}, {"123"}},
       {"M", "Like \"*x\"", {"yyx"}, {"xy"}},
       {"D", ">=#1/31/2000#", {"2000-01-31", none}, {"2000-01-30 23:59:59"}},
       {"D", "Between #2000-01-01# And #12/31/2000 11:59:59 PM#", {"2000-12-31 23:59:59"}, {"2001-01-01"}},
@@ -101,16 +92,12 @@ TEST_F(Rules, OfFieldsAreChecked) {
       {"D", ">Now()-1", {"2999-01-01"}, {"2020-01-01"}},
       {"D", "<=Date()+30 And >Time()", {"2020-01-01"}, {"2999-01-01", "00:00:00"}},
       {"F", "True", {"True"}, {"False"}},
-      {"F", "=No", {"False"}, {"True"}},
-      {"F", "[F]", {"True"}, {"False"}},
-      {"F", "-1", {"True"}, {"False"}},
       {"G", "Is Not Null", {"{00112233-4455-6677-8899-AABBCCDDEEFF}"}, {none}},
   };
   for (const auto& [field, rule, kept, violated] : cases) {
     for (const auto& [values, expected] : {std::pair(kept, "kept"), std::pair(violated, "violated")}) {
       for (const char* value : values) {
-        const Values record = value != none ? Values{{field, value}} : Values();
-        ASSERT_NO_FATAL_FAILURE(store(record));
+        ASSERT_NO_FATAL_FAILURE(store(value != none ? Values{{field, value}} : Values()));
         EXPECT_EQ(judge(rule, field), expected)
             << field << ": " << rule << " of " << (value != none ? value : "null");
       }
@@ -137,7 +124,6 @@ TEST_F(Rules, OfTablesAreChecked) {
 TEST_F(Rules, ThatAreNotUnderstoodAreRefused) {
   const std::pair<const char*, std::vector<const char*>> cases[] = {
       {"the function Year is not known", {"Year([D])>2000"}},
-      {"the function DLookUp is not known", {"DLookUp(\"x\",\"y\")=1"}},
       {"it ends too early", {"[N]>", ""}},
       {"the field Missing does not exist", {"[Missing]>1"}},
       {"it is about another table", {"[Forms]![A]>1"}},
@@ -145,20 +131,13 @@ TEST_F(Rules, ThatAreNotUnderstoodAreRefused) {
       {"a value stands where a condition belongs", {"[N]"}},
       {"it adds what is not a number", {"[N]+[T]=1"}},
       {"the pattern \"[a\" is not valid", {"[T] Like \"[a\""}},
-      {"the pattern \"[z-a]\" is not valid", {"[T] Like \"[z-a]\""}},
       {"it compares with a pattern what is not a text", {"[T] Like [M]", "[D] Like \"2*\""}},
       {"\"#x#\" is not a date", {"[D]>#x#"}},
-      {"a number is too large", {"[N]>1e999"}},
       {"\"T\" is not understood", {"[N]>1 [T]"}},
-      {"\"*2>1\" is not understood", {"[N]*2>1"}},
-      {"\"Xor\" is not understood", {"[F] Xor [F]"}},
-      {"\"\"x\" is not understood", {"[T]=\"x"}},
       {"\"Not\" is not understood", {"[N] Not 1"}},
       {"\">\" is not understood", {">1"}},
       {"\")\" is missing", {"([N]>1"}},
       {"\"And\" is missing", {"[N] Between 1 Or 2"}},
-      {"\"(\" is missing", {"[N] In 1"}},
-      {"\"Null\" is missing", {"[N] Is 1"}},
   };
   for (const auto& [why, rules] : cases) {
     for (const char* rule : rules) {
@@ -182,32 +161,22 @@ TEST_F(Validation, RefusesRecordsAndLeavesTheEditAlive) {
   people.columns[2].validationRule = "Is Not Null";
   people.validationRule = "[Until]>=[Age]";
   make({people});
-  AccessRecordset& rows = table("People");
-  const auto attempt = [&](const char* field, const Value& value) {
-    EXPECT_TRUE(rows.write(field, value));
-    return rows.update().reason();
-  };
-  rows.addNew();
-  rows.write("ID", 1);
-  EXPECT_EQ(attempt("Age", 200), "the validation rule of the field Age, >=0 And <150, is violated");
-  EXPECT_EQ(attempt("Age", 20), "the validation rule of the field Name, Is Not Null, is violated");
-  rows.write("Name", "x");
-  EXPECT_EQ(attempt("Until", 10), "the validation rule of the table, [Until]>=[Age], is violated");
-  EXPECT_EQ(attempt("Until", 30), "");
-
-  rows.moveFirst();
-  EXPECT_FALSE(change(rows, {{"Age", -1}}));
-  EXPECT_EQ(read(rows, "Age"), "-1") << "the edit lives on";
-  EXPECT_NE(attempt("Age", 31), "");
-  EXPECT_EQ(attempt("Until", 31), "");
-  EXPECT_EQ(read(rows, "Age") + read(rows, "Until"), "3131");
-  EXPECT_EQ(check(), "");
+  play(R"(
+      !add People ID=1 Age=200: the validation rule of the field Age, >=0 And <150, is violated
+      write People Age=20
+      !update People: the validation rule of the field Name, Is Not Null, is violated
+      write People Name=x Until=10
+      !update People: the validation rule of the table, [Until]>=[Age], is violated
+      write People Until=30; update People; !change People ID=1 Age=-1: Age
+      read People Age: -1
+      write People Age=31; !update People: table
+      write People Until=31; update People; all People Age Until: 3131)");
 }
 
 TEST_F(Validation, LeavesFieldsAloneThatAnEditDoesNotAssign) {
   make(tablesOf("table People; Age text; Name text"));
   TableDefinition definition = *findTable(pager(), "People");
-  EXPECT_TRUE(add(*opened_->table(definition), {{"Age", "old"}}));
+  play("add People Age=old");
   // A rule that came later than the record.
   definition.columns[0].validationRule = "Like \"#*\"";
   const auto after = opened_->table(definition);
@@ -218,24 +187,15 @@ TEST_F(Validation, LeavesFieldsAloneThatAnEditDoesNotAssign) {
 TEST_F(Validation, ReachesTheRecordsThatACascadeChanges) {
   auto tables = tablesOf(
       "table Parent; ID long; primary P (ID)\n"
-      "table Child; Up long");
+      "table Child; Up long\n table Odd; Age long");
   tables[1].columns[0].validationRule = "<10";
+  tables[2].columns[0].validationRule = "Odd([Age])";
   make(tables, {.relations = {{"Rel", "Parent", {"ID"}, "Child", {"Up"}, true}}});
-  EXPECT_TRUE(add(table("Parent"), {{"ID", 1}}) && add(table("Child"), {{"Up", 1}}));
-  table("Parent").moveFirst();
-  EXPECT_EQ(change(table("Parent"), {{"ID", 10}}).reason(),
-            "the relation Rel: the validation rule of the field Up, <10, is violated");
-  EXPECT_TRUE(change(table("Parent"), {{"ID", 9}}));
-  EXPECT_EQ(readAll(table("Child"), {"Up"}), "9 ");
-}
-
-TEST_F(Validation, WithARuleThatIsNotUnderstoodLeavesTheTableReadOnly) {
-  NewTable people = tableOf("table People; Age integer");
-  people.columns[0].validationRule = "Odd([Age])";
-  make({people});
-  EXPECT_EQ(
-      table("People").addNew().reason(),
-      "the validation rule of the field Age, Odd([Age]), cannot be checked: the function Odd is not known");
+  play(R"(
+      add Parent ID=1; add Child Up=1
+      !change Parent ID=1 ID=10: the relation Rel: the validation rule of the field Up, <10, is violated
+      change Parent ID=1 ID=9; all Child Up: 9
+      !new Odd: of the field Age, Odd([Age]), cannot be checked: the function Odd is not known)");
 }
 
 }  // namespace

@@ -1,67 +1,58 @@
 // That room is used again, and that a full file still lets its records be deleted.
 
 #include "base/files/whole.h"
-#include "database/access/schema/catalog.h"
 #include "database/access/storage/space/allocator.h"
 #include "database/access/storage/space/usage_map.h"
-#include "database/access/table_writer.h"
 #include "harness.h"
 #include "simulated_disk.h"
 
 namespace veltrano::access {
 namespace {
 
-constexpr std::size_t pieces = 8;
+constexpr int pieces = 8;
 
 // Rows of any length: a number, pieces of up to 255 bytes, a long value.
 NewTable rowsTable() {
-  std::string schema = "table Rows; ID long";
-  for (std::size_t i = 0; i < pieces; ++i) {
+  std::string schema = "table Rows; ID long; Long ole";
+  for (int i = 0; i < pieces; ++i) {
     schema += "; P" + std::to_string(i) + " binary(255)";
   }
-  return tableOf(schema + "; Long ole");
+  return tableOf(schema + "; primary P (ID)");
 }
 
-// An open file and its table, written without a recordset.
 class RowsOfFile {
  public:
   explicit RowsOfFile(const std::filesystem::path& path, FileSystem* files = nullptr,
                       std::uint32_t cachePages = 4096)
-      : file_(path, files, cachePages), table_(pager(), *findTable(pager(), "Rows")) {
-    auto writer = TableWriter::create(table_);
-    EXPECT_TRUE(writer) << writer.status().reason();
-    writer_.emplace(*std::move(writer));
-  }
+      : file_(path, files, cachePages), table_(file_.table("Rows")) {}
   [[nodiscard]] Pager& pager() const { return file_.pager(); }
   [[nodiscard]] PageNumber pages() const { return pager().pageCount(); }
   [[nodiscard]] std::string check() const { return file_.check(); }
-  bool update(RowPointer row, int rowBytes, int longBytes) {
-    return static_cast<bool>(writer_->update(row, record(rowBytes, longBytes)));
+  bool add(int id, int rowBytes, int longBytes) {
+    return static_cast<bool>(access::add(*table_, record(id, rowBytes, longBytes)));
   }
-  Status remove(RowPointer row) { return writer_->remove(row).status(); }
-  std::optional<RowPointer> add(int rowBytes, int longBytes) {
-    auto drafts = record(rowBytes, longBytes);
-    const auto row = writer_->insert(drafts);
-    return row ? std::optional(*row) : std::nullopt;
+  bool update(int id, int rowBytes, int longBytes) {
+    stand(*table_, "ID", std::to_string(id));
+    return static_cast<bool>(change(*table_, record(id, rowBytes, longBytes)));
+  }
+  Status remove(int id) {
+    stand(*table_, "ID", std::to_string(id));
+    return table_->remove();
   }
 
  private:
   /// A record whose row has about so many bytes, and a long value of so many.
-  static std::vector<Draft> record(int rowBytes, int longBytes) {
-    const auto draft = [](int size, char byte) {
-      return Draft{{false, ByteList(static_cast<std::size_t>(size), static_cast<std::uint8_t>(byte))}, true};
-    };
-    std::vector<Draft> drafts = {draft(4, 'i')};
-    for (; drafts.size() <= pieces; rowBytes -= std::min(rowBytes, 255)) {
-      drafts.push_back(draft(std::min(rowBytes, 255), 'r'));
+  static Values record(int id, int rowBytes, int longBytes) {
+    const auto bytes = [](int size) { return Value(std::string(static_cast<std::size_t>(size), 'r')); };
+    Values values = {{"ID", id}, {"Long", longBytes > 0 ? bytes(longBytes) : Value(Null{})}};
+    for (int i = 0; i < pieces; ++i) {
+      values.emplace_back("P" + std::to_string(i), bytes(std::clamp(rowBytes - 255 * i, 0, 255)));
     }
-    drafts.push_back(longBytes > 0 ? draft(longBytes, 'l') : Draft());
-    return drafts;
+    return values;
   }
 
   OpenedFile file_;
-  Table table_;
-  std::optional<TableWriter> writer_;
+  std::unique_ptr<AccessRecordset> table_;
 };
 
 class Space : public testing::Test {
@@ -97,10 +88,9 @@ TEST_F(Space, EditsOfALongValueDoNotMakeTheFileLonger) {
   for (int session = 0; session < 2; ++session) {
     RowsOfFile rows("a.mdb", &disk_, 64);
     const PageNumber before = rows.pages();
-    const auto row = rows.add(100, 8192);
-    ASSERT_TRUE(row);
+    ASSERT_TRUE(rows.add(session, 100, 8192));
     for (int i = 0; i < 500; ++i) {
-      ASSERT_TRUE(rows.update(*row, 100, 8192 + i % 7));
+      ASSERT_TRUE(rows.update(session, 100, 8192 + i % 7));
     }
     EXPECT_LE(rows.pages(), before + 8);
     EXPECT_EQ(rows.check(), "");
@@ -123,40 +113,30 @@ TEST_F(Space, OfDeletedRowsIsUsedAgain) {
     RowsOfFile rows("a.mdb", &disk_);
     RandomWork random(17);
     const auto rowBytes = [&] { return churn.shortest + random.number(churn.longest - churn.shortest); };
-    struct Live {
-      RowPointer place;
-      int row;
-      int value;
-    };
-    std::vector<Live> live;
+    std::vector<std::array<int, 3>> live;  // ID, bytes of the row and of the long value
+    int lastId = 0;
     const auto add = [&] {
-      const int row = rowBytes();
-      const int value =
-          churn.longValue > 0 && random.number(3) == 0 ? 100 + random.number(churn.longValue) : 0;
-      const auto place = rows.add(row, value);
-      ASSERT_TRUE(place) << churn.name;
-      live.push_back({*place, row, value});
+      const bool hasValue = churn.longValue > 0 && random.number(3) == 0;
+      live.push_back({++lastId, rowBytes(), hasValue ? 100 + random.number(churn.longValue) : 0});
+      ASSERT_TRUE(rows.add(live.back()[0], live.back()[1], live.back()[2])) << churn.name;
     };
     for (int i = 0; i < 1000; ++i) {
       add();
     }
-    for (int round = 0; round < 30; ++round) {
-      for (int i = 0; i < 40; ++i) {
-        const auto at = live.begin() + random.number(static_cast<int>(live.size()));
-        ASSERT_TRUE(rows.remove(at->place)) << churn.name;
-        *at = live.back();
-        live.pop_back();
-        add();
-        Live& other = live[static_cast<std::size_t>(random.number(static_cast<int>(live.size())))];
-        other.row = rowBytes();
-        ASSERT_TRUE(rows.update(other.place, other.row, other.value)) << churn.name;
-      }
+    for (int i = 0; i < 30 * 40; ++i) {
+      std::swap(live[static_cast<std::size_t>(random.number(1000))], live.back());
+      ASSERT_TRUE(rows.remove(live.back()[0])) << churn.name;
+      live.pop_back();
+      add();
+      auto& other = live[static_cast<std::size_t>(random.number(1000))];
+      other[1] = rowBytes();
+      ASSERT_TRUE(rows.update(other[0], other[1], other[2])) << churn.name;
     }
     EXPECT_EQ(rows.check(), "") << churn.name;
     disk_.put("b.mdb", readWholeFile(folder_ / "a.mdb").value());
     RowsOfFile again("b.mdb", &disk_);
-    for (const Live& one : live) {
-      again.add(one.row, one.value);
+    for (const auto& [id, rowSize, valueSize] : live) {
+      again.add(id, rowSize, valueSize);
     }
     EXPECT_LE(rows.pages(), again.pages() * 13 / 10) << churn.name;
   }
@@ -180,46 +160,34 @@ TEST_F(Space, BitmapPagesOfTheGlobalMapAreInUse) {
 }
 
 TEST_F(Space, AFullFileLetsRecordsBeDeleted) {
-  std::vector<RowPointer> places;
+  constexpr int records = 1300;
   {
     RowsOfFile rows(folder_ / "a.mdb");
-    for (int i = 0; i < 1300; ++i) {
-      places.push_back(rows.add(1600, i % 20 == 0 ? 300 : 0).value());
+    for (int id = 0; id < records; ++id) {
+      ASSERT_TRUE(rows.add(id, 1600, id % 20 == 0 ? 300 : 0));
     }
   }
   fillToTheEnd(folder_ / "a.mdb");
   RowsOfFile rows(folder_ / "a.mdb");
-  ASSERT_FALSE(rows.add(1600, 0)) << "it is full";
-  for (std::size_t i = 0; i < places.size(); i += 5) {
-    const Status removed = rows.remove(places[i]);
-    ASSERT_TRUE(removed) << i << ": " << removed.reason();
+  ASSERT_FALSE(rows.add(records, 1600, 0)) << "it is full";
+  for (int id = 0; id < records; id += 5) {
+    const Status removed = rows.remove(id);
+    ASSERT_TRUE(removed) << id << ": " << removed.reason();
   }
-  EXPECT_TRUE(rows.add(1600, 300)) << "where a deleted one was";
+  EXPECT_TRUE(rows.add(0, 1600, 300)) << "where a deleted one was";
   EXPECT_EQ(rows.check(), "");
 }
 
 // Its chain leads nowhere after the first piece.
 TEST_F(Space, DamagedLongValuesLetTheirRecordBeDeleted) {
   toMemory();
-  RowPointer place;
-  {
-    RowsOfFile rows("a.mdb", &disk_);
-    place = rows.add(10, 20000).value();
-    ASSERT_TRUE(rows.add(10, 50));
-  }
-  std::string content = disk_.content("a.mdb");
+  ASSERT_TRUE(RowsOfFile("a.mdb", &disk_).add(1, 10, 20000));
   // The second piece of the chain; pieces are stored from the last to the first.
-  int fromEnd = 0;
-  for (std::size_t at = content.size(); at >= pageSize && fromEnd < 2; at -= pageSize) {
-    fromEnd += content.compare(at - pageSize + 4, 4, "LVAL") == 0 ? 1 : 0;
-    if (fromEnd == 2) {
-      content.replace(at - pageSize + 4, 4, "LOST");
-    }
-  }
-  ASSERT_EQ(fromEnd, 2);
+  std::string content = disk_.content("a.mdb");
+  const std::size_t first = content.rfind("LVAL");
+  content.replace(content.rfind("LVAL", first - 1), 4, "LOST");
   disk_.put("a.mdb", content);
-  RowsOfFile rows("a.mdb", &disk_);
-  const Status removed = rows.remove(place);
+  const Status removed = RowsOfFile("a.mdb", &disk_).remove(1);
   EXPECT_TRUE(removed) << removed.reason();
 }
 

@@ -8,28 +8,24 @@ namespace veltrano::access {
 
 namespace {
 
-// The children that a record has by a relation.
-std::vector<int> childrenOf(const StormModel& model, const StormRelation& relation, int parent) {
-  std::vector<int> found;
-  for (const auto& [id, row] : model[relation.child]) {
-    if (row.parent == parent) {
-      found.push_back(id);
-    }
-  }
-  return found;
-}
-
-// False if a relation refuses it.
-bool remove(StormModel& model, StormTable table, int id) {
-  model[table].erase(id);
+// What the children of a record do when it goes, or gets a new number. False if a relation refuses that.
+bool follow(StormModel& model, StormTable table, int id, std::optional<int> newId) {
   for (const StormRelation& relation : stormRelations) {
-    for (const int child : relation.parent == table ? childrenOf(model, relation, id) : std::vector<int>()) {
-      if (relation.onDelete == OnDelete::refuse ||
-          (relation.onDelete == OnDelete::cascade && !remove(model, relation.child, child))) {
+    const StormRows children = relation.parent == table ? model[relation.child] : StormRows();
+    for (const auto& [child, row] : children) {
+      if (row.parent != id) {
+        continue;
+      }
+      if (newId ? !relation.cascadeUpdates : relation.onDelete == OnDelete::refuse) {
         return false;
       }
-      if (relation.onDelete == OnDelete::setNull) {
-        model[relation.child][child].parent.reset();
+      if (newId || relation.onDelete == OnDelete::setNull) {
+        model[relation.child].at(child).parent = newId;
+      } else {
+        model[relation.child].erase(child);
+        if (!follow(model, relation.child, child, {})) {
+          return false;
+        }
       }
     }
   }
@@ -37,22 +33,12 @@ bool remove(StormModel& model, StormTable table, int id) {
 }
 
 bool rename(StormModel& model, StormTable table, int id, int newId) {
-  if (id != newId && model[table].contains(newId)) {
-    return false;
+  if (id == newId) {
+    return true;
   }
   auto node = model[table].extract(id);
   node.key() = newId;
-  model[table].insert(std::move(node));
-  for (const StormRelation& relation : stormRelations) {
-    for (const int child :
-         relation.parent == table && id != newId ? childrenOf(model, relation, id) : std::vector<int>()) {
-      if (!relation.cascadeUpdates) {
-        return false;
-      }
-      model[relation.child][child].parent = newId;
-    }
-  }
-  return true;
+  return model[table].insert(std::move(node)).inserted && follow(model, table, id, newId);
 }
 
 bool hasParent(const StormModel& model, StormTable table, const StormRow& row) {
@@ -69,21 +55,22 @@ int below(std::mt19937& random, int limit) {
 }
 
 std::optional<StormModel> expected(StormModel model, const StormChange& change) {
+  StormRows& rows = model[change.table];
   bool done = true;
   switch (change.kind) {
     case StormChange::Kind::add:
-      done = hasParent(model, change.table, change.row) &&
-             model[change.table].emplace(change.id, change.row).second;
+      done = rows.emplace(change.id, change.row).second && hasParent(model, change.table, change.row);
       break;
     case StormChange::Kind::edit:
+      rows[change.id] = change.row;
       done = hasParent(model, change.table, change.row);
-      model[change.table][change.id] = change.row;
       break;
     case StormChange::Kind::rename:
       done = rename(model, change.table, change.id, change.newId);
       break;
     case StormChange::Kind::remove:
-      done = remove(model, change.table, change.id);
+      rows.erase(change.id);
+      done = follow(model, change.table, change.id, {});
   }
   return done ? std::optional(std::move(model)) : std::nullopt;
 }
@@ -92,7 +79,7 @@ StormChange drawChange(std::mt19937& random, const StormModel& model) {
   constexpr int mostIds = 400;
   StormChange change = {StormChange::Kind::add, records, below(random, mostIds), {}, below(random, mostIds)};
   const int kind = below(random, 20);
-  change.table = static_cast<StormTable>(std::max(0, below(random, 7) - 3));
+  change.table = static_cast<StormTable>(std::max(0, below(random, 8) - 3));
   const StormRows& rows = model[change.table];
   if (kind >= 8 && !rows.empty()) {
     change.kind = kind < 13   ? StormChange::Kind::edit
@@ -100,31 +87,17 @@ StormChange drawChange(std::mt19937& random, const StormModel& model) {
                               : StormChange::Kind::remove;
     change.id = std::next(rows.begin(), below(random, static_cast<int>(rows.size())))->first;
   }
-  if (change.table == records) {
-    change.row.version = below(random, 100000);
-    return change;
-  }
+  change.row.version = below(random, change.table == records ? 100000 : 300);
   // Mostly one that exists.
-  const StormRows& parents = model[change.table == held ? followers : records];
-  const int parent = below(random, 8);
+  const StormTable parentTable = change.table == held ? followers : change.table == nested ? nested : records;
+  const StormRows& parents = model[parentTable];
+  const int parent = change.table == records ? 0 : below(random, 8);
   if (parent > 1 && !parents.empty()) {
     change.row.parent = std::next(parents.begin(), below(random, static_cast<int>(parents.size())))->first;
   } else if (parent == 1) {
     change.row.parent = below(random, mostIds);
   }
   return change;
-}
-
-std::string describe(const StormModel& model) {
-  std::string all;
-  for (const StormTable table : {records, followers, loose, held}) {
-    all += std::string("\n ") + stormTableNames[table];
-    for (const auto& [id, row] : model[table]) {
-      all += " " + std::to_string(id) + ":" + std::to_string(row.version);
-      all += row.parent ? "<" + std::to_string(*row.parent) : "";
-    }
-  }
-  return all;
 }
 
 }  // namespace veltrano::access

@@ -13,9 +13,9 @@
 
 namespace veltrano::access {
 
-// A record of T has a version, from which all its fields follow; those of the other tables only a parent.
-enum StormTable : std::size_t { records, followers, loose, held };
-inline constexpr std::array<const char*, 4> stormTableNames = {"T", "Followers", "Loose", "Held"};
+// All fields of a record but its ID and its parent follow from its version. Those of T have no parent.
+enum StormTable : std::size_t { records, followers, loose, held, nested };
+inline constexpr std::array<const char*, 5> stormTableNames = {"T", "Followers", "Loose", "Held", "Nested"};
 
 struct StormRelation {
   StormTable parent;
@@ -23,10 +23,11 @@ struct StormRelation {
   bool cascadeUpdates;
   OnDelete onDelete;
 };
-inline constexpr std::array<StormRelation, 3> stormRelations = {{
+inline constexpr std::array<StormRelation, 4> stormRelations = {{
     {records, followers, true, OnDelete::cascade},
     {records, loose, false, OnDelete::setNull},
     {followers, held, true, OnDelete::refuse},
+    {nested, nested, true, OnDelete::cascade},
 }};
 
 struct StormRow {
@@ -35,9 +36,9 @@ struct StormRow {
   bool operator==(const StormRow&) const = default;
 };
 using StormRows = std::map<int, StormRow>;    // by their IDs
-using StormModel = std::array<StormRows, 4>;  // by tables
+using StormModel = std::array<StormRows, 5>;  // by tables
 
-// One Update or Delete. `parent` of a record of T is not used, `version` of the others neither.
+// One Update or Delete.
 struct StormChange {
   enum class Kind { add, edit, rename, remove } kind;
   StormTable table;
@@ -53,9 +54,6 @@ StormChange drawChange(std::mt19937& random, const StormModel& model);
 
 /// 0 to `limit` - 1.
 int below(std::mt19937& random, int limit);
-
-/// For messages.
-std::string describe(const StormModel& model);
 
 }  // namespace veltrano::access
 

@@ -35,18 +35,13 @@ TEST(Csv, IsReadOrRefused) {
       {"a,b\n1,2", "(a|b)(1|2)"},
       {"\xEF\xBB\xBF\"a,,\";b,c;d\r\n\"1\";;\r\n", "('a,,'|b,c|d)('1'||)"},
       {"a\tb\n\t\n", "(a|b)(|)"},
-      {"a\n\n\"\"\n", "(a)()('')"},
-      {"a\r\rb\r", "(a)()(b)"},
       {"a\n\"1,\"\"\r\n2\"\nx", "(a)('1,\"\r\n2')(x)"},
       {"a\n5\" pipe, b\"\"c\n", "(a)(5\" pipe| b\"\"c)"},
       {"a\n\"b\"c\n", "(a)2: text follows a closing quote"},
       {"a\n\n\"b\n\n\"\n\"c\" ,d", "(a)()('b\n\n')6: text follows a closing quote"},
-      {"a\n\"b\n\n", "(a)2: a quote is not closed"},
       {block + "\"\"\n\"" + block + "\"\"\"\n", "(" + block + "\"\")('" + block + "\"')"},
       {block + ",\"x\"y", "1: text follows a closing quote"},
       {"\xFF\xFE"s + "a\0"s, "the text is not UTF-8 but UTF-16"},
-      {"\xFE\xFF\0a"s, "the text is not UTF-8 but UTF-16"},
-      {"a\0,\0"s, "the text is not UTF-8"},
       {"a\nb\0\n"s, "(a)(b\0)"s},
   };
   for (const auto& [csv, expected] : cases) {
@@ -58,11 +53,8 @@ TEST(Csv, IsReadOrRefused) {
 std::string exported(Pager& pager, const char* table, TextForm form) {
   const auto reader = TableReader::open(pager, table, Walk::keyOrder);
   std::string all;
-  if (!reader || !exportRecords(**reader, form, Damage::fails,
-                                [&](std::string& text, double) { all += std::exchange(text, ""); })) {
-    return "failed";
-  }
-  return all;
+  const auto take = [&](std::string& text, double) { all += std::exchange(text, ""); };
+  return reader && exportRecords(**reader, form, Damage::fails, take) ? all : "failed";
 }
 
 std::string imported(Pager& pager, const char* table, std::string_view csv, double stopAt = 2) {
@@ -105,11 +97,7 @@ TEST_F(Transfer, AddsAllRecordsOrNone) {
       {"ID,Up\n1,1\n2,3\n", "line 3: the relation Families: no record of Parent has the key"},
       {"ID,Up\n1,1\n1,2\n", "line 3: a duplicate in the index P"},
       {"ID,Up\n1,1\n\n2\n", "line 4: there is 1 field instead of 2"},
-      {"ID\n1\n2,1,1\n", "line 3: there are 3 fields instead of 1"},
-      {"ID,Up\n1,1\n\"2\"3,1\n", "line 3: text follows a closing quote"},
       {"I\x1B[D,Up\n1,1\n", "there is no field \"I?[D\""},
-      {"ID,\xFF\n1,1\n", "line 1: the text is not UTF-8"},
-      {"Up\n1\n", "line 2: a field of the index P may not be null"},
   };
   for (const auto& [csv, reason] : cases) {
     EXPECT_EQ(imported(pager(), "Child", csv), reason);
@@ -128,21 +116,10 @@ TEST_F(SchemaText, SaysWhatIsWrongWhere) {
   const std::string head = "table T\n  ID long\n";
   const std::pair<std::string, std::string> cases[] = {
       {"", "it describes no table"},
-      {"# none\n\n", "it describes no table"},
       {"ID long\n", "line 1: a table comes first: table NAME"},
-      {"table\n", "line 1: a table needs one name"},
-      {"table A B\n", "line 1: a table needs one name"},
-      {head + "  A\n", "line 3: \"\" is not a type"},
-      {head + "  A text(\n", "line 3: the size of \"A\" is not valid"},
-      {head + "  A text(x)\n", "line 3: the size of \"A\" is not valid"},
       {head + "  A text(99999999999)\n", "line 3: the size of \"A\" is not valid"},
-      {head + "  A long(4)\n", "line 3: the size of \"A\" is not valid"},
-      {head + "  [A long\n", "line 3: \"\" is not a type"},
       {head + "  A long requiredd\n", "line 3: \"requiredd\" is not understood"},
-      {head + "  primary (ID)\n",
-       "line 3: an index needs a name and columns: primary NAME (COLUMN, COLUMN desc)"},
       {head + "  index I (ID\n", "line 3: the columns of \"I\" have no end"},
-      {head + "  index I (ID) fast\n", "line 3: \"fast\" is not understood"},
       {head + "  A te\x1Bxt" + std::string(50, 'x') + "\n",
        "line 3: \"te?xt" + std::string(35, 'x') + "...\" is not a type"},
       {head + "  \xE9 text\n", "the text is not UTF-8"},
