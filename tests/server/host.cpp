@@ -5,17 +5,6 @@
 
 namespace veltrano::tests {
 
-namespace {
-
-template <class... Parameters>
-HRESULT callExport(HMODULE module, const char* name, Parameters... parameters) {
-  using Function = HRESULT(STDAPICALLTYPE*)(Parameters...);
-  const auto exported = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-  return exported != nullptr ? exported(parameters...) : E_NOTIMPL;
-}
-
-}  // namespace
-
 std::filesystem::path dllFile() {
   return modulePath(nullptr).parent_path().parent_path().parent_path() / "VeltranoFrameWorkDLL.dll";
 }
@@ -28,24 +17,6 @@ Dll::Dll(const std::filesystem::path& file) : file_(file), module_(LoadLibraryW(
 
 Dll::~Dll() {
   if (module_ != nullptr) FreeLibrary(module_);
-}
-
-HRESULT Dll::classObject(REFCLSID clsid, REFIID iid, void** object) const {
-  return callExport(module_, "DllGetClassObject", &clsid, &iid, object);
-}
-
-HRESULT Dll::call(const char* name) const {
-  return callExport(module_, name);
-}
-
-HRESULT Dll::install(bool install, const wchar_t* commandLine) const {
-  return callExport(module_, "DllInstall", BOOL{install}, commandLine);
-}
-
-std::wstring nameOf(ITypeInfo& type) {
-  Text name;
-  type.GetDocumentation(MEMBERID_NIL, &name, nullptr, nullptr, nullptr);
-  return std::wstring(name.view());
 }
 
 ComPointer<ITypeLib> Dll::typeLibrary() const {

@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <initializer_list>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "../temporary_folder.h"
@@ -30,12 +29,19 @@ class Dll {
   Dll& operator=(const Dll&) = delete;
   ~Dll();
 
-  [[nodiscard]] bool loaded() const { return module_ != nullptr; }
-  HRESULT classObject(REFCLSID clsid, REFIID iid, void** object) const;
-  [[nodiscard]] HRESULT canUnloadNow() const { return call("DllCanUnloadNow"); }
   /// DllRegisterServer and the like.
-  HRESULT call(const char* name) const;
-  HRESULT install(bool install, const wchar_t* commandLine) const;
+  template <class... Parameters>
+  HRESULT call(const char* name, Parameters... parameters) const {
+    using Function = HRESULT(STDAPICALLTYPE*)(Parameters...);
+    const auto exported =
+        reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
+    return exported != nullptr ? exported(parameters...) : E_NOTIMPL;
+  }
+  [[nodiscard]] HRESULT canUnloadNow() const { return call("DllCanUnloadNow"); }
+  template <class Interface>
+  HRESULT classObject(REFCLSID clsid, REFIID iid, ComPointer<Interface>& object) const {
+    return call("DllGetClassObject", &clsid, &iid, reinterpret_cast<void**>(object.out()));
+  }
   [[nodiscard]] ComPointer<ITypeLib> typeLibrary() const;
 
   /// A new object; null if that fails.
@@ -43,7 +49,7 @@ class Dll {
   ComPointer<Interface> create(REFCLSID clsid, REFIID iid = IID_IDispatch) const {
     ComPointer<IClassFactory> factory;
     ComPointer<Interface> object;
-    if (SUCCEEDED(classObject(clsid, IID_IClassFactory, reinterpret_cast<void**>(factory.out()))))
+    if (SUCCEEDED(classObject(clsid, IID_IClassFactory, factory)))
       factory->CreateInstance(nullptr, iid, reinterpret_cast<void**>(object.out()));
     return object;
   }
@@ -118,23 +124,6 @@ Outcome callMethod(IDispatch& object, const wchar_t* member, const std::vector<A
 Outcome getProperty(IDispatch& object, const wchar_t* member);
 Outcome putProperty(IDispatch& object, const wchar_t* member, const Argument& value,
                     WORD flags = DISPATCH_PROPERTYPUT);
-
-/// A text by reference, for calls of the vtable.
-class Text {
- public:
-  explicit Text(std::wstring_view text = {})
-      : text_(SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
-  Text(const Text&) = delete;
-  Text& operator=(const Text&) = delete;
-  ~Text() { SysFreeString(text_); }
-  BSTR* operator&() { return &text_; }  // NOLINT: stands for the parameter by reference
-  [[nodiscard]] std::wstring_view view() const { return {text_, SysStringLen(text_)}; }
-
- private:
-  BSTR text_;
-};
-
-std::wstring nameOf(ITypeInfo& type);
 
 /// The object's interface of that kind; null without it.
 template <class Interface>
