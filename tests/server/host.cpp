@@ -9,6 +9,10 @@ std::filesystem::path dllFile() {
   return modulePath(nullptr).parent_path().parent_path().parent_path() / "VeltranoFrameWorkDLL.dll";
 }
 
+std::filesystem::path photoFile() {
+  return L"Z:" PROJECT_FOLDER "/samples/photo.jpg";
+}
+
 std::string readFile(const std::filesystem::path& file) {
   return readWholeFile(file).value_or("");
 }
@@ -25,11 +29,11 @@ ComPointer<ITypeLib> Dll::typeLibrary() const {
   return library;
 }
 
-Argument Argument::list(const std::vector<Argument>& elements) {
+Argument::Argument(std::initializer_list<Argument> elements) : Argument() {
   SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(elements.size()));
   auto* slot = static_cast<VARIANT*>(array->pvData);
   for (const Argument& element : elements) VariantCopy(slot++, const_cast<VARIANT*>(element.operator->()));
-  return of(VT_ARRAY | VT_VARIANT, array);
+  set(VT_ARRAY | VT_VARIANT, array);
 }
 
 Argument Argument::doubles(std::initializer_list<double> numbers) {

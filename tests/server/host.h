@@ -19,6 +19,8 @@ using server::OwnedVariant;
 
 /// The DLL of this build: the test programs lie in tests/server below it.
 std::filesystem::path dllFile();
+/// Of the samples: 1200 x 800 pixels.
+std::filesystem::path photoFile();
 std::string readFile(const std::filesystem::path& file);
 
 /// The loaded DLL and its exports.
@@ -33,8 +35,7 @@ class Dll {
   template <class... Parameters>
   HRESULT call(const char* name, Parameters... parameters) const {
     using Function = HRESULT(STDAPICALLTYPE*)(Parameters...);
-    const auto exported =
-        reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
+    const auto exported = reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
     return exported != nullptr ? exported(parameters...) : E_NOTIMPL;
   }
   [[nodiscard]] HRESULT canUnloadNow() const { return call("DllCanUnloadNow"); }
@@ -71,7 +72,8 @@ class Argument {
   Argument(bool flag) : Argument() { set(VT_BOOL, flag ? VARIANT_TRUE : VARIANT_FALSE); }
   Argument(const wchar_t* text) : Argument() { set(VT_BSTR, SysAllocString(text)); }
   Argument(IUnknown* object) : Argument() { set(VT_UNKNOWN, ComPointer(object).detach()); }
-  Argument(std::initializer_list<Argument> elements) : Argument(list(elements)) {}
+  /// An array of variants.
+  Argument(std::initializer_list<Argument> elements);
   Argument(const Argument& other) : Argument() { *this = other; }
   Argument& operator=(const Argument& other) {
     VariantCopy(&value_, const_cast<VARIANT*>(&other.value_));
@@ -87,8 +89,6 @@ class Argument {
     return argument;
   }
   static Argument omitted() { return of(VT_ERROR, DISP_E_PARAMNOTFOUND); }
-  /// An array of variants.
-  static Argument list(const std::vector<Argument>& elements);
   static Argument doubles(std::initializer_list<double> numbers);
   /// As script hosts pass their variables.
   static Argument reference(VARIANT& variable) { return of(VT_BYREF | VT_VARIANT, &variable); }
