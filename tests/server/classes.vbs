@@ -1,7 +1,7 @@
 ' Uses each of the other classes, and shows what a script sees of the lists of settings: names with an extra empty one, an
 ' empty value for a folder without keys, a list without elements for a missing one.
 Option Explicit
-Dim folder, kml, xml, ini, mdb, wev, lists
+Dim folder, kml, xml, ini, wev, lists
 folder = WScript.Arguments(0)
 Set kml = CreateObject("VeltranoFrameWorkDLL.VeltranoKML")
 kml.CreateKML folder & "\places.kml", Empty
@@ -19,17 +19,16 @@ xml.XML_DeleteSetting "", "Empty", "Key"
 lists = lists & "; emptied " & Shape(xml.XML_EnumKeys("Empty"))
 Set ini = CreateObject("VeltranoFrameWorkDLL.VeltranoINI")
 ini.SetIniValue folder & "\a.ini", "Key", "Value"
-Set mdb = CreateObject("VeltranoFrameWorkDLL.VeltranoMDB")
 Set wev = CreateObject("VeltranoFrameWorkDLL.VeltranoWEV")
 wev.LogNTEvent "An entry", 4, 7
-WScript.Echo lists & "; " & ini.GetIniValue(folder & "\a.ini", "key", "none") & " " & _
-    mdb.OpenDB(folder & "\missing.mdb") & " " & kml.CreatePathString(1, 2, 3)
+WScript.Echo lists & "; " & ini.GetIniValue(folder & "\a.ini", "key", "none") & " " & kml.CreatePathString(1, 2, 3)
 
 Function Shape(list)
-    If IsArray(list) Then
-        Shape = "array " & UBound(list)
-        If UBound(list) >= 0 Then Shape = Shape & " last [" & list(UBound(list)) & "]"
-    Else
-        Shape = TypeName(list)
-    End If
+    Dim name
+    Shape = TypeName(list)
+    If Not IsArray(list) Then Exit Function
+    Shape = "array"
+    For Each name In list
+        Shape = Shape & " [" & name & "]"
+    Next
 End Function
