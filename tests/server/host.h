@@ -10,26 +10,33 @@
 #include <vector>
 
 #include "../temporary_folder.h"
+#include "base/files/whole.h"
+#include "base/os/module_windows.h"
 #include "server/com/automation.h"
 
 namespace veltrano::tests {
 
 using server::ComPointer;
-using server::OwnedVariant;
 
 /// The DLL of this build: the test programs lie in tests/server below it.
-std::filesystem::path dllFile();
-/// Of the samples: 1200 x 800 pixels.
-std::filesystem::path photoFile();
-std::string readFile(const std::filesystem::path& file);
+inline const std::filesystem::path dllFile =
+    modulePath(nullptr).parent_path().parent_path().parent_path() / "VeltranoFrameWorkDLL.dll";
+/// Wine's drive Z is the root of the machine that the sources lie on.
+inline const std::filesystem::path projectFolder = L"Z:" PROJECT_FOLDER;
+/// 1200 x 800 pixels.
+inline const std::filesystem::path photo = projectFolder / "samples" / "photo.jpg";
+
+inline std::string readFile(const std::filesystem::path& file) {
+  return readWholeFile(file).value_or("");
+}
 
 /// The loaded DLL and its exports.
 class Dll {
  public:
-  explicit Dll(const std::filesystem::path& file = dllFile());
+  explicit Dll(const std::filesystem::path& file = dllFile) : module_(LoadLibraryW(file.c_str())) {}
   Dll(const Dll&) = delete;
   Dll& operator=(const Dll&) = delete;
-  ~Dll();
+  ~Dll() { FreeLibrary(module_); }
 
   /// DllRegisterServer and the like.
   template <class... Parameters>
@@ -43,7 +50,6 @@ class Dll {
   HRESULT classObject(REFCLSID clsid, REFIID iid, ComPointer<Interface>& object) const {
     return call("DllGetClassObject", &clsid, &iid, reinterpret_cast<void**>(object.out()));
   }
-  [[nodiscard]] ComPointer<ITypeLib> typeLibrary() const;
 
   /// A new object; null if that fails.
   template <class Interface = IDispatch>
@@ -59,7 +65,6 @@ class Dll {
   }
 
  private:
-  std::filesystem::path file_;
   HMODULE module_;
 };
 
@@ -73,7 +78,12 @@ class Argument {
   Argument(const wchar_t* text) : Argument() { set(VT_BSTR, SysAllocString(text)); }
   Argument(IUnknown* object) : Argument() { set(VT_UNKNOWN, ComPointer(object).detach()); }
   /// An array of variants.
-  Argument(std::initializer_list<Argument> elements);
+  Argument(std::initializer_list<Argument> elements) : Argument() {
+    SAFEARRAY* array = SafeArrayCreateVector(VT_VARIANT, 0, static_cast<ULONG>(elements.size()));
+    auto* slot = static_cast<VARIANT*>(array->pvData);
+    for (const Argument& element : elements) VariantCopy(slot++, const_cast<VARIANT*>(&element.value_));
+    set(VT_ARRAY | VT_VARIANT, array);
+  }
   Argument(const Argument& other) : Argument() { *this = other; }
   Argument& operator=(const Argument& other) {
     VariantCopy(&value_, const_cast<VARIANT*>(&other.value_));
@@ -89,7 +99,11 @@ class Argument {
     return argument;
   }
   static Argument omitted() { return of(VT_ERROR, DISP_E_PARAMNOTFOUND); }
-  static Argument doubles(std::initializer_list<double> numbers);
+  static Argument doubles(std::initializer_list<double> numbers) {
+    SAFEARRAY* array = SafeArrayCreateVector(VT_R8, 0, static_cast<ULONG>(numbers.size()));
+    std::copy(numbers.begin(), numbers.end(), static_cast<double*>(array->pvData));
+    return of(VT_ARRAY | VT_R8, array);
+  }
   /// As script hosts pass their variables.
   static Argument reference(VARIANT& variable) { return of(VT_BYREF | VT_VARIANT, &variable); }
 
@@ -97,7 +111,13 @@ class Argument {
   VARIANT* operator->() { return &value_; }
   const VARIANT* operator->() const { return &value_; }
   /// The text of any value, as the system converts it.
-  [[nodiscard]] std::wstring text() const;
+  [[nodiscard]] std::wstring text() const {
+    Argument converted;
+    const HRESULT status =
+        VariantChangeType(converted.get(), const_cast<VARIANT*>(&value_), VARIANT_ALPHABOOL, VT_BSTR);
+    return FAILED(status) ? L"<" + std::to_wstring(value_.vt) + L">"
+                          : std::wstring(converted->bstrVal, SysStringLen(converted->bstrVal));
+  }
 
  private:
   template <class T>
@@ -116,14 +136,40 @@ struct Outcome {
 
 /// Calls a member, arguments in their natural order; the last `named.size()` are for the parameters given there, from
 /// the last to the first.
-Outcome callMember(IDispatch& object, DISPID id, const std::vector<Argument>& arguments, WORD flags,
-                   std::vector<DISPID> named = {});
+inline Outcome callMember(IDispatch& object, DISPID id, const std::vector<Argument>& arguments, WORD flags,
+                          std::vector<DISPID> named = {}) {
+  if ((flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0) named = {DISPID_PROPERTYPUT};
+  std::vector<VARIANT> reversed;
+  for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
+    reversed.push_back(*argument->operator->());
+  DISPPARAMS parameters = {reversed.data(), named.data(), static_cast<UINT>(reversed.size()),
+                           static_cast<UINT>(named.size())};
+  Outcome outcome;
+  outcome.status = object.Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, outcome.result.get(),
+                                 nullptr, &outcome.wrong);
+  return outcome;
+}
+
 /// The same by name; the last `names.size()` arguments are named.
-Outcome callMethod(IDispatch& object, const wchar_t* member, const std::vector<Argument>& arguments = {},
-                   std::vector<const wchar_t*> names = {}, WORD flags = DISPATCH_METHOD);
-Outcome getProperty(IDispatch& object, const wchar_t* member);
-Outcome putProperty(IDispatch& object, const wchar_t* member, const Argument& value,
-                    WORD flags = DISPATCH_PROPERTYPUT);
+inline Outcome callMethod(IDispatch& object, const wchar_t* member,
+                          const std::vector<Argument>& arguments = {}, std::vector<const wchar_t*> names = {},
+                          WORD flags = DISPATCH_METHOD) {
+  names.insert(names.begin(), member);
+  std::vector<DISPID> ids(names.size());
+  Outcome outcome;
+  outcome.status = object.GetIDsOfNames(IID_NULL, const_cast<OLECHAR**>(names.data()),
+                                        static_cast<UINT>(names.size()), LOCALE_USER_DEFAULT, ids.data());
+  if (FAILED(outcome.status)) return outcome;
+  return callMember(object, ids[0], arguments, flags, {ids.rbegin(), ids.rend() - 1});
+}
+
+inline std::wstring getProperty(IDispatch& object, const wchar_t* member) {
+  return callMethod(object, member, {}, {}, DISPATCH_PROPERTYGET).result.text();
+}
+
+inline HRESULT putProperty(IDispatch& object, const wchar_t* member, const Argument& value) {
+  return callMethod(object, member, std::vector<Argument>(1, value), {}, DISPATCH_PROPERTYPUT).status;
+}
 
 /// The object's interface of that kind; null without it.
 template <class Interface>

@@ -21,8 +21,7 @@ class Scripts : public testing::Test {
  protected:
   /// The last line that a script prints under cscript. A script that fails prints none.
   [[nodiscard]] std::string run(const wchar_t* script) const {
-    // Wine's drive Z is the root of the machine that the sources lie on.
-    std::filesystem::path file = std::filesystem::path(L"Z:" PROJECT_FOLDER "/tests/server") / script;
+    std::filesystem::path file = projectFolder / "tests" / "server" / script;
     const std::wstring command = L"cscript.exe //nologo \"" + file.make_preferred().wstring() + L"\" \"" +
                                  folder_.path().wstring() + L"\"";
     const std::unique_ptr<FILE, int (*)(FILE*)> pipe(_wpopen(command.c_str(), L"rt"), _pclose);
@@ -42,7 +41,7 @@ class Scripts : public testing::Test {
 
 TEST_F(Scripts, MakeTheDocumentOfTheLibrary) {
   VeltranoPDF pdf;
-  pdf.PDFPathConfiguration(dllFile().parent_path());
+  pdf.PDFPathConfiguration(dllFile.parent_path());
   pdf.PDFInit();
   pdf.PDFTitle("Quarterly report");
   pdf.PDFAuthor("Jos\xE9");

@@ -1,12 +1,58 @@
-// Automation pictures into files and byte strings, and byte strings through addresses.
+// What passes between hosts and the portable classes: values, byte strings, pictures and addresses.
 
 #include <gtest/gtest.h>
 
 #include "host.h"
+#include "server/com/conversions.h"
 
 namespace veltrano::tests {
 
 namespace {
+
+using server::TextForm;
+
+TEST(Conversions, KeepTheKind) {
+  Argument decimal;
+  decimal->decVal.scale = 28;
+  decimal->decVal.sign = DECIMAL_NEG;
+  decimal->decVal.Hi32 = 1;
+  decimal->decVal.Lo64 = 0xAB54A98CEB1F0AD2;
+  decimal->vt = VT_DECIMAL;
+  SAFEARRAYBOUND bounds[] = {{2, 1}, {3, 0}};
+  const Argument matrix = Argument::of(VT_ARRAY | VT_I2, SafeArrayCreate(VT_I2, 2, bounds));
+  // The leftmost dimension lies together.
+  for (SHORT i = 0; i < 6; ++i) static_cast<SHORT*>(matrix->parray->pvData)[i] = i;
+  Argument itself;
+  itself->vt = VT_BYREF | VT_VARIANT;
+  itself->pvarVal = itself.get();
+  const std::pair<Value, Argument> rows[] = {
+      {{}, {}},
+      {Null{}, Argument::of(VT_NULL)},
+      {true, true},
+      {7, 7},
+      {std::int64_t{4294967295}, Argument::of(VT_UI4, 0xFFFFFFFF)},
+      {0.5, 0.5},
+      {0.1F, Argument::of(VT_R4, 0.1F)},
+      {Date{2.5}, Argument::of(VT_DATE, 2.5)},
+      {Currency{12345}, Argument::of(VT_CY, std::int64_t{12345})},
+      {Decimal{true, {0xEB1F0AD2, 0xAB54A98C, 0x1, 0}, 28}, decimal},
+      {"\xE9", L"\u00e9"},
+      {Value::Doubles{1, 2}, Argument::doubles({1, 2})},
+      {Value::List{1, Value::List{"a"}}, Argument{1, Argument{L"a"}}},
+      {Value::List{Value::List{0, 2, 4}, Value::List{1, 3, 5}}, matrix}};
+  for (auto [expected, given] : rows) EXPECT_EQ(expected, server::value(given.get(), TextForm::ansi));
+  EXPECT_EQ(Value(Opaque{}), server::value(itself.get(), TextForm::ansi));
+  itself->vt = VT_EMPTY;
+}
+
+TEST(Conversions, CarryEveryByteAndEmbeddedZeros) {
+  std::string bytes;
+  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+  Argument text = Argument::of(VT_BSTR, server::newText(bytes, TextForm::ansi));
+  EXPECT_EQ(256U, SysStringLen(text->bstrVal));
+  EXPECT_EQ(bytes, server::ansi(&text->bstrVal));
+  EXPECT_TRUE(server::path(&text->bstrVal).empty()) << "no file has a name with a zero in it";
+}
 
 /// A red picture of 40 x 30 pixels, as LoadPicture gives hosts one.
 ComPointer<IPictureDisp> redPicture() {
@@ -45,8 +91,8 @@ TEST(Pictures, BecomeFilesAndByteStringsAndComeBackThroughAnAddress) {
   const Outcome encoded = callMethod(*jpg.get(), L"SaveJPEGToMemoryResampled", {file.c_str(), 90});
   EXPECT_EQ(L'\u00ff', encoded.result.text()[0]);
   callMethod(*jpg.get(), L"SaveJPEGFromRAMToMemoryResampled", {encoded.result});
-  EXPECT_EQ(L"400", getProperty(*jpg.get(), L"JPEGWidth").result.text());
-  EXPECT_EQ(L"300", getProperty(*jpg.get(), L"JPEGHeight").result.text());
+  EXPECT_EQ(L"400", getProperty(*jpg.get(), L"JPEGWidth"));
+  EXPECT_EQ(L"300", getProperty(*jpg.get(), L"JPEGHeight"));
 
   const HDC memory = CreateCompatibleDC(nullptr);
   const HBITMAP target = CreateBitmap(10, 10, 1, 32, nullptr);
