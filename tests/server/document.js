@@ -1,6 +1,13 @@
 // Makes the same document as JScript does it: lists are objects, texts are Unicode, and a function may be read without
-// brackets.
+// brackets. What is refused first changes nothing.
 var pdf = new ActiveXObject("VeltranoFrameWorkDLL.VeltranoPDF");
+var caught = 0;
+pdf.PDFSetUnit = 9;
+try {
+    pdf.PDFSetFont("large", 12);
+} catch (mismatch) {
+    ++caught;
+}
 pdf.PDFTitle = "Quarterly report";
 pdf.PDFAuthor = "Jos\u00e9";
 pdf.PDFFileName = WScript.Arguments(0) + "\\script.pdf";
@@ -16,4 +23,4 @@ pdf.PDFSetLineColor = "#0000FF";
 pdf.PDFDrawEllipse(10, 8, 3);
 pdf.PDFDrawPolygon([1, 20], [3, 22], [5, "20"]);
 pdf.PDFEndDoc();
-WScript.Echo("end of file: " + new ActiveXObject("VeltranoFrameWorkDLL.VeltranoMDB").EOF + ", " + typeof pdf.PDFNbPage);
+WScript.Echo("caught " + caught + ", end of file: " + new ActiveXObject("VeltranoFrameWorkDLL.VeltranoMDB").EOF);

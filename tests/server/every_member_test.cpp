@@ -9,7 +9,7 @@
 #include <map>
 #include <regex>
 
-#include "fake_objects.h"
+#include "host.h"
 #include "server/com/class_table.h"
 #include "server/com/dispatch/interface_table.h"
 

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "fake_objects.h"
+#include "host.h"
 
 namespace veltrano::tests {
 

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "base/os/floating_point_windows.h"
-#include "fake_objects.h"
+#include "host.h"
 #include "server/com/automation_object.h"
 #include "server/com/class_table.h"
 

@@ -15,8 +15,10 @@ namespace veltrano::tests {
 namespace {
 
 using testing::AllOf;
+using testing::Contains;
 using testing::Each;
 using testing::Gt;
+using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
@@ -69,15 +71,6 @@ std::wstring textOf(REFGUID guid) {
   return text;
 }
 
-/// A default value in the registry, as all programs see it.
-std::wstring registeredAt(const std::wstring& key, REFGUID guid, const std::wstring& subkey) {
-  wchar_t value[MAX_PATH] = {};
-  DWORD size = sizeof value;
-  RegGetValueW(HKEY_CLASSES_ROOT, (key + L"\\" + textOf(guid) + L"\\" + subkey).c_str(), nullptr,
-               RRF_RT_REG_SZ, nullptr, value, &size);
-  return value;
-}
-
 ComPointer<IDispatch> createByName(const std::wstring& programId) {
   CLSID clsid = {};
   ComPointer<IDispatch> object;
@@ -109,10 +102,11 @@ TEST_F(Registered, LeavesNothingBehindAndMovesWithItsFolder) {
 
   ASSERT_EQ(S_OK, dll_.call("DllRegisterServer"));
   ASSERT_EQ(S_OK, there.call("DllRegisterServer"));
-  EXPECT_EQ(copy.wstring(), registeredAt(L"CLSID", CLSID_VeltranoPDF, L"InprocServer32"));
-  // Events are carried to other apartments as plain dispatch; a test below calls a class from one.
-  EXPECT_EQ(L"{00020420-0000-0000-C000-000000000046}",
-            registeredAt(L"Interface", DIID___VeltranoPDF, L"ProxyStubClsid32"));
+  EXPECT_THAT(registrySnapshot(),
+              AllOf(Contains(AllOf(HasSubstr(textOf(CLSID_VeltranoPDF)), HasSubstr(copy.wstring()))),
+                    // Events are carried to other apartments as plain dispatch.
+                    Contains(AllOf(HasSubstr(textOf(DIID___VeltranoPDF) + L"\\ProxyStubClsid32"),
+                                   HasSubstr(L"{00020420-0000-0000-C000-000000000046}")))));
   for (const server::ClassEntry& entry : server::classTable())
     for (const wchar_t* version : {L"", L".1"})
       EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name + version));
