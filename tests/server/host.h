@@ -182,12 +182,10 @@ ComPointer<Interface> as(IUnknown& object, REFIID iid) {
   return found;
 }
 
-/// An object of the host, which counts its references from 0 on. It has a default property, the elements of a list if
-/// it has any, and receives events.
+/// An object of the host, which counts its references from 0 on. It has a default property and receives events.
 class FakeObject final : public server::Unknown<IDispatch> {
  public:
-  explicit FakeObject(Argument value = {}, std::vector<Argument> elements = {})
-      : value_(std::move(value)), elements_(std::move(elements)) {}
+  explicit FakeObject(Argument value = {}) : value_(std::move(value)) {}
   STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
   STDMETHODIMP_(ULONG) Release() override {
     const ULONG left = --references;
@@ -196,12 +194,7 @@ class FakeObject final : public server::Unknown<IDispatch> {
   }
   STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
   STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-  STDMETHODIMP GetIDsOfNames(REFIID, OLECHAR** names, UINT, LCID, DISPID* ids) override {
-    const std::wstring name = names[0];
-    if (elements_.empty()) return DISP_E_UNKNOWNNAME;
-    ids[0] = name == L"length" ? lengthId : static_cast<DISPID>(std::stoi(name)) + 1;
-    return S_OK;
-  }
+  STDMETHODIMP GetIDsOfNames(REFIID, OLECHAR**, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
   STDMETHODIMP Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT* result, EXCEPINFO*,
                       UINT*) override {
     if (id == 1 && arguments->cArgs == 1 && arguments->rgvarg[0].vt == (VT_BYREF | VT_BSTR)) {
@@ -210,10 +203,7 @@ class FakeObject final : public server::Unknown<IDispatch> {
       SysReAllocString(arguments->rgvarg[0].pbstrVal, L"assigned by the host");
     }
     inInvoke();
-    if (result == nullptr) return answer;
-    if (id == lengthId) return VariantCopy(result, Argument(static_cast<int>(elements_.size())).get());
-    return VariantCopy(
-        result, id == DISPID_VALUE ? value_.get() : elements_.at(static_cast<std::size_t>(id) - 1).get());
+    return result == nullptr ? answer : VariantCopy(result, value_.get());
   }
 
   ULONG references = 0;
@@ -231,9 +221,7 @@ class FakeObject final : public server::Unknown<IDispatch> {
   }
 
  private:
-  static constexpr DISPID lengthId = 1000;
   Argument value_;
-  std::vector<Argument> elements_;
 };
 
 /// A sink connected to an object.

@@ -45,15 +45,6 @@ TEST(Conversions, KeepTheKind) {
   itself->vt = VT_EMPTY;
 }
 
-TEST(Conversions, CarryEveryByteAndEmbeddedZeros) {
-  std::string bytes;
-  for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
-  Argument text = Argument::of(VT_BSTR, server::newText(bytes, TextForm::ansi));
-  EXPECT_EQ(256U, SysStringLen(text->bstrVal));
-  EXPECT_EQ(bytes, server::ansi(&text->bstrVal));
-  EXPECT_TRUE(server::path(&text->bstrVal).empty()) << "no file has a name with a zero in it";
-}
-
 /// A red picture of 40 x 30 pixels, as LoadPicture gives hosts one.
 ComPointer<IPictureDisp> redPicture() {
   const BITMAPINFO info = {{sizeof info.bmiHeader, 40, 30, 1, 32, BI_RGB, 0, 0, 0, 0, 0}, {}};

@@ -4,9 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <functional>
-#include <limits>
 #include <regex>
 #include <thread>
 
@@ -20,15 +20,10 @@
 #include "veltrano/kml.h"
 #include "veltrano/mdb.h"
 #include "veltrano/pdf.h"
-#include "veltrano/png.h"
 #include "veltrano/xml.h"
 
 #ifdef _WIN32
 #include <windows.h>
-#else
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #endif
 
 namespace veltrano {
@@ -114,17 +109,6 @@ TEST(Trace, AShortMemoryLosesTheLineAndNotTheCall) {
   EXPECT_THAT(newLines(), ElementsAre("VeltranoFrameWorkDLL: after"));
 }
 
-#ifndef _WIN32
-TEST(Trace, DoesNotWaitForThePipeItIsSentTo) {
-  ASSERT_EQ(::mkfifo(traceFile.c_str(), 0600), 0);
-  const int reader = ::open(traceFile.c_str(), O_RDONLY | O_NONBLOCK);
-  for (int i = 0; i < 1000; ++i) trace(std::string(1000, 'x'));  // more than a pipe holds
-  ::close(reader);
-  trace("Nobody reads this either.");
-  EXPECT_TRUE(std::filesystem::remove(traceFile));
-}
-#endif
-
 TEST(Trace, AnUnwritableFileIsNoErrorForTheHost) {
   std::filesystem::create_directory(traceFile);
   trace("lost");
@@ -170,7 +154,6 @@ TEST(TraceLines, OfArgumentsThatThePdfRejects) {
 
 // One row for each kind of reason.
 TEST(TraceLines, OfCallsThatDoLess) {
-  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
   const auto file = folder / "orders.mdb";
   ASSERT_TRUE(access::createDatabase(file, {{.name = "Orders", .columns = {{.name = "Number"}}}}));
   ASSERT_TRUE(replaceFile(folder / "bad.xml", "<XML><a></XML>"));
@@ -183,15 +166,8 @@ TEST(TraceLines, OfCallsThatDoLess) {
        [] { utf8ToAnsi("\xC3\xA9\xE4\xB8\xAD"); }},
       {"PDF.PDFEndDoc: No document is open; nothing is done.", [&] { pdf.PDFEndDoc(); }},
       {"PDF.PDFSetLeftMargin: The margin does not fit 16 bits", [&] { pdf.PDFSetLeftMargin(1e6); }},
-      {"PDF.PDFGetStringWidth: There are no metrics of the font \"None\": ",
-       [&] { EXPECT_EQ(0, pdf.PDFGetStringWidth("a", "None", 10)); }},
-      {"PDF.PDFLoadAfm: The folder \"", [&] { pdf.PDFLoadAfm("no such folder"); }},
       {"PDF.PDFDrawLine: A number is not finite; the operator that needs it is left out",
-       [&] { pdf.PDFDrawLine(nan, 1, 2, 3); }},
-      {"PDF.PDFDrawPolygon: Point 2 is not a pair of numbers",
-       [&] {
-         pdf.PDFDrawPolygon({Value::List{1, 2}, "x"});
-       }},
+       [&] { pdf.PDFDrawLine(std::nan(""), 1, 2, 3); }},
       {"PDF.PDFEndDoc: The file \"no such folder/a.pdf\" was not written: ",
        [&] {
          pdf.PDFFileName("no such folder/a.pdf");
@@ -199,18 +175,12 @@ TEST(TraceLines, OfCallsThatDoLess) {
          pdf.PDFEndDoc();
        }},
       {"KML.CreateKML: No file is open", [&] { kml.CreateKML(folder / "none" / "a.kml", "", "", 0); }},
-      {"KML.CreatePathPoint: A coordinate is not finite", [&] { kml.CreatePathPoint(nan, 1, 2); }},
       {"XML.XML_Open: The settings start empty: the file is not well-formed XML",
        [&] { xml.XML_Open(folder / "bad.xml"); }},
       {"XML.XML_SaveSetting: The key \"1\" in the folder \"a\" cannot be made: a name is not allowed",
        [&] { xml.XML_SaveSetting("a", "1", "x"); }},
-      {"XML.XML_SaveSetting: Characters that XML cannot hold are left out of the value of \"Key\".",
-       [&] { xml.XML_SaveSetting("Folder", "Key", "a\x01z"); }},
       {"INI.SetIniValue: The file \"",
        [] { VeltranoINI().SetIniValue(folder / "none" / "a.ini", u"key", u""); }},
-      {"PNG.SavePNG: The picture is not a bitmap", [] { VeltranoPNG().SavePNG({}, folder / "a.png"); }},
-      {"MDB.OpenDB: Refused for \"", [&] { mdb.OpenDB((folder / "none.mdb").string(), "", ""); }},
-      {"MDB.OpenTable: Refused for \"Orders\": no database is open.", [&] { mdb.OpenTable("Orders"); }},
       {"MDB.FindRecord: There is no field \"Numbr\" to look in.",
        [&] {
          mdb.OpenDB(file.string(), "", "");
