@@ -30,9 +30,9 @@ std::vector<Argument> absurdValues() {
   for (const Argument& other : std::initializer_list<Argument>{
            true, Argument::omitted(), std::wstring(300000, L'x').c_str(),
            Argument::of(VT_BSTR, SysAllocStringLen(L"a\0b\0", 4)), Argument::of(VT_I8, LLONG_MIN),
-           Argument::of(VT_ARRAY | VT_VARIANT, SafeArrayCreate(VT_VARIANT, 2, bounds)), Argument::doubles({}),
-           Argument::doubles({1, 2, 3}), Argument{L"a", Argument{1}}, static_cast<IUnknown*>(nullptr),
-           new FakeObject(L"7")})
+           Argument::of(VT_ARRAY | VT_VARIANT, SafeArrayCreate(VT_VARIANT, 2, bounds)),
+           Argument::array(VT_R8, 0), Argument::array(VT_R8, 3), Argument{L"a", Argument{1}},
+           static_cast<IUnknown*>(nullptr), new FakeObject(L"7")})
     values.push_back(other);
   return values;
 }
@@ -47,11 +47,6 @@ HRESULT callVtable(IDispatch& object, const server::Member& member, void* argume
   const HRESULT called = DispCallFunc(&object, member.slot * sizeof(void*), CC_STDCALL, VT_ERROR,
                                       static_cast<UINT>(count), types.data(), arguments.data(), result.get());
   return FAILED(called) ? called : result->scode;
-}
-
-/// Numbers handed over as addresses cannot be checked, so they are not made up here.
-bool takesAddresses(const server::Member& member) {
-  return std::ranges::count(member.parameters, L"ArrayPointer", &server::Parameter::name) != 0;
 }
 
 TEST(EveryMember, SurvivesAbsurdArguments) {
@@ -69,7 +64,10 @@ TEST(EveryMember, SurvivesAbsurdArguments) {
     unsigned slot = 7;
     const auto check = [&](const server::Member& member) {
       EXPECT_EQ(slot++, member.slot);
-      const std::size_t count = takesAddresses(member) ? 0 : member.parameters.size();
+      // Numbers handed over as addresses cannot be checked, so they are not made up here.
+      const bool takesAddresses =
+          std::ranges::count(member.parameters, L"ArrayPointer", &server::Parameter::name) != 0;
+      const std::size_t count = takesAddresses ? 0 : member.parameters.size();
       for (Argument& value : values) {
         for (const auto& [size, argument] :
              {std::pair(count, value), {count + 1, value}, {count, Argument::reference(*value.get())}}) {

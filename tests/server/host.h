@@ -102,10 +102,9 @@ class Argument {
     return argument;
   }
   static Argument omitted() { return of(VT_ERROR, DISP_E_PARAMNOTFOUND); }
-  static Argument doubles(std::initializer_list<double> numbers) {
-    SAFEARRAY* array = SafeArrayCreateVector(VT_R8, 0, static_cast<ULONG>(numbers.size()));
-    std::copy(numbers.begin(), numbers.end(), static_cast<double*>(array->pvData));
-    return of(VT_ARRAY | VT_R8, array);
+  /// An array of zeros.
+  static Argument array(VARTYPE type, ULONG size) {
+    return of(VT_ARRAY | type, SafeArrayCreateVector(type, 0, size));
   }
   /// As script hosts pass their variables.
   static Argument reference(VARIANT& variable) { return of(VT_BYREF | VT_VARIANT, &variable); }

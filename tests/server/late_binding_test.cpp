@@ -76,12 +76,12 @@ TEST_F(LateBinding, CoercesEveryKindToANumberOrAText) {
   expect(numbers, *kml_.get(), L"CreatePathString", {0, 0});
   EXPECT_EQ(VT_I2, seven->vt) << "a variable that the member left alone must keep its type";
 
-  SAFEARRAY* bytes = SafeArrayCreateVector(VT_UI1, 0, 2);
-  std::memcpy(bytes->pvData, "a\xE9", 2);
+  const Argument bytes = Argument::array(VT_UI1, 2);
+  std::memcpy(bytes->parray->pvData, "a\xE9", 2);
   const Coercions texts = {{L"k=5", {5}},
                            {L"k=True", {true}},
                            {L"k=", {Argument()}},
-                           {L"k=a\u00e9", {Argument::of(VT_ARRAY | VT_UI1, bytes)}},
+                           {L"k=a\u00e9", {bytes}},
                            {L"k=value", {new FakeObject(L"value")}},
                            {L"error 0", {Argument::of(VT_NULL)}}};
   expect(texts, *ini_.get(), L"ChangeValue", {L"k=0", L"k"});
@@ -183,19 +183,12 @@ TEST_F(LateBinding, LetsMembersSeeTheKindOfZoomAndLinks) {
 TEST_F(LateBinding, WritesResultsBackToTheVariablesOfTheHost) {
   putProperty(*pdf_.get(), L"PDFSetUnit", 0);
   pdf(L"PDFBeginDoc");
-  const auto place = [&](const Argument& w, const Argument& h) {
-    EXPECT_EQ(S_OK, pdf(L"PDFImage", {photo.c_str(), 1, 1, w, h}));
-  };
-  Argument width(9), height;
-  place(Argument::reference(*width.get()), Argument::reference(*height.get()));
-  EXPECT_EQ(L"6", height.text());
-  EXPECT_EQ(VT_I4, width->vt) << "given, so not computed";
   for (const int type : {VT_I1, VT_UI1, VT_I2, VT_UI2, VT_I4, VT_UI4, VT_INT, VT_UINT, VT_I8, VT_UI8, VT_R4,
                          VT_R8, VT_CY, VT_DATE, VT_DECIMAL, VT_BSTR, VT_BOOL}) {
     Argument typed;
     VariantChangeType(typed.get(), Argument(0).get(), 0, static_cast<VARTYPE>(type));
     void* const target = type == VT_DECIMAL ? static_cast<void*>(&typed->decVal) : &typed->llVal;
-    place(Argument::of(VT_BYREF | type, target), 20);
+    EXPECT_EQ(S_OK, pdf(L"PDFImage", {photo.c_str(), 1, 1, Argument::of(VT_BYREF | type, target), 20}));
     typed->vt = static_cast<VARTYPE>(type);
     Argument number;
     EXPECT_EQ(S_OK, VariantChangeType(number.get(), typed.get(), 0, VT_R8));

@@ -14,15 +14,6 @@ namespace veltrano::tests {
 
 namespace {
 
-using testing::AllOf;
-using testing::Contains;
-using testing::Each;
-using testing::Gt;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::SizeIs;
-using testing::StartsWith;
-
 class ComApartment {
  public:
   ComApartment() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
@@ -39,11 +30,13 @@ void addKey(Snapshot& snapshot, HKEY parent, const std::wstring& name, const std
   if (RegOpenKeyExW(parent, name.c_str(), 0, KEY_READ | KEY_WOW64_64KEY, &key) != ERROR_SUCCESS) return;
   snapshot.insert(path);
   wchar_t text[1024], data[1024];
-  DWORD length = 1024, size = sizeof data - 2;
-  for (DWORD i = 0; RegEnumValueW(key, i, text, &length, nullptr, nullptr, reinterpret_cast<BYTE*>(data),
-                                  &size) != ERROR_NO_MORE_ITEMS;
-       ++i, length = 1024, size = sizeof data - 2)
-    snapshot.insert(path + L"@" + text + L" = " + std::wstring(data, std::min<std::size_t>(size / 2, 1023)));
+  DWORD length = 1024, size = sizeof data;
+  LSTATUS status = ERROR_SUCCESS;
+  for (DWORD i = 0; status == ERROR_SUCCESS || status == ERROR_MORE_DATA;
+       ++i, length = 1024, size = sizeof data) {
+    status = RegEnumValueW(key, i, text, &length, nullptr, nullptr, reinterpret_cast<BYTE*>(data), &size);
+    if (status == ERROR_SUCCESS) snapshot.insert(path + L"@" + text + L" = " + std::wstring(data, size / 2));
+  }
   for (DWORD i = 0; RegEnumKeyExW(key, i, text, &length, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
        ++i, length = 1024)
     addKey(snapshot, key, text, path + L"\\" + text);
@@ -102,18 +95,21 @@ TEST_F(Registered, LeavesNothingBehindAndMovesWithItsFolder) {
 
   ASSERT_EQ(S_OK, dll_.call("DllRegisterServer"));
   ASSERT_EQ(S_OK, there.call("DllRegisterServer"));
-  EXPECT_THAT(registrySnapshot(),
-              AllOf(Contains(AllOf(HasSubstr(textOf(CLSID_VeltranoPDF)), HasSubstr(copy.wstring()))),
-                    // Events are carried to other apartments as plain dispatch.
-                    Contains(AllOf(HasSubstr(textOf(DIID___VeltranoPDF) + L"\\ProxyStubClsid32"),
-                                   HasSubstr(L"{00020420-0000-0000-C000-000000000046}")))));
+  const auto holds = [registered = registrySnapshot()](const std::wstring& entry) {
+    return std::ranges::any_of(registered,
+                               [&](const std::wstring& any) { return any.find(entry) != any.npos; });
+  };
+  EXPECT_TRUE(holds(textOf(CLSID_VeltranoPDF) + L"\\InprocServer32@ = " + copy.wstring()));
+  // Events are carried to other apartments as plain dispatch.
+  EXPECT_TRUE(
+      holds(textOf(DIID___VeltranoPDF) + L"\\ProxyStubClsid32@ = {00020420-0000-0000-C000-000000000046}"));
   for (const server::ClassEntry& entry : server::classTable())
     for (const wchar_t* version : {L"", L".1"})
       EXPECT_TRUE(createByName(std::wstring(L"VeltranoFrameWorkDLL.") + entry.name + version));
   CoFreeUnusedLibrariesEx(0, 0);
 
   ASSERT_EQ(S_OK, there.call("DllUnregisterServer"));
-  EXPECT_THAT(changes(before), IsEmpty());
+  EXPECT_THAT(changes(before), testing::IsEmpty());
 }
 
 TEST_F(Registered, ForOneUserTouchesThatUserAlone) {
@@ -124,9 +120,10 @@ TEST_F(Registered, ForOneUserTouchesThatUserAlone) {
   RegCloseKey(classes);
   const Snapshot before = registrySnapshot();
   ASSERT_EQ(S_OK, dll_.call("DllInstall", BOOL{TRUE}, L"User"));
-  EXPECT_THAT(changes(before), AllOf(SizeIs(Gt(50)), Each(StartsWith(L":user"))));
+  EXPECT_THAT(changes(before),
+              testing::AllOf(testing::Not(testing::IsEmpty()), testing::Each(testing::StartsWith(L":user"))));
   ASSERT_EQ(S_OK, dll_.call("DllInstall", BOOL{FALSE}, L"user"));
-  EXPECT_THAT(changes(before), IsEmpty());
+  EXPECT_THAT(changes(before), testing::IsEmpty());
 }
 
 TEST_F(Registered, LeavesWhatTheOtherBitnessNeeds) {
@@ -145,7 +142,7 @@ TEST_F(Registered, LeavesWhatTheOtherBitnessNeeds) {
   for (const std::wstring& gone : {path + L"\\InprocServer32", path})
     RegDeleteKeyExW(HKEY_LOCAL_MACHINE, gone.c_str(), otherView, 0);
   ASSERT_EQ(S_OK, dll_.call("DllUnregisterServer"));
-  EXPECT_THAT(changes(before), IsEmpty());
+  EXPECT_THAT(changes(before), testing::IsEmpty());
 }
 
 TEST_F(Registered, IsCalledFromAnotherApartment) {

@@ -45,6 +45,7 @@ void useObjects(const Dll& dll) {
   }
 }
 
+// Objects come last: the first keeps the DLL for good.
 TEST(Unloading, HappensUntilTheFirstObjectIsMade) {
   struct Row {
     const char* use;

@@ -37,7 +37,7 @@ TEST(Conversions, KeepTheKind) {
       {Currency{12345}, Argument::of(VT_CY, std::int64_t{12345})},
       {Decimal{true, {0xEB1F0AD2, 0xAB54A98C, 0x1, 0}, 28}, decimal},
       {"\xE9", L"\u00e9"},
-      {Value::Doubles{1, 2}, Argument::doubles({1, 2})},
+      {Value::Doubles{0, 0}, Argument::array(VT_R8, 2)},
       {Value::List{1, Value::List{"a"}}, Argument{1, Argument{L"a"}}},
       {Value::List{Value::List{0, 2, 4}, Value::List{1, 3, 5}}, matrix}};
   for (auto [expected, given] : rows) EXPECT_EQ(expected, server::value(given.get(), TextForm::ansi));

@@ -16,7 +16,6 @@
 #include "tests/short_memory.h"
 #include "tests/split.h"
 #include "tests/temporary_folder.h"
-#include "veltrano/ini.h"
 #include "veltrano/kml.h"
 #include "veltrano/mdb.h"
 #include "veltrano/pdf.h"
@@ -179,8 +178,6 @@ TEST(TraceLines, OfCallsThatDoLess) {
        [&] { xml.XML_Open(folder / "bad.xml"); }},
       {"XML.XML_SaveSetting: The key \"1\" in the folder \"a\" cannot be made: a name is not allowed",
        [&] { xml.XML_SaveSetting("a", "1", "x"); }},
-      {"INI.SetIniValue: The file \"",
-       [] { VeltranoINI().SetIniValue(folder / "none" / "a.ini", u"key", u""); }},
       {"MDB.FindRecord: There is no field \"Numbr\" to look in.",
        [&] {
          mdb.OpenDB(file.string(), "", "");
