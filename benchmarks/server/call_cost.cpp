@@ -12,8 +12,8 @@
 namespace {
 
 using veltrano::server::ComPointer;
+using veltrano::tests::Argument;
 using veltrano::tests::Dll;
-using veltrano::tests::Text;
 
 constexpr int rounds = 41;
 constexpr int callsPerRound = 2000;
@@ -124,20 +124,16 @@ int main() {
        {"late bound, this server", [&] { return read.own(*pdf.get()); }, {}},
        {"late bound, the system's DispInvoke", [&] { return read.systems(*pdf.get(), *type.get()); }, {}}});
 
-  Text words(L"The quick brown fox");
+  Argument text(L"The quick brown fox");
   double x = 3;
   double y = 4;
-  VARIANT text;
-  VariantInit(&text);
-  text.vt = VT_BSTR;
-  text.bstrVal = *&words;
   PreparedCall write;
   write.id = idOf(*pdf.get(), L"PDFTextOut");
   write.flags = DISPATCH_METHOD;
-  write.arguments = {number(y), number(x), text};
+  write.arguments = {number(y), number(x), *text.get()};
   compare(
       "Writing a text (PDFTextOut)", *pdf.get(),
-      {{"early bound", [&] { return pdf->PDFTextOut(&words, &x, &y); }, {}},
+      {{"early bound", [&] { return pdf->PDFTextOut(&text->bstrVal, &x, &y); }, {}},
        {"late bound, this server", [&] { return write.own(*pdf.get()); }, {}},
        {"late bound, the system's DispInvoke", [&] { return write.systems(*pdf.get(), *type.get()); }, {}}});
   return 0;

@@ -23,7 +23,6 @@ check() {
   (cd "$1-out" && "$2" >said) || fail "$1: the program fails"
   grep -qE '^[0-9.]+ 22\.78$' "$1-out/said" || fail "$1: $(cat "$1-out/said"), so the metrics were not found"
   [ "$(pdftotext "$1-out/consumer.pdf" - 2>/dev/null | head -n 1)" = "Café $1" ] || fail "$1: the page is wrong"
-  echo "$1 works"
 }
 
 # consume WAY [CMAKE_OPTION ...]

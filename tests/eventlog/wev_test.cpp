@@ -31,7 +31,6 @@ TEST(EventLog, WritesOneEntryACall) {
       {"Disk full", 1, 1234, "Backup", "open Backup, report 1 1234 'Disk full', close"},
       {"", 4, -1, "", "open eventlog_test, report 4 -1 '', close"},
       {"a", static_cast<std::int32_t>(EventType::auditFailure), 1, "s", "open s, report 10 1 'a', close"},
-      {"b", 32767, 1, "s", "open s, report 32767 1 'b', close"},
       {"c", -1, 1, "s", "open s, report 65535 1 'c', close"},
       {"d", 32768, 1, "s", "open s, close"},
       {"e", -32769, 1, "s", "open s, close"}};
@@ -43,12 +42,10 @@ TEST(EventLog, WritesOneEntryACall) {
 }
 
 TEST(SystemEventLog, TakesAnyTextWithoutALeak) {
-  VeltranoWEV log;
   const std::string zeros("a\0b", 3);
   for (int round = 0; round < 300; ++round) {
-    log.LogNTEvent("", 4, 1, "veltrano test");
-    log.LogNTEvent(zeros, 4, 2, zeros);
-    log.LogNTEvent(std::string(70000, '%'), 9, 3, "%s%n");
+    VeltranoWEV().LogNTEvent(zeros, 4, 2, zeros);
+    VeltranoWEV().LogNTEvent(std::string(70000, '%'), 9, 3, "%s%n");
   }
 }
 

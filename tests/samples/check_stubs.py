@@ -1,38 +1,69 @@
-"""Compares what scripts/make_stubs.py makes with the finished type library.
+"""Compares the finished type library with its source, with what scripts/make_stubs.py makes, and with what samples say.
 
-check_stubs.py TYPE_LIBRARY FOLDER_OF_STUBS: prints what differs and exits 1 if anything does. A constant that a sample defines
-itself must have the value that it has in the type library, too. Also writes names.cpp into the folder, in which each name of the
-type library stands after the system's headers, as #import puts it, with the renames that docs/hosts/cpp.md tells readers to use.
+check_stubs.py TYPE_LIBRARY FOLDER_OF_STUBS: prints what differs and exits 1 if anything does. Also writes names.cpp into the folder,
+in which each name of the type library stands after the system's headers, as #import puts it, with the renames that docs/hosts/cpp.md
+tells readers to use.
 """
 
+import ast
+import inspect
 import re
+import struct
 import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "scripts"))
-from finish_type_library import NAMES, TypeLibrary, number  # noqa: E402
+from finish_type_library import DATA, NAMES, NONE, TypeLibrary, number  # noqa: E402
+from type_library_source import read_library  # noqa: E402
 
-VALUE = 16  # offset of a constant's value in its record: in place with the highest bit set, as defaults are
+VALUE = 16  # offset of a constant's value in its record
+SHORT, DOUBLE, RESULT, HAS_DEFAULTS = 2, 5, 8, 0x1000
+
+
+def value_at(library, record, at):
+    """A constant's value, or a default: in place, after its type, if the highest bit is set."""
+    word, data = number(record, at), library.segments[DATA]
+    if word >> 31:
+        return (word & 0x3FFFFFF) - (0x10000 if word >> 26 & 31 == SHORT and word & 0x8000 else 0)
+    return number(data, word + 2, "<d" if number(data, word, "<H") == DOUBLE else "<i")
+
+
+def parameters(library, record):
+    """(name, default) of each but the result and a property's value, which has no name."""
+    size, count = len(record), number(record, 20, "<H")
+    for i in range(count):
+        _, name, flags = struct.unpack_from("<3I", record, size - 12 * (count - i))
+        place = size - 16 * count + 4 * i
+        has_default = number(record, 16) & HAS_DEFAULTS and number(record, place) != NONE
+        if name != NONE and not flags & RESULT:
+            yield library.name(name), value_at(library, record, place) if has_default else None
+
+
+def expected_parameters(member):
+    """As the source has them. A text has its default in its class alone."""
+    for parameter in member.parameters if "method" in member.kinds else []:
+        text = {None: '""', "False": "0"}.get(parameter.default, parameter.default)
+        yield parameter.name, None if text.startswith('"') else float(text)
 
 
 def read(path):
-    """Constants by name, the (dispatch id, name) of all members, and every name."""
+    """Constants by name, the (dispatch id, name) of all members, every name, and what differs from the source."""
     library = TypeLibrary(Path(path).read_bytes())
-    constants, members = {}, set()
+    constants, members, functions = {}, set(), set()
     for infos in library.members.values():
-        for index, (record, name) in enumerate(zip(infos.records, infos.names)):
+        for index, (record, name) in enumerate(zip(infos.records, map(library.name, infos.names))):
             if index < infos.functions:
-                members.add((number(infos.ids_and_names, 4 * index) & 0xFFFF, library.name(name)))
+                members.add((number(infos.ids_and_names, 4 * index) & 0xFFFF, name))
+                functions.add((name, *parameters(library, record)))
             else:
-                value = number(record, VALUE)
-                in_place = value & 0x80000000
-                constants[library.name(name)] = value & 0x3FFFFFF if in_place else number(library.segments[11], value + 2, "<i")
+                constants[name] = value_at(library, record, VALUE)
+    source = {(member.name, *expected_parameters(member)) for cls in read_library()[0].values() for member in cls.members}
     names, position = [], 0
     while position < len(library.segments[NAMES]):
         names.append(library.name(position))
         position += 12 + (len(names[-1]) + 3) // 4 * 4
-    return constants, members, names
+    return constants, members, names, [f"parameters of {function}" for function in source - functions]
 
 
 def write_names(path, names):
@@ -42,11 +73,24 @@ def write_names(path, names):
     path.write_text("\n".join(lines) + "\n")
 
 
+def wrong_calls(code, stub):
+    """Calls with a wrong number of arguments in Python code, which is not run."""
+    classes = {}
+    exec(stub, classes)
+    members = {name: member for cls in classes.values() if isinstance(cls, type) for name, member in vars(cls).items()}
+    for call in ast.walk(ast.parse(code)):
+        if isinstance(call, ast.Call) and isinstance(call.func, ast.Attribute) and call.func.attr in members:
+            try:
+                inspect.signature(members[call.func.attr]).bind(None, *call.args)
+            except TypeError as error:
+                yield f"{call.func.attr}: {error}"
+
+
 def main():
     library, stubs = sys.argv[1:]
-    constants, members, names = read(library)
+    constants, members, names, problems = read(library)
     write_names(Path(stubs) / "names.cpp", names)
-    problems = [] if len(constants) > 50 and len(members) > 100 else ["the type library could not be read"]
+    problems += [] if len(constants) > 50 and len(members) > 100 else ["the type library could not be read"]
     assignment = re.compile(r"\b([A-Za-z]+_[A-Z0-9_]+) = (\d+)")
     for path in sorted(Path(stubs).glob("*onstants.*")) + [Path(stubs) / "Veltrano.cs"]:
         found = {name: int(value) for name, value in assignment.findall(path.read_text())}
@@ -54,12 +98,18 @@ def main():
     text = (Path(stubs) / "Veltrano.cs").read_text()
     found = {(int(number), name) for number, name in re.findall(r"\[DispId\((\d+)\)\].* (\w+)(?:\(| {)", text)}
     problems += [f"Veltrano.cs: {name}" for _, name in members ^ found if f"// {name} takes any number" not in text]
-    text = (Path(stubs) / "veltrano.pyi").read_text()
-    problems += [f"veltrano.pyi: {name}" for _, name in members if not re.search(rf"\b(On)?{name}\b", text)]
-    for path in (ROOT / "samples").rglob("*.*"):
-        if path.suffix in (".vbs", ".js", ".bas", ".ps1", ".py", ".wsf"):
-            own = {name: int(value) for name, value in assignment.findall(path.read_text())}
-            problems += [f"{path.name}: {name}" for name in own if own[name] != constants.get(name, own[name])]
+    stub = (Path(stubs) / "veltrano.pyi").read_text()
+    problems += [f"veltrano.pyi: {name}" for _, name in members if not re.search(rf"\b(On)?{name}\b", stub)]
+    called = re.compile(r"\b(?:database|gis|ini|jpg|kml|mdb|pdf|png|settings|wev|xml)\.([A-Z]\w+)")
+    for path in [*(ROOT / "samples").rglob("*.*"), *(ROOT / "docs").rglob("*.md")]:
+        # The portable library has names of its own.
+        if path.suffix in (".vbs", ".js", ".bas", ".ps1", ".py", ".wsf", ".md") and path.name != "linux.md":
+            text = path.read_text()
+            problems += [f"{path.name}: {name} = {value}" for name, value in assignment.findall(text)
+                         if int(value) != constants.get(name, int(value))]
+            problems += [f"{path.name}: {name}" for name in called.findall(text) if name not in {name for _, name in members}]
+            python = [text] if path.suffix == ".py" else re.findall(r"^```python\n(.*?)^```", text, re.M | re.S)
+            problems += [f"{path.name}: {wrong}" for code in python for wrong in wrong_calls(code, stub)]
     if problems:
         sys.exit("differs from the type library: " + ", ".join(problems))
     print(f"{len(constants)} constants, {len(members)} members")
