@@ -1,9 +1,6 @@
 // Files as other programs write them: what is loaded and saved again keeps what it held, byte for byte where
 // the file has one way to say it only.
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "tests/settings/xml_fixture.h"
 #include "tests/split.h"
 
@@ -11,9 +8,6 @@ namespace veltrano::tests {
 namespace {
 
 using namespace std::string_literals;
-using testing::IsEmpty;
-using testing::Optional;
-
 using XmlFiles = XmlFixture;
 
 std::string utf16(std::u16string_view text, bool big) {
@@ -47,17 +41,12 @@ TEST_F(XmlFiles, UntouchedFilesAreSavedAsTheyWere) {
     files.push_back((big ? "\xFE\xFF" : "\xFF\xFE") + utf16(wide, big));
   }
   files.push_back("\xFF\xFE" + utf16(u"<?xml version='1.0' encoding='utf-16le'?><XML>\u4E2D</XML>", false));
-  std::string encodings =
-      "ISO-8859-1=<\xE9>\x80\xFF</\xE9>|us-ascii=&#233;|iso-8859-15=\xA4 \xE9|KOI8-R=<\xD0>\xD2</\xD0>|"
-      "Shift_JIS=<\x83\x5C>\\ \x95\\ \xB1</\x83\x5C>|Big5=\xA4\xA4 \xB3\\|GBK=\xD6\xD0|euc-kr=\xC7\xD1|"
-      "utf-16le=\xC3\xA9";
-#ifndef _WIN32
-  encodings += "|EUC-JP=\xA5\xA2|GB18030=\x81\x30\x84\x36\xD6\xD0";  // Wine lacks these tables
-#endif
+  const std::string encodings =
+      "ISO-8859-1=<\xE9>\x80\xFF</\xE9>|us-ascii=&#233;|Shift_JIS=<\x83\x5C>\\ \x95\\ \xB1</\x83\x5C>|"
+      "GBK=\xD6\xD0|utf-16le=\xC3\xA9";
   for (const std::string& row : split(encodings, '|')) {
-    const auto equals = row.find('=');
-    files.push_back("<?xml version='1.0' encoding='" + row.substr(0, equals) + "'?><XML>" +
-                    row.substr(equals + 1) + "</XML>");
+    const auto parts = split(row, '=');
+    files.push_back("<?xml version='1.0' encoding='" + parts[0] + "'?><XML>" + parts[1] + "</XML>");
   }
   for (const auto& content : files) {
     open(content);
@@ -109,7 +98,7 @@ TEST_F(XmlFiles, WhatIsNotWellFormedLoadsAsEmptyAndStays) {
                 nested(257), nested(1'000'000)});
   for (const auto& content : files) {
     open(content);
-    EXPECT_THAT(xml.XML_EnumFolders(), Optional(IsEmpty())) << content.substr(0, 60);
+    EXPECT_EQ(run("folders"), ";") << content.substr(0, 60);
     EXPECT_EQ(saved(), content) << content.substr(0, 60);
   }
 }
