@@ -118,7 +118,7 @@ TEST_F(WholeDocument, IsAsItWasWorkedOut) {
   const auto image = file.find(bytes);
   ASSERT_NE(image, std::string::npos);
   file.replace(image, bytes.size(), "(the bytes of the file)");
-  const std::string expected = golden("whole_document.txt");
+  const std::string expected = readWholeFile(VELTRANO_GOLDEN_FOLDER "/whole_document.txt").value();
   const auto difference = std::mismatch(file.begin(), file.end(), expected.begin(), expected.end());
   const auto at = static_cast<std::size_t>(difference.first - file.begin());
   EXPECT_TRUE(file == expected) << "from " << at << " on:\n"
