@@ -27,9 +27,8 @@ Picture pictureOf(HGDIOBJ object) {
 
 TEST(BitmapPicture, IsReadAtEveryDepth) {
   // Black and white only, so that every depth can hold it; nothing about it is symmetric.
-  const Image image = paint(11, 5, [](int x, int y) {
-    return (x * 3 + y * y) % 7 < 3 ? Rgb{255, 255, 255} : Rgb{};
-  });
+  constexpr Rgb white{255, 255, 255}, black{};
+  const Image image = paint(11, 5, [=](int x, int y) { return (x * 3 + y * y) % 7 < 3 ? white : black; });
   constexpr std::tuple<int, bool, bool> depths[] = {
       {1, false, false}, {4, false, false},  {8, true, false},  {16, false, false}, {24, false, false},
       {24, true, false}, {32, false, false}, {32, true, false}, {1, false, true},   {32, false, true}};
@@ -39,7 +38,7 @@ TEST(BitmapPicture, IsReadAtEveryDepth) {
     HDC dc = CreateCompatibleDC(nullptr);
     HGDIOBJ previous = SelectObject(dc, bitmap);
     for (int i = 0; i < 11 * 5; ++i)
-      SetPixelV(dc, i % 11, i / 11, image.at(i % 11, i / 11)[0] != 0 ? RGB(255, 255, 255) : RGB(0, 0, 0));
+      SetPixelV(dc, i % 11, i / 11, image.at(i % 11, i / 11) == white ? RGB(255, 255, 255) : RGB(0, 0, 0));
     SelectObject(dc, previous);
     DeleteDC(dc);
     EXPECT_TRUE(contents(section(pictureOf(bitmap))) == image) << bits << topDown << device;
@@ -85,11 +84,9 @@ TEST(BitmapPicture, GoesWhereADriveRelativeNameLeads) {
   const TemporaryFolder folder;
   const std::filesystem::path previous = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
-  const std::string drive = folder.path().root_name().string();
-  EXPECT_TRUE(VeltranoPNG().SavePNG(picture(noise(2, 2)), drive + "a.png"));
-  VeltranoJPG().SaveJPEG(picture(noise(2, 2)), drive + "a.jpg");
-  EXPECT_TRUE(std::filesystem::exists(folder / "a.png") && std::filesystem::exists(folder / "a.jpg"));
+  EXPECT_TRUE(VeltranoPNG().SavePNG(picture(noise(2, 2)), folder.path().root_name().string() + "a.png"));
   std::filesystem::current_path(previous);
+  EXPECT_TRUE(std::filesystem::exists(folder / "a.png"));
 }
 
 }  // namespace

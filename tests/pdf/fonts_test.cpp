@@ -116,9 +116,7 @@ TEST(MetricsFolder, SeesEachEditAtOnce) {
 }
 
 TEST_F(Fonts, SelectionAndResource) {
-  // Resource numbers are the positions of the sorted files: Courier-Bold, -BoldOblique, -Oblique, Courier,
-  // the same of Helvetica, Symbol, Times-Bold, -BoldItalic, -Italic, -Roman, TimesItalic, TimesRoman,
-  // ZapfDingbats.
+  // Resource numbers are the positions of the sorted metrics files.
   constexpr std::tuple<std::int32_t, std::int32_t, const char*, const char*> choices[] = {
       {FONT_ARIAL, 0, "Helvetica", "/F8 9"},      {FONT_ARIAL, 1, "Helvetica-Oblique", "/F7 9"},
       {FONT_ARIAL, 2, "Helvetica-Bold", "/F5 9"}, {FONT_ARIAL, 21, "Helvetica-BoldOblique", "/F6 9"},
@@ -127,8 +125,7 @@ TEST_F(Fonts, SelectionAndResource) {
       {FONT_TIMES, 23, "Times-Bold", "/F10 9"},   {FONT_TIMES, 12, "Times-BoldItalic", "/F11 9"},
       {FONT_SYMBOL, 0, "Symbol", "/F9 9"},        {FONT_ZAPFDINGBATS, 4567, "ZapfDingbats", "/F16 9"},
       {FONT_SYMBOL, 2, "Symbol-Bold", "/F0 9"},   {7, 12, "TimesRoman", "/F15 9"}};
-  const auto none = contentOf([](VeltranoPDF& doc) { doc.PDFTextOut("x", 1, 1); });
-  EXPECT_TRUE(holds(none, "\r\n/F1 10 Tf\r\n"));
+  EXPECT_TRUE(holds(contentOf([](auto& doc) { doc.PDFTextOut("x", 1, 1); }), "\r\n/F1 10 Tf\r\n"));
   for (const auto& [font, style, baseFont, operands] : choices) {
     const auto content = contentOf([&, f = font, s = style, name = baseFont](VeltranoPDF& doc) {
       doc.PDFSetFont(f, 9, s);

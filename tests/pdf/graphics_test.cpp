@@ -117,26 +117,18 @@ TEST(Drawing, OnlyTheTwoStraightLinesLeaveTheirColorAsTheFillColor) {
 }
 
 TEST(Drawing, PolygonTakesThePointsThatAreOnes) {
-  const Value one = Value::List{10, 20};
-  const Value other = Value::Doubles{30, 40};
-  const Value none = Value::List{"x"};
-  const std::pair<Value::List, int> rows[] = {
-      {{one, none, other}, 2},
-      {{Value::List{none, one, other}}, 2},  // one array, its first point malformed
-      {{Value::List{Value(), one}}, 1},
-      {{one}, 1},
-      {{none, Value(), 1e308}, 0},
-      {{Value::List{}}, 0},
-      {{}, 0}};
+  const Value one = Value::List{10, 20}, other = Value::Doubles{30, 40}, none = Value::List{"x"};
+  const std::pair<Value::List, std::size_t> rows[] = {
+      {{one, none, other}, 2},          {{Value::List{none, one, other}}, 2},  // one array
+      {{Value::List{Value(), one}}, 1}, {{none, Value(), 1e308}, 0},          {{Value::List{}}, 0}, {{}, 0}};
   for (const auto& [points, usable] : rows) {
     const std::string content = contentOf([&, given = points](VeltranoPDF& pdf) {
       pdf.PDFSetDrawMode(DRAW_DRAWBORDER);
       pdf.PDFDrawPolygon(given);
     });
-    const auto painted = content.ends_with("h\r\nB\r\n%FIN_POLY/%\r\n");
-    EXPECT_EQ(painted, usable > 0) << content;
+    EXPECT_EQ(content.ends_with("h\r\nB\r\n%FIN_POLY/%\r\n"), usable > 0) << content;
     EXPECT_EQ(content.ends_with(" w \r\n%FIN_POLY/%\r\n"), usable == 0) << "no operator without a path";
-    EXPECT_EQ(countOf(content, " m\r\n") + countOf(content, " l\r\n"), static_cast<std::size_t>(usable));
+    EXPECT_EQ(countOf(content, " m\r\n") + countOf(content, " l\r\n"), usable);
   }
 }
 

@@ -47,31 +47,12 @@ TEST_F(Hostile, ACoordinateThatIsNoneLeavesThePositionOfBefore) {
   }
 }
 
-TEST_F(Hostile, TextsGoInAsTheyAre) {
-  const std::string text = std::string("a\0b\r\n)\xFF", 7) + std::string(1 << 20, 'x');
-  pdf.PDFTitle(text);
-  pdf.PDFBeginDoc();
-  pdf.PDFSetBookmark(text);
-  pdf.PDFSetBookmark(text);
-  EXPECT_EQ(countOf(finish(), "(" + text + ")\r\n/"), 3U);
-}
-
 /// Any order of calls with any numbers leads to nothing worse than an odd document.
 TEST_F(Hostile, CallsInEveryOrder) {
   const double numbers[] = {0, -1, 1, 2.5, 1e6, -1e300, 1e308, std::nan(""), infinity, 32767.5};
-  const Value values[] = {{},
-                          Null(),
-                          Opaque(),
-                          5,
-                          -70000,
-                          1e300,
-                          "#12x",
-                          "text",
-                          Value::List{},
-                          "#F0F0",
-                          true,
-                          Value::Bytes{1},
-                          Value::List{1, "b", Value::List{1}}};
+  const Value nested = Value::List{1, "b", Value::List{1}}, bytes = Value::Bytes{1}, none = Null(),
+              object = Opaque();
+  const Value values[] = {{}, none, object, 5, -70000, 1e300, "#12x", "text", nested, "#F0F0", true, bytes};
   const std::string longText = std::string(2000, 'x') + " some\r\ntext";
   std::mt19937 random(20261121);
   const auto any = [&](std::size_t count) { return static_cast<int>(random() % count); };
@@ -92,7 +73,7 @@ TEST_F(Hostile, CallsInEveryOrder) {
                         [&](auto& doc) { doc.PDFDrawRectangle(n(), n(), n(), n(), value()); },
                         [&](auto& doc) { doc.PDFDrawEllipse(n(), n(), n(), n(), value()); },
                         [&](auto& doc) {
-                          doc.PDFDrawPolygon({value(), value(), Value::List{n(), n()}});
+                          doc.PDFDrawPolygon({value(), value(), nested});
                         },
                         [&](auto& doc) { doc.PDFDrawLineHor(n(), n(), n()); },
                         [&](auto& doc) { doc.PDFTextOut("text", n(), n()); },

@@ -62,7 +62,7 @@ TEST_F(SecondParser, ReadsTheValuesThatWereSaved) {
 // Right documents and such with a fault anywhere.
 TEST_F(SecondParser, TakesAndRefusesTheSameDocuments) {
   const auto plain = split(
-      "<Key>|</Key>\n|<K>800</K>|<K />|&amp;|&#x20AC;|it's \"so\"|a > b|[x]|\x7F\t\r\n|\xC3\xA9|\xE2\x82\xAC|"
+      "<Key>|<K>800</K>|<K />|&amp;|&#x20AC;|it's \"so\"|a > b|[x]|\x7F\t\r\n|\xC3\xA9|\xE2\x82\xAC|"
       "\xED\x9F\xBF|\xF0\x9F\x98\x80|\xF4\x8F\xBF\xBF|long text, long text, long text, long text",
       '|');
   const auto rich = split(
@@ -77,19 +77,14 @@ TEST_F(SecondParser, TakesAndRefusesTheSameDocuments) {
   std::mt19937 random(11);
   const auto pick = [&](const auto& from) { return from[random() % std::size(from)]; };
   int taken = 0;
-  constexpr int rounds = 4000;
-  for (int round = 0; round < rounds; ++round) {
+  for (int round = 0; round < 4000; ++round) {
     const bool allPlain = random() % 2 == 0;
-    int depth = 0;
-    std::string text = "<XML><F/>";
+    std::string text = "<XML><F/>", ends = "</XML>\n";
     for (auto i = random() % 60; i > 0; --i) {
-      const std::string& piece = allPlain || random() % 8 != 0 ? pick(plain) : pick(rich);
-      depth += piece == "<Key>" ? 1 : 0;
-      if (piece != "</Key>\n" || depth-- > 0) text += piece;
-      depth = std::max(depth, 0);
+      text += allPlain || random() % 8 != 0 ? pick(plain) : pick(rich);
+      if (text.ends_with("<Key>")) ends.insert(0, "</Key>\n");
     }
-    while (depth-- > 0) text += "</Key>";
-    text += "</XML>\n";
+    text += ends;
     if (random() % 2 == 0) text.insert(random() % (text.size() + 1), pick(bad));
     std::filesystem::remove(file);  // putting a file in place of another waits for the disk
     open(text);
@@ -97,8 +92,7 @@ TEST_F(SecondParser, TakesAndRefusesTheSameDocuments) {
     ASSERT_EQ(loaded, isWellFormed(text)) << round << ": " << testing::PrintToString(text);
     taken += loaded ? 1 : 0;
   }
-  EXPECT_GT(taken, rounds / 4);
-  EXPECT_LT(taken, rounds * 3 / 4);
+  EXPECT_TRUE(taken > 1000 && taken < 3000) << taken;
 }
 
 }  // namespace
