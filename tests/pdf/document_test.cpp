@@ -26,25 +26,21 @@ class Settings : public PdfTest {
 };
 
 TEST_F(Settings, MarginsRoundTiesToEvenAndRefuseWhatDoesNotFit) {
-  for (const auto& [given, stored] : {Size{2.5, 2},
-                                      {1.5, 2},
-                                      {-2.5, -2},
-                                      {32767.4, 32767},
-                                      {32767.5, 32767},
-                                      {-40000, 32767},
-                                      {NAN, 32767}}) {
+  constexpr Size rows[] = {{2.5, 2},         {1.5, 2},        {-2.5, -2},  {32767.4, 32767},
+                           {32767.5, 32767}, {-40000, 32767}, {NAN, 32767}};
+  for (const auto& [given, stored] : rows) {
     pdf.PDFSetLeftMargin(given);
     pdf.PDFSetCellMargin(given);
     EXPECT_EQ(margins(), (Numbers{stored, 1, 1, 1, stored})) << given;
   }
   pdf.PDFSetMargins(2, 3);  // omitted ones follow their opposites
   EXPECT_EQ(margins(), (Numbers{2, 3, 2, 3, 32767}));
+  pdf.PDFSetMargins(2, 3, 4, 5);
   pdf.PDFSetTopMargin(11);
+  EXPECT_EQ(margins(), (Numbers{2, 11, 4, 5, 32767}));
   pdf.PDFSetRightMargin(12);
   pdf.PDFSetBottomMargin(13);
   EXPECT_EQ(margins(), (Numbers{2, 11, 12, 13, 32767}));
-  pdf.PDFSetMargins(2, 3, 4, 5);
-  EXPECT_EQ(margins(), (Numbers{2, 3, 4, 5, 32767}));
 }
 
 TEST_F(Settings, UnitsAndViewerSettingsFallBack) {

@@ -26,27 +26,18 @@ TEST(Afm, ReadsByThePositionsOfTheFields) {
     const char* what;
     std::string afm;
     std::array<std::int32_t, 3> widths;  ///< of "A", "B" and "C", codes 65 to 67
-  } rows[] = {{"plain", afm("C 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;"), {1, 2, 4}},
-              {"CR LF", "StartCharMetrics\r\nC 65 ; WX 12\r\nC 66 ; WX 2\r\nEndCharMetrics\r\n", {12, 2, 0}},
-              {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", {1, 2, 0}},
-              {"an unencoded character", afm("C 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2"), {1, 0, 0}},
-              {"the keywords do not count, nor do blanks", afm("  x   65  ;   y   7  ; N"), {7, 0, 0}},
-              {"fractions are cut off", afm("C 65 ; WX 1.9\nC 66 ; WX -1.9"), {1, -1, 0}},
-              {"no end: the last code stays 0", "StartCharMetrics\nC 65 ; WX 1\nC 66 ; WX 2\n", {0, 0, 0}},
-              {"no start", "C 65 ; WX 1\nEndCharMetrics\n", {0, 0, 0}},
-              {"the end before the start", "Comment -1 ;\n" + afm("C 65 ; WX 1"), {0, 0, 0}},
-              {"outside the first and the last code",
-               afm("C 66 ; WX 2\nC 67 ; WX 4\nC 65 ; WX 1\nC 66 ; WX 2"),
-               {0, 2, 0}},
-              {"malformed lines leave the others alone",
-               afm("C 65 ; WX 1\n\n;;;\nC x ; WX 9\nC 66 ; WX x\nC 66\nC ; WX 5\nC 67 ; WX 4"),
-               {1, 0, 4}},
-              {"codes and widths out of range",
-               afm("C 65 ; WX 99999999999\nC 66 ; WX 2\nC 99999999999 ; WX 3\nC 300 ; WX 3"),
-               {0, 2, 0}},
-              {"the line after a second start is taken as it is",
-               afm("C 65 ; WX 1\nStartCharMetrics\nC 66 ; WX 2\nC 67 ; WX 4"),
-               {1, 2, 4}}};
+  } rows[] = {
+      {"plain", afm("C 65 ; WX 1 ;\nC 66 ; WX 2 ;\nC 67 ; WX 4 ;"), {1, 2, 4}},
+      {"CR LF", "StartCharMetrics\r\nC 65 ; WX 12\r\nC 66 ; WX 2\r\nEndCharMetrics\r\n", {12, 2, 0}},
+      {"CR alone", "StartCharMetrics\rC 65 ; WX 1\rC 66 ; WX 2\rEndCharMetrics\r", {1, 2, 0}},
+      {"an unencoded character", afm("C 65 ; WX 1\nC -1 ; WX 9\nC 66 ; WX 2"), {1, 0, 0}},
+      {"neither keywords nor blanks nor fractions count", afm("  x   65  ;   y   7.9  ; N"), {7, 0, 0}},
+      {"no end: the last code stays 0", "StartCharMetrics\nC 65 ; WX 1\nC 66 ; WX 2\n", {0, 0, 0}},
+      {"the end before the start", "Comment -1 ;\n" + afm("C 65 ; WX 1"), {0, 0, 0}},
+      {"outside the first and last code", afm("C 66 ; W 2\nC 67 ; W 4\nC 65 ; W 1\nC 66 ; W 2"), {0, 2, 0}},
+      {"malformed", afm("C 65 ; W 1\n\n;;;\nC x ; W 9\nC 66 ; W x\nC 66\nC ; W 5\nC 67 ; W 4"), {1, 0, 4}},
+      {"out of range", afm("C 65 ; W 99999999999\nC 66 ; W 2\nC 99999999999 ; W 3\nC 300 ; W 3"), {0, 2, 0}},
+      {"a second start", afm("C 65 ; W 1\nStartCharMetrics\nC 66 ; W 2\nC 67 ; W 4"), {1, 2, 4}}};
   for (const auto& row : rows) {
     const auto metrics = parseAfm(row.afm, true);
     for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(metrics->widths[65 + i], row.widths[i]) << row.what;

@@ -42,17 +42,16 @@ TEST(Colors, OfEveryForm) {
 }
 
 TEST(LineStyle, PatternsAreWholePointsOfTheUnitOfThen) {
-  for (const auto& [style, expected] :
-       {std::pair<int, const char*>{pPDF_DASHDOTDOT, "[226 113 56 113 56 113 ] 0 d\r\n1.00 "},
-        {4, "\r\n1.00 "}}) {
-    const std::string content = contentOf([given = style](VeltranoPDF& pdf) {
-      pdf.PDFSetUnit(UNIT_CM);
-      pdf.PDFSetLineStyle(given);
-      pdf.PDFSetUnit(UNIT_PT);
-      pdf.PDFDrawLineHor(1, 2, 3);
-    });
-    EXPECT_TRUE(content.starts_with("%DEBUT_LNH/%\r\n" + std::string(expected))) << content;
-  }
+  const std::string content = contentOf([](VeltranoPDF& pdf) {
+    pdf.PDFSetUnit(UNIT_CM);
+    pdf.PDFSetLineStyle(pPDF_DASHDOTDOT);
+    pdf.PDFSetUnit(UNIT_PT);
+    pdf.PDFDrawLineHor(1, 2, 3);
+    pdf.PDFSetLineStyle(4);
+    pdf.PDFDrawLineHor(1, 2, 3);
+  });
+  EXPECT_TRUE(content.starts_with("%DEBUT_LNH/%\r\n[226 113 56 113 56 113 ] 0 d\r\n1.00 ")) << content;
+  EXPECT_TRUE(holds(content, "%DEBUT_LNH/%\r\n\r\n1.00 "));
 }
 
 TEST_F(GraphicsState, GettersAnswerAsHostsKnowThem) {

@@ -25,12 +25,9 @@ TEST_F(Images, NamesAreTakenByTheirLastLetters) {
   const std::string unknown = "Error format not supported|Image format not supported.|Format not supported|";
   const std::string none = "Unable to include this image|Unable to include this image|Format not supported|";
   pdf.PDFBeginDoc();
-  for (const auto& [name, messages] : {std::pair("a.jpg", std::string()),
-                                       {"a.jpeg", ""},
-                                       {"a.xjpg", ""},
-                                       {"a.JPG", unknown},
-                                       {"a.jpg ", unknown},
-                                       {"jpg", none}}) {
+  const std::pair<const char*, std::string> rows[] = {{"a.jpg", ""},      {"a.jpeg", ""},      {"a.xjpg", ""},
+                                                      {"a.JPG", unknown}, {"a.jpg ", unknown}, {"jpg", none}};
+  for (const auto& [name, messages] : rows) {
     const auto file = name == std::string("jpg") ? name : photo(name, picture);
     EXPECT_EQ(pdf.PDFImageWidth(file), messages.empty() ? 400 : 0) << name;
     EXPECT_EQ(pdf.PDFImageHeight(file), messages.empty() ? 300 : 0) << name;

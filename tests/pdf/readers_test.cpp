@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
 
 #include "tests/pdf/pdf_testing.h"
 
@@ -14,12 +11,11 @@ namespace {
 
 /// What a command prints.
 std::string outputOf(const std::string& command) {
-  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen((command + " 2>/dev/null").c_str(), "r"), pclose);
-  std::string output;
-  std::array<char, 4096> buffer{};
-  while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe.get()))
-    output.append(buffer.data(), count);
-  return output;
+  const TemporaryFolder folder;
+  const std::string output = (folder / "output").string();
+  return std::system((command + " >'" + output + "' 2>/dev/null").c_str()) == -1
+             ? ""
+             : readWholeFile(output).value_or("");
 }
 
 class Readers : public PdfTest {

@@ -9,23 +9,6 @@ namespace {
 
 constexpr auto noTick = [](double) {};
 
-TEST(Sheets, WrapAndShortenTexts) {
-  Book book(595, 842);
-  const Face face(book.pdf, FONT_COURIER, FONT_NORMAL, 10);  // 6 points a character
-  const std::tuple<const char*, std::vector<std::string_view>, const char*> cases[] = {
-      {"", {""}, ""},
-      {"123456", {"12345", "6"}, "12..."},
-      {"ab cd ef", {"ab cd", "ef"}, "ab..."},
-      {"a bcdefg", {"a", "bcdef", "g"}, "a ..."},
-      {"a\n\nb", {"a", "", "b"}, "a\n\nb"},
-      {"     6", {"    ", "6"}, "  ..."}};
-  for (const auto& [text, lines, shortened] : cases) {
-    EXPECT_EQ(face.wrap(text, 30), lines) << text;
-    EXPECT_EQ(face.shortened(text, 30), shortened) << text;
-  }
-  EXPECT_EQ(face.wrap("abc", 1), (std::vector<std::string_view>{"a", "b", "c"}));
-}
-
 std::string made(const std::string& title, const std::vector<std::vector<std::string>>& rows) {
   const tests::TemporaryFolder folder;
   Book book(595, 842);

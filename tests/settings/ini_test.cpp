@@ -129,10 +129,9 @@ TEST_F(IniFiles, KeysAreCharactersWhereThoseTakeTwoBytes) {
   // The second byte of one letter is "A", of another "a"; a lone lead byte stays what it is.
   const std::string before = "\x83\x61=1\r\n\x83\x5C=\x95\\\r\n\x82\x60=3\r\n\x83\r\n";
   put(before);
-  EXPECT_EQ(ini.GetIniValue(file, u"\u30A2", u"none"), u"none");
-  EXPECT_EQ(ini.GetIniValue(file, u"\u30C2", u"none"), u"1");
-  EXPECT_EQ(ini.GetIniValue(file, u"\u30BD", u"none"), u"\u8868");
-  EXPECT_EQ(ini.GetIniValue(file, u"\uFF41", u"none"), u"3") << "wide letters have cases, too";
+  for (const auto& [key, value] :
+       {std::pair(u"\u30A2", absent), {u"\u30C2", u"1"}, {u"\u30BD", u"\u8868"}, {u"\uFF41", u"3"}})
+    EXPECT_EQ(ini.GetIniValue(file, key, absent), value);
   ini.SetIniValue(file, u"\u30A2", u"\u30C2");
   EXPECT_EQ(content(), before + "\r\n\x83\x41=\x83\x61\r\n");
   EXPECT_TRUE(setCodePage("windows-1252"));

@@ -1,10 +1,7 @@
 #!/usr/bin/env python3
 """Works out whole_document.txt: the document that whole_document_test.cpp draws, by the rules of the members and of the
 file, in exact decimal arithmetic. It knows nothing of the library's code; where a rule leaves a choice open (which blank a
-line is broken at, where a link's text stands), what the document shows is stated here.
-
-  whole_document.py          says whether the file beside it is what comes out
-  whole_document.py --write  writes it
+line is broken at, where a link's text stands), what the document shows is stated here. With --write it writes the file.
 """
 import sys
 from decimal import ROUND_HALF_EVEN, ROUND_HALF_UP, Decimal as D
