@@ -85,13 +85,6 @@ TEST(GeneralNumber, AgreesWithFifteenDigitsEverywhere) {
   }
 }
 
-TEST(SingleNumber, HasSevenDigits) {
-  for (const auto& [value, text] :
-       {std::pair{4320050.0F, "4320050"}, {0.1F, "0.1"}, {8639999.5F, "8640000"}, {1e7F, "1E+07"}})
-    EXPECT_EQ(singleNumberText(value).view(), text);
-  EXPECT_EQ(integerText(INT64_MIN).view(), std::to_string(INT64_MIN));
-}
-
 TEST(Rounding, TiesGoToEvenAndOverflowIsNothing) {
   for (const auto& row :
        tests::table("2.5 2; 3.5 4; -2.5 -2; 0.49999999999999994 0; 32767.4 32767; 32767.5 none;"

@@ -152,7 +152,6 @@ TEST(JpegModule, RefusesDamage) {
   };
   const std::tuple<const char*, std::string, bool, bool> cases[] = {
       {"without end marker", good.substr(0, good.size() - 2), true, true},
-      {"text after the end", good + "tail", true, true},
       {"half of the image data", good.substr(0, good.size() - (good.size() - frame) / 4), false, true},
       {"no image data", good.substr(0, good.find("\xFF\xDA")), false, false},
       {"nothing", "", false, false},

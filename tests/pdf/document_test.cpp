@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 #include <sstream>
 #include <tuple>
 
@@ -237,6 +238,47 @@ TEST_F(Assembly, OutlineOfAnEarlierDocumentPointsIntoThisOne) {
   const std::string top = std::to_string(item) + " 0 R";
   EXPECT_TRUE(holds(file, "<</Type /Outlines /First " + top + "\r\n/Last " + top + ">>"));
   EXPECT_FALSE(holds(file, "\r\n/Outlines ")) << "written, but not named unless asked for";
+}
+
+/// Any order of calls with any numbers leads to nothing worse than an odd document.
+TEST_F(Assembly, CallsInEveryOrder) {
+  const double numbers[] = {0, -1, 1, 2.5, 1e6, -1e300, 1e308, std::nan(""), INFINITY, 32767.5};
+  const Value nested = Value::List{1, "b", Value::List{1}}, none = Null(), object = Opaque();
+  const Value values[] = {{}, none, object, 5, -70000, 1e300, "#12x", "text", nested, "#F0F0", true};
+  const std::string longText = std::string(2000, 'x') + " some\r\ntext";
+  std::mt19937 random(20261121);
+  const auto any = [&](std::size_t count) { return static_cast<int>(random() % count); };
+  const auto n = [&] { return numbers[any(std::size(numbers))]; };
+  const auto value = [&] { return values[any(std::size(values))]; };
+  const Draw calls[] = {[](auto& doc) { doc.PDFBeginDoc(); },
+                        [](auto& doc) { doc.PDFNewPage(); },
+                        [](auto& doc) { doc.PDFEndDoc(); },
+                        [&](auto& doc) { doc.PDFFormatPage(value()); },
+                        [&](auto& doc) { doc.PDFOrientation(any(4)); },
+                        [&](auto& doc) { doc.PDFSetUnit(any(4)); },
+                        [&](auto& doc) { doc.PDFPageHeight(n()); },
+                        [&](auto& doc) { doc.PDFSetBookmark("b", any(5) - 1, n()); },
+                        [&](auto& doc) { doc.PDFSetZoomMode(value()); },
+                        [&](auto& doc) { doc.PDFSetLineWidth(n()); },
+                        [&](auto& doc) { doc.PDFSetRotation(n()); },
+                        [&](auto& doc) { doc.PDFSetDrawColor(value()); },
+                        [&](auto& doc) { doc.PDFDrawRectangle(n(), n(), n(), n(), value()); },
+                        [&](auto& doc) { doc.PDFDrawEllipse(n(), n(), n(), n(), value()); },
+                        [&](auto& doc) {
+                          doc.PDFDrawPolygon({nested, value()});
+                        },
+                        [&](auto& doc) { doc.PDFDrawLineHor(n(), n(), n()); },
+                        [&](auto& doc) { doc.PDFTextOut("text", n(), n()); },
+                        [&](auto& doc) { doc.PDFSetAlignement(any(4)); },
+                        [&](auto& doc) { doc.PDFCell(longText, n(), n(), n(), n(), value()); },
+                        [&](auto& doc) { doc.PDFLink(n(), n(), "here", "there"); }};
+  for (int round = 0; round < 40; ++round) {
+    pdf.PDFBeginDoc();
+    for (int call = 0; call < 200; ++call) calls[any(std::size(calls))](pdf);
+    const std::string file = finish();
+    EXPECT_TRUE(file.starts_with("%PDF-1.0\r\n") && file.ends_with("%%EOF\r\n"));
+    EXPECT_EQ(countOf(file, "nan") + countOf(file, "inf"), 0U);
+  }
 }
 
 }  // namespace

@@ -131,5 +131,39 @@ TEST(Drawing, PolygonTakesThePointsThatAreOnes) {
   }
 }
 
+TEST(Drawing, PageWithoutSizeTakesTheLinesThatNeedNone) {
+  const std::string file = fileOf([](auto& doc) {
+    doc.PDFPageHeight(std::nan(""));
+    doc.PDFPageWidth(INFINITY);
+    doc.PDFDrawLineHor(10, 20, 100);
+    doc.PDFDrawEllipse(10, 20, 5, 5);
+    doc.PDFTextOut("x", 1, 1);
+  });
+  EXPECT_EQ(pageContent(file, 1), lines({"%DEBUT_LNH/%", "[] 0 d", "0 G", "0.57 w S", "%FIN_LNH/%", "0 G",
+                                         "[] 0 d", "0 G", "0.57 w ", "s", "q 0 g ", "%DEBUT_TEXT/%", "BT",
+                                         "/F1 10 Tf", "(x) Tj", "ET", "Q", "%FIN_TEXT/%"}));
+  EXPECT_TRUE(holds(file, "/MediaBox [ 0 0 595.28 841.89]\r\n")) << "it is still a page";
+}
+
+TEST(Drawing, ACoordinateThatIsNoneLeavesThePositionOfBefore) {
+  for (const double none : {NAN, INFINITY, -INFINITY}) {
+    const Draw calls[] = {[=](auto& doc) { doc.PDFDrawLineHor(none, none, 5); },
+                          [=](auto& doc) { doc.PDFDrawLine(none, none, none, none); },
+                          [=](auto& doc) { doc.PDFDrawRectangle(none, 1, 5, none, "t"); },
+                          [=](auto& doc) { doc.PDFDrawEllipse(none, none, 5, 5, "t"); },
+                          [=](auto& doc) { doc.PDFCell("x", none, none, 5, 5, "t"); },
+                          [=](auto& doc) { doc.PDFLink(none, none, "x", "t"); }};
+    for (const auto& call : calls) {
+      const std::string content = contentOf([&](auto& doc) {
+        doc.PDFSetFont(FONT_COURIER, 10);
+        doc.PDFTextOut("Hello", 20, 30);  // 30 points wide
+        call(doc);
+        doc.PDFTextOut("after");
+      });
+      EXPECT_TRUE(holds(content, "BT\r\n50.00 801.89 Td\r\n"));
+    }
+  }
+}
+
 }  // namespace
 }  // namespace veltrano::tests

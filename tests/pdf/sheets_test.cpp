@@ -35,17 +35,6 @@ TEST(Sheets, HoldEveryCell) {
   }
 }
 
-TEST(Sheets, StartPagesAtFormFeeds) {
-  const tests::TemporaryFolder folder;
-  Book book(595, 842);
-  book.pdf.PDFFileName(folder / "a.pdf");
-  ASSERT_TRUE(makeTextSheets(book, "T", "a\fb\f\tc\n\f\fd\x01", FONT_COURIER, noTick));
-  const std::string file = readWholeFile(folder / "a.pdf").value_or("");
-  EXPECT_EQ(tests::countOf(file, "/Type /Page\r\n"), 5U);
-  for (const char* line : {"(a)", "(b)", "(        c)", "(d )"})
-    EXPECT_EQ(tests::countOf(file, line), 1U) << line;
-}
-
 TEST(Sheets, KeepLongHeadsAndShortenLongTitles) {
   const std::string words = "word word word word ";
   std::string head;

@@ -108,8 +108,8 @@ TEST_F(IniFiles, KeepTheRestAsItIs) {
   EXPECT_EQ(content(), "; k\n\0\x1A\x81\r\nA=\xE9\r\n[x]\r\n"s);
   // A key that the code page lacks is on no line, not on those of its likenesses either.
   put("?=1\r\nL=2\r\n");
-  EXPECT_EQ(ini.GetIniValue(file, u"\u0141", absent), absent);
-  ini.SetIniValue(file, u"\u0141", u"3");
+  for (const auto& key : {u"\u0141", u"\u4E2D"}) EXPECT_EQ(ini.GetIniValue(file, key, absent), absent);
+  ini.SetIniValue(file, u"\u4E2D", u"3");
   EXPECT_EQ(content(), "?=1\r\nL=2\r\n\r\n?=3\r\n");
 }
 
@@ -154,13 +154,6 @@ TEST_F(IniFiles, WhatCannotBeReadOrWrittenIsNoError) {
     ini.CloseFile(name, u"A=1");
   }
   EXPECT_TRUE(fs::is_empty(folder.path()));
-#ifdef _WIN32
-  put("A=1");
-  fs::permissions(file, fs::perms::owner_read);
-  ini.SetIniValue(file, u"A", u"2");
-  fs::permissions(file, fs::perms::owner_all);
-  EXPECT_EQ(content(), "A=1");
-#endif
 }
 
 }  // namespace

@@ -194,9 +194,8 @@ TEST_F(XmlSettings, ALoadErrorHidesSettingsUntilOneIsSaved) {
   for (int i = 0; i < 5'000; ++i) large += "<A>1</A>";
   large += "</XML>";
   const auto openInShortMemory = [&] {
-    ASSERT_TRUE(replaceFile(file, large));
     outOfMemory = true;
-    xml.XML_Open(file);
+    open(large);
     outOfMemory = false;
   };
   openInShortMemory();
