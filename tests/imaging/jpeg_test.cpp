@@ -187,10 +187,11 @@ TEST_F(VeltranoJpg, ResizesWhenBothSizesAreGiven) {
   constexpr std::tuple<int, int, const char*> rows[] = {
       {0, 0, "80x60"}, {320, 0, "80x60"}, {0, 240, "80x60"}, {32, 48, "32x48"}, {160, 10, "160x10"}};
   for (const auto& [width, height, size] : rows) {
-    jpg_.SaveJPEG(picture_, folder_ / "saved.jpg", 50, width, height);
-    jpg_.SaveJPEGResampled(folder_ / "in.jpg", folder_ / "resampled.jpg", 50, width, height);
+    const TemporaryFolder made;
+    jpg_.SaveJPEG(picture_, made / "saved.jpg", 50, width, height);
+    jpg_.SaveJPEGResampled(folder_ / "in.jpg", made / "resampled.jpg", 50, width, height);
     for (const char* name : {"saved.jpg", "resampled.jpg"})
-      EXPECT_EQ(sizeOf(readWholeFile(folder_ / name).value_or("")), size) << name << width << 'x' << height;
+      EXPECT_EQ(sizeOf(readWholeFile(made / name).value_or("")), size) << name << width << 'x' << height;
   }
   EXPECT_EQ(sizeOf(jpg_.SaveJPEGToMemory(picture_, 60, 40, 30)), "80x60") << "never resized";
   EXPECT_EQ(sizeOf(jpg_.SaveJPEGToMemoryResampled(folder_ / "in.jpg", 30, 120, 90)), "120x90");
