@@ -15,7 +15,7 @@
 namespace veltrano::tests {
 
 /// A folder in which nobody may make a file; `files` is what may be done with those that are there. The
-/// superuser may do anything, so he becomes somebody else for so long. Under Windows it does nothing.
+/// superuser, who may do anything, becomes somebody else meanwhile. Under Windows it does nothing.
 class NoNewFilesIn {
  public:
   explicit NoNewFilesIn(const std::filesystem::path& folder,

@@ -1,12 +1,12 @@
 #ifndef VELTRANO_TESTS_IMAGING_IMAGES_H
 #define VELTRANO_TESTS_IMAGING_IMAGES_H
 
-// Pictures to test with, and readers of others for what the library wrote.
+// Pictures to test with.
 
-#include <cstdint>
-#include <filesystem>
+#include <gtest/gtest.h>
+
+#include <array>
 #include <functional>
-#include <string>
 #include <vector>
 
 #include "tests/temporary_folder.h"
@@ -14,41 +14,67 @@
 
 namespace veltrano::tests {
 
-struct Rgb {
-  int red = 0, green = 0, blue = 0;
-  friend bool operator==(const Rgb&, const Rgb&) = default;
-};
-using Painter = std::function<Rgb(int x, int y)>;
+using Rgb = std::array<int, 3>;  ///< red, green, blue
 
 /// A picture as seen, from the top left.
 struct Image {
   int width = 0, height = 0;
-  std::vector<Rgb> pixels;
-  [[nodiscard]] Rgb at(int x, int y) const {
-    return pixels.at(static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                     static_cast<std::size_t>(x));
+  std::vector<Rgb> pixels{};
+  [[nodiscard]] const Rgb& at(int x, int y) const {
+    return pixels.at(static_cast<std::size_t>(y * width + x));
   }
   friend bool operator==(const Image&, const Image&) = default;
 };
 
-Image paint(int width, int height, const Painter& painter);
-/// Smooth colours with some shapes; a different colour in each corner.
-Image scenery(int width, int height);
+/// Calls `painter` for each pixel, row by row.
+inline Image paint(int width, int height, const std::function<Rgb(int x, int y)>& painter) {
+  Image image{width, height};
+  for (int y = 0; y < height; ++y)
+    for (int x = 0; x < width; ++x) image.pixels.push_back(painter(x, y));
+  return image;
+}
+
+/// Smooth colours with a disc; a different colour in each corner.
+inline Image scenery(int width, int height) {
+  return paint(width, height, [=](int x, int y) {
+    const int dx = x - width / 2, dy = y - height / 3;
+    const bool disc = dx * dx + dy * dy < width * height / 20;
+    return Rgb{disc ? 250 : 200 * x / width, 40 + 180 * y / height, 220 - 200 * (x + y) / (width + height)};
+  });
+}
+
 /// Every pixel another; the same on each run.
-Image noise(int width, int height);
+inline Image noise(int width, int height) {
+  return paint(width, height, [state = 12345U](int, int) mutable {
+    state = state * 1664525 + 1013904223;
+    return Rgb{static_cast<int>(state >> 24), static_cast<int>(state >> 16 & 255),
+               static_cast<int>(state >> 8 & 255)};
+  });
+}
 
-Picture picture(const Image& image);
-cDIBSection section(const Image& image);
-Image contents(const cDIBSection& dib);
+inline Picture picture(const Image& image) {
+  std::vector<std::uint8_t> rows;
+  for (const auto& [red, green, blue] : image.pixels)
+    for (const int channel : {blue, green, red}) rows.push_back(static_cast<std::uint8_t>(channel));
+  return Picture::fromBgr(image.width, image.height, rows.data(), std::ptrdiff_t{3} * image.width);
+}
 
-/// Decibels; both of one size.
-double psnr(const Image& a, const Image& b);
+inline cDIBSection section(const Picture& picture) {
+  cDIBSection dib;
+  EXPECT_TRUE(dib.CreateFromPicture(picture));
+  return dib;
+}
+inline cDIBSection section(const Image& image) {
+  return section(picture(image));
+}
 
-/// libpng's and libjpeg's own reading; an empty image when they refuse.
-Image readPng(const std::filesystem::path& file);
-Image readJpeg(const std::string& bytes);
-/// libjpeg's own encoding of flat four-channel samples.
-std::string flatInksJpeg(const std::uint8_t (&inks)[4], bool adobe, bool ycck);
+inline Image contents(const cDIBSection& dib) {
+  const std::uint8_t* const bits = dib.DIBSectionBitsPtr();
+  return paint(dib.Width(), dib.Height(), [&](int x, int y) {
+    const std::uint8_t* pixel = bits + dib.BytesPerScanLine() * (dib.Height() - 1 - y) + 3 * x;
+    return Rgb{pixel[2], pixel[1], pixel[0]};
+  });
+}
 
 inline int filesIn(const TemporaryFolder& folder) {
   return static_cast<int>(std::distance(std::filesystem::directory_iterator(folder.path()), {}));

@@ -42,19 +42,16 @@ TEST(Colors, OfEveryForm) {
 }
 
 TEST(LineStyle, PatternsAreWholePointsOfTheUnitOfThen) {
-  const std::pair<int, const char*> rows[] = {{pPDF_DASH, "[453 226 ] 0 d"},
-                                              {pPDF_DASHDOT, "[226 198 56 198 ] 0 d"},
-                                              {pPDF_DASHDOTDOT, "[226 113 56 113 56 113 ] 0 d"},
-                                              {4, ""}};
-  for (const auto& [style, expected] : rows) {
-    const std::string content = contentOf([given = style](VeltranoPDF& pdf) {
-      pdf.PDFSetUnit(UNIT_CM);
-      pdf.PDFSetLineStyle(given);
-      pdf.PDFSetUnit(UNIT_PT);
-      pdf.PDFDrawLineHor(1, 2, 3);
-    });
-    EXPECT_TRUE(content.starts_with("%DEBUT_LNH/%\r\n" + std::string(expected) + "\r\n1.00 ")) << content;
-  }
+  const std::string content = contentOf([](VeltranoPDF& pdf) {
+    pdf.PDFSetUnit(UNIT_CM);
+    pdf.PDFSetLineStyle(pPDF_DASHDOTDOT);
+    pdf.PDFSetUnit(UNIT_PT);
+    pdf.PDFDrawLineHor(1, 2, 3);
+    pdf.PDFSetLineStyle(4);
+    pdf.PDFDrawLineHor(1, 2, 3);
+  });
+  EXPECT_TRUE(content.starts_with("%DEBUT_LNH/%\r\n[226 113 56 113 56 113 ] 0 d\r\n1.00 ")) << content;
+  EXPECT_TRUE(holds(content, "%DEBUT_LNH/%\r\n\r\n1.00 "));
 }
 
 TEST_F(GraphicsState, GettersAnswerAsHostsKnowThem) {
@@ -111,34 +108,60 @@ TEST(Drawing, OnlyTheTwoStraightLinesLeaveTheirColorAsTheFillColor) {
     pdf.PDFDrawLineVer(0, 0, 1);
     pdf.PDFDrawRectangle(0, 0, 1, 1);
   });
-  std::size_t at = 0;
-  for (const char* fill : {"0.000 1.000 0.000 rg", "0 g", "1.000 0.000 0.000 rg"}) {
-    at = content.find("%DEBUT_RECT/%\r\n" + std::string(fill) + "\r\n", at + 1);
-    EXPECT_NE(at, std::string::npos) << fill;
-  }
+  std::string fills;
+  const std::string opening = "%DEBUT_RECT/%\r\n";
+  for (auto at = content.find(opening); at != std::string::npos; at = content.find(opening, at + 1))
+    fills += content.substr(at + opening.size(), 4);
+  EXPECT_EQ(fills, "0.000 g\r1.00") << "green, black, red";
 }
 
 TEST(Drawing, PolygonTakesThePointsThatAreOnes) {
-  const Value one = Value::List{10, 20};
-  const Value other = Value::Doubles{30, 40};
-  const Value none = Value::List{"x"};
-  const std::pair<Value::List, int> rows[] = {
-      {{one, none, other}, 2},
-      {{Value::List{none, one, other}}, 2},  // one array, its first point malformed
-      {{Value::List{Value(), one}}, 1},
-      {{one}, 1},
-      {{none, Value(), 1e308}, 0},
-      {{Value::List{}}, 0},
-      {{}, 0}};
+  const Value one = Value::List{10, 20}, other = Value::Doubles{30, 40}, none = Value::List{"x"};
+  const std::pair<Value::List, std::size_t> rows[] = {
+      {{one, none, other}, 2},          {{Value::List{none, one, other}}, 2},  // one array
+      {{Value::List{Value(), one}}, 1}, {{none, Value(), 1e308}, 0},          {{Value::List{}}, 0}, {{}, 0}};
   for (const auto& [points, usable] : rows) {
     const std::string content = contentOf([&, given = points](VeltranoPDF& pdf) {
       pdf.PDFSetDrawMode(DRAW_DRAWBORDER);
       pdf.PDFDrawPolygon(given);
     });
-    const auto painted = content.ends_with("h\r\nB\r\n%FIN_POLY/%\r\n");
-    EXPECT_EQ(painted, usable > 0) << content;
+    EXPECT_EQ(content.ends_with("h\r\nB\r\n%FIN_POLY/%\r\n"), usable > 0) << content;
     EXPECT_EQ(content.ends_with(" w \r\n%FIN_POLY/%\r\n"), usable == 0) << "no operator without a path";
-    EXPECT_EQ(countOf(content, " m\r\n") + countOf(content, " l\r\n"), static_cast<std::size_t>(usable));
+    EXPECT_EQ(countOf(content, " m\r\n") + countOf(content, " l\r\n"), usable);
+  }
+}
+
+TEST(Drawing, PageWithoutSizeTakesTheLinesThatNeedNone) {
+  const std::string file = fileOf([](auto& doc) {
+    doc.PDFPageHeight(std::nan(""));
+    doc.PDFPageWidth(INFINITY);
+    doc.PDFDrawLineHor(10, 20, 100);
+    doc.PDFDrawEllipse(10, 20, 5, 5);
+    doc.PDFTextOut("x", 1, 1);
+  });
+  EXPECT_EQ(pageContent(file, 1), lines({"%DEBUT_LNH/%", "[] 0 d", "0 G", "0.57 w S", "%FIN_LNH/%", "0 G",
+                                         "[] 0 d", "0 G", "0.57 w ", "s", "q 0 g ", "%DEBUT_TEXT/%", "BT",
+                                         "/F1 10 Tf", "(x) Tj", "ET", "Q", "%FIN_TEXT/%"}));
+  EXPECT_TRUE(holds(file, "/MediaBox [ 0 0 595.28 841.89]\r\n")) << "it is still a page";
+}
+
+TEST(Drawing, ACoordinateThatIsNoneLeavesThePositionOfBefore) {
+  for (const double none : {NAN, INFINITY, -INFINITY}) {
+    const Draw calls[] = {[=](auto& doc) { doc.PDFDrawLineHor(none, none, 5); },
+                          [=](auto& doc) { doc.PDFDrawLine(none, none, none, none); },
+                          [=](auto& doc) { doc.PDFDrawRectangle(none, 1, 5, none, "t"); },
+                          [=](auto& doc) { doc.PDFDrawEllipse(none, none, 5, 5, "t"); },
+                          [=](auto& doc) { doc.PDFCell("x", none, none, 5, 5, "t"); },
+                          [=](auto& doc) { doc.PDFLink(none, none, "x", "t"); }};
+    for (const auto& call : calls) {
+      const std::string content = contentOf([&](auto& doc) {
+        doc.PDFSetFont(FONT_COURIER, 10);
+        doc.PDFTextOut("Hello", 20, 30);  // 30 points wide
+        call(doc);
+        doc.PDFTextOut("after");
+      });
+      EXPECT_TRUE(holds(content, "BT\r\n50.00 801.89 Td\r\n"));
+    }
   }
 }
 

@@ -1,8 +1,7 @@
 #ifndef VELTRANO_TESTS_PDF_PDF_TESTING_H
 #define VELTRANO_TESTS_PDF_PDF_TESTING_H
 
-// What the tests of the PDF writer share: a document in a folder of its own and a reading of the file by its
-// marker lines, which knows nothing of how it was written.
+// A document in a folder of its own, and a reading of its file by the marker lines.
 
 #include <gtest/gtest.h>
 
@@ -37,11 +36,6 @@ inline std::size_t countOf(std::string_view text, std::string_view part) {
   return count;
 }
 
-/// A file of the folder of golden files.
-inline std::string golden(std::string_view name) {
-  return readWholeFile(std::filesystem::path(VELTRANO_GOLDEN_FOLDER) / name).value_or("no golden file");
-}
-
 /// The text of object `number` from its "N 0 obj" line to its "endobj" line, both left out.
 inline std::string objectText(std::string_view file, int number) {
   const std::string opening = "%DEBUT_OBJ/%\r\n" + std::to_string(number) + " 0 obj\r\n";
@@ -54,11 +48,10 @@ inline std::string objectText(std::string_view file, int number) {
 /// The content stream of a page of a document that has not been begun again.
 inline std::string pageContent(std::string_view file, int page) {
   const std::string text = objectText(file, 2 * page);
-  constexpr std::string_view opening = " >>\r\nstream\r\n";
-  const auto start = text.find(opening);
-  if (start == std::string::npos || !text.ends_with("endstream\r\n")) return "no content stream";
-  const auto from = start + opening.size();
-  return text.substr(from, text.size() - from - std::string_view("endstream\r\n").size());
+  constexpr std::string_view start = " >>\r\nstream\r\n", end = "endstream\r\n";
+  const auto from = text.find(start);
+  if (from == std::string::npos || !text.ends_with(end)) return "no content stream";
+  return text.substr(from + start.size(), text.size() - end.size() - from - start.size());
 }
 
 /// Number of the first object whose text holds `part`; 0 if no object does.

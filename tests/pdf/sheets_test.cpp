@@ -9,25 +9,6 @@ namespace {
 
 constexpr auto noTick = [](double) {};
 
-TEST(Sheets, WrapAndShortenTexts) {
-  Book book(595, 842);
-  const Face face(book.pdf, FONT_COURIER, FONT_NORMAL, 10);  // 6 points a character
-  const std::tuple<const char*, std::vector<std::string_view>, const char*> cases[] = {
-      {"", {""}, ""},
-      {"12345", {"12345"}, "12345"},
-      {"123456", {"12345", "6"}, "12..."},
-      {"ab cd ef", {"ab cd", "ef"}, "ab..."},
-      {"a bcdefg", {"a", "bcdef", "g"}, "a ..."},
-      {"a\n\nb", {"a", "", "b"}, "a\n\nb"},
-      {"     6", {"    ", "6"}, "  ..."},
-  };
-  for (const auto& [text, lines, shortened] : cases) {
-    EXPECT_EQ(face.wrap(text, 30), lines) << text;
-    EXPECT_EQ(face.shortened(text, 30), shortened) << text;
-  }
-  EXPECT_EQ(face.wrap("abc", 1), (std::vector<std::string_view>{"a", "b", "c"}));
-}
-
 std::string made(const std::string& title, const std::vector<std::vector<std::string>>& rows) {
   const tests::TemporaryFolder folder;
   Book book(595, 842);
@@ -37,41 +18,21 @@ std::string made(const std::string& title, const std::vector<std::vector<std::st
 }
 
 TEST(Sheets, HoldEveryCell) {
-  struct Case {
-    const char* label;
-    std::size_t columns;
-    std::size_t length;  ///< of a cell
-  };
-  for (const auto& [label, columns, length] :
-       {Case{"one", 1, 1}, Case{"fit", 12, 8}, Case{"bands", 300, 8}, Case{"wide bands", 40, 60}}) {
-    std::vector<std::vector<std::string>> rows(50, std::vector<std::string>(columns));
-    for (std::size_t row = 0; row < rows.size(); ++row) {
-      for (std::size_t column = 0; column < columns; ++column) {
-        rows[row][column] =
-            std::to_string(row) + "_" + std::to_string(column) + "_" + std::string(length, 'x');
-      }
-    }
-    rows[7].resize(columns / 2);
-    const std::string file = made(label, rows);
+  // Columns, and the length of a cell: one sheet, and several beside each other.
+  for (const auto& [columns, length] :
+       {std::pair<std::size_t, std::size_t>{1, 1}, {12, 8}, {300, 8}, {40, 60}}) {
+    std::vector<std::vector<std::string>> rows(50);
+    for (std::size_t row = 0; row < rows.size(); ++row)
+      for (std::size_t column = 0; column < (row == 7 ? columns / 2 : columns); ++column)
+        rows[row].push_back(std::to_string(row) + "_" + std::to_string(column) + "_" +
+                            std::string(length, 'x'));
+    const std::string file = made("title", rows);
     std::set<std::string> drawn;
     for (std::size_t at = file.find('('); at != std::string::npos; at = file.find('(', at + 1))
       drawn.insert(file.substr(at + 1, file.find_first_of("x)", at) - at - 1));
-    for (const auto& row : rows) {
-      for (const std::string& cell : row)
-        ASSERT_TRUE(drawn.contains(cell.substr(0, cell.find('x')))) << label << " " << cell;
-    }
+    for (const auto& row : rows)
+      for (const std::string& cell : row) ASSERT_TRUE(drawn.contains(cell.substr(0, cell.find('x')))) << cell;
   }
-}
-
-TEST(Sheets, StartPagesAtFormFeeds) {
-  const tests::TemporaryFolder folder;
-  Book book(595, 842);
-  book.pdf.PDFFileName(folder / "a.pdf");
-  ASSERT_TRUE(makeTextSheets(book, "T", "a\fb\f\tc\n\f\fd\x01", FONT_COURIER, noTick));
-  const std::string file = readWholeFile(folder / "a.pdf").value_or("");
-  EXPECT_EQ(tests::countOf(file, "/Type /Page\r\n"), 5U);
-  for (const char* line : {"(a)", "(b)", "(        c)", "(d )"})
-    EXPECT_EQ(tests::countOf(file, line), 1U) << line;
 }
 
 TEST(Sheets, KeepLongHeadsAndShortenLongTitles) {

@@ -13,42 +13,38 @@ namespace {
 
 using Links = PdfTest;
 
-TEST(LineBreaking, Table) {
-  const struct {
-    std::string_view text;
-    double available;  ///< every character is 10 wide
-    std::vector<std::string_view> expected;
-  } table[] = {{"aaa bbb", 50, {"aaa", "bbb"}},
-               {"aa bb cc", 50, {"aa bb", "cc"}},
-               {"aaaaa bb", 50, {"aaaaa", "bb"}},
-               {"aaa  bbb", 50, {"aaa ", "bbb"}},
-               {"  aaaa", 50, {" ", "aaaa"}},
-               {"aaaaaaa bb", 50, {"aaaaaaa", "bb"}},  // a word is never cut
-               {"aaaaaaa   b", 50, {"aaaaaaa  ", "b"}},
-               {"a aaaaaaa", 50, {"a", "aaaaaaa"}},
-               {"aaaaa   ", 50, {"aaaaa   "}},
-               {"aa bb", 50 - 1e-9, {"aa bb"}},  // the width of the text, brought into millimetres and back
-               {"", 50, {""}},
-               {"a\r\n\r\nb c\r\n", 50, {"a", "", "b c", ""}},
-               {"a\nb\rc", 50, {"a\nb\rc"}},
-               {"ab c", 5, {"ab", "c"}},
-               {"aaa bbb", 0, {"aaa bbb"}},
-               {"aaa bbb", std::nan(""), {"aaa bbb"}},
-               {"aaa bbb", INFINITY, {"aaa bbb"}}};
+TEST(LineBreaking, BreaksAtBlanksAndNeverWithinAWord) {
   FontMetrics metrics;
   metrics.widths.fill(1000);
-  for (const auto& row : table) {
-    const LineMeasure measure{metrics, 10, row.available};
-    std::vector<std::string_view> found;
-    for (const TextLine& line : breakText(row.text, measure)) found.push_back(line.text);
-    EXPECT_EQ(found, row.expected) << row.text << ' ' << row.available;
-    EXPECT_FALSE(row.expected.size() > 1 && asOneLine(row.text, measure)) << row.text;
+  const auto broken = [&](std::string_view text, double available) {
+    std::string lines;
+    for (const TextLine& line : breakText(text, {metrics, 10, available}))
+      lines.append(line.text).append("|");
+    return lines;
+  };
+  for (const auto& [text, lines] : {std::pair("aaa bbb", "aaa|bbb|"),
+                                    {"aa bb cc", "aa bb|cc|"},
+                                    {"aaaaa bb", "aaaaa|bb|"},
+                                    {"aaa  bbb", "aaa |bbb|"},
+                                    {"  aaaa", " |aaaa|"},
+                                    {"aaaaaaa bb", "aaaaaaa|bb|"},
+                                    {"aaaaaaa   b", "aaaaaaa  |b|"},
+                                    {"a aaaaaaa", "a|aaaaaaa|"},
+                                    {"aaaaa   ", "aaaaa   |"},
+                                    {"", "|"},
+                                    {"a\r\n\r\nb c\r\n", "a||b c||"},
+                                    {"a\nb\rc", "a\nb\rc|"}}) {
+    EXPECT_EQ(broken(text, 50), lines);  // every character is 10 wide
+    EXPECT_TRUE(std::string(text) + "|" == lines || !asOneLine(text, {metrics, 10, 50})) << text;
   }
+  EXPECT_EQ(broken("aa bb", 50 - 1e-9), "aa bb|")
+      << "the width of the text, brought into millimetres and back";
+  EXPECT_EQ(broken("ab c", 5), "ab|c|");
+  for (const double none : {0.0, std::nan(""), double{INFINITY}})
+    EXPECT_EQ(broken("aaa bbb", none), "aaa bbb|");
   const auto hanging = breakText("aaa  bbb", {metrics, 10, 50});
-  EXPECT_EQ(hanging[0].counted, "aaa");
-  EXPECT_EQ(hanging[0].width, 30);
-  EXPECT_FALSE(hanging[0].endsParagraph);
-  EXPECT_TRUE(hanging[1].endsParagraph);
+  EXPECT_TRUE(hanging[0].counted == "aaa" && hanging[0].width == 30);
+  EXPECT_TRUE(!hanging[0].endsParagraph && hanging[1].endsParagraph);
   EXPECT_EQ(breakText("aaaaaaa  ", {metrics, 10, 50})[0].counted, "aaaaaaa") << "blanks that do not fit";
   for (const std::size_t length : {65533, 65534, 70000}) {  // a break is searched only so far
     const std::string text = std::string(length, 'a') + " " + std::string(70000, 'b');
@@ -60,29 +56,17 @@ TEST(Cells, HundredthsAreThoseOfTheText) {
   std::mt19937_64 random(1);
   for (int i = 0; i < 200000; ++i) {
     // Ties and their neighbours, and any numbers.
-    const double tie =
-        static_cast<double>(static_cast<std::int64_t>(random() % 2000000) - 1000000) / 1000 + 0.005;
+    const double tie = static_cast<double>(random() % 2000000) / 1000 - 1000 + 0.005;
     const double number =
         i % 3 == 0   ? tie
         : i % 3 == 1 ? std::nextafter(tie, random() % 2 == 0 ? -1e9 : 1e9)
                      : std::ldexp(static_cast<double>(random()), static_cast<int>(random() % 90) - 70);
     ASSERT_EQ(hundredths(number), parseNumber(formatPdfNumber(number, 2))) << number;
   }
-  EXPECT_EQ(hundredths(7.495), 7.5);
   EXPECT_TRUE(std::isnan(hundredths(std::nan(""))));
 }
 
-/// The content of a cell at (100, 200), in points.
-std::string cell(std::string_view text, std::int32_t alignment, double width, double height,
-                 std::int16_t size = 10, bool fill = false) {
-  return contentOf([&](auto& pdf) {
-    pdf.PDFSetFont(FONT_ARIAL, size);
-    pdf.PDFSetAlignement(alignment);
-    pdf.PDFSetFill(fill);
-    pdf.PDFCell(text, 100, 200, width, height);
-  });
-}
-
+// Cells at (100, 200), 20 points high.
 TEST(Cells, Offsets) {
   const struct {
     std::string_view text;
@@ -96,13 +80,17 @@ TEST(Cells, Offsets) {
       {"i", ALIGN_RIGHT, 10.495, 9, "106.00 629.19 Td"},       // 7.495 counts as 7.50, less 1.998
       {"Hello", ALIGN_RIGHT, 30, 10, "104.00 628.89 Td"},      // one line: a margin at each side, not three
       {"Hello", ALIGN_RIGHT, 40000, 10, "100.00 628.89 Td"},   // no offset beyond 16 bits
-      {"Quantity", ALIGN_LEFT, 46, 10, "106.00 628.89 Td\r\n/F8 10 Tf\r\n(Quantity) Tj"},
       {"1234567890", ALIGN_CENTER, 40, 10, "92.00 628.89 Td\r\n/F8 10 Tf\r\n(1234567890) Tj"},  // runs over
-      {"a\r\nb", ALIGN_LEFT, 80, 10, "106.00 623.89 Td"},            // as close as the size, but not closer
-      {"a\r\nb\r\nc\r\nd", ALIGN_LEFT, 80, 10, "106.00 603.89 Td"},  // from the top on, and further down
-  };
-  for (const auto& row : rows)
-    EXPECT_TRUE(holds(cell(row.text, row.alignment, row.width, 20, row.size), row.place)) << row.text;
+      {"a\r\nb", ALIGN_LEFT, 80, 10, "106.00 623.89 Td"},             // as close as the size, but not closer
+      {"a\r\nb\r\nc\r\nd", ALIGN_LEFT, 80, 10, "106.00 603.89 Td"}};  // from the top on, and further down
+  for (const auto& row : rows) {
+    const std::string content = contentOf([&row](VeltranoPDF& pdf) {
+      pdf.PDFSetFont(FONT_ARIAL, row.size);
+      pdf.PDFSetAlignement(row.alignment);
+      pdf.PDFCell(row.text, 100, 200, row.width, 20);
+    });
+    EXPECT_TRUE(holds(content, row.place)) << row.text;
+  }
 }
 
 TEST(Cells, TheMarginsAreKeptFreeWhateverTheAlignmentAndUnit) {
@@ -125,18 +113,6 @@ TEST(Cells, TheMarginsAreKeptFreeWhateverTheAlignmentAndUnit) {
   }
   // 28.35 + 24, which is 56.69 - 3 - 30 in whole points.
   EXPECT_TRUE(holds(inCentimetres(ALIGN_RIGHT, 3, 2), "52.35 796.37 Td"));
-}
-
-TEST(Cells, LaterFillsBeginBelowTheDescendersOfTheLineBefore) {
-  const auto filled = [](double height, std::int16_t size) {
-    return cell("a\r\nb\r\nc", ALIGN_LEFT, 100, height, size, true);
-  };
-  const auto close = filled(30, 10);  // 10 apart; baselines at 633.89, 623.89 and 613.89
-  EXPECT_TRUE(holds(close, "125.00 621.39 50.00 9.50 re f\r\r\n"));
-  EXPECT_TRUE(holds(close, "125.00 616.39 50.00 4.50 re f\r\r\n"));
-  EXPECT_TRUE(holds(filled(60, 10), "125.00 599.89 50.00 18.00 re f\r\r\n"));
-  EXPECT_EQ(countOf(filled(20, 10), " re f"), 2U) << "nothing below the cell";
-  EXPECT_EQ(countOf(filled(30, -10), "125.00"), 2U) << "letters on their heads hang lower";
 }
 
 TEST(Text, PositionAfterATextIsInMixedUnits) {
@@ -190,13 +166,11 @@ TEST_F(Links, EachOnItsPageAndCountedIn16Bits) {
   const std::string file = fileOf([](VeltranoPDF& doc) {
     doc.PDFLink(1, 1, "first");
     doc.PDFNewPage();
-    for (int i = 0; i < 32767; ++i) doc.PDFDrawRectangle(1, 1, 1, 1, "second");
-    doc.PDFLink(1, 1, "last");
+    for (int i = 0; i < 32768; ++i) doc.PDFDrawRectangle(1, 1, 1, 1, i < 32767 ? "second" : "last");
   });
-  EXPECT_EQ(countOf(file, "/Annots ["), 2U);
-  EXPECT_EQ(countOf(file, "/URI (first)"), 1U);
-  EXPECT_EQ(countOf(file, "/URI (second)"), 32765U);
-  EXPECT_EQ(countOf(file, "/URI (last)"), 1U);
+  for (const auto& [part, count] :
+       {std::pair("/Annots [", 2U), {"/URI (first)", 1U}, {"/URI (second)", 32765U}, {"/URI (last)", 1U}})
+    EXPECT_EQ(countOf(file, part), count) << part;
 }
 
 }  // namespace

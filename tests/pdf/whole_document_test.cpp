@@ -115,15 +115,10 @@ TEST_F(WholeDocument, IsAsItWasWorkedOut) {
   std::string file = finish();
   const std::regex now(R"(\(D:\d{4}[01]\d[0-3]\d[0-2]\d[0-5]\d[0-5]\d\))");
   file = std::regex_replace(file, now, "(D:YYYYMMDDHHmmSS)");
-  const auto image = file.find(bytes);
-  ASSERT_NE(image, std::string::npos);
-  file.replace(image, bytes.size(), "(the bytes of the file)");
-  const std::string expected = golden("whole_document.txt");
-  const auto difference = std::mismatch(file.begin(), file.end(), expected.begin(), expected.end());
-  const auto at = static_cast<std::size_t>(difference.first - file.begin());
-  EXPECT_TRUE(file == expected) << "from " << at << " on:\n"
-                                << file.substr(at, 100) << "\ninstead of\n"
-                                << expected.substr(at, 100);
+  if (const auto image = file.find(bytes); image != std::string::npos)
+    file.replace(image, bytes.size(), "(the bytes of the file)");
+  const std::string expected = readWholeFile(VELTRANO_GOLDEN_FOLDER "/whole_document.txt").value();
+  EXPECT_EQ(file, expected);
 }
 
 }  // namespace

@@ -28,7 +28,6 @@ TEST(IniBuffers, Table) {
                {u"[Main]\r\n; A=0\r\n A=0\r\nA= 1 \r\n", u"A", u" 1 ", u"[Main]\r\n; A=0\r\n A=0\r\nA=2\r\n"},
                {u"\uFEFFA=1", u"A", absent, u"\uFEFFA=1\r\nA=2"},
                {u"A\0B=1\0\x1A\u00FF\r\n"s, u"a\0b"s, u"1\0\x1A\u00FF"s, u"a\0b=2\r\n"s},
-               {u"k=\u4E2D\u0141", u"k", u"\u4E2D\u0141", u"k=2"},
                {u"\u4E2D=1\r\n\u0416=2", u"\u0436", u"2", u"\u4E2D=1\r\n\u0436=2"},
                {u"\u0142=\u4E2D", u"\u0141", u"\u4E2D", u"\u0141=2"},
                {u"\u0141=1", u"L", absent, u"\u0141=1\r\nL=2"},
@@ -52,11 +51,10 @@ std::vector<std::u16string> linesOf(const std::u16string& text) {
 }
 
 bool belongsTo(const std::u16string& line, const std::u16string& key) {
-  const auto lower = [](std::u16string text) {
-    std::transform(text.begin(), text.end(), text.begin(), lowerCase);
-    return text;
-  };
-  return lower(line.substr(0, key.size() + 1)) == lower(key) + u"=";
+  const std::u16string start = key + u"=";
+  return std::equal(start.begin(), start.end(), line.begin(),
+                    line.begin() + std::min(start.size(), line.size()),
+                    [](char16_t a, char16_t b) { return lowerCase(a) == lowerCase(b); });
 }
 
 class IniFiles : public testing::Test {
@@ -102,14 +100,17 @@ TEST_F(IniFiles, RandomTextsObeyTheRules) {
   }
 }
 
-TEST_F(IniFiles, SetIniValueKeepsTheRestOfTheFile) {
+TEST_F(IniFiles, KeepTheRestAsItIs) {
   ini.SetIniValue(file, u"A", u"1");
   EXPECT_EQ(content(), "\r\nA=1\r\n");
-  ini.SetIniValue(file, u"a", u"2");
-  EXPECT_EQ(content(), "\r\na=2\r\n");
-  put("; keep\n\0\x1A\x81\r\nA=1\r\n[x]"s);
+  put("; k\n\0\x1A\x81\r\nA=1\r\n[x]"s);
   ini.SetIniValue(file, u"A", u"\u00E9");
-  EXPECT_EQ(content(), "; keep\n\0\x1A\x81\r\nA=\xE9\r\n[x]\r\n"s);
+  EXPECT_EQ(content(), "; k\n\0\x1A\x81\r\nA=\xE9\r\n[x]\r\n"s);
+  // A key that the code page lacks is on no line, not on those of its likenesses either.
+  put("?=1\r\nL=2\r\n");
+  for (const auto& key : {u"\u0141", u"\u4E2D"}) EXPECT_EQ(ini.GetIniValue(file, key, absent), absent);
+  ini.SetIniValue(file, u"\u4E2D", u"3");
+  EXPECT_EQ(content(), "?=1\r\nL=2\r\n\r\n?=3\r\n");
 }
 
 TEST_F(IniFiles, WhatIsWrittenIsOnTheDiskBeforeTheOldContentGoes) {
@@ -121,14 +122,6 @@ TEST_F(IniFiles, WhatIsWrittenIsOnTheDiskBeforeTheOldContentGoes) {
   EXPECT_EQ(calls.count(FileCall::sync), 2U) << calls.text();
 }
 
-TEST_F(IniFiles, KeysThatTheCodePageLacksAreOnNoLine) {
-  put("?=1\r\nL=2\r\n");
-  EXPECT_EQ(ini.GetIniValue(file, u"\u4E2D", u"\u0416"), u"\u0416");
-  EXPECT_EQ(ini.GetIniValue(file, u"\u0141", u"none"), u"none");
-  ini.SetIniValue(file, u"\u4E2D", u"3");
-  EXPECT_EQ(content(), "?=1\r\nL=2\r\n\r\n?=3\r\n");
-}
-
 #ifndef _WIN32
 // Windows has one code page for all of a machine's programs; this one has none of its own.
 TEST_F(IniFiles, KeysAreCharactersWhereThoseTakeTwoBytes) {
@@ -136,28 +129,20 @@ TEST_F(IniFiles, KeysAreCharactersWhereThoseTakeTwoBytes) {
   // The second byte of one letter is "A", of another "a"; a lone lead byte stays what it is.
   const std::string before = "\x83\x61=1\r\n\x83\x5C=\x95\\\r\n\x82\x60=3\r\n\x83\r\n";
   put(before);
-  EXPECT_EQ(ini.GetIniValue(file, u"\u30A2", u"none"), u"none");
-  EXPECT_EQ(ini.GetIniValue(file, u"\u30C2", u"none"), u"1");
-  EXPECT_EQ(ini.GetIniValue(file, u"\u30BD", u"none"), u"\u8868");
-  EXPECT_EQ(ini.GetIniValue(file, u"\uFF41", u"none"), u"3") << "wide letters have cases, too";
+  for (const auto& [key, value] :
+       {std::pair(u"\u30A2", absent), {u"\u30C2", u"1"}, {u"\u30BD", u"\u8868"}, {u"\uFF41", u"3"}})
+    EXPECT_EQ(ini.GetIniValue(file, key, absent), value);
   ini.SetIniValue(file, u"\u30A2", u"\u30C2");
   EXPECT_EQ(content(), before + "\r\n\x83\x41=\x83\x61\r\n");
-  ini.SetIniValue(file, u"\u30BD=", u"x");
-  EXPECT_EQ(content(), before + "\r\n\x83\x41=\x83\x61\r\n\r\n\x83\x5C==x\r\n");
   EXPECT_TRUE(setCodePage("windows-1252"));
 }
 #endif
 
 TEST_F(IniFiles, OpenAndClose) {
   EXPECT_EQ(ini.OpenFile(file), u"");
-  for (const auto& [text, written] : {std::pair{u"A=1\r\n"s, u"A=1\r\n"s},
-                                      {u"A=1"s, u"A=1\r\n"s},
-                                      {u""s, u"\r\n"s},
-                                      {u"\0\n\r"s, u"\0\n\r\r\n"s},
-                                      {u"\u4E2D\u20AC"s, u"?\u20AC\r\n"s},
-                                      {u"\r\n\r\n"s, u"\r\n\r\n"s}}) {
+  for (const std::u16string& text : {u"A=1\r\n"s, u"A=1"s, u""s, u"\0\u20AC\r"s}) {
     ini.CloseFile(file, text);
-    EXPECT_EQ(ini.OpenFile(file), written);
+    EXPECT_EQ(ini.OpenFile(file), text.ends_with(u"\r\n") ? text : text + u"\r\n");
   }
 }
 
@@ -169,13 +154,6 @@ TEST_F(IniFiles, WhatCannotBeReadOrWrittenIsNoError) {
     ini.CloseFile(name, u"A=1");
   }
   EXPECT_TRUE(fs::is_empty(folder.path()));
-#ifdef _WIN32
-  put("A=1");
-  fs::permissions(file, fs::perms::owner_read);
-  ini.SetIniValue(file, u"A", u"2");
-  fs::permissions(file, fs::perms::owner_all);
-  EXPECT_EQ(content(), "A=1");
-#endif
 }
 
 }  // namespace

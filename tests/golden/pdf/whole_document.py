@@ -1,10 +1,7 @@
 #!/usr/bin/env python3
 """Works out whole_document.txt: the document that whole_document_test.cpp draws, by the rules of the members and of the
 file, in exact decimal arithmetic. It knows nothing of the library's code; where a rule leaves a choice open (which blank a
-line is broken at, where a link's text stands), what the document shows is stated here.
-
-  whole_document.py          says whether the file beside it is what comes out
-  whole_document.py --write  writes it
+line is broken at, where a link's text stands), what the document shows is stated here. With --write it writes the file.
 """
 import sys
 from decimal import ROUND_HALF_EVEN, ROUND_HALF_UP, Decimal as D
@@ -39,7 +36,7 @@ def width(text, size):
 class Page:
     def __init__(self, page_width, page_height, points_per_unit):
         self.size, self.height, self.k = (page_width, page_height), D(page_height), points_per_unit
-        self.lines, self.links = [], []
+        self.lines, self.links, self.pen = [], [], n(LINE_WIDTH * points_per_unit)
 
     def add(self, *lines):
         self.lines += lines
@@ -47,27 +44,22 @@ class Page:
     def xy(self, x, y):
         return f"{n(x * self.k)} {n(self.height - y * self.k)}"
 
-    def line_width(self, rest):
-        self.add(n(LINE_WIDTH * self.k) + rest)
-
     def straight(self, kind, dash, start, end):
-        self.add(f"%DEBUT_{kind}/%", *([dash] if dash else []), self.xy(*start) + " m", self.xy(*end) + " l", RED + " RG")
-        self.line_width(" w S")
-        self.add(f"%FIN_{kind}/%")
+        self.add(f"%DEBUT_{kind}/%", *([dash] if dash else []), self.xy(*start) + " m", self.xy(*end) + " l", RED + " RG",
+                 self.pen + " w S", f"%FIN_{kind}/%")
 
     def dash(self, *lengths):
         return "[" + "".join(f"{int(length * self.k)} " for length in lengths) + "] 0 d"
 
     def rectangle(self, x, y, w, h, colours, operator, target=None):
-        self.add("%DEBUT_RECT/%", *colours, "[] 0 d", f"{self.xy(x, y)} {n(w * self.k)} {n(-h * self.k)} re {operator}")
-        self.line_width(" w S")
+        self.add("%DEBUT_RECT/%", *colours, "[] 0 d", f"{self.xy(x, y)} {n(w * self.k)} {n(-h * self.k)} re {operator}",
+                 self.pen + " w S")
         if target:
             self.link(x, y, w, h, target, WHITE, (x + 5, y + h // 2))
         self.add("%FIN_RECT/%")
 
     def ellipse(self, x, y, w, h, colours, operator):
-        self.add(*colours, "[] 0 d", RED + " RG")
-        self.line_width(" w ")
+        self.add(*colours, "[] 0 d", RED + " RG", self.pen + " w ")
         half_w, half_h, t = D(w) * self.k / 2, D(h) * self.k / 2, D("0.55")
 
         def at(dx, dy):
@@ -76,9 +68,8 @@ class Page:
                  f"{at(-1, -t)} {at(-t, -1)} {at(0, -1)} c", f"{at(t, -1)} {at(1, -t)} {at(1, 0)} c", operator)
 
     def polygon(self, points, colours, operators):
-        self.add("%DEBUT_POLY/%", "[] 0 d", *colours)
-        self.line_width(" w ")
-        self.add(*(self.xy(*point) + (" l" if i else " m") for i, point in enumerate(points)), *operators, "%FIN_POLY/%")
+        corners = (self.xy(*point) + (" l" if i else " m") for i, point in enumerate(points))
+        self.add("%DEBUT_POLY/%", "[] 0 d", *colours, self.pen + " w ", *corners, *operators, "%FIN_POLY/%")
 
     def text(self, text, x, y, size, colour, turn=None, underlined=False):
         """`turn` is cosine and sine."""
