@@ -9,7 +9,6 @@
 #include <limits>
 #include <random>
 
-#include "base/os/clock.h"
 #include "tests/split.h"
 
 namespace veltrano {
@@ -102,19 +101,6 @@ TEST(ParseNumber, TakesOneInvariantNumber) {
   for (const char* text :
        {"", " ", "abc", "1,5", "1 2", "inf", "nan", "-inf", "--1", "+-1", "0x10", "1e", "-"})
     EXPECT_EQ(parseNumber(text), std::nullopt) << text;
-}
-
-TEST(Clock, TimeOfDayAndDateAgree) {
-  const LocalTime before = localTime();
-  const float seconds = secondsSinceMidnight();
-  const LocalTime after = localTime();
-  const auto ofDay = [](const LocalTime& t) {
-    return static_cast<float>((t.hour * 60 + t.minute) * 60 + t.second);
-  };
-  EXPECT_GE(before.year, 2026);
-  EXPECT_TRUE(before.day != after.day || (seconds >= ofDay(before) && seconds < ofDay(after) + 1)) << seconds;
-  const double hundredths = std::round(static_cast<double>(seconds) * 100);
-  EXPECT_EQ(seconds, static_cast<float>(hundredths / 100)) << "steps of a hundredth";
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 
 #include <tuple>
 
-#include "veltrano/version.h"
-
 namespace veltrano {
 namespace {
 
@@ -37,13 +35,6 @@ TEST(Value, ConvertsAsAutomationDoes) {
 TEST(Value, WholeNumbersRoundToEvenAndMustFit) {
   EXPECT_EQ(Value(2.5).toInt16(), std::int16_t{2});
   EXPECT_TRUE(!Value(40000).toInt16() && Value(40000).toInt32() == 40000);
-}
-
-TEST(Version, IsTheProjects) {
-  const auto part = [](int number) { return std::to_string(number); };
-  EXPECT_EQ(part(versionMajor) + "." + part(versionMinor) + "." + part(versionPatch),
-            VELTRANO_PROJECT_VERSION);
-  EXPECT_STREQ(versionText, VELTRANO_PROJECT_VERSION);
 }
 
 }  // namespace
