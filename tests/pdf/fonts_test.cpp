@@ -157,7 +157,7 @@ TEST_F(Fonts, LoadingAFolder) {
       {4, "Zebra"}, {5, "Helvetica-Bold"}, {16, "ZapfDingbats"}};
   for (const auto& [number, name] : names)
     EXPECT_TRUE(holds(file, "/Name /F" + std::to_string(number) + "\r\n/BaseFont /" + name + "\r\n"));
-  // The whole path counts: in a folder of such a name each file is a font, but "a" is too short to give a name.
+  // The whole path counts: in such a folder each file is a font, but "a" is too short to give a name.
   std::filesystem::create_directory(folder / "fonts.afm");
   for (const char* name : {"fonts.afm/a", "fonts.afm/readme.txt"}) replaceFile(folder / name, "x");
   pdf.PDFLoadAfm(folder / "fonts.afm");

@@ -36,7 +36,7 @@ run() {
   for argument in "$@"; do arguments+=("$(windows_path "$argument")"); done
   [[ $program != */cscript.exe ]] || arguments=(//nologo "${arguments[@]}")
   "$wine" "$program" "${arguments[@]}" 2>"$folder/$name.err" | tr -d '\r' >"$folder/$name.log" || true
-  [ "$(tail -n 1 "$folder/$name.log")" = done ] ||
+  [ "$(tail -n 1 "$folder/$name.log")" = "done" ] ||
     fail "$name came no further than: $(tail -n 2 "$folder/$name.log") $(tail -n 1 "$folder/$name.err")"
 }
 

@@ -270,7 +270,7 @@ def check_doctor(runner, dll, system, wine):
         # The prefix is beside the folder and made once: it may have the DLL of a run before.
         subprocess.run([*register, "/u"], check=False, env=runner.environment)
         faults += r".*WRONG  DLL for 32-bit hosts: not registered\n +Register"
-        well += r"ok     DLL for \d\d-bit hosts: [^\n]*, version 1[^\n]*, loads\n"
+        well += r"(ok     [^\n]*\n)*ok     DLL for \d\d-bit hosts: [^\n]*, version 1[^\n]*, loads\n"
     installed, runner.command[-1] = runner.command[-1], str(alone)
     runner.check(["doctor"], 1, re.compile(faults), None, findings=True, VELTRANO_TRACE="missing/trace.txt")
     if wine:
