@@ -119,14 +119,15 @@ TEST_F(Relations, RefuseWhatTheChildrenCannotHold) {
   make(tablesOf("table Names; Name text(20); primary P (Name desc)\n"
                 "table Short; ID long; Name text(5); primary P (ID)\n"
                 "table Needed; ID long; Name text(9) required; primary P (ID)"),
-       {.relations = {{"RS", "Names", {"Name"}, "Short", {"Name"}, true, OnDelete::setNull},
-                      {"RN", "Names", {"Name"}, "Needed", {"Name"}, true, OnDelete::setNull}}});
+       {.relations = {{"RN", "Names", {"Name"}, "Needed", {"Name"}, true, OnDelete::setNull},
+                      {"RS", "Names", {"Name"}, "Short", {"Name"}, true, OnDelete::setNull}}});
   play(R"(
-      add Names Name=Anna; add Names Name=Bert; add Short ID=1 Name=ANNA_; add Needed ID=1 Name=bert
-      !change Names Name=Anna Name=Annabel: the relation RS
-      change Names Name=Anna Name=aNNA; all Short Name ID: ANNA 1
-      change Names Name=aNNA Name=Anne; all Short Name: Anne
+      add Names Name=Anna; add Names Name=Bert; add Needed ID=1 Name=bert
+      add Short ID=1 Name=ANNA_; add Short ID=2 Name=Bert; !change Names Name=Anna Name=Annabel: the relation RS
+      change Names Name=Anna Name=aNNA; all Short Name ID: ANNA 1 Bert2
+      change Names Name=aNNA Name=Anne; all Short Name: Anne Bert
       !delete Names Name=Bert: the relation RN
+      change Names Name=Anne Name=Anne; all Short Name: Anne Bert
       all Names Name: Bert Anne)");
 }
 

@@ -25,7 +25,7 @@ class SimulatedDisk final : public FileSystem {
   static constexpr int never = std::numeric_limits<int>::max();
 
   /// A durable file.
-  void put(const std::string& name, std::string content) {
+  void put(const std::string& name, const std::string& content) {
     names_[name] = std::make_shared<Stored>(Stored{content, content, {}, true});
     removed_.erase(name);
   }
