@@ -161,12 +161,12 @@ std::unique_ptr<PageCipher> open(const AgileEncryption& encryption, std::uint32_
 }  // namespace
 
 PageCipher::Stretch PageCipher::changedBy(Stretch plain, std::size_t pageSize) const {
-  constexpr std::size_t blockSize = sizeof(AesBlock);
+  constexpr std::size_t cipherBlock = sizeof(AesBlock);
   if (spread_ == Spread::byte) {
     return plain;
   }
-  const std::size_t begin = plain.begin / blockSize * blockSize;
-  const std::size_t end = (plain.end + blockSize - 1) / blockSize * blockSize;
+  const std::size_t begin = plain.begin / cipherBlock * cipherBlock;
+  const std::size_t end = (plain.end + cipherBlock - 1) / cipherBlock * cipherBlock;
   return {begin, spread_ == Spread::block ? end : pageSize};
 }
 
