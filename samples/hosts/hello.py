@@ -2,7 +2,7 @@
 
   python hello.py C:\\Temp\\hello.pdf
 
-Needs Windows and pywin32. The project's tests compare its calls with the type library and do not run it.
+Needs Windows and pywin32. The project's tests run it with a stand-in for pywin32, not with pywin32 itself.
 """
 
 import os

@@ -5,8 +5,8 @@
                                            pages say that they print; exits 1 if a log differs
   page_examples.py compile COMPILER        compiles the programs of the page on Linux
 
-VBScript and JScript blocks of a page run one after the other in one script, except those after a remark "not run: REASON" and those
-of a sample's file, which is run by itself. A text block right after an example is what it prints; a block after a remark "in FILE"
+VBScript, JScript and Python blocks of a page run one after the other in one script, except those after a remark "not run: REASON"
+and those of a sample's file, which is run by itself. A text block right after an example is what it prints; a block after a remark "in FILE"
 is a part of that file.
 """
 
@@ -22,7 +22,8 @@ from type_library_source import read_library  # noqa: E402
 
 # Extension, how constants that a script does not know are declared, its last line, and its backslash.
 HOSTS = {"vbscript": ("vbs", "'", "Const {name} = {value}", 'WScript.Echo "done"', "\\"),
-         "javascript": ("js", "//", "var {name} = {value};", 'WScript.Echo("done");', "\\\\")}
+         "javascript": ("js", "//", "var {name} = {value};", 'WScript.Echo("done");', "\\\\"),
+         "python": ("py", None, None, 'print("done")', "\\")}
 BLOCK = re.compile(r"(?:<!-- (file:|not run:|in) (.*?) -->\n)?^```(\w+)\n(.*?)^```\n(?:\n^```text\n(.*?)^```\n)?", re.M | re.S)
 PAGES = {path.stem: BLOCK.findall(path.read_text()) for path in [ROOT / "README.md", *sorted((ROOT / "docs").rglob("*.md"))]
          if "reference" not in path.parts}
@@ -40,7 +41,7 @@ def write_scripts(folder, files):
             if codes := [code for code, _ in examples(page, language)]:
                 script = "\n".join([*codes, done])
                 own = set(re.findall(r"(\w+) = \d", " ".join(re.findall(r"^(?:Const|var) (?:\w+ = \d+(?:, )?)+;?$", script, re.M))))
-                head = [row for row in constants(enumerations, remark, line) if own.isdisjoint(re.findall(r"(\w+) = \d", row))]
+                head = [row for row in (constants(enumerations, remark, line) if remark else []) if own.isdisjoint(re.findall(r"(\w+) = \d", row))]
                 script = script.replace(f"C:{slash}Temp", files.replace("\\", slash))
                 (folder / f"page-{page}.{extension}").write_text("\n".join([*head, script, ""]), newline="\r\n")
 

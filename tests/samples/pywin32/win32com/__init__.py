@@ -1,0 +1,1 @@
+"""A stand-in for pywin32's package of this name, see client.py."""
