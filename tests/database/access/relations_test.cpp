@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <regex>
 #include <tuple>
 
 #include "base/files/whole.h"
@@ -10,6 +11,85 @@ namespace veltrano::access {
 namespace {
 
 using Relations = DatabaseTest;
+
+enum class Shape { oneColumn, twoColumns, ownParent };
+
+class RelationMatrix : public DatabaseTest, public testing::WithParamInterface<std::tuple<Shape, OnDelete>> {
+ protected:
+  using Regex = std::regex;
+  /// The step with the columns and the table of this shape.
+  [[nodiscard]] std::string inShape(std::string step) const {
+    if (shape_ == Shape::twoColumns) {
+      step = std::regex_replace(step, Regex("(add Parent|change Parent ID=.) ID=(.)"), "$1 ID=$2 Text=t$2");
+      step = std::regex_replace(step, Regex("Up=(\\d)"), "Up=$1 UpText=t$1");
+      step = std::regex_replace(step, Regex("Up=-"), "Up=- UpText=-");
+    }
+    return shape_ == Shape::ownParent ? std::regex_replace(step, Regex("Parent"), "Child") : step;
+  }
+  /// Reads all: "1 2: 10>1 11>-" are the parents, and the children with their parents.
+  [[nodiscard]] std::string state(const std::string& all) const {
+    const bool two = shape_ == Shape::twoColumns;
+    const std::string parents = all.substr(0, all.find(':'));
+    std::string children = all.substr(parents.size() + 1);
+    children = std::regex_replace(children, Regex(">(\\d)"), two ? "$1t$1" : "$1");
+    children = std::regex_replace(children, Regex(">-"), two ? "()()" : "()");
+    return shape_ == Shape::ownParent
+               ? "\nall Child ID Up: " + std::regex_replace(parents, Regex("\\d"), "$&()") + children
+               : "\nall Parent ID: " + parents + "\nall Child ID Up" + (two ? " UpText:" : ":") + children;
+  }
+
+  Shape shape_ = std::get<0>(GetParam());
+  OnDelete rule_ = std::get<1>(GetParam());
+};
+
+TEST_P(RelationMatrix, IsEnforced) {
+  const std::string atFirst = "1 2 3: 10>1 11>1 12>2 13>-";
+  // The state after each, by the rules refuse, cascade and set null, or under all of them; empty if it is refused.
+  const std::pair<const char*, std::vector<std::string>> changes[] = {
+      {"add Child ID=14 Up=2", {atFirst + " 14>2"}},
+      {"add Child ID=14 Up=-", {atFirst + " 14>-"}},
+      {"add Child ID=14 Up=9", {""}},
+      {"add Parent ID=9", {"1 2 3 9: 10>1 11>1 12>2 13>-"}},
+      {"change Child ID=12 Up=1", {"1 2 3: 10>1 11>1 12>1 13>-"}},
+      {"change Child ID=12 Up=-", {"1 2 3: 10>1 11>1 12>- 13>-"}},
+      {"change Child ID=12 Up=9", {""}},
+      {"change Parent ID=1 ID=7", {"", "2 3 7: 10>7 11>7 12>2 13>-", ""}},
+      {"change Parent ID=1 ID=2", {""}},
+      {"change Parent ID=3 ID=7", {"1 2 7: 10>1 11>1 12>2 13>-"}},
+      {"change Parent ID=1 Name=n", {atFirst}},
+      {"delete Parent ID=1", {"", "2 3: 12>2 13>-", "2 3: 10>- 11>- 12>2 13>-"}},
+      {"delete Parent ID=3", {"1 2: 10>1 11>1 12>2 13>-"}},
+      {"delete Child ID=10", {"1 2 3: 11>1 12>2 13>-"}},
+  };
+  const bool two = shape_ == Shape::twoColumns;
+  using Names = std::vector<std::string>;
+  make(tablesOf("table Child; ID long; Up long; UpText text(30); Name text; primary P (ID)\n"
+                "table Parent; ID long; Text text(20); Name text; primary P " +
+                std::string(two ? "(ID, Text)" : "(ID)")),
+       {.relations = {{"Rel", inShape("Parent"), two ? Names{"ID", "Text"} : Names{"ID"}, "Child",
+                       two ? Names{"Up", "UpText"} : Names{"Up"}, rule_ == OnDelete::cascade, rule_}}});
+  for (const char* step : {"add Parent ID=1", "add Parent ID=2", "add Parent ID=3", "add Child ID=10 Up=1",
+                           "add Child ID=11 Up=1", "add Child ID=12 Up=2", "add Child ID=13"}) {
+    play(inShape(step));
+  }
+  close();
+  const std::string before = readWholeFile(file_).value();
+  for (const auto& [change, results] : changes) {
+    SCOPED_TRACE(change);
+    replaceFile(file_, before);
+    reopen();
+    const std::string& after = results[results.size() > 1 ? static_cast<std::size_t>(rule_) : 0];
+    const std::string reason =
+        std::string_view(change).ends_with("ID=2") ? ": duplicate" : ": the relation Rel";
+    play(after.empty() ? "!" + inShape(change) + reason + state(atFirst) : inShape(change) + state(after));
+    close();
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, RelationMatrix,
+    testing::Combine(testing::Values(Shape::oneColumn, Shape::twoColumns, Shape::ownParent),
+                     testing::Values(OnDelete::refuse, OnDelete::cascade, OnDelete::setNull)));
 
 // Customers, their orders and the lines of these: other recordsets stand on records that go, and the memos go as well.
 TEST_F(Relations, GoThroughLevelsAndTellOtherRecordsets) {
