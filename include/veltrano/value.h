@@ -61,6 +61,7 @@ class VELTRANO_API Value {
   /// A whole number of another width. One above 2^63 - 1 is kept as a decimal, so it is exact, too.
   template <std::integral T>
   Value(T number) : data_(static_cast<std::int64_t>(number)) {
+    static_assert(sizeof(T) <= sizeof(std::int64_t));
     if constexpr (std::unsigned_integral<T> && sizeof(T) == sizeof(std::uint64_t)) {
       if (number > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) {
         data_ = Decimal{
@@ -79,6 +80,8 @@ class VELTRANO_API Value {
   Value(std::string text) : data_(std::move(text)) {}
   Value(std::string_view text) : data_(std::string(text)) {}
   Value(const char* text) : data_(std::string(text)) {}
+  /// Not a flag, which other pointers would turn into: L"text", u8"text", nullptr.
+  Value(const void* pointer) = delete;
   /// A list of values of any kind (a variant array).
   Value(List list) : data_(std::move(list)) {}
   /// A typed array of 64-bit floats.

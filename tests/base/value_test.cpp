@@ -2,10 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <tuple>
+#include <type_traits>
 
 namespace veltrano {
 namespace {
+
+// They would be flags, to which every pointer converts, and null a text that lies nowhere.
+static_assert(!std::is_constructible_v<Value, const wchar_t*> &&
+              !std::is_constructible_v<Value, const char8_t*> &&
+              !std::is_constructible_v<Value, std::nullptr_t>);
 
 TEST(Value, ConvertsAsAutomationDoes) {
   const std::tuple<const char*, Value, std::optional<double>, std::optional<std::string>> cases[] = {

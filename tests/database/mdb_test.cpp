@@ -157,6 +157,8 @@ TEST_F(VeltranoMdb, TwoObjectsShareTheFileOfOneUser) {
   EXPECT_FALSE(second_.OpenDB(name(), "", "wrong") || second_.OpenDB(name() + "x") ||
                second_.OpenTable("Nobody"));
   EXPECT_EQ(second_.ReadRecord_String("N"), "7") << "what is open stays if an open fails";
+  EXPECT_TRUE(second_.OpenDB(name(), "", "secret"));
+  EXPECT_EQ(second_.ReadRecord_String("N"), "7") << "the table stays until another one is opened";
   ASSERT_TRUE(second_.OpenTable("KINDS"));
   EXPECT_TRUE(second_.Eof());
   first_.CloseDatabase();

@@ -154,6 +154,14 @@ TEST_F(IniFiles, WhatCannotBeReadOrWrittenIsNoError) {
     ini.CloseFile(name, u"A=1");
   }
   EXPECT_TRUE(fs::is_empty(folder.path()));
+  put("A=1");
+  {
+    const FileCallLog unreadable([](FileCall call, const fs::path&) {
+      return call == FileCall::read ? Failure::other : Failure::none;
+    });
+    ini.SetIniValue(file, u"B", u"2");
+  }
+  EXPECT_EQ(content(), "A=1") << "the other settings would be lost";
 }
 
 }  // namespace

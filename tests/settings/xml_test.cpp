@@ -146,6 +146,19 @@ TEST_F(XmlSettings, WhatIsSavedIsOnTheDiskBeforeTheOldContentGoes) {
   EXPECT_EQ(calls.count(FileCall::sync), 1U);
 }
 
+TEST_F(XmlSettings, AFileThatCannotBeReadStays) {
+  const std::string before = "<XML><A><K>1</K></A></XML>";
+  ASSERT_TRUE(replaceFile(file, before));
+  {
+    const FileCallLog unreadable([](FileCall call, const std::filesystem::path&) {
+      return call == FileCall::read ? Failure::other : Failure::none;
+    });
+    run("open; save B K 2");
+    xml.XML_Save();
+  }
+  EXPECT_EQ(saved(), before);
+}
+
 // Beyond some two dozen children a table of names finds them: it must answer as going through them does.
 TEST_F(XmlSettings, LargeFoldersAnswerAsAModelDoes) {
   std::map<std::string, std::map<std::string, std::deque<std::string>>> model;  // equal keys in their order

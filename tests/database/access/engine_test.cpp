@@ -23,7 +23,7 @@ TEST_F(Engine, MovesAndEditsAsADynasetDoes) {
       first Small; new Small; read Small ID Name Note Flag: 2()newFalse
       write Small Name=b; read Small Name: b
       update Small; read Small Name: a
-      !update Small; edit Small; write Small Name=x; read Small Name: x
+      !update Small; edit Small; write Small Name=x; read Small ID Name: 1x
       next Small; !update Small; new Small; write Small Name=y; last Small; !update Small
       add Small Name=c; all Small ID Name: 1a 2b 4c
       delete Small Name=b; read Small Name: ()
