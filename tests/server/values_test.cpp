@@ -34,7 +34,7 @@ TEST(Conversions, KeepTheKind) {
       {0.5, 0.5},
       {0.1F, Argument::of(VT_R4, 0.1F)},
       {Date{2.5}, Argument::of(VT_DATE, 2.5)},
-      {Currency{12345}, Argument::of(VT_CY, std::int64_t{12345})},
+      {Currency{123456789012}, Argument::of(VT_CY, std::int64_t{123456789012})},
       {Decimal{true, {0xEB1F0AD2, 0xAB54A98C, 0x1, 0}, 28}, decimal},
       {"\xE9", L"\u00e9"},
       {Value::Doubles{0, 0}, Argument::array(VT_R8, 2)},
