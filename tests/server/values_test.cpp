@@ -75,13 +75,18 @@ TEST(Pictures, BecomeFilesAndByteStringsAndComeBackThroughAnAddress) {
     EXPECT_EQ(L"False", save(none));
   EXPECT_EQ(L"refused", save(L"text"));
 
-  const auto jpg = dll.create(CLSID_VeltranoJPG);
+  const auto jpg = dll.create<_VeltranoJPG>(CLSID_VeltranoJPG, IID__VeltranoJPG);
   const std::filesystem::path file = folder / L"a.jpg";
   callMethod(*jpg.get(), L"SaveJPEG", {picture.get(), file.c_str(), 90, 400, 300});
   const std::string jpeg = readFile(file);
   const Outcome encoded = callMethod(*jpg.get(), L"SaveJPEGToMemoryResampled", {file.c_str(), 90});
   EXPECT_EQ(L'\u00ff', encoded.result.text()[0]);
   callMethod(*jpg.get(), L"SaveJPEGFromRAMToMemoryResampled", {encoded.result});
+  // The quality that is left out, late bound and early bound.
+  Argument name(file.c_str()), early = Argument::of(VT_BSTR);
+  jpg->SaveJPEGToMemoryResampled(&name->bstrVal, nullptr, nullptr, nullptr, &early->bstrVal);
+  for (const Argument& omitted : {callMethod(*jpg.get(), L"SaveJPEGToMemoryResampled", {name}).result, early})
+    EXPECT_EQ(callMethod(*jpg.get(), L"SaveJPEGToMemoryResampled", {name, 50}).result.text(), omitted.text());
   EXPECT_EQ(L"400", getProperty(*jpg.get(), L"JPEGWidth"));
   EXPECT_EQ(L"300", getProperty(*jpg.get(), L"JPEGHeight"));
 
