@@ -80,7 +80,7 @@ class VELTRANO_API Value {
   Value(std::string text) : data_(std::move(text)) {}
   Value(std::string_view text) : data_(std::string(text)) {}
   Value(const char* text) : data_(std::string(text)) {}
-  /// Not a flag, which other pointers would turn into: L"text", u8"text", nullptr.
+  /// Deleted: any other pointer would become a flag, as L"text", u8"text" and nullptr.
   Value(const void* pointer) = delete;
   /// A list of values of any kind (a variant array).
   Value(List list) : data_(std::move(list)) {}
