@@ -3,7 +3,7 @@
 # random order: on virtual machines the first to use memory that the host had taken away pays for all.
 #   ./bench.sh           all areas
 #   ./bench.sh pdf kml   only these areas (of base pdf kml settings imaging database server)
-set -eu
+set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 scripts/install-packages.sh native benchmarks
 scripts/build.sh bench

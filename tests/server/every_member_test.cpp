@@ -1,5 +1,5 @@
 // Every member of every class, as the type library has it, called late and early bound with absurd arguments: nothing
-// may crash, hang or leave a count behind.
+// may crash, hang or leave a count too high.
 
 #include <gmock/gmock.h>
 
@@ -93,7 +93,7 @@ TEST(EveryMember, SurvivesAbsurdArguments) {
     }
     EXPECT_TRUE(slot > 7 || entry.clsid == &CLSID_VeltranoGIS);
   }
-  EXPECT_EQ(S_OK, dll.canUnloadNow()) << "an object was left behind";
+  EXPECT_EQ(S_OK, dll.canUnloadNow()) << "an object is still counted";
   std::filesystem::current_path(folder.path().parent_path());
 }
 
